@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace platform {
+
+/// A wall-clock instant in seconds since an arbitrary reference; intervals are plain differences.
+using Instant = double;
+
+/// A registration that ends when this is destroyed.
+class Registration {
+  public:
+    virtual ~Registration() = default;
+};
+using RegistrationHandle = std::unique_ptr<Registration>;
+
+/// The main thread's queue and the program's clock.
+class MainQueue {
+  public:
+    virtual ~MainQueue() = default;
+    /// Runs the work on the main thread after what is already queued. From any thread; each thread's posts stay in
+    /// order. Work that is still queued when the program ends is dropped.
+    virtual void post(std::function<void()> work) = 0;
+    /// The same after a delay.
+    virtual void postAfter(std::chrono::milliseconds delay, std::function<void()> work) = 0;
+    /// Runs the work again and again on the main thread, also while menus or modal windows are open, until the handle
+    /// is destroyed. Beats that were missed are not made up for. Main thread only.
+    [[nodiscard]] virtual RegistrationHandle repeat(std::chrono::milliseconds interval, std::function<void()> work) = 0;
+    /// The present instant. From any thread.
+    [[nodiscard]] virtual Instant now() const = 0;
+};
+
+} // namespace platform

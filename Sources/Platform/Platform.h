@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Accessibility.h"
+#include "Platform/Keys.h"
+#include "Platform/MainQueue.h"
+#include "Platform/PanelWindow.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/Process.h"
+#include "Platform/Screens.h"
+#include "Platform/URLSession.h"
+#include "Platform/UserDefaults.h"
+#include "Platform/Workspace.h"
+
+namespace platform {
+
+/// One of each of the services that the program asks of a desktop. Filled by the program's entry point, or by a test;
+/// the services outlive everything that uses them.
+struct Platform {
+    Accessibility &accessibility;
+    EventTaps &eventTaps;
+    KeyPoster &keyPoster;
+    MainQueue &mainQueue;
+    PanelWindows &panelWindows;
+    Pasteboard &pasteboard;
+    Process &process;
+    Screens &screens;
+    URLSession &urlSession;
+    UserDefaults &userDefaults;
+    Workspace &workspace;
+};
+
+/// The services that the program runs on. Set before the first thread starts; asking before that is a programming
+/// error and ends the program.
+[[nodiscard]] const Platform &current();
+
+/// Makes a set of services the current one until this object is destroyed.
+class Installation {
+  public:
+    explicit Installation(const Platform &platform);
+    ~Installation();
+    Installation(const Installation &) = delete;
+    Installation &operator=(const Installation &) = delete;
+};
+
+} // namespace platform

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QUrl>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <stop_token>
+#include <utility>
+#include <vector>
+
+namespace platform {
+
+struct URLRequest {
+    QUrl url;
+    QByteArray method = "GET";
+    std::vector<std::pair<QByteArray, QByteArray>> headers;
+    QByteArray body;
+    /// The longest wait for the next data of the response, not a limit on the whole exchange.
+    std::chrono::milliseconds timeout{60'000};
+};
+
+/// The transport failed: no connection, time-out, broken transfer, an answer beyond all bounds. The text is fit for a
+/// user's eyes and holds neither header nor body.
+class URLError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// The task was asked to stop. Not a failure.
+class CancellationError : public std::exception {
+  public:
+    [[nodiscard]] const char *what() const noexcept override { return "cancelled"; }
+};
+
+/// A response whose body is read while it arrives. One thread at a time. Destroying it ends the exchange without
+/// waiting.
+class URLByteStream {
+  public:
+    virtual ~URLByteStream() = default;
+    /// The HTTP status; absent when the answer was not HTTP.
+    [[nodiscard]] virtual std::optional<int> statusCode() const = 0;
+    /// Waits for the next line of the body, without its line break (LF, CR LF or CR); absent at the end. Throws
+    /// URLError, or CancellationError as soon as the request's stop token asks for it.
+    virtual std::optional<QByteArray> nextLine() = 0;
+};
+
+struct URLResponse {
+    /// Absent when the answer was not HTTP.
+    std::optional<int> statusCode;
+    QByteArray body;
+};
+
+/// Sends HTTP requests. The operations block the calling thread, which is never the main one; any number of threads
+/// may call at once. Connections are kept alive between requests. Redirects are not followed.
+class URLSession {
+  public:
+    virtual ~URLSession() = default;
+    /// Sends a request and returns once the head of the response is in. Throws URLError or CancellationError.
+    [[nodiscard]] virtual std::unique_ptr<URLByteStream> bytes(const URLRequest &request, std::stop_token stop) = 0;
+    /// Sends a request and returns the whole response. Throws URLError or CancellationError.
+    [[nodiscard]] virtual URLResponse data(const URLRequest &request, std::stop_token stop) = 0;
+};
+
+} // namespace platform

@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <map>
+#include <optional>
+#include <variant>
+
+namespace platform {
+
+using DefaultsValue = std::variant<bool, qint64, QString, QByteArray>;
+
+/// A persistent key-value store of preferences. Registered defaults apply to keys that were never written and are not
+/// saved. A stored value of another type reads as if the key had never been written. Safe to use from any thread.
+class UserDefaults {
+  public:
+    virtual ~UserDefaults() = default;
+    virtual void registerDefaults(const std::map<QString, DefaultsValue> &defaults) = 0;
+    [[nodiscard]] virtual std::optional<QString> string(const QString &key) const = 0;
+    /// False when there is no value.
+    [[nodiscard]] virtual bool boolean(const QString &key) const = 0;
+    /// 0 when there is no value.
+    [[nodiscard]] virtual qint64 integer(const QString &key) const = 0;
+    [[nodiscard]] virtual std::optional<QByteArray> data(const QString &key) const = 0;
+    /// Stores a value; false when it could not be saved to disk (it holds in memory all the same).
+    virtual bool set(const QString &key, const DefaultsValue &value) = 0;
+    /// Forgets a stored value, so that the registered default shows again; false when that could not be saved.
+    virtual bool remove(const QString &key) = 0;
+};
+
+} // namespace platform

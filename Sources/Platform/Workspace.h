@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QString>
+#include <QUrl>
+
+#include <optional>
+
+namespace platform {
+
+struct RunningApplication {
+    qint32 pid = 0;
+    /// Absent for a program that the desktop does not know as an application.
+    std::optional<QString> bundleIdentifier;
+    std::optional<QString> localizedName;
+};
+
+/// The applications that run on the desktop. Main thread only.
+class Workspace {
+  public:
+    virtual ~Workspace() = default;
+    /// The running application of a process, or absent when there is no such process.
+    [[nodiscard]] virtual std::optional<RunningApplication> runningApplication(qint32 pid) = 0;
+    /// Brings an application's windows to the front; does nothing when it is not running.
+    virtual void activate(qint32 pid) = 0;
+    /// Opens an address with the program that the desktop has for it; false when there is none.
+    virtual bool open(const QUrl &url) = 0;
+};
+
+} // namespace platform

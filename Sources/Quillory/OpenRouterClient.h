@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/SuggestionKind.h"
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <stop_token>
+#include <vector>
+
+/// The exchange with the model service: one chat-completions request per call. No state. The requests block the
+/// calling thread, which is never the main one. Failures: RewriteError, platform::URLError for the transport,
+/// nlohmann's JSON exceptions, and platform::CancellationError once the stop token asks for it.
+namespace quillory::OpenRouterClient {
+
+struct Message {
+    QString role;
+    QString content;
+    friend bool operator==(const Message &, const Message &) = default;
+};
+
+/// The messages of a request: six for a rewrite of the text, two for a reply to it. The context is the visible
+/// conversation behind a rewrite. Reads the profile, the tone and the FAQ from the settings.
+[[nodiscard]] std::vector<Message> buildMessages(SuggestionKind kind, const QString &text,
+                                                 const std::optional<QString> &context);
+
+/// Takes the whole answer so far, untrimmed, on the calling thread of stream().
+using OnChunk = std::function<void(const QString &accumulated)>;
+
+/// Streams an answer and returns it whole, trimmed.
+QString stream(SuggestionKind kind, const QString &text, const std::optional<QString> &context, const QString &model,
+               const OnChunk &onChunk, std::stop_token stop);
+
+/// Asks the configured model once for a rewrite of a draft and returns it trimmed.
+QString rewrite(const QString &draft, std::stop_token stop = {});
+
+} // namespace quillory::OpenRouterClient

@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+namespace quillory {
+
+/// What a model is asked for.
+enum class SuggestionKind {
+    /// A better wording of a draft that the user is typing.
+    rewrite,
+    /// The next reply to a visible conversation.
+    reply,
+};
+
+} // namespace quillory

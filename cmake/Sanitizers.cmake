@@ -1,0 +1,5 @@
+# SPDX-FileCopyrightText: 2026 The Quillory developers
+if(QUILLORY_SANITIZE)
+    add_compile_options(-fsanitize=${QUILLORY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${QUILLORY_SANITIZE})
+endif()
