@@ -1,0 +1,107 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "RealDesktop/ChildProcess.h"
+
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <stdexcept>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace quillory::test {
+
+namespace {
+
+std::vector<char *> pointers(const std::vector<std::string> &arguments) {
+    std::vector<char *> result;
+    result.reserve(arguments.size() + 1);
+    for (const std::string &argument : arguments) {
+        result.push_back(const_cast<char *>(argument.c_str()));
+    }
+    result.push_back(nullptr);
+    return result;
+}
+
+[[noreturn]] void becomeProgram(const std::vector<char *> &arguments, int keepOpen) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (keepOpen >= 0) {
+        fcntl(keepOpen, F_SETFD, 0);
+    }
+    execvp(arguments.front(), arguments.data());
+    _exit(127);
+}
+
+int exitStatus(int status) {
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+} // namespace
+
+ChildProcess::ChildProcess(const std::vector<std::string> &arguments, int keepOpen) {
+    const std::vector<char *> raw = pointers(arguments);
+    m_pid = fork();
+    if (m_pid < 0) {
+        throw std::runtime_error("cannot start " + arguments.front());
+    }
+    if (m_pid == 0) {
+        becomeProgram(raw, keepOpen);
+    }
+}
+
+ChildProcess::~ChildProcess() {
+    end();
+}
+
+ChildProcess::ChildProcess(ChildProcess &&other) noexcept
+    : m_pid(std::exchange(other.m_pid, -1)), m_status(other.m_status) {}
+
+ChildProcess &ChildProcess::operator=(ChildProcess &&other) noexcept {
+    end();
+    m_pid = std::exchange(other.m_pid, -1);
+    m_status = other.m_status;
+    return *this;
+}
+
+bool ChildProcess::isRunning() {
+    int status = 0;
+    if (m_pid > 0 && waitpid(m_pid, &status, WNOHANG) == m_pid) {
+        m_status = exitStatus(status);
+        m_pid = -1;
+    }
+    return m_pid > 0;
+}
+
+int ChildProcess::end() {
+    if (!isRunning()) {
+        return m_status;
+    }
+    kill(m_pid, SIGTERM);
+    kill(m_pid, SIGCONT);
+    if (!waitUntil([this] { return !isRunning(); }, 2000)) {
+        kill(m_pid, SIGKILL);
+        waitUntil([this] { return !isRunning(); }, 2000);
+    }
+    return m_status;
+}
+
+int run(const std::vector<std::string> &arguments) {
+    ChildProcess program(arguments);
+    while (program.isRunning()) {
+        sleepBriefly();
+    }
+    return program.end();
+}
+
+void sleepBriefly() {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+}
+
+long long millisecondsNow() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+} // namespace quillory::test

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "RealDesktop/ChildProcess.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <vector>
+
+namespace quillory::test {
+
+/// A whole desktop of its own: X server, session bus, window manager, accessibility bus, and empty home, configuration,
+/// data and run-time folders. While it lives, this process's environment points at it, so programs started by the test
+/// run on it. Make it before any QApplication.
+class RealDesktop {
+  public:
+    struct Options {
+        const char *screen = "1280x900x24";
+        bool accessibility = true;
+        bool compositor = false;
+    };
+
+    RealDesktop();
+    explicit RealDesktop(const Options &options);
+    ~RealDesktop();
+    RealDesktop(const RealDesktop &) = delete;
+    RealDesktop &operator=(const RealDesktop &) = delete;
+
+    /// The folder that holds all the throwaway folders.
+    [[nodiscard]] QString folder() const { return m_folder.path(); }
+    /// Switches the session's accessibility on or off, as the desktop's settings would.
+    static void setAccessibilityEnabled(bool enabled);
+
+  private:
+    void setEnvironment();
+    void startDisplay(const char *screen);
+    void startBus();
+
+    QTemporaryDir m_folder;
+    std::vector<std::pair<QByteArray, QByteArray>> m_savedEnvironment;
+    std::vector<ChildProcess> m_programs;
+};
+
+} // namespace quillory::test
