@@ -3,11 +3,14 @@
 
 #include <QtGlobal>
 
+#include <atomic>
+
 namespace platform {
 
 namespace {
 const Platform *installed = nullptr;
-}
+std::atomic<std::uint64_t> installations = 0;
+} // namespace
 
 const Platform &current() {
     if (installed == nullptr) {
@@ -16,7 +19,12 @@ const Platform &current() {
     return *installed;
 }
 
+std::uint64_t generation() {
+    return installations;
+}
+
 Installation::Installation(const Platform &platform) {
+    ++installations;
     installed = &platform;
 }
 

@@ -12,6 +12,8 @@
 #include "Platform/UserDefaults.h"
 #include "Platform/Workspace.h"
 
+#include <cstdint>
+
 namespace platform {
 
 /// One of each of the services that the program asks of a desktop. Filled by the program's entry point, or by a test;
@@ -33,6 +35,9 @@ struct Platform {
 /// The services that the program runs on. Set before the first thread starts; asking before that is a programming
 /// error and ends the program.
 [[nodiscard]] const Platform &current();
+
+/// A number that is another one for every installation, so that what was made for earlier services can be told.
+[[nodiscard]] std::uint64_t generation();
 
 /// Makes a set of services the current one until this object is destroyed.
 class Installation {

@@ -3,6 +3,7 @@
 
 #include "Platform/UserDefaults.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QString>
 #include <QUuid>
@@ -48,6 +49,12 @@ struct FAQEntry {
     QString answer;
     friend bool operator==(const FAQEntry &, const FAQEntry &) = default;
 };
+
+/// The stored form of a list of entries: a JSON array of objects, UTF-8.
+[[nodiscard]] QByteArray faqEntriesToJSON(const QList<FAQEntry> &entries);
+/// The entries of that form, or absent when anything about it is wrong: not JSON, not an array, a member that is
+/// missing or no string, an identifier that is no UUID in its 36-character form. Members beyond the three are ignored.
+[[nodiscard]] std::optional<QList<FAQEntry>> faqEntriesFromJSON(const QByteArray &json);
 
 /// The one owner of the settings store: registers the defaults and offers the settings that need logic. Everything
 /// else is read straight from store() by key at the moment of use, so a change counts at the next read. Safe to use
