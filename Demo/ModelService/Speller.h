@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+class Hunspell;
+
+namespace quillory::demo {
+
+/// American English spelling. A correction is made only when it is near and plausible: a name that the dictionary
+/// doesn't know is better left alone than turned into some word. Not for several threads at once.
+class Speller {
+  public:
+    /// Throws std::runtime_error when the system has no American English dictionary.
+    Speller();
+    ~Speller();
+
+    [[nodiscard]] bool knows(const QString &word) const;
+    /// The word itself when it is right or when nothing fits.
+    [[nodiscard]] QString corrected(const QString &word) const;
+
+  private:
+    std::unique_ptr<Hunspell> m_dictionary;
+};
+
+} // namespace quillory::demo

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "ModelService/Rewriter.h"
+
+#include <gmock/gmock.h>
+
+namespace quillory::demo {
+namespace {
+
+struct Case {
+    const char *draft;
+    const char *rewrite;
+};
+
+void expectAll(Tone tone, std::initializer_list<Case> cases) {
+    const Rewriter rewriter;
+    for (const Case &c : cases) {
+        EXPECT_EQ(rewriter.rewrite(QString::fromUtf8(c.draft), tone).toStdString(), c.rewrite) << c.draft;
+    }
+}
+
+TEST(DemoRewriter, MakesDraftsProfessional) {
+    expectAll(Tone::professional,
+              {{"helo can u send me the price list", "Hello, can you please send me the price list?"},
+               {"hi ahmed i cant come tmrw becuase im sick", "Hi Ahmed, I can't come tomorrow because I'm sick."},
+               {"pls confirm ur adress and phone nubmer", "Please confirm your address and phone number."},
+               {"send it asap thx", "Please send it as soon as possible. Thank you."},
+               {"what time do u open on friday??", "What time do you open on Friday?"},
+               {"when i arrive i will call u", "When I arrive I will call you."},
+               {"i recieved teh wrong order, can you refund me", "I received the wrong order, can you refund me?"},
+               {"We deliver 10–12 boxes — free", "We deliver 10 to 12 boxes, free."}});
+}
+
+TEST(DemoRewriter, KeepsWhatIsNotItsBusiness) {
+    expectAll(Tone::professional, {{"مرحبا كم السعر", "مرحبا كم السعر"},
+                                   {"hola necesito el precio por favor", "hola necesito el precio por favor"},
+                                   {"hi كم السعر pls", "Hi, كم السعر please."},
+                                   {"can u send it 🙏", "Can you please send it? 🙏"},
+                                   {"see https://example.com/a.html pls", "See https://example.com/a.html please."},
+                                   {"do you have this in size 42", "Do you have this in size 42?"},
+                                   {"send it to yousef in riffa", "Please send it to yousef in riffa."},
+                                   {"dear sir\n\ni want\n- red boxes\n- blue ones\nthx",
+                                    "Dear sir,\n\nI want.\n- red boxes\n- blue ones\nThank you."},
+                                   {"  \n ", ""},
+                                   {"?!", "?!"}});
+}
+
+TEST(DemoRewriter, HeedsTheTone) {
+    const char *draft = "helo can u just send me the price list";
+    expectAll(Tone::friendly, {{draft, "Hi there! Can you please just send me the price list?"}});
+    expectAll(Tone::concise, {{draft, "Please send me the price list."}});
+    expectAll(Tone::grammarOnly, {{draft, "Hello, can you just send me the price list?"}});
+}
+
+} // namespace
+} // namespace quillory::demo
