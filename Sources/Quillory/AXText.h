@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Quillory/FieldSnapshot.h"
 
 #include <QString>
 
@@ -9,7 +10,7 @@
 #include <variant>
 
 /// Questions about other applications' user interface, and the writing of text into their fields. Main thread only.
-/// Each question may ask another process; whatever goes wrong answers "absent" or false, and nothing is logged.
+/// Each question may ask another process; whatever goes wrong answers "absent" or false, and only insertion logs.
 namespace quillory::AXText {
 
 /// The value of an attribute if it has the type T: QString, AXUIElement, QUrl, double or a list of AXUIElement.
@@ -43,5 +44,16 @@ template <class T>
 
 /// The running application's bundle identifier, or absent.
 [[nodiscard]] std::optional<QString> bundleIdentifier(const platform::AXUIElement &element);
+
+/// Replaces the content of a field by a text: writes its value, or, in a browser and where the write does not stick,
+/// pastes. Failures leave a log line. lastSeen: what the field last looked like, where the caller knows it better than
+/// the element, which an application may have replaced.
+void insert(const QString &text, const platform::AXUIElement &element,
+            const std::optional<FieldSnapshot> &lastSeen = std::nullopt);
+/// Writes the value of a field and puts the caret at its end; false when it was refused.
+bool setValue(const platform::AXUIElement &element, const QString &text);
+/// Pastes over the content of a field. Returns at once and ends about a second later.
+void replaceViaPaste(const platform::AXUIElement &element, const QString &text,
+                     const std::optional<FieldSnapshot> &lastSeen = std::nullopt);
 
 } // namespace quillory::AXText

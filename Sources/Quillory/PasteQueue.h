@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Accessibility.h"
+#include "Quillory/FieldSnapshot.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace quillory {
+
+/// A text that is to replace the content of a field by way of the pasteboard.
+struct PasteRequest {
+    QString text;
+    platform::AXUIElement target;
+    /// What the field last looked like, so that a copy which the application made of it is still recognised.
+    std::optional<FieldSnapshot> lastSeen;
+};
+
+/// Brings the field's application to the front, puts the text on the pasteboard, selects all and pastes with
+/// synthesised keys, and then gives the pasteboard its content back. Returns at once; about a second passes. Nothing
+/// is typed when the keyboard focus has gone elsewhere for good, and what the user copies meanwhile is left alone. A
+/// request that comes before the last one has ended waits for it. Main thread only.
+void paste(PasteRequest request);
+
+} // namespace quillory
