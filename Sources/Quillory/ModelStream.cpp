@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/ModelStream.h"
+
+namespace quillory {
+
+namespace {
+
+QString cardLabel(SuggestionKind kind, std::size_t index, std::size_t count) {
+    if (count > 1) {
+        return QStringLiteral("Option %1").arg(index + 1);
+    }
+    return kind == SuggestionKind::reply ? QStringLiteral("Suggested reply") : QStringLiteral("Suggested rewrite");
+}
+
+std::optional<QString> cardText(const ModelStream &stream) {
+    if (stream.final || stream.buffer.isEmpty()) {
+        return stream.final;
+    }
+    return stream.buffer;
+}
+
+} // namespace
+
+SuggestionCardData card(const ModelStream &stream, SuggestionKind kind, std::size_t index, std::size_t count) {
+    SuggestionCardData data;
+    data.label = cardLabel(kind, index, count);
+    data.text = cardText(stream);
+    data.isComplete = stream.final.has_value();
+    if (const auto elapsed = stream.elapsed()) {
+        data.elapsedText = QString::number(*elapsed, 'f', 1) + u's';
+    }
+    data.failed = stream.failed;
+    return data;
+}
+
+} // namespace quillory

@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/Tasks.h"
+
+#include <system_error>
+
+namespace quillory {
+
+Tasks::~Tasks() {
+    for (auto &running : m_running) {
+        running.thread.request_stop();
+    }
+}
+
+std::optional<Task> Tasks::start(std::function<void(std::stop_token)> work) {
+    reap();
+    auto &running = m_running.emplace_back();
+    try {
+        running.thread = std::jthread([&running, work = std::move(work)](const std::stop_token &stop) {
+            work(stop);
+            running.finished = true;
+        });
+    } catch (const std::system_error &) {
+        m_running.pop_back();
+        return std::nullopt;
+    }
+    return Task(running.thread.get_stop_source());
+}
+
+// A thread that has finished is joined without waiting, so its stack is given back no later than at the next start.
+void Tasks::reap() {
+    m_running.remove_if([](const Running &running) { return running.finished.load(); });
+}
+
+} // namespace quillory

@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <thread>
+
+namespace quillory {
+
+/// A handle on a piece of work that runs off the main thread. Dropping it lets the work go on.
+class Task {
+  public:
+    explicit Task(std::stop_source stop) : m_stop(std::move(stop)) {}
+    /// Asks the work to stop and returns at once.
+    void cancel() { m_stop.request_stop(); }
+
+  private:
+    std::stop_source m_stop;
+};
+
+/// Owns the threads of such work. Main thread only.
+class Tasks {
+  public:
+    /// Asks all work to stop and waits for it: as long as the work takes to notice.
+    ~Tasks();
+    /// Runs the work on a thread of its own; it must not throw. Absent when the system has no thread to give.
+    [[nodiscard]] std::optional<Task> start(std::function<void(std::stop_token)> work);
+
+  private:
+    struct Running {
+        std::atomic<bool> finished = false;
+        std::jthread thread; // joined before the flag goes
+    };
+    void reap();
+
+    std::list<Running> m_running;
+};
+
+} // namespace quillory

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/TypingMonitor.h"
+
+#include "Platform/Platform.h"
+
+namespace quillory {
+
+namespace {
+constexpr std::chrono::milliseconds pollInterval{100};
+}
+
+TypingMonitor::TypingMonitor(MakeSuggestionHost makeHost)
+    : m_settings(AppSettings::shared()), m_panel(std::move(makeHost)) {}
+
+TypingMonitor::~TypingMonitor() = default;
+
+void TypingMonitor::start() {
+    connectPanel();
+    m_pollTimer = platform::current().mainQueue.repeat(pollInterval, [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) {
+            self->tick();
+        }
+    });
+}
+
+// Replies to a conversation are not drafted yet; their state is declared, and accept and dismiss heed it.
+void TypingMonitor::assistantTick(const Element & /*element*/) {}
+
+} // namespace quillory

@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Platform.h"
+#include "Quillory/AXText.h"
+#include "Quillory/ChatContext.h"
+#include "Quillory/FileLog.h"
+#include "Quillory/TypingMonitor.h"
+
+#include <algorithm>
+
+namespace quillory {
+
+using platform::current;
+
+namespace {
+// A reply belongs to the conversation that it was drafted for: at least half of its lines must still be there.
+constexpr double leastOverlap = 0.5;
+// Long enough for a person to see the card that is about to be accepted.
+constexpr std::chrono::milliseconds debugAcceptDelay{600};
+} // namespace
+
+void TypingMonitor::connectPanel() {
+    m_panel.onAcceptCard = [weak = weak_from_this()](int index) {
+        if (const auto self = weak.lock()) {
+            self->accept(index);
+        }
+    };
+    m_panel.onDismiss = [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) {
+            self->dismiss();
+        }
+    };
+}
+
+void TypingMonitor::accept(qint64 index) {
+    const auto target = m_panel.targetElement();
+    if (!target || !m_panel.isCardAcceptable(index)) {
+        return;
+    }
+    const QString text = m_panel.cards()[index].text.value_or(QString());
+    if (isOtherConversation(*target)) {
+        dropSuggestion();
+        return;
+    }
+    // Ticks that run before the text has arrived already expect it, so what the field looked like is kept apart.
+    const FieldSnapshot lastSeen{target->pid(), m_lastText, m_currentElementFrame};
+    m_panel.hide();
+    cancelStreams();
+    m_lastInsertedText = text;
+    m_lastInsertAt = current().mainQueue.now();
+    m_lastRequestedSource = text;
+    m_lastText = text;
+    m_lastChangeAt.reset();
+    AXText::insert(text, *target, lastSeen);
+}
+
+bool TypingMonitor::isOtherConversation(const Element &target) {
+    if (m_streamKind != SuggestionKind::reply || m_replyContextLines.empty()) {
+        return false;
+    }
+    const auto conversation = ChatContext::extract(target);
+    if (!conversation) {
+        return false;
+    }
+    const double overlap = ChatContext::overlap(ChatContext::distinctLines(conversation->text), m_replyContextLines);
+    if (overlap >= leastOverlap) {
+        return false;
+    }
+    FileLog::log(QStringLiteral("accept blocked: only %1% conversation overlap (chat switch)")
+                     .arg(static_cast<int>(overlap * 100)));
+    return true;
+}
+
+void TypingMonitor::dismiss() {
+    m_dismissedHash = m_lastDraftedHash;
+    dropSuggestion();
+}
+
+void TypingMonitor::acceptForDebugging() {
+    auto &store = m_settings.store();
+    const bool over = std::none_of(m_streams.begin(), m_streams.end(), [](const auto &s) { return s->isStreaming(); });
+    if (!over || !m_panel.isVisible() || !store.boolean(settingsKey::debugAcceptOnce)) {
+        return;
+    }
+    const auto index = m_panel.firstCompleteIndex();
+    if (!index) {
+        return;
+    }
+    store.set(settingsKey::debugAcceptOnce, false);
+    FileLog::log(QStringLiteral("debug: auto-accepting card ") + QString::number(*index));
+    current().mainQueue.postAfter(debugAcceptDelay, [weak = weak_from_this(), index = *index] {
+        if (const auto self = weak.lock()) {
+            self->accept(index);
+        }
+    });
+}
+
+} // namespace quillory
