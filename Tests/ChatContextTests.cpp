@@ -1,0 +1,161 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/ChatContext.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <gmock/gmock.h>
+
+namespace quillory {
+
+namespace {
+
+using platform::Rect;
+using test::Node;
+namespace axAttribute = platform::axAttribute;
+namespace axRole = platform::axRole;
+
+QString text(const char *utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+// A text of this width with this left edge, beside a field that spans 300 to 700.
+platform::AXSubtreeNode staticText(const char *value, double x, double width = 100) {
+    return {1, QString(axRole::staticText), text(value), Rect{x, 0, width, 20}};
+}
+const Rect field{300, 800, 400, 40};
+
+TEST(ChatContext, TellsNoiseFromMessages) {
+    for (const char *noise :
+         {"9:05", "12:45 PM", "7:30pm", "٩:٠٥", "3", "١٢", "Online", "Typing…", "typing...", "Recording audio…",
+          "click here for contact info", "1 unread message", "3 Unread messages"}) {
+        EXPECT_TRUE(ChatContext::isNoise(text(noise))) << noise;
+    }
+    for (const char *message : {"12:45 is fine", "123:45", "9:05 Pm", "3 unread", "ok", "Online now", "3 pieces"}) {
+        EXPECT_FALSE(ChatContext::isNoise(text(message))) << message;
+    }
+}
+
+TEST(ChatContext, MarksMessagesByTheSideTheyStandOn) {
+    const auto column = ChatContext::columnAround(field);
+    // The column spans 260 to 740, so a text of 100 has gaps that add up to 380.
+    const std::vector<std::pair<double, const char *>> cases{
+        {260, "«customer» hello"}, {419.9, "«customer» hello"}, {420, "hello"}, {450, "hello"}, {480, "hello"},
+        {480.1, "«you» hello"},    {640, "«you» hello"},
+    };
+    for (const auto &[x, expected] : cases) {
+        EXPECT_EQ(ChatContext::messageLines({staticText("hello", x)}, column), QStringList{text(expected)}) << x;
+    }
+    EXPECT_EQ(ChatContext::messageLines({staticText("far", -5000), staticText("near", 400)}, {}),
+              (QStringList{text("far"), text("near")}))
+        << "without a field nothing is excluded and nobody is marked";
+}
+
+TEST(ChatContext, KeepsOnlyMessagesOfTheColumn) {
+    const auto column = ChatContext::columnAround(field);
+    auto heading = staticText("heading", 450);
+    heading.role = QStringLiteral("AXHeading");
+    auto hidden = staticText("without a frame", 450);
+    hidden.frame.reset();
+    auto empty = staticText("", 450);
+    empty.value.reset();
+    const std::vector<platform::AXSubtreeNode> nodes{
+        heading,
+        hidden,
+        empty,
+        staticText(" \n", 450),
+        staticText("k", 450),
+        staticText("👨‍👩‍👧", 450),
+        staticText("12:45 PM", 450),
+        staticText("left out", 300 - 41 - 50),
+        staticText("left in", 300 - 39 - 50),
+        staticText("right in", 700 + 39 - 50),
+        staticText("right out", 700 + 41 - 50),
+        staticText("  trimmed \n", 450),
+    };
+    EXPECT_EQ(ChatContext::messageLines(nodes, column),
+              (QStringList{text("«customer» left in"), text("«you» right in"), text("trimmed")}));
+    EXPECT_EQ(ChatContext::messageLines(std::vector(500, staticText("again", 450)), column).size(), 400);
+}
+
+TEST(ChatContext, CutsTheTranscriptFromTheTop) {
+    QStringList seventy;
+    for (int i = 0; i < 70; ++i) {
+        seventy.append(QStringLiteral("line %1").arg(i));
+    }
+    EXPECT_EQ(ChatContext::transcript(seventy), seventy.mid(10).join(u'\n'));
+
+    const QString long900(900, u'x');
+    EXPECT_EQ(ChatContext::transcript(QStringList(10, long900)), QStringList(8, long900).join(u'\n'));
+    const QString oneLine(9000, u'x');
+    EXPECT_EQ(ChatContext::transcript({text("before"), oneLine}), oneLine);
+    // Characters count, not code units; and the line breaks between lines count too.
+    const QString thousandEmoji = text("👋🏽").repeated(1000);
+    const QStringList eight(8, thousandEmoji);
+    EXPECT_EQ(ChatContext::transcript(eight), eight.mid(1).join(u'\n'));
+    EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(4 * 7)}).count(u'\n'), 7);
+    EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(4 * 6)}).count(u'\n'), 6);
+}
+
+TEST(ChatContext, MeasuresHowMuchOfAConversationIsLeft) {
+    const auto lines = [](const char *conversation) { return ChatContext::distinctLines(text(conversation)); };
+    EXPECT_EQ(lines("a\n\nb\na").size(), 2U);
+    EXPECT_EQ(ChatContext::overlap(lines("a\nb"), {}), 0);
+    EXPECT_EQ(ChatContext::overlap({}, lines("a\nb")), 0);
+    EXPECT_EQ(ChatContext::overlap(lines("b\nc\nd"), lines("a\nb")), 0.5);
+}
+
+struct Recognition : testing::Test {
+    test::SimulatedDesktop desktop;
+
+    Node window(const char *bundle, const char *title) {
+        return desktop.applications.launch({1, text(bundle), text("App")}, text(title));
+    }
+};
+
+TEST_F(Recognition, GoesByTheAddressOfThePageBeforeTheTitle) {
+    struct Case {
+        const char *bundle;
+        const char *title;
+        const char *address;
+        bool isChat;
+    };
+    for (const auto &[bundle, title, address, isChat] : std::vector<Case>{
+             {"net.whatsapp.WhatsApp", "Anything", nullptr, true},
+             {"com.example.net.whatsapp", "WhatsApp", nullptr, false},
+             {"org.chromium.Chromium", "Shop", "https://web.whatsapp.com/", true},
+             {"org.chromium.Chromium", "WhatsApp", "https://example.com/web.whatsapp.com", false},
+             {"org.chromium.Chromium", "WhatsApp", "file:///tmp/page.html", false},
+             {"org.chromium.Chromium", "(2) WHATSAPP - Chromium", nullptr, true},
+             {"org.chromium.Chromium", "Mail", nullptr, false},
+             {"ORG.CHROMIUM", "WhatsApp", "https://web.whatsapp.com/", false},
+         }) {
+        const Node page = window(bundle, title)->add(axRole::webArea);
+        if (address != nullptr) {
+            page->set(axAttribute::url, QUrl(text(address)));
+        }
+        EXPECT_EQ(ChatContext::isChatApp(page->add(axRole::textArea)->element()), isChat) << bundle << ' ' << title;
+    }
+}
+
+TEST_F(Recognition, ReadsThePageAroundTheFieldAlone) {
+    const Node browser = window("org.chromium.Chromium", "WhatsApp");
+    browser->addText(text("a tab of the browser"), {400, 0, 100, 20});
+    const Node page = browser->add(axRole::webArea);
+    const Node box = page->add(axRole::textArea, field);
+    EXPECT_FALSE(ChatContext::extract(box->element()).has_value());
+
+    const Node bubble = page->addText(text("is it in stock?"), {260, 100, 100, 20});
+    bubble->addText(text("asks Amal"), {260, 120, 100, 20});
+    page->addText(text("yes it is"), {640, 140, 100, 20});
+    const auto conversation = ChatContext::extract(box->element());
+    ASSERT_TRUE(conversation.has_value());
+    EXPECT_EQ(conversation->text, text("«customer» is it in stock?\n«customer» asks Amal\n«you» yes it is"));
+
+    page->addText(text("good"), {260, 160, 100, 20});
+    EXPECT_NE(ChatContext::extract(box->element())->hash, conversation->hash);
+    box->gone = true;
+    EXPECT_FALSE(ChatContext::extract(box->element()).has_value());
+}
+
+} // namespace
+
+} // namespace quillory

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Platform.h"
+#include "SimulatedDesktop/SimulatedApplications.h"
+#include "SimulatedDesktop/SimulatedEventTaps.h"
+#include "SimulatedDesktop/SimulatedMainQueue.h"
+#include "SimulatedDesktop/SimulatedPanel.h"
+#include "SimulatedDesktop/SimulatedPasteboard.h"
+#include "SimulatedDesktop/SimulatedProcess.h"
+#include "SimulatedDesktop/SimulatedScreens.h"
+#include "SimulatedDesktop/SimulatedURLSession.h"
+#include "SimulatedDesktop/SimulatedUserDefaults.h"
+
+namespace quillory::test {
+
+/// A whole desktop in memory. Making one installs it as the desktop that the program runs on; whatever uses it goes
+/// before it. Its user acts through its members.
+class SimulatedDesktop final : private platform::KeyPoster {
+  public:
+    SimulatedMainQueue mainQueue;
+    SimulatedApplications applications;
+    SimulatedEventTaps eventTaps;
+    SimulatedPanelWindows panelWindows;
+    SimulatedPasteboard pasteboard{mainQueue};
+    SimulatedProcess process;
+    SimulatedScreens screens;
+    SimulatedURLSession urlSession;
+    SimulatedUserDefaults userDefaults;
+
+    /// The user has a finger on a key.
+    bool userHoldsKey = false;
+    /// The keys that the program typed, such as "Command-A".
+    QStringList typed;
+
+    /// The user presses a key without modifiers. True when it reaches the application.
+    bool press(platform::KeyCode key);
+    void advance(int milliseconds) { mainQueue.advance(std::chrono::milliseconds(milliseconds)); }
+    [[nodiscard]] QStringList log() const { return process.logMessages(); }
+
+  private:
+    [[nodiscard]] bool userHoldsKeys() override { return userHoldsKey; }
+    bool postKey(platform::KeyCode key, platform::EventFlags flags) override;
+
+    bool m_allSelected = false;
+    platform::Platform m_services{.accessibility = applications,
+                                  .eventTaps = eventTaps,
+                                  .keyPoster = *this,
+                                  .mainQueue = mainQueue,
+                                  .panelWindows = panelWindows,
+                                  .pasteboard = pasteboard,
+                                  .process = process,
+                                  .screens = screens,
+                                  .urlSession = urlSession,
+                                  .userDefaults = userDefaults,
+                                  .workspace = applications};
+    platform::Installation m_installation{m_services};
+};
+
+} // namespace quillory::test
