@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/FileLog.h"
 
-#include "Platform/Platform.h"
+#include "Platform/PerInstallation.h"
 #include "Quillory/AppendLine.h"
 
 #include <QDateTime>
@@ -9,10 +9,19 @@
 
 namespace quillory::FileLog {
 
+namespace {
+QString path() {
+    static platform::PerInstallation<QString> path;
+    return path.get([] {
+        return platform::current().process.homeDirectory() + QStringLiteral("/Library/Logs/Quillory.log");
+    });
+}
+} // namespace
+
 void log(const QString &message) {
-    const QString path = platform::current().process.homeDirectory() + QStringLiteral("/Library/Logs/Quillory.log");
-    const QString time = QLocale::system().toString(QTime::currentTime(), QStringLiteral("HH:mm:ss.zzz"));
-    appendToFile(path, (time + u' ' + message + u'\n').toUtf8());
+    static const QLocale locale = QLocale::system();
+    const QString time = locale.toString(QTime::currentTime(), QStringLiteral("HH:mm:ss.zzz"));
+    appendToFile(path(), (time + u' ' + message + u'\n').toUtf8());
 }
 
 } // namespace quillory::FileLog

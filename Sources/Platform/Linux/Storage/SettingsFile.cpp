@@ -1,0 +1,158 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Storage/SettingsFile.h"
+
+#include "Platform/Linux/Folders.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <thread>
+
+namespace platform::desktop {
+
+namespace {
+/// Settings with a long profile and hundreds of FAQ entries take some hundred kilobytes.
+constexpr off_t largestFile = 8 << 20;
+constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
+constexpr mode_t othersToo = S_IRWXG | S_IRWXO;
+
+FileStamp stampOf(const struct stat &status) {
+    constexpr qint64 nanosecondsPerSecond = 1'000'000'000;
+    return {status.st_dev, status.st_ino, status.st_size,
+            status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec};
+}
+
+FileDescriptor opened(const QString &path, int flags) {
+    return FileDescriptor(::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC, ownerOnly));
+}
+
+std::optional<QByteArray> readWhole(const FileDescriptor &file, off_t size) {
+    // One byte more than expected shows a file that grows while it is read.
+    QByteArray bytes(size + 1, Qt::Uninitialized);
+    qsizetype filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t count =
+            ::read(file.get(), bytes.data() + filled, static_cast<std::size_t>(bytes.size() - filled));
+        if (count < 0 && errno != EINTR) {
+            return std::nullopt;
+        }
+        if (count == 0) {
+            break;
+        }
+        filled += std::max<ssize_t>(count, 0);
+    }
+    bytes.truncate(filled);
+    return bytes;
+}
+
+bool writeWhole(const FileDescriptor &file, QByteArrayView bytes) {
+    while (!bytes.isEmpty()) {
+        const ssize_t count = ::write(file.get(), bytes.data(), static_cast<std::size_t>(bytes.size()));
+        if (count < 0 && errno != EINTR) {
+            return false;
+        }
+        bytes = bytes.sliced(std::max<ssize_t>(count, 0));
+    }
+    return ::fsync(file.get()) == 0;
+}
+
+/// Where a chain of symbolic links ends, whether there is a file or not; absent for a loop.
+std::optional<QString> linkTarget(QString path) {
+    constexpr int mostLinks = 40; // as the kernel has it
+    for (int i = 0; i < mostLinks; ++i) {
+        const QFileInfo info(path);
+        if (!info.isSymbolicLink()) {
+            return path;
+        }
+        path = info.symLinkTarget();
+    }
+    return std::nullopt;
+}
+} // namespace
+
+SettingsFile::SettingsFile(const QString &folder)
+    : m_folder(folder), m_path(folder + QStringLiteral("/settings.json")) {}
+
+std::optional<FileStamp> SettingsFile::stamp() const {
+    struct stat status {};
+    if (::stat(QFile::encodeName(m_path).constData(), &status) != 0) {
+        return std::nullopt;
+    }
+    return stampOf(status);
+}
+
+SettingsFile::Content SettingsFile::read() const {
+    // Not waiting for a writer, should it be a pipe.
+    const FileDescriptor file = opened(m_path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    if (!file) {
+        const bool isAbsent = errno == ENOENT || errno == ENOTDIR;
+        return {isAbsent ? Content::State::absent : Content::State::unreadable, {}, stamp()};
+    }
+    struct stat status {};
+    if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return {Content::State::unreadable, {}, stampOf(status)};
+    }
+    if (status.st_size > largestFile) {
+        return {Content::State::tooLarge, {}, stampOf(status)};
+    }
+    if ((status.st_mode & othersToo) != 0) {
+        ::fchmod(file.get(), ownerOnly); // the key may be in it
+    }
+    std::optional<QByteArray> bytes = readWhole(file, status.st_size);
+    return bytes ? Content{Content::State::readable, *std::move(bytes), stampOf(status)}
+                 : Content{Content::State::unreadable, {}, stampOf(status)};
+}
+
+SettingsFile::Lock::Lock(const SettingsFile &file, std::chrono::milliseconds longestWait) {
+    folders::make(file.m_folder);
+    FileDescriptor descriptor = opened(file.m_path + QStringLiteral(".lock"), O_RDWR | O_CREAT | O_NOFOLLOW);
+    if (!descriptor) {
+        return;
+    }
+    const auto giveUp = std::chrono::steady_clock::now() + longestWait;
+    while (::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0) {
+        if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() >= giveUp) {
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    m_descriptor = std::move(descriptor);
+}
+
+std::optional<FileStamp> SettingsFile::replace(const QByteArray &bytes, const Lock & /*lock*/) const {
+    const std::optional<QString> target = linkTarget(m_path);
+    if (!target) {
+        return std::nullopt;
+    }
+    const QByteArray temporary = QFile::encodeName(*target + QStringLiteral(".new"));
+    ::unlink(temporary.constData()); // what a writer left that was killed
+    const FileDescriptor file(
+        ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownerOnly));
+    struct stat status {};
+    if (!file || !writeWhole(file, bytes) || ::fstat(file.get(), &status) != 0 ||
+        ::rename(temporary.constData(), QFile::encodeName(*target).constData()) != 0) {
+        ::unlink(temporary.constData());
+        return std::nullopt;
+    }
+    if (const FileDescriptor folder = opened(QFileInfo(*target).path(), O_RDONLY | O_DIRECTORY)) {
+        ::fsync(folder.get());
+    }
+    return stampOf(status);
+}
+
+std::optional<QString> SettingsFile::moveAside(const Lock & /*lock*/) const {
+    const QString name =
+        m_path + QStringLiteral(".broken-") + QDateTime::currentDateTimeUtc().toString(u"yyyyMMdd-HHmmss-zzz");
+    if (QFileInfo::exists(name) ||
+        ::rename(QFile::encodeName(m_path).constData(), QFile::encodeName(name).constData()) != 0) {
+        return std::nullopt;
+    }
+    return name;
+}
+
+} // namespace platform::desktop

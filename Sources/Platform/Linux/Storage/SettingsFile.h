@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/FileDescriptor.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <chrono>
+#include <optional>
+#include <sys/stat.h>
+
+namespace platform::desktop {
+
+/// What tells one state of a file from the next without reading it.
+struct FileStamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    /// Nanoseconds since 1970.
+    qint64 modified = 0;
+    friend bool operator==(const FileStamp &, const FileStamp &) = default;
+};
+
+/// The file that settings live in, as bytes: read whole, replaced as a whole. It, its temporary file and its lock are
+/// their owner's alone. Holds no state but its paths; any thread.
+class SettingsFile {
+  public:
+    /// The folder is made when it is first locked.
+    explicit SettingsFile(const QString &folder);
+
+    [[nodiscard]] const QString &path() const { return m_path; }
+    /// What the file looks like now, links followed; absent when there is none.
+    [[nodiscard]] std::optional<FileStamp> stamp() const;
+
+    struct Content {
+        enum class State {
+            absent,
+            readable,
+            /// Larger than any settings are.
+            tooLarge,
+            /// There, but not for us: no permission, or not a regular file.
+            unreadable,
+        };
+        State state = State::absent;
+        QByteArray bytes;
+        std::optional<FileStamp> stamp;
+    };
+    [[nodiscard]] Content read() const;
+
+    /// Keeps other writers out while it lives; made for reading, changing and replacing the file as one step.
+    class Lock {
+      public:
+        /// Waits so long for another writer; false when the lock can't be had.
+        Lock(const SettingsFile &file, std::chrono::milliseconds longestWait);
+        explicit operator bool() const { return static_cast<bool>(m_descriptor); }
+
+      private:
+        FileDescriptor m_descriptor;
+    };
+    /// Replaces the content, so that any reader, also after a crash, finds the old or the new one whole. A symbolic
+    /// link stays, and what it points to is replaced. Absent when that failed; the old content then stands.
+    [[nodiscard]] std::optional<FileStamp> replace(const QByteArray &bytes, const Lock &lock) const;
+    /// Renames the file to "<name>.broken-<time>"; absent when that failed, else the new path.
+    [[nodiscard]] std::optional<QString> moveAside(const Lock &lock) const;
+
+  private:
+    QString m_folder;
+    QString m_path;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,262 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Storage/FileUserDefaults.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <functional>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+
+namespace quillory::test {
+
+using platform::desktop::FileUserDefaults;
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+namespace {
+class FileUserDefaultsTest : public testing::Test {
+  protected:
+    [[nodiscard]] QByteArray onDisk(const QString &name = u"settings.json"_qs) const {
+        QFile file(folder + u'/' + name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void putOnDisk(const QByteArray &bytes) const {
+        QDir().mkpath(folder);
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    [[nodiscard]] QStringList keptAside() const { return QDir(folder).entryList({u"settings.json.broken-*"_qs}); }
+
+    QTemporaryDir root;
+    const QString folder = root.filePath(u"config/quillory"_qs);
+    const QString path = folder + u"/settings.json"_qs;
+};
+
+/// Runs work in a process of its own, which ends with it or is killed.
+class ForkedWriter {
+  public:
+    explicit ForkedWriter(const std::function<void()> &work) : m_pid(::fork()) {
+        if (m_pid == 0) {
+            work();
+            ::_exit(0);
+        }
+    }
+    ~ForkedWriter() { wait(); }
+    void kill() const { ::kill(m_pid, SIGKILL); }
+    void wait() {
+        if (m_pid > 0) {
+            ::waitpid(m_pid, nullptr, 0);
+        }
+        m_pid = -1;
+    }
+
+  private:
+    pid_t m_pid;
+};
+
+void writeMany(const QString &folder, const QString &name) {
+    FileUserDefaults store(folder);
+    for (qint64 i = 0; i < 40; ++i) {
+        while (!store.set(name + QString::number(i), i)) {
+        }
+    }
+}
+} // namespace
+
+TEST_F(FileUserDefaultsTest, ValuesOutliveTheProgramWithTheirTypes) {
+    const QByteArray binary("\0\xff{}", 4);
+    {
+        FileUserDefaults store(folder);
+        EXPECT_TRUE(store.set(u"text"_qs, u"a\0\"é😀\n"_qs));
+        EXPECT_TRUE(store.set(u"yes"_qs, true));
+        EXPECT_TRUE(store.set(u"number"_qs, std::numeric_limits<qint64>::min()));
+        EXPECT_TRUE(store.set(u"data"_qs, binary));
+        EXPECT_TRUE(store.set(u"gone"_qs, true));
+        EXPECT_TRUE(store.remove(u"gone"_qs));
+    }
+    FileUserDefaults store(folder);
+    store.registerDefaults({{u"number"_qs, qint64{7}}, {u"yes"_qs, qint64{7}}, {u"gone"_qs, qint64{7}}});
+    EXPECT_EQ(store.string(u"text"_qs), u"a\0\"é😀\n"_qs);
+    EXPECT_TRUE(store.boolean(u"yes"_qs));
+    EXPECT_EQ(store.integer(u"number"_qs), std::numeric_limits<qint64>::min());
+    EXPECT_EQ(store.data(u"data"_qs), binary);
+    EXPECT_EQ(store.integer(u"yes"_qs), 7) << "a value of another type is none";
+    EXPECT_EQ(store.integer(u"gone"_qs), 7);
+    EXPECT_EQ(store.data(u"text"_qs), std::nullopt);
+    EXPECT_EQ(QFile::permissions(path) & QFile::Permissions(0x77), QFile::Permissions());
+    EXPECT_EQ(QFile::permissions(folder) & QFile::Permissions(0x77), QFile::Permissions());
+}
+
+TEST_F(FileUserDefaultsTest, ReadsWhatAHandWroteAndKeepsWhatItDoesNotKnow) {
+    putOnDisk(R"({"tone": 5, "debounceMs": "x", "big": 18446744073709551615, "half": 1.5, "none": null, "list": [1],
+                  "data": {"data": "not base64!"}, "minChars": 3})");
+    FileUserDefaults store(folder);
+    store.registerDefaults({{u"tone"_qs, u"Professional"_qs}});
+    EXPECT_EQ(store.string(u"tone"_qs), u"Professional"_qs);
+    EXPECT_EQ(store.integer(u"debounceMs"_qs) + store.integer(u"big"_qs) + store.integer(u"half"_qs), 0);
+    EXPECT_EQ(store.data(u"data"_qs), std::nullopt);
+    EXPECT_EQ(store.integer(u"minChars"_qs), 3);
+    EXPECT_TRUE(store.set(u"tone"_qs, u"Concise"_qs));
+    EXPECT_TRUE(onDisk().contains("18446744073709551615") && onDisk().contains("not base64!")) << onDisk().data();
+    EXPECT_EQ(QFile::permissions(path) & QFile::Permissions(0x77), QFile::Permissions());
+}
+
+TEST_F(FileUserDefaultsTest, ABrokenFileIsKeptAndTheDefaultsHold) {
+    const QByteArray cases[]{"",
+                             "{\"tone\": \"Fri",
+                             "[1, 2]",
+                             "null",
+                             QByteArray(100, '\0'),
+                             "{\"tone\": \"\xff\"}",
+                             "{} x",
+                             QByteArray(9 << 20, ' '),
+                             QByteArray(200'000, '['),
+                             "{\"a\":" + QByteArray(50'000, '[')};
+    for (const QByteArray &broken : cases) {
+        putOnDisk(broken);
+        CaptureStderr();
+        FileUserDefaults store(folder);
+        store.registerDefaults({{u"tone"_qs, u"Professional"_qs}});
+        EXPECT_EQ(store.string(u"tone"_qs), u"Professional"_qs);
+        const QByteArray said = QByteArray::fromStdString(GetCapturedStderr());
+        ASSERT_EQ(keptAside().size(), 1) << broken.left(20).data();
+        EXPECT_EQ(onDisk(keptAside().first()), broken);
+        EXPECT_EQ(said.count('\n'), 1) << said.data();
+        EXPECT_TRUE(said.contains(path.toUtf8()) && said.contains(keptAside().first().toUtf8())) << said.data();
+        EXPECT_TRUE(store.set(u"tone"_qs, u"Concise"_qs));
+        EXPECT_TRUE(onDisk().contains("Concise"));
+        QDir(folder).removeRecursively();
+    }
+}
+
+TEST_F(FileUserDefaultsTest, SeesWhatOthersWrite) {
+    FileUserDefaults store(folder);
+    FileUserDefaults other(folder);
+    EXPECT_TRUE(other.set(u"tone"_qs, u"Concise"_qs));
+    EXPECT_EQ(store.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_TRUE(store.set(u"minChars"_qs, qint64{3}));
+    EXPECT_EQ(other.integer(u"minChars"_qs), 3);
+    EXPECT_TRUE(other.remove(u"tone"_qs));
+    EXPECT_EQ(store.string(u"tone"_qs), std::nullopt);
+
+    putOnDisk(R"({"minChars": 4})");
+    EXPECT_EQ(store.integer(u"minChars"_qs), 4);
+    putOnDisk(R"({"minChars": 5, )"); // an editor in the middle of it
+    EXPECT_EQ(store.integer(u"minChars"_qs), 4);
+    EXPECT_FALSE(store.set(u"tone"_qs, u"Friendly"_qs));
+    putOnDisk(R"({"minChars": 6, "maxChars": 7})");
+    EXPECT_EQ(store.integer(u"minChars"_qs), 6);
+    EXPECT_TRUE(store.set(u"minChars"_qs, qint64{8}));
+    EXPECT_EQ(other.string(u"tone"_qs), u"Friendly"_qs);
+    EXPECT_TRUE(keptAside().isEmpty());
+}
+
+TEST_F(FileUserDefaultsTest, WritersDoNotUndoEachOther) {
+    {
+        ForkedWriter first([this] { writeMany(folder, u"first"_qs); });
+        ForkedWriter second([this] { writeMany(folder, u"second"_qs); });
+    }
+    FileUserDefaults store(folder);
+    const auto work = [&store](const QString &name) {
+        for (qint64 i = 0; i < 40; ++i) {
+            while (!store.set(name + QString::number(i), i) || store.integer(name + QString::number(i)) != i) {
+            }
+        }
+    };
+    {
+        const std::jthread third(work, u"third"_qs);
+        const std::jthread fourth(work, u"fourth"_qs);
+    }
+    FileUserDefaults later(folder);
+    for (const QString &name : {u"first"_qs, u"second"_qs, u"third"_qs, u"fourth"_qs}) {
+        for (qint64 i = 1; i < 40; ++i) {
+            EXPECT_EQ(later.integer(name + QString::number(i)), i) << name.toStdString();
+        }
+    }
+}
+
+TEST_F(FileUserDefaultsTest, AKilledWriterLeavesOldOrNew) {
+    for (int round = 0; round < 10; ++round) {
+        FileUserDefaults reader(folder);
+        ForkedWriter writer([this] {
+            FileUserDefaults store(folder);
+            for (qint64 i = 0;; ++i) {
+                store.set(u"big"_qs, QString(20'000 + i, u'x'));
+            }
+        });
+        qsizetype seen = 0;
+        for (int changes = 0; changes < 3;) {
+            const qsizetype size = reader.string(u"big"_qs).value_or(QString()).size();
+            changes += std::exchange(seen, size) != size ? 1 : 0;
+        }
+        writer.kill();
+        writer.wait();
+        FileUserDefaults store(folder);
+        EXPECT_GE(store.string(u"big"_qs).value_or(QString()).size(), 20'000);
+        EXPECT_TRUE(store.remove(u"big"_qs));
+    }
+    EXPECT_TRUE(keptAside().isEmpty());
+}
+
+TEST_F(FileUserDefaultsTest, WhatCannotBeSavedHoldsInMemory) {
+    putOnDisk("{}");
+    FileUserDefaults nowhere(path); // a file where the folder should be
+    EXPECT_FALSE(nowhere.set(u"tone"_qs, u"Concise"_qs));
+    EXPECT_EQ(nowhere.string(u"tone"_qs), u"Concise"_qs);
+
+    FileUserDefaults store(folder);
+    const rlimit before = [] {
+        rlimit limit{};
+        ::getrlimit(RLIMIT_FSIZE, &limit);
+        return limit;
+    }();
+    const rlimit small{1000, before.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    EXPECT_FALSE(store.set(u"businessProfile"_qs, QString(5000, u'x')));
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(store.string(u"businessProfile"_qs).value_or(QString()).size(), 5000);
+    EXPECT_EQ(onDisk(), "{}");
+    EXPECT_EQ(QDir(folder).entryList({u"*.new"_qs}), QStringList());
+
+    {
+        QFile lock(path + u".lock"_qs);
+        ASSERT_TRUE(lock.open(QIODevice::ReadWrite));
+        ASSERT_EQ(::flock(lock.handle(), LOCK_EX | LOCK_NB), 0);
+        EXPECT_FALSE(store.set(u"minChars"_qs, qint64{3}));
+        EXPECT_EQ(store.integer(u"minChars"_qs), 3);
+    }
+    EXPECT_TRUE(store.set(u"enabled"_qs, false));
+    FileUserDefaults later(folder);
+    EXPECT_EQ(later.integer(u"minChars"_qs), 3);
+    EXPECT_EQ(later.string(u"businessProfile"_qs).value_or(QString()).size(), 5000);
+}
+
+TEST_F(FileUserDefaultsTest, LinksStay) {
+    QDir().mkpath(folder);
+    ASSERT_TRUE(QFile::link(u"../real.json"_qs, path));
+    {
+        FileUserDefaults store(folder);
+        EXPECT_TRUE(store.set(u"minChars"_qs, qint64{3}));
+    }
+    EXPECT_TRUE(QFileInfo(path).isSymbolicLink());
+    EXPECT_TRUE(onDisk(u"../real.json"_qs).contains("minChars"));
+
+    QFile::remove(path);
+    ASSERT_TRUE(QFile::link(u"/dev/null"_qs, path));
+    CaptureStderr();
+    FileUserDefaults store(folder);
+    EXPECT_FALSE(store.set(u"minChars"_qs, qint64{4}));
+    EXPECT_EQ(store.integer(u"minChars"_qs), 4);
+    EXPECT_EQ(QByteArray::fromStdString(GetCapturedStderr()).count('\n'), 1);
+    EXPECT_TRUE(QFileInfo(path).isSymbolicLink());
+}
+
+} // namespace quillory::test
