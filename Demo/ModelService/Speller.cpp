@@ -84,7 +84,7 @@ QString Speller::corrected(const QString &word) const {
     QString best = word;
     int bestScore = plausibleScore + 1;
     for (const std::string &suggestion : m_dictionary->suggest(word.toStdString())) {
-        const QString candidate = QString::fromStdString(suggestion);
+        QString candidate = QString::fromStdString(suggestion);
         if (candidate.compare(word, Qt::CaseInsensitive) == 0) {
             return candidate;
         }

@@ -14,7 +14,7 @@ namespace platform::desktop::folders {
 
 namespace {
 QString userHome() {
-    QString home = qEnvironmentVariable("HOME");
+    const QString home = qEnvironmentVariable("HOME");
     if (QDir::isAbsolutePath(home)) {
         return home;
     }

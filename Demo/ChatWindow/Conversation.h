@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QScrollArea>
+
+class QVBoxLayout;
+
+namespace quillory::demo {
+
+enum class Sender { us, them };
+
+/// The messages, oldest on top, theirs to the left and ours to the right; scrolls to the newest.
+class Conversation : public QScrollArea {
+  public:
+    explicit Conversation(QWidget *parent);
+
+    void add(Sender sender, const QString &text, const QString &time);
+
+  private:
+    QVBoxLayout *m_rows;
+};
+
+} // namespace quillory::demo

@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QTextEdit>
+
+#include <functional>
+
+namespace quillory::demo {
+
+/// Where the user types: grows with its lines, Enter sends, Shift+Enter breaks the line.
+class MessageBox : public QTextEdit {
+  public:
+    explicit MessageBox(QWidget *parent);
+
+    std::function<void()> onSend;
+
+  protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+  private:
+    void fitToText();
+};
+
+} // namespace quillory::demo

@@ -1,0 +1,123 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Driver/Demo.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <csignal>
+#include <stdexcept>
+#include <sys/prctl.h>
+
+namespace quillory::demo {
+
+namespace {
+
+QString program(const char *name) {
+    return QCoreApplication::applicationDirPath() + u'/' + QString::fromLatin1(name);
+}
+
+QByteArray contents(const QString &path) {
+    QFile file(path);
+    return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Runs a program to its end, with something to read on its standard input, and returns what it printed.
+QByteArray outputOf(const QString &path, const QStringList &arguments, const QByteArray &input = {}) {
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(path, arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    if (!process.waitForFinished() || process.exitCode() != 0) {
+        throw std::runtime_error("could not run " + path.toStdString() + " " + arguments.join(u' ').toStdString());
+    }
+    return process.readAllStandardOutput();
+}
+
+QStringList write(const QString &key, const QString &value) {
+    return {QStringLiteral("defaults"), QStringLiteral("write"), key, value};
+}
+
+} // namespace
+
+Demo::Demo(Pace pace) {
+    prepareSettings();
+    startService(pace);
+    qputenv("QUILLORY_MODEL_SERVICE", serviceAddress());
+    m_program = test::ChildProcess({program("quillory").toStdString()});
+    if (!test::waitUntil([this] { return log().contains(QStringLiteral("launched, ")); })) {
+        throw std::runtime_error("the program did not start");
+    }
+    m_chat = test::ChildProcess({program("quillory-demo-chat").toStdString(), "--report",
+                                 m_folder.filePath(QStringLiteral("chat.json")).toStdString()});
+}
+
+Demo::~Demo() {
+    m_chat.end();
+    m_program.end();
+    m_service.terminate();
+    if (!m_service.waitForFinished(2000)) {
+        m_service.kill();
+        m_service.waitForFinished(2000);
+    }
+}
+
+void Demo::prepareSettings() const {
+    qputenv("XDG_CONFIG_HOME", m_folder.filePath(QStringLiteral("config")).toUtf8());
+    qputenv("XDG_DATA_HOME", m_folder.filePath(QStringLiteral("data")).toUtf8());
+    QDir(m_folder.path()).mkpath(QStringLiteral("config"));
+    QDir(m_folder.path()).mkpath(QStringLiteral("data"));
+    // The local service wants a key as the real one does, but takes any.
+    outputOf(program("quillory"), write(QStringLiteral("openRouterAPIKey"), QStringLiteral("-")), "demo\n");
+}
+
+void Demo::startService(Pace pace) {
+    m_service.setStandardOutputFile(m_folder.filePath(QStringLiteral("service.log")));
+    m_service.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_service.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    m_service.start(program("quillory-demo-model"),
+                    {QStringLiteral("--first-piece"), QString::number(pace.firstPiece),
+                     QStringLiteral("--between-pieces"), QString::number(pace.betweenPieces)});
+    if (!m_service.waitForStarted() || !test::waitUntil([this] { return !serviceAddress().isEmpty(); })) {
+        throw std::runtime_error("the model service did not start");
+    }
+}
+
+QByteArray Demo::serviceAddress() const {
+    static const QRegularExpression line(QStringLiteral("listening on port (\\d+)\\n"));
+    const QRegularExpressionMatch match = line.match(serviceLog());
+    return match.hasMatch() ? "http://127.0.0.1:" + match.captured(1).toLatin1() : QByteArray();
+}
+
+QString Demo::field() const {
+    const QByteArray report = contents(m_folder.filePath(QStringLiteral("chat.json")));
+    return QJsonDocument::fromJson(report)[QStringLiteral("field")].toString();
+}
+
+qsizetype Demo::sentMessages() const {
+    const QByteArray report = contents(m_folder.filePath(QStringLiteral("chat.json")));
+    return QJsonDocument::fromJson(report)[QStringLiteral("sent")].toArray().size();
+}
+
+QString Demo::log() const {
+    return QString::fromUtf8(contents(m_folder.filePath(QStringLiteral("data/quillory/Library/Logs/Quillory.log"))));
+}
+
+QString Demo::serviceLog() const {
+    return QString::fromUtf8(contents(m_folder.filePath(QStringLiteral("service.log"))));
+}
+
+void Demo::changeSetting(const QString &key, const QString &value) const {
+    outputOf(program("quillory"), write(key, value));
+}
+
+QString Demo::expectedRewrite(const QString &draft) {
+    return QString::fromUtf8(outputOf(program("quillory-demo-model"), {QStringLiteral("--rewrite"), draft})).trimmed();
+}
+
+} // namespace quillory::demo

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "RealDesktop/ChildProcess.h"
+
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+namespace quillory::demo {
+
+/// How the model service answers, in milliseconds.
+struct Pace {
+    int firstPiece = 600;
+    int betweenPieces = 40;
+};
+
+/// The model service, the program and the chat window, running with throwaway settings on the desktop of this
+/// process's environment. All of them end with this object.
+class Demo {
+  public:
+    /// Throws std::runtime_error when one of them cannot be started.
+    explicit Demo(Pace pace);
+    ~Demo();
+    Demo(const Demo &) = delete;
+    Demo &operator=(const Demo &) = delete;
+
+    /// What the chat window says that its message box holds.
+    [[nodiscard]] QString field() const;
+    /// How many messages it has sent.
+    [[nodiscard]] qsizetype sentMessages() const;
+    [[nodiscard]] bool chatIsOpen() { return m_chat.isRunning(); }
+    /// The program's log so far.
+    [[nodiscard]] QString log() const;
+    /// What the model service has said about its work so far.
+    [[nodiscard]] QString serviceLog() const;
+    /// Writes one of the program's settings, from another process, as a user would.
+    void changeSetting(const QString &key, const QString &value) const;
+    /// The rewrite that the model service gives for a draft.
+    [[nodiscard]] static QString expectedRewrite(const QString &draft);
+
+  private:
+    void prepareSettings() const;
+    void startService(Pace pace);
+    [[nodiscard]] QByteArray serviceAddress() const;
+
+    QTemporaryDir m_folder;
+    QProcess m_service;
+    test::ChildProcess m_program;
+    test::ChildProcess m_chat;
+};
+
+} // namespace quillory::demo

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Driver/Demo.h"
+#include "Driver/Tours.h"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace quillory::demo {
+
+namespace {
+
+/// Asks or tells the session's accessibility switch; the answer as the bus tool prints it, empty on failure.
+QByteArray accessibilityStatus(const QStringList &request) {
+    QProcess bus;
+    bus.start(QStringLiteral("dbus-send"),
+              QStringList{QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                          QStringLiteral("--dest=org.a11y.Bus"), QStringLiteral("/org/a11y/bus")} +
+                  request);
+    return bus.waitForFinished() && bus.exitCode() == 0 ? bus.readAllStandardOutput() : QByteArray();
+}
+
+void setAccessibility(bool enabled) {
+    accessibilityStatus(
+        {QStringLiteral("org.freedesktop.DBus.Properties.Set"), QStringLiteral("string:org.a11y.Status"),
+         QStringLiteral("string:IsEnabled"),
+         QStringLiteral("variant:boolean:") + (enabled ? QStringLiteral("true") : QStringLiteral("false"))});
+}
+
+/// Accessibility switched on for this session while the demo runs, if it was off.
+class AccessibilityOn {
+  public:
+    AccessibilityOn() {
+        const QByteArray answer =
+            accessibilityStatus({QStringLiteral("org.freedesktop.DBus.Properties.Get"),
+                                 QStringLiteral("string:org.a11y.Status"), QStringLiteral("string:IsEnabled")});
+        if (answer.isEmpty()) {
+            std::cout << "This session's accessibility bus does not answer (package at-spi2-core)." << std::endl;
+        }
+        m_switched = answer.contains("boolean false");
+        if (m_switched) {
+            std::cout << "Accessibility was off in this session: switching it on while the demo runs." << std::endl;
+            setAccessibility(true);
+        }
+    }
+    ~AccessibilityOn() {
+        if (m_switched) {
+            setAccessibility(false);
+        }
+    }
+    AccessibilityOn(const AccessibilityOn &) = delete;
+    AccessibilityOn &operator=(const AccessibilityOn &) = delete;
+
+  private:
+    bool m_switched = false;
+};
+
+} // namespace
+
+int showOnDesktop() {
+    // Only as X11 clients can the windows be placed and seen by each other.
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    const AccessibilityOn accessibility;
+    Demo demo({});
+    std::cout << "\nA chat window is open. Everything stays on this machine, and nothing is sent.\n"
+                 "  1. Click into its message box and type:  helo can u send me the price list\n"
+                 "  2. Pause for half a second: a card with a better wording appears above the box.\n"
+                 "  3. Tab puts it into the box. Esc drops it. Typing on hides it.\n"
+                 "  4. The icon in the status area opens the menu with the settings.\n"
+                 "  5. Close the chat window to end the demo.\n"
+              << std::endl;
+    while (!stopRequested && demo.chatIsOpen()) {
+        test::sleepBriefly();
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace quillory::demo
