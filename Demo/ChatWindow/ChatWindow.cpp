@@ -17,6 +17,8 @@ namespace quillory::demo {
 
 namespace {
 
+const QString contact = QStringLiteral("Sara, Gulf Paper Supplies");
+
 const QString sheet = QStringLiteral(R"(
     QWidget { font-size: 14px; color: #20242c; }
     #header { background: #ffffff; border-bottom: 1px solid #e2e5ec; }
@@ -49,17 +51,20 @@ QString timeNow() {
 
 } // namespace
 
-ChatWindow::ChatWindow(const QString &reportFile)
-    : m_reportFile(reportFile), m_conversation(new Conversation(this)), m_box(new MessageBox(this)) {
-    setWindowTitle(QStringLiteral("Sara, Gulf Paper Supplies"));
+/// Made from top to bottom, since that is the order in which assistive tools read them.
+ChatWindow::ChatWindow(const QString &reportFile) : m_reportFile(reportFile) {
+    setWindowTitle(contact);
     setStyleSheet(sheet);
     resize(560, 640);
-    auto *rows = new QVBoxLayout(this);
+    auto *content = new QWidget(this);
+    auto *rows = new QVBoxLayout(content);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(0);
     rows->addWidget(makeHeader());
+    m_conversation = new Conversation(content);
     rows->addWidget(m_conversation, 1);
     rows->addWidget(makeFooter());
+    setCentralWidget(content);
     greet();
     connect(m_box, &QTextEdit::textChanged, this, [this] { report(); });
     m_box->onSend = [this] { send(); };
@@ -68,7 +73,7 @@ ChatWindow::ChatWindow(const QString &reportFile)
 }
 
 QWidget *ChatWindow::makeHeader() {
-    auto *header = new QWidget(this);
+    auto *header = new QWidget;
     header->setObjectName(QStringLiteral("header"));
     header->setAttribute(Qt::WA_StyledBackground);
     auto *row = new QHBoxLayout(header);
@@ -80,19 +85,20 @@ QWidget *ChatWindow::makeHeader() {
     row->addWidget(avatar);
     auto *names = new QVBoxLayout;
     names->setSpacing(1);
-    names->addWidget(named(QStringLiteral("name"), QStringLiteral("Sara, Gulf Paper Supplies"), header));
+    names->addWidget(named(QStringLiteral("name"), contact, header));
     names->addWidget(named(QStringLiteral("status"), QStringLiteral("online"), header));
     row->addLayout(names, 1);
     return header;
 }
 
 QWidget *ChatWindow::makeFooter() {
-    auto *footer = new QWidget(this);
+    auto *footer = new QWidget;
     footer->setObjectName(QStringLiteral("footer"));
     footer->setAttribute(Qt::WA_StyledBackground);
     auto *row = new QHBoxLayout(footer);
     row->setContentsMargins(14, 10, 14, 10);
     row->setSpacing(10);
+    m_box = new MessageBox(footer);
     row->addWidget(m_box, 1);
     auto *button = new QPushButton(QStringLiteral("➤"), footer);
     button->setObjectName(QStringLiteral("send"));

@@ -4,20 +4,20 @@
 #include "ChatWindow/Conversation.h"
 #include "ChatWindow/MessageBox.h"
 
+#include <QMainWindow>
 #include <QStringList>
-#include <QWidget>
 
 namespace quillory::demo {
 
 /// A chat with a supplier who answers from a script: a place to type drafts in.
-class ChatWindow : public QWidget {
+class ChatWindow : public QMainWindow {
   public:
     /// reportFile: kept up to date with what the box holds and what was sent, for whoever drives the window; empty
     /// for none.
     explicit ChatWindow(const QString &reportFile);
 
   private:
-    [[nodiscard]] QWidget *makeHeader();
+    [[nodiscard]] static QWidget *makeHeader();
     [[nodiscard]] QWidget *makeFooter();
     void greet();
     void send();
@@ -26,8 +26,8 @@ class ChatWindow : public QWidget {
 
     QString m_reportFile;
     QStringList m_sent;
-    Conversation *m_conversation;
-    MessageBox *m_box;
+    Conversation *m_conversation = nullptr;
+    MessageBox *m_box = nullptr;
 };
 
 } // namespace quillory::demo

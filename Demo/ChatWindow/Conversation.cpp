@@ -48,7 +48,8 @@ Conversation::Conversation(QWidget *parent) : QScrollArea(parent) {
 
 void Conversation::add(Sender sender, const QString &text, const QString &time) {
     const bool ours = sender == Sender::us;
-    auto *bubble = new QFrame(widget());
+    auto *bubble = new QWidget(widget());
+    bubble->setAttribute(Qt::WA_StyledBackground);
     bubble->setObjectName(ours ? QStringLiteral("ours") : QStringLiteral("theirs"));
     auto *row = new QHBoxLayout(bubble);
     row->setContentsMargins(13, 8, 11, 8);
