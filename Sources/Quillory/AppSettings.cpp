@@ -99,13 +99,8 @@ std::optional<QList<FAQEntry>> faqEntriesFromJSON(const QByteArray &json) {
     return entries;
 }
 
-AppSettings &AppSettings::shared() {
-    static platform::PerInstallation<AppSettings> instance;
-    return instance.get([] { return AppSettings(platform::current().userDefaults); });
-}
-
-AppSettings::AppSettings(platform::UserDefaults &store) : m_store(store) {
-    m_store.registerDefaults({
+void registerSettingsDefaults(platform::UserDefaults &store) {
+    store.registerDefaults({
         {settingsKey::model, defaultModel},
         {settingsKey::secondModel, QStringLiteral("google/gemini-2.5-flash-lite")},
         {settingsKey::compareMode, false},
@@ -116,6 +111,15 @@ AppSettings::AppSettings(platform::UserDefaults &store) : m_store(store) {
         {settingsKey::enabled, true},
         {settingsKey::assistantMode, true},
     });
+}
+
+AppSettings &AppSettings::shared() {
+    static platform::PerInstallation<AppSettings> instance;
+    return instance.get([] { return AppSettings(platform::current().userDefaults); });
+}
+
+AppSettings::AppSettings(platform::UserDefaults &store) : m_store(store) {
+    registerSettingsDefaults(store);
 }
 
 QString AppSettings::apiKey() const {

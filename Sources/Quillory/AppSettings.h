@@ -56,6 +56,9 @@ struct FAQEntry {
 /// missing or no string, an identifier that is no UUID in its 36-character form. Members beyond the three are ignored.
 [[nodiscard]] std::optional<QList<FAQEntry>> faqEntriesFromJSON(const QByteArray &json);
 
+/// Registers the defaults of the settings that have one.
+void registerSettingsDefaults(platform::UserDefaults &store);
+
 /// The one owner of the settings store: registers the defaults and offers the settings that need logic. Everything
 /// else is read straight from store() by key at the moment of use, so a change counts at the next read. Safe to use
 /// from any thread.

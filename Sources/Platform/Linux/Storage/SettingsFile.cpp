@@ -126,7 +126,7 @@ SettingsFile::Lock::Lock(const SettingsFile &file, std::chrono::milliseconds lon
 
 std::optional<FileStamp> SettingsFile::replace(const QByteArray &bytes, const Lock & /*lock*/) const {
     const std::optional<QString> target = linkTarget(m_path);
-    if (!target) {
+    if (!target || bytes.size() > largestFile) {
         return std::nullopt;
     }
     const QByteArray temporary = QFile::encodeName(*target + QStringLiteral(".new"));

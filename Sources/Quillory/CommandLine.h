@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/UserDefaults.h"
+
+#include <QStringList>
+
+#include <functional>
+#include <iosfwd>
+#include <optional>
+
+namespace quillory {
+
+/// What a command reads and writes instead of the terminal.
+struct CommandStreams {
+    std::istream &input;
+    std::ostream &output;
+    std::ostream &errors;
+};
+
+/// The exit statuses of commands.
+namespace exitStatus {
+inline constexpr int success = 0;
+/// There was nothing to show, or a value could not be saved.
+inline constexpr int failure = 1;
+/// The arguments were wrong; nothing was done.
+inline constexpr int misuse = 2;
+} // namespace exitStatus
+
+/// Opens the settings store, for the commands that need it; it outlives the command.
+using OpenUserDefaults = std::function<platform::UserDefaults &()>;
+
+/// Carries out the command that the arguments (without the program's name) ask for and gives the exit status; absent
+/// when they ask for no command, so that the program itself is to run. Options with one dash belong to the desktop's
+/// toolkit and session management and ask for none. Needs no display.
+[[nodiscard]] std::optional<int> runCommandLine(const QStringList &arguments, const OpenUserDefaults &openUserDefaults,
+                                                const CommandStreams &streams);
+
+} // namespace quillory
