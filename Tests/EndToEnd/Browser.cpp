@@ -50,7 +50,7 @@ QString Browser::whatIsMissing() {
 }
 
 Browser::Browser(int pagePort, const QString &profile, const Options &options)
-    : m_process(commandLine(pagePort, profile, options)) {}
+    : m_process(commandLine(pagePort, profile, options), Output::dropped) {}
 
 void Browser::freeze() const {
     kill(m_process.pid(), SIGSTOP);

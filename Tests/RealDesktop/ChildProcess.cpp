@@ -25,8 +25,13 @@ std::vector<char *> pointers(const std::vector<std::string> &arguments) {
     return result;
 }
 
-[[noreturn]] void becomeProgram(const std::vector<char *> &arguments, int keepOpen) {
+[[noreturn]] void becomeProgram(const std::vector<char *> &arguments, Output output, int keepOpen) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (output == Output::dropped) {
+        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        dup2(nowhere, STDOUT_FILENO);
+        dup2(nowhere, STDERR_FILENO);
+    }
     if (keepOpen >= 0) {
         fcntl(keepOpen, F_SETFD, 0);
     }
@@ -40,14 +45,14 @@ int exitStatus(int status) {
 
 } // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string> &arguments, int keepOpen) {
+ChildProcess::ChildProcess(const std::vector<std::string> &arguments, Output output, int keepOpen) {
     const std::vector<char *> raw = pointers(arguments);
     m_pid = fork();
     if (m_pid < 0) {
         throw std::runtime_error("cannot start " + arguments.front());
     }
     if (m_pid == 0) {
-        becomeProgram(raw, keepOpen);
+        becomeProgram(raw, output, keepOpen);
     }
 }
 
@@ -87,8 +92,8 @@ int ChildProcess::end() {
     return m_status;
 }
 
-int run(const std::vector<std::string> &arguments) {
-    ChildProcess program(arguments);
+int run(const std::vector<std::string> &arguments, Output output) {
+    ChildProcess program(arguments, output);
     while (program.isRunning()) {
         sleepBriefly();
     }

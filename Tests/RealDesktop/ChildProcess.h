@@ -7,13 +7,16 @@
 
 namespace quillory::test {
 
+/// Whether what a program prints is seen, or dropped because it says nothing about the test.
+enum class Output { shown, dropped };
+
 /// A program started by a test. It is ended with this object, and by the kernel should the test itself die.
 class ChildProcess {
   public:
     ChildProcess() = default;
     /// Starts a program found on the PATH, in this process's environment. keepOpen: a file descriptor that the program
     /// inherits under the same number, or -1. Throws std::runtime_error when it cannot be started.
-    explicit ChildProcess(const std::vector<std::string> &arguments, int keepOpen = -1);
+    explicit ChildProcess(const std::vector<std::string> &arguments, Output output = Output::shown, int keepOpen = -1);
     ~ChildProcess();
     ChildProcess(ChildProcess &&other) noexcept;
     ChildProcess &operator=(ChildProcess &&other) noexcept;
@@ -31,7 +34,7 @@ class ChildProcess {
 };
 
 /// Runs a program to its end and returns its exit status.
-int run(const std::vector<std::string> &arguments);
+int run(const std::vector<std::string> &arguments, Output output = Output::shown);
 
 void sleepBriefly();
 [[nodiscard]] long long millisecondsNow();

@@ -33,7 +33,7 @@ int askAccessibilityBus(const std::vector<std::string> &question) {
                                        "--type=method_call",  "--print-reply=literal",
                                        "--dest=org.a11y.Bus", "/org/a11y/bus"};
     arguments.insert(arguments.end(), question.begin(), question.end());
-    return run(arguments);
+    return run(arguments, Output::dropped);
 }
 
 } // namespace
@@ -44,11 +44,13 @@ RealDesktop::RealDesktop(const Options &options) {
     setEnvironment();
     startDisplay(options.screen);
     startBus();
-    m_programs.emplace_back(std::vector<std::string>{"openbox", "--sm-disable"});
+    m_programs.emplace_back(std::vector<std::string>{"openbox", "--sm-disable"}, Output::dropped);
     if (options.compositor) {
-        m_programs.emplace_back(std::vector<std::string>{"picom", "--backend", "xrender", "--config", "/dev/null"});
+        m_programs.emplace_back(std::vector<std::string>{"picom", "--backend", "xrender", "--config", "/dev/null"},
+                                Output::dropped);
     }
-    m_programs.emplace_back(std::vector<std::string>{"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"});
+    m_programs.emplace_back(std::vector<std::string>{"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"},
+                            Output::dropped);
     if (!waitUntil([] { return askAccessibilityBus({"org.a11y.Bus.GetAddress"}) == 0; })) {
         throw std::runtime_error("the accessibility bus did not start");
     }
@@ -97,7 +99,7 @@ void RealDesktop::startDisplay(const char *screen) {
     const std::string number = firstLineFrom([&](int fd) {
         m_programs.emplace_back(std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(fd), "-screen", "0",
                                                          screen, "-nolisten", "tcp", "-noreset"},
-                                fd);
+                                Output::dropped, fd);
     });
     if (number.empty()) {
         throw std::runtime_error("Xvfb did not start");
@@ -109,7 +111,7 @@ void RealDesktop::startBus() {
     const std::string address = firstLineFrom([&](int fd) {
         m_programs.emplace_back(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                                          "--print-address=" + std::to_string(fd)},
-                                fd);
+                                Output::dropped, fd);
     });
     if (address.empty()) {
         throw std::runtime_error("the session bus did not start");
