@@ -14,7 +14,7 @@ namespace platform::desktop::folders {
 
 namespace {
 QString userHome() {
-    const QString home = qEnvironmentVariable("HOME");
+    QString home = qEnvironmentVariable("HOME");
     if (QDir::isAbsolutePath(home)) {
         return home;
     }

@@ -12,7 +12,7 @@ namespace platform::desktop {
 
 /// Settings in a file of the program's own, "settings.json". Any number of processes may read and write it at once: a
 /// write changes its own key on top of what is on disk at that moment, and a read sees what others wrote, since it
-/// looks at the file's stamp first (about a microsecond). What cannot be saved holds in memory and is saved with the
+/// looks at the file's stamp first (2 microseconds). What cannot be saved holds in memory and is saved with the
 /// next write that succeeds. A file that is no settings document is renamed, with a line on standard error, and never
 /// overwritten.
 class FileUserDefaults final : public UserDefaults {

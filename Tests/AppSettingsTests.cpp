@@ -1,0 +1,133 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/AppSettings.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+namespace quillory::test {
+
+namespace {
+class AppSettingsTest : public testing::Test {
+  protected:
+    void storeFAQ(const QByteArray &json) { desktop.userDefaults.set(settingsKey::faqEntries, json); }
+
+    SimulatedDesktop desktop;
+    AppSettings &settings = AppSettings::shared();
+};
+
+const QByteArray goodId = R"("id":"9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2B")";
+} // namespace
+
+TEST_F(AppSettingsTest, AFreshStoreHasNineDefaults) {
+    const std::map<QString, platform::DefaultsValue> defaults{
+        {u"model"_qs, u"anthropic/claude-haiku-4.5"_qs},
+        {u"secondModel"_qs, u"google/gemini-2.5-flash-lite"_qs},
+        {u"compareMode"_qs, false},
+        {u"tone"_qs, u"Professional"_qs},
+        {u"debounceMs"_qs, qint64{500}},
+        {u"minChars"_qs, qint64{8}},
+        {u"maxChars"_qs, qint64{3000}},
+        {u"enabled"_qs, true},
+        {u"assistantMode"_qs, true},
+    };
+    EXPECT_EQ(desktop.userDefaults.registered(), defaults);
+    EXPECT_TRUE(desktop.userDefaults.stored().empty());
+    EXPECT_EQ(settings.store().string(settingsKey::businessProfile), std::nullopt);
+}
+
+TEST_F(AppSettingsTest, TheFirstSourceThatHasAKeyWins) {
+    EXPECT_EQ(settings.apiKey(), QString());
+    desktop.process.information[u"EmbeddedAPIKey"_qs] = QString();
+    EXPECT_EQ(settings.apiKey(), QString());
+    desktop.process.information[u"EmbeddedAPIKey"_qs] = u"embedded"_qs;
+    desktop.process.variables[u"OPENROUTER_API_KEY"_qs] = QString();
+    EXPECT_EQ(settings.apiKey(), u"embedded"_qs);
+    desktop.process.variables[u"OPENROUTER_API_KEY"_qs] = u"variable"_qs;
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, QString());
+    EXPECT_EQ(settings.apiKey(), u"variable"_qs);
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"  "_qs);
+    EXPECT_EQ(settings.apiKey(), u"  "_qs);
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u" stored "_qs);
+    EXPECT_EQ(settings.apiKey(), u" stored "_qs);
+}
+
+TEST_F(AppSettingsTest, EntriesComeBackAsWritten) {
+    const QList<FAQEntry> entries{{.question = u"Price?\n\"€\" \\ /"_qs, .answer = u"😀\0 ok"_qs},
+                                  {.id = QUuid(), .question = QString(), .answer = QString()},
+                                  FAQEntry()};
+    settings.setFAQEntries(entries);
+    EXPECT_EQ(settings.faqEntries(), entries);
+    EXPECT_NE(entries[2].id, FAQEntry().id);
+    settings.setFAQEntries({});
+    EXPECT_EQ(desktop.userDefaults.data(settingsKey::faqEntries), QByteArray("[]"));
+}
+
+TEST_F(AppSettingsTest, AMalformedListReadsAsEmptyAndStays) {
+    const QByteArray members = R"(,"question":"Q","answer":"A")";
+    storeFAQ("[{" + goodId.toLower() + members + R"(,"more":1}])");
+    EXPECT_EQ(settings.faqEntries().size(), 1);
+    const QByteArray cases[]{
+        "",
+        "junk",
+        "null",
+        R"({"id":1})",
+        "[1]",
+        "[" + QByteArray(100'000, '['),
+        "[{" + goodId + R"(,"question":"Q"}])",
+        "[{" + goodId + R"(,"question":"Q","answer":null}])",
+        R"([{"question":"Q","answer":"A"}])",
+        R"([{"id":"{9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2B}")" + members + "}]",
+        R"([{"id":"9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2")" + members + "}]",
+        R"([{"id":"9C1E7F2A00B3D-4E5F-8A6B-7C8D9E0F1A2B")" + members + "}]",
+        R"([{"id":"9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2G")" + members + "}]",
+        "[{" + goodId + members + "},{}]",
+        "[{" + goodId + ",\"question\":\"\xff\",\"answer\":\"A\"}]",
+    };
+    desktop.userDefaults.set(settingsKey::faqKnowledge, u"older"_qs);
+    for (const QByteArray &json : cases) {
+        storeFAQ(json);
+        EXPECT_TRUE(settings.faqEntries().isEmpty()) << json.left(80).data();
+        EXPECT_EQ(settings.knowledgeText(), u"older"_qs);
+        EXPECT_EQ(desktop.userDefaults.data(settingsKey::faqEntries), json);
+    }
+}
+
+TEST_F(AppSettingsTest, KnowledgeIsTheEntriesWithContent) {
+    EXPECT_EQ(settings.knowledgeText(), QString());
+    desktop.userDefaults.set(settingsKey::faqKnowledge, u" older "_qs);
+    settings.setFAQEntries({{.question = u" \t\u00a0"_qs, .answer = QString()}});
+    EXPECT_EQ(settings.knowledgeText(), u" older "_qs);
+    settings.setFAQEntries({{.question = u" Where? "_qs, .answer = QString()},
+                            {.question = QString(), .answer = u"\t"_qs},
+                            {.question = u"\n"_qs, .answer = u"Riffa"_qs}});
+    EXPECT_EQ(settings.knowledgeText(), u"Q:  Where? \nA: \n\nQ: \n\nA: Riffa"_qs);
+}
+
+TEST(Tone, NamesAreExact) {
+    for (const Tone tone : allTones) {
+        EXPECT_EQ(toneFromRawValue(rawValue(tone)), tone);
+    }
+    EXPECT_EQ(rawValue(Tone::grammarOnly), u"Grammar only"_qs);
+    EXPECT_EQ(toneFromRawValue(u"grammar only"_qs), std::nullopt);
+    EXPECT_EQ(toneFromRawValue(QString()), std::nullopt);
+}
+
+TEST(AppSettings, EachInstallationHasItsOwnAndOneOnly) {
+    for (int round = 0; round < 2; ++round) {
+        SimulatedDesktop desktop;
+        AppSettings *seen[4]{};
+        {
+            std::vector<std::jthread> threads;
+            for (AppSettings *&one : seen) {
+                threads.emplace_back([&one] { one = &AppSettings::shared(); });
+            }
+        }
+        EXPECT_THAT(seen, testing::Each(&AppSettings::shared()));
+        EXPECT_EQ(&AppSettings::shared().store(), &desktop.userDefaults);
+        EXPECT_EQ(desktop.userDefaults.registered().size(), 9U);
+    }
+}
+
+} // namespace quillory::test
