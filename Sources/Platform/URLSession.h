@@ -24,6 +24,9 @@ struct URLRequest {
     std::chrono::milliseconds timeout{60'000};
 };
 
+/// Whether the address names this very computer: 127.0.0.0/8, [::1] or "localhost". What goes there never travels.
+[[nodiscard]] bool isLoopback(const QUrl &url);
+
 /// The transport failed: no connection, time-out, broken transfer, an answer beyond all bounds. The text is fit for a
 /// user's eyes and holds neither header nor body.
 class URLError : public std::runtime_error {
@@ -37,7 +40,7 @@ class CancellationError : public std::exception {
 };
 
 /// A response whose body is read while it arrives. One thread at a time. Destroying it ends the exchange without
-/// waiting.
+/// waiting; the connection is closed at once when the stop token asked for the end, and else may linger for a second.
 class URLByteStream {
   public:
     virtual ~URLByteStream() = default;

@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QString>
+
+#include <curl/curl.h>
+
+namespace platform::desktop {
+
+/// What went wrong, as a sentence for users.
+[[nodiscard]] QString sentenceFor(CURLcode code);
+
+} // namespace platform::desktop

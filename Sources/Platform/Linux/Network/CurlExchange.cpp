@@ -1,0 +1,137 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Network/CurlExchange.h"
+
+#include "Platform/Linux/Network/CurlErrors.h"
+
+namespace platform::desktop {
+
+namespace {
+/// The whole head, interim answers and trailers included.
+constexpr qsizetype maxHead = 256 * 1024;
+/// More than that is not read to the end just to save a connection.
+constexpr qsizetype maxDrained = 64 * 1024;
+
+QByteArrayView viewOf(const char *data, std::size_t size, std::size_t count) {
+    return {data, static_cast<qsizetype>(size * count)};
+}
+} // namespace
+
+CurlExchange::CurlExchange(std::shared_ptr<Transfer> exchanged) : transfer(std::move(exchanged)) {
+    setRequest();
+    setLimits();
+    setCallbacks();
+}
+
+template <typename Value> void CurlExchange::set(CURLoption option, Value value) {
+    curl_easy_setopt(handle(), option, value);
+}
+
+void CurlExchange::setRequest() {
+    const URLRequest &request = transfer->request();
+    set(CURLOPT_URL, request.url.toEncoded(QUrl::RemoveFragment).constData());
+    set(CURLOPT_USERAGENT, "Quillory");
+    if (request.method != "GET") {
+        set(CURLOPT_POST, 1L);
+        set(CURLOPT_CUSTOMREQUEST, request.method.constData());
+        set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
+        // Not copied: the transfer outlives this handle.
+        set(CURLOPT_POSTFIELDS, request.body.constData());
+    }
+    for (const auto &[name, value] : request.headers) {
+        // Curl's way to send a header without a value.
+        addHeader(value.isEmpty() ? name + ';' : name + ": " + value);
+    }
+    // Otherwise a long body waits for an interim answer first.
+    addHeader("Expect:");
+    set(CURLOPT_HTTPHEADER, m_headers.get());
+    if (isLoopback(request.url)) {
+        set(CURLOPT_PROXY, "");
+    }
+}
+
+void CurlExchange::setLimits() {
+    set(CURLOPT_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_FOLLOWLOCATION, 0L);
+    set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    set(CURLOPT_NOSIGNAL, 1L);
+    // A cancelled name look-up is left to end by itself, or the worker would wait for it and everybody else with it.
+    set(CURLOPT_QUICK_EXIT, 1L);
+    // The worker's own deadline decides; this makes curl leave time for the other addresses of a host.
+    set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(transfer->request().timeout.count()));
+}
+
+void CurlExchange::setCallbacks() {
+    using Function = std::size_t (*)(char *, std::size_t, std::size_t, void *);
+    const Function onHeader = [](char *data, std::size_t size, std::size_t count, void *self) {
+        return static_cast<CurlExchange *>(self)->headLine(viewOf(data, size, count));
+    };
+    const Function onBody = [](char *data, std::size_t size, std::size_t count, void *self) {
+        return static_cast<CurlExchange *>(self)->body(viewOf(data, size, count));
+    };
+    set(CURLOPT_PRIVATE, this);
+    set(CURLOPT_HEADERFUNCTION, onHeader);
+    set(CURLOPT_HEADERDATA, this);
+    set(CURLOPT_WRITEFUNCTION, onBody);
+    set(CURLOPT_WRITEDATA, this);
+}
+
+void CurlExchange::addHeader(const QByteArray &header) {
+    curl_slist *const longer = curl_slist_append(m_headers.get(), header.constData());
+    (void)m_headers.release();
+    m_headers.reset(longer);
+}
+
+/// One line of the head, its break included; the empty one ends it. An interim answer has a head of its own.
+std::size_t CurlExchange::headLine(QByteArrayView line) {
+    lastData = std::chrono::steady_clock::now();
+    m_headSize += line.size();
+    if (m_headSize > maxHead) {
+        failure = QStringLiteral("The head of the answer is too long.");
+        return 0;
+    }
+    long status = 0;
+    curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
+    constexpr long firstFinalStatus = 200;
+    if (!m_hasHead && line.trimmed().isEmpty() && status >= firstFinalStatus) {
+        m_hasHead = true;
+        transfer->headArrived(static_cast<int>(status));
+    }
+    return static_cast<std::size_t>(line.size());
+}
+
+std::size_t CurlExchange::body(QByteArrayView bytes) {
+    lastData = std::chrono::steady_clock::now();
+    if (isDraining) {
+        m_drained += bytes.size();
+        return m_drained > maxDrained ? 0 : static_cast<std::size_t>(bytes.size());
+    }
+    switch (transfer->take(bytes)) {
+    case Transfer::Taken::yes:
+        return static_cast<std::size_t>(bytes.size());
+    case Transfer::Taken::noRoom:
+        isPaused = true;
+        return CURL_WRITEFUNC_PAUSE;
+    case Transfer::Taken::tooMuch:
+        break;
+    }
+    failure = QStringLiteral("The answer is too long.");
+    return 0;
+}
+
+std::optional<QString> CurlExchange::outcome(CURLcode result) {
+    if (result == CURLE_OK) {
+        return std::nullopt;
+    }
+    if (failure) {
+        return failure;
+    }
+    // What came is not an HTTP head. (The scheme was checked before, so the protocol is not ours.)
+    const bool isNotHTTP = result == CURLE_UNSUPPORTED_PROTOCOL || result == CURLE_WEIRD_SERVER_REPLY;
+    if (isNotHTTP && !m_hasHead) {
+        transfer->headArrived(std::nullopt);
+        return std::nullopt;
+    }
+    return sentenceFor(result);
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/Network/Transfer.h"
+
+#include <curl/curl.h>
+
+#include <map>
+#include <thread>
+
+namespace platform::desktop {
+
+/// What is asked of the network worker, from any thread, at no more cost than a lock held for an instant. Outlives the
+/// worker, for those who still hold a transfer then.
+class WorkerMailbox {
+  public:
+    enum class Ask {
+        start,
+        /// There is room again.
+        resume,
+        /// Close at once.
+        abort,
+        /// Nobody reads on. What is nearly over may run out, so that its connection can serve again.
+        drain,
+        quit,
+    };
+    using Message = std::pair<Ask, std::shared_ptr<Transfer>>;
+
+    /// False when there is no worker any more.
+    bool post(Ask ask, std::shared_ptr<Transfer> transfer);
+    [[nodiscard]] std::vector<Message> take();
+    /// The handle to wake; null once the worker has ended.
+    void connect(CURLM *multi);
+
+  private:
+    std::mutex m_mutex;
+    std::vector<Message> m_messages;
+    CURLM *m_multi = nullptr;
+};
+
+/// The thread that does all network work, on one curl multi handle and so with one pool of kept-alive connections.
+/// Whatever in curl may block (ending a name look-up, a handshake) blocks nobody but this thread.
+class NetworkWorker {
+  public:
+    NetworkWorker();
+    /// Ends every exchange that still runs with URLError.
+    ~NetworkWorker();
+    NetworkWorker(const NetworkWorker &) = delete;
+    NetworkWorker &operator=(const NetworkWorker &) = delete;
+
+    [[nodiscard]] const std::shared_ptr<WorkerMailbox> &mailbox() const { return m_mailbox; }
+
+  private:
+    struct Exchange;
+    using Clock = std::chrono::steady_clock;
+
+    void run();
+    [[nodiscard]] bool handleMessages();
+    void start(const std::shared_ptr<Transfer> &transfer);
+    void resume(Exchange &exchange);
+    void drain(Exchange &exchange);
+    void collectFinished();
+    void endOverdue();
+    [[nodiscard]] int pollTimeout() const;
+    void end(Exchange &exchange, const std::optional<QString> &failure);
+
+    std::shared_ptr<WorkerMailbox> m_mailbox = std::make_shared<WorkerMailbox>();
+    CURLM *m_multi;
+    std::map<const Transfer *, std::unique_ptr<Exchange>> m_exchanges;
+    std::thread m_thread;
+};
+
+} // namespace platform::desktop
