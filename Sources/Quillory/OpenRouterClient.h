@@ -11,8 +11,9 @@
 #include <vector>
 
 /// The exchange with the model service: one chat-completions request per call. No state. The requests block the
-/// calling thread, which is never the main one. Failures: RewriteError, platform::URLError for the transport,
-/// nlohmann's JSON exceptions, and platform::CancellationError once the stop token asks for it.
+/// calling thread, which is never the main one. Failures: RewriteError (also for a model service address that is not
+/// safe), platform::URLError for the transport, nlohmann's JSON exceptions, and platform::CancellationError once the
+/// stop token asks for it.
 namespace quillory::OpenRouterClient {
 
 struct Message {
