@@ -58,7 +58,7 @@ QByteArray trimmedKey() {
     return key.toUtf8();
 }
 
-/// Half a surrogate pair, which a field can hand out, becomes U+FFFD here, so that the body is always valid.
+/// Half a surrogate pair, which a field can hand out, becomes "?" here, so that the body is always valid.
 QByteArray requestBody(const std::vector<Message> &messages, const QString &model, bool streams) {
     nlohmann::json list = nlohmann::json::array();
     for (const auto &[role, content] : messages) {
@@ -83,7 +83,7 @@ platform::URLRequest makeRequest(const std::vector<Message> &messages, const QSt
 /// The start of an error's body, its lines put together.
 QString readErrorText(platform::URLByteStream &bytes) {
     // Counting characters is slow for a text that is one long character; nothing honest comes near this.
-    constexpr qsizetype enough = 16 * 1024;
+    constexpr qsizetype enough = 4 * 1024;
     QString read;
     while (read.size() < enough && (read.size() <= maxErrorText || text::characterCount(read) <= maxErrorText)) {
         const auto line = bytes.nextLine();
