@@ -10,6 +10,12 @@ class QObject;
 
 namespace platform {
 
+/// Dynamic properties of a content view that describe where it is filled, so that a panel window can give just that a
+/// shadow, an outline and the pointer: a list of rectangles (QVariantList of QRectF) in the view's coordinates, and
+/// the radius of their corners (double). A view without them is filled all over.
+inline constexpr const char *panelShapeProperty = "panelShape";
+inline constexpr const char *panelCornerRadiusProperty = "panelCornerRadius";
+
 /// A floating window that never takes the keyboard focus: borderless, above normal windows, on every workspace,
 /// transparent where its content is. Starts off screen with alpha 1 and the zero frame. Frames are in screen
 /// coordinates (points, origin at the bottom left of the primary screen, y upwards). Main thread only.

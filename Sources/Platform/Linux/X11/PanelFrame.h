@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/X11/PanelShadow.h"
+
+#include <QPointer>
+#include <QWidget>
+
+namespace platform::desktop {
+
+/// The native window of a panel: an override-redirect window, which no window manager focuses, moves, decorates or
+/// keeps on one workspace. Around its content it holds a margin for the shadow while a compositor runs; the pointer
+/// falls through the margin and the gaps. Without a compositor it is cut to the content's shape and opaque.
+class PanelFrame final : public QWidget {
+  public:
+    PanelFrame();
+    ~PanelFrame() override;
+    PanelFrame(const PanelFrame &) = delete;
+    PanelFrame &operator=(const PanelFrame &) = delete;
+
+    void setContent(QWidget *content);
+    void setComposited(bool composited);
+    /// Moves and resizes in one step. The rectangle is the content's, in Qt's coordinates.
+    void setContentGeometry(const QRect &geometry);
+
+  protected:
+    void paintEvent(QPaintEvent *event) override;
+
+  private:
+    [[nodiscard]] int margin() const { return m_composited ? PanelShadow::extent : 0; }
+    [[nodiscard]] QList<QRectF> shape() const;
+    [[nodiscard]] double cornerRadius() const;
+    void setNativeHints();
+    void applyShape();
+
+    QPointer<QWidget> m_content;
+    QRect m_contentGeometry;
+    PanelShadow m_shadow;
+    bool m_composited = false;
+};
+
+} // namespace platform::desktop

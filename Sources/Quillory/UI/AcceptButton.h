@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/UI/Hover.h"
+
+#include <QAbstractButton>
+
+namespace quillory::ui {
+
+/// The capsule that takes a suggestion. Dimmed and without effect while disabled.
+class AcceptButton final : public QAbstractButton {
+  public:
+    explicit AcceptButton(QWidget *parent);
+    [[nodiscard]] QSize sizeHint() const override;
+
+  protected:
+    void paintEvent(QPaintEvent *event) override;
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+  private:
+    Hover m_hover;
+};
+
+} // namespace quillory::ui

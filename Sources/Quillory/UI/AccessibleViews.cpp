@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/AccessibleViews.h"
+
+#include "Quillory/UI/CardText.h"
+#include "Quillory/UI/KeyCap.h"
+#include "Quillory/UI/RefiningIndicator.h"
+#include "Quillory/UI/SuggestionCard.h"
+
+#include <QAccessibleWidget>
+
+namespace quillory::ui {
+
+namespace {
+
+// The views have no class names of their own, so this is asked for every plain widget.
+QAccessibleInterface *makeInterface(const QString & /*className*/, QObject *object) {
+    if (dynamic_cast<CardText *>(object) != nullptr || dynamic_cast<KeyHints *>(object) != nullptr ||
+        dynamic_cast<RefiningIndicator *>(object) != nullptr) {
+        return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::StaticText);
+    }
+    if (dynamic_cast<SuggestionCard *>(object) != nullptr) {
+        return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Grouping);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void installAccessibleViews() {
+    static const bool installed = (QAccessible::installFactory(makeInterface), true);
+    static_cast<void>(installed);
+}
+
+} // namespace quillory::ui

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QVariantAnimation>
+
+class QWidget;
+
+namespace quillory::ui {
+
+/// Whether the pointer is over a view, as a value that follows with an ease-out curve and repaints the view.
+class Hover {
+  public:
+    explicit Hover(QWidget &view);
+    void set(bool hovering);
+    [[nodiscard]] bool hovering() const { return m_hovering; }
+    /// 0 away from the view, 1 over it.
+    [[nodiscard]] double progress() const;
+
+  private:
+    QVariantAnimation m_animation;
+    bool m_hovering = false;
+};
+
+} // namespace quillory::ui

@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/UI/Hover.h"
+
+#include <QAbstractButton>
+
+namespace quillory::ui {
+
+/// A symbol that acts when clicked and stands out while the pointer is over it. It takes clicks on all of its size
+/// hint, which is larger than the symbol in its centre.
+class HoverIconButton final : public QAbstractButton {
+  public:
+    /// name: what assistive tools call it.
+    HoverIconButton(const QString &systemName, const QString &name, QWidget *parent);
+    [[nodiscard]] QSize sizeHint() const override;
+    /// The side of the symbol itself, in points.
+    [[nodiscard]] static int symbolExtent();
+
+  protected:
+    void paintEvent(QPaintEvent *event) override;
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+  private:
+    QString m_systemName;
+    Hover m_hover;
+};
+
+} // namespace quillory::ui

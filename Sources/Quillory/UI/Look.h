@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QColor>
+#include <QEasingCurve>
+#include <QFont>
+#include <QLinearGradient>
+#include <QPainterPath>
+
+class QWidget;
+
+/// The colours, typefaces and shapes that the card views share. All sizes are points, and a point is a
+/// device-independent pixel, for fonts too: what the desktop sets as text scaling reaches us as the screen's scale.
+namespace quillory::ui {
+
+/// The text colours and the background for a light or a dark desktop, with the contrast that small text needs.
+struct Look {
+    QColor primary;
+    QColor secondary;
+    QColor tertiary;
+    QColor material;
+};
+
+/// The look that goes with a widget's palette, and so with the desktop's theme.
+[[nodiscard]] const Look &lookOf(const QWidget &widget);
+
+/// The same colour, more transparent.
+[[nodiscard]] QColor faded(QColor color, double opacity);
+
+enum class FontDesign { standard, rounded };
+
+/// The desktop's interface font at a size. Rounded: a rounded typeface if one is installed.
+[[nodiscard]] QFont systemFont(double points, QFont::Weight weight = QFont::Normal,
+                               FontDesign design = FontDesign::standard);
+
+/// The program's gradient, from one corner of a rectangle to the opposite one; each colour brighter by that much.
+[[nodiscard]] QLinearGradient sharedGradient(const QRectF &rect, double brightness = 0);
+
+/// A rounded rectangle whose curvature grows gently out of its edges instead of jumping where a circle would begin.
+[[nodiscard]] QPainterPath continuousRoundedRect(const QRectF &rect, double radius);
+
+[[nodiscard]] QEasingCurve easeOut();
+
+} // namespace quillory::ui

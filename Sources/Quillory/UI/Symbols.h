@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QBrush>
+#include <QPixmap>
+#include <QString>
+
+namespace quillory::ui {
+
+/// The names of the symbols in Icons/.
+namespace symbolName {
+inline const QString wand = QStringLiteral("wand.and.stars");
+inline const QString bolt = QStringLiteral("bolt.fill");
+inline const QString checkmark = QStringLiteral("checkmark");
+inline const QString close = QStringLiteral("xmark.circle.fill");
+} // namespace symbolName
+
+/// The side of the square that a symbol takes beside text of this size, in points.
+[[nodiscard]] double symbolSide(double points);
+
+/// Draws a symbol into a rectangle, filled with a brush whose coordinates are the painter's. Crisp at the painter's
+/// scale. A symbol that does not exist draws nothing.
+void drawSymbol(QPainter &painter, const QRectF &rect, const QString &name, const QBrush &brush);
+
+} // namespace quillory::ui
