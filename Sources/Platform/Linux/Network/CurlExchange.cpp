@@ -11,6 +11,10 @@ constexpr qsizetype maxHead = 256 * 1024;
 /// More than that is not read to the end just to save a connection.
 constexpr qsizetype maxDrained = 64 * 1024;
 
+QString headTooLong() {
+    return QStringLiteral("The head of the answer is too long.");
+}
+
 QByteArrayView viewOf(const char *data, std::size_t size, std::size_t count) {
     return {data, static_cast<qsizetype>(size * count)};
 }
@@ -86,7 +90,7 @@ std::size_t CurlExchange::headLine(QByteArrayView line) {
     lastData = std::chrono::steady_clock::now();
     m_headSize += line.size();
     if (m_headSize > maxHead) {
-        failure = QStringLiteral("The head of the answer is too long.");
+        failure = headTooLong();
         return 0;
     }
     long status = 0;
@@ -120,10 +124,15 @@ std::size_t CurlExchange::body(QByteArrayView bytes) {
 
 std::optional<QString> CurlExchange::outcome(CURLcode result) {
     if (result == CURLE_OK) {
-        return std::nullopt;
+        // Curl is content with a head that breaks off.
+        return m_hasHead ? std::nullopt : std::optional(sentenceFor(CURLE_RECV_ERROR));
     }
     if (failure) {
         return failure;
+    }
+    if (result == CURLE_OUT_OF_MEMORY && !m_hasHead) {
+        // Curl's word for a single header beyond its own bound.
+        return headTooLong();
     }
     // What came is not an HTTP head. (The scheme was checked before, so the protocol is not ours.)
     const bool isNotHTTP = result == CURLE_UNSUPPORTED_PROTOCOL || result == CURLE_WEIRD_SERVER_REPLY;
