@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Linux/XClient.h"
+#include "Platform/Linux/X11/X11KeyPoster.h"
+
+#include <gmock/gmock.h>
+
+using namespace platform;
+using namespace platform::desktop;
+
+namespace quillory::test {
+
+namespace {
+
+constexpr xcb_keycode_t escape = 9, tabulator = 23, control = 37, a = 38, shift = 50, v = 55, capsLock = 66,
+                        numLock = 77, menu = 135, letter = 24;
+
+class X11Keys : public testing::Test {
+  protected:
+    void SetUp() override { connection->watch(); }
+
+    void makeTap() {
+        tap = taps.create([this](const TapEvent &event) {
+            asked += (asked.empty() ? "" : " ") + std::to_string(event.key) + "^" + std::to_string(event.flags);
+            return verdict;
+        });
+    }
+    void setLayout(const char *layout, const char *option = "") {
+        ASSERT_EQ(run({"setxkbmap", "-layout", layout, "-option", "", "-option", option}), 0);
+        (void)user.keysUntilEnd();
+    }
+
+    std::unique_ptr<X11Connection> connection = X11Connection::open();
+    X11Keyboard keyboard{*connection};
+    X11EventTaps taps{*connection, keyboard};
+    X11KeyPoster poster{*connection, keyboard, taps};
+    XClient user;
+    TapVerdict verdict = TapVerdict::swallow;
+    std::string asked;
+    std::unique_ptr<EventTap> tap;
+};
+
+TEST_F(X11Keys, SwallowsOrPassesWhateverLocksAndLayoutAreOn) {
+    makeTap();
+    ASSERT_NE(tap, nullptr);
+    ASSERT_TRUE(tap->setEnabled(true));
+    const struct {
+        const char *layout;
+        std::vector<xcb_keycode_t> locks;
+    } cases[] = {{"us", {}},
+                 {"us", {capsLock}},
+                 {"us", {numLock}},
+                 {"us", {capsLock, numLock}},
+                 {"ara,us", {}},
+                 {"us,ara", {menu}},
+                 {"us,ara", {menu, capsLock}},
+                 {"us,ru,gr", {menu, menu, numLock}}};
+    for (const auto &[layout, locks] : cases) {
+        SCOPED_TRACE(layout + std::string(" ") + std::to_string(locks.size()));
+        setLayout(layout, "grp:menu_toggle");
+        for (const xcb_keycode_t key : locks) {
+            user.tap(key);
+        }
+        (void)user.keysUntilEnd();
+        asked.clear();
+        verdict = TapVerdict::swallow;
+        user.tap(tabulator);
+        user.tap(escape);
+        EXPECT_EQ(user.keysUntilEnd(), "");
+        EXPECT_EQ(asked, "48^0 53^0");
+        verdict = TapVerdict::pass;
+        user.tap(tabulator);
+        const std::string passed = user.keysUntilEnd();
+        EXPECT_THAT(passed, testing::StartsWith("+23"));
+        EXPECT_THAT(passed, testing::EndsWith(" -23"));
+        for (const xcb_keycode_t key : locks) {
+            user.tap(key);
+        }
+        setLayout("us");
+    }
+}
+
+TEST_F(X11Keys, LeavesEverythingElseToTheApplication) {
+    makeTap();
+    ASSERT_TRUE(tap->setEnabled(true));
+    user.finger(shift, true);
+    user.tap(tabulator);
+    user.finger(shift, false);
+    user.tap(letter);
+    EXPECT_EQ(user.keysUntilEnd(), "+50 +23^1 -23 -50 +24 -24");
+    EXPECT_EQ(asked, "");
+
+    // What is typed before the swallowed key has come up belongs to the application too.
+    user.finger(tabulator, true);
+    user.tap(letter);
+    user.finger(tabulator, false);
+    EXPECT_EQ(user.keysUntilEnd(), "+24 -24 -23");
+
+    tap->setEnabled(false);
+    user.tap(tabulator);
+    user.tap(escape);
+    EXPECT_EQ(user.keysUntilEnd(), "+23 -23 +9 -9");
+    EXPECT_EQ(asked, "48^0");
+}
+
+TEST_F(X11Keys, SwallowsAHeldKeyToItsEnd) {
+    makeTap();
+    ASSERT_TRUE(tap->setEnabled(true));
+    run({"xset", "r", "rate", "100", "100"});
+    user.finger(tabulator, true);
+    ASSERT_TRUE(spinUntil([&] { return !asked.empty(); }));
+    tap->setEnabled(false);
+    EXPECT_TRUE(poster.userHoldsKeys());
+    // Long enough for some thirty repeats; were one let through, the record below would show it.
+    (void)spinUntil([] { return false; }, 400);
+    user.finger(tabulator, false);
+    EXPECT_EQ(user.keysUntilEnd(), "");
+    EXPECT_EQ(asked, "48^0");
+    EXPECT_FALSE(poster.userHoldsKeys());
+    user.tap(tabulator);
+    EXPECT_EQ(user.keysUntilEnd(), "+23 -23");
+}
+
+TEST_F(X11Keys, FollowsKeysThatTheUserHasMoved) {
+    makeTap();
+    ASSERT_TRUE(tap->setEnabled(true));
+    setLayout("us", "caps:swapescape");
+    user.tap(capsLock);
+    EXPECT_EQ(user.keysUntilEnd(), "");
+    EXPECT_EQ(asked, "53^0");
+}
+
+TEST_F(X11Keys, CannotTakeKeysThatAnotherProgramHolds) {
+    xcb_connection_t *other = user.connection().get();
+    xcb_grab_key(other, 0, user.connection().root(), XCB_MOD_MASK_2, tabulator, XCB_GRAB_MODE_ASYNC,
+                 XCB_GRAB_MODE_ASYNC);
+    user.connection().sync();
+    makeTap();
+    EXPECT_EQ(tap, nullptr);
+    xcb_ungrab_key(other, tabulator, user.connection().root(), XCB_MOD_MASK_ANY);
+    user.connection().sync();
+    makeTap();
+    ASSERT_NE(tap, nullptr);
+    xcb_grab_key(other, 0, user.connection().root(), XCB_MOD_MASK_LOCK, escape, XCB_GRAB_MODE_ASYNC,
+                 XCB_GRAB_MODE_ASYNC);
+    user.connection().sync();
+    EXPECT_FALSE(tap->setEnabled(true));
+    user.tap(tabulator);
+    EXPECT_EQ(user.keysUntilEnd(), "+23 -23"); // nothing is left half grabbed
+}
+
+TEST_F(X11Keys, TypesPositionsWithExactlyTheModifiersAskedFor) {
+    for (const char *layout : {"us", "ara,us", "fr"}) {
+        setLayout(layout);
+        EXPECT_TRUE(poster.postKey(keyCode::a, eventFlag::command));
+        EXPECT_TRUE(poster.postKey(keyCode::v, eventFlag::command));
+        EXPECT_EQ(user.keysUntilEnd(), "+37 +38^4 -38 -37 +37 +55^4 -55 -37") << layout;
+    }
+    EXPECT_FALSE(poster.postKey(1234, 0));
+}
+
+TEST_F(X11Keys, GivesHeldModifiersBackAndLeavesNoneStuck) {
+    const auto isPlain = [&] { return !user.isDown(shift) && !user.isDown(control) && user.modifiers() == 0; };
+    const struct {
+        const char *holder;
+        void (XClient::*hold)(xcb_keycode_t, bool);
+    } holders[] = {{"finger", &XClient::finger}, {"program", &XClient::fake}};
+    for (const auto &[holder, hold] : holders) {
+        SCOPED_TRACE(holder);
+        (user.*hold)(shift, true);
+        EXPECT_TRUE(poster.userHoldsKeys());
+        EXPECT_TRUE(poster.postKey(keyCode::a, eventFlag::command));
+        EXPECT_EQ(user.modifiers(), XCB_MOD_MASK_SHIFT);
+        (user.*hold)(shift, false);
+        EXPECT_TRUE(isPlain());
+        EXPECT_EQ(user.keysUntilEnd(), "+50 -50 +37 +38^4 -38 -37 +50 -50");
+        // The user holds the very modifier that is wanted.
+        (user.*hold)(control, true);
+        EXPECT_TRUE(poster.postKey(keyCode::v, eventFlag::command));
+        EXPECT_EQ(user.modifiers(), XCB_MOD_MASK_CONTROL);
+        (user.*hold)(control, false);
+        EXPECT_TRUE(isPlain());
+        EXPECT_NE(user.keysUntilEnd().find("+55^4 -55"), std::string::npos);
+        EXPECT_FALSE(poster.userHoldsKeys());
+        EXPECT_TRUE(poster.postKey(keyCode::v, eventFlag::shift | eventFlag::command));
+        EXPECT_NE(user.keysUntilEnd().find("+55^5 -55"), std::string::npos);
+        EXPECT_TRUE(isPlain());
+    }
+}
+
+TEST_F(X11Keys, PostsWhileASwallowedKeyIsStillDown) {
+    makeTap();
+    ASSERT_TRUE(tap->setEnabled(true));
+    user.finger(tabulator, true);
+    ASSERT_TRUE(spinUntil([&] { return !asked.empty(); }));
+    tap->setEnabled(false);
+    EXPECT_TRUE(poster.postKey(keyCode::v, eventFlag::command));
+    user.finger(tabulator, false);
+    EXPECT_EQ(user.keysUntilEnd(), "+37 +55^4 -55 -37 -23");
+}
+
+} // namespace
+
+} // namespace quillory::test
