@@ -1,0 +1,300 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/X11/X11Screens.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <xcb/randr.h>
+
+#include <algorithm>
+
+namespace platform::desktop {
+
+namespace {
+
+double distance(const QRect &rectangle, Point point) {
+    const double dx = std::max({rectangle.left() - point.x, point.x - rectangle.right(), 0.0});
+    const double dy = std::max({rectangle.top() - point.y, point.y - rectangle.bottom(), 0.0});
+    return dx + dy;
+}
+
+QRect rectFrom(const std::vector<std::uint32_t> &values, std::size_t index) {
+    const auto at = [&](std::size_t i) { return static_cast<int>(values[index + i]); };
+    return {at(0), at(1), at(2), at(3)};
+}
+
+/// What Qt draws with on the monitor that begins at this pixel. Qt keeps the corners of its screens where they are.
+double scaleOf(QPoint corner) {
+    for (const QScreen *screen : QGuiApplication::screens()) {
+        if (screen->geometry().topLeft() == corner) {
+            return screen->devicePixelRatio();
+        }
+    }
+    const QScreen *primary = QGuiApplication::primaryScreen();
+    return primary != nullptr ? primary->devicePixelRatio() : 1;
+}
+
+/// A rectangle within a monitor in Qt's coordinates.
+Rect toQt(const QRect &monitor, double scale, const Rect &pixels) {
+    return {monitor.x() + (pixels.x - monitor.x()) / scale, monitor.y() + (pixels.y - monitor.y()) / scale,
+            pixels.width / scale, pixels.height / scale};
+}
+
+Rect fromQRect(const QRect &rectangle) {
+    return {static_cast<double>(rectangle.x()), static_cast<double>(rectangle.y()),
+            static_cast<double>(rectangle.width()), static_cast<double>(rectangle.height())};
+}
+
+} // namespace
+
+X11Screens::X11Screens(X11Connection &connection)
+    : m_connection(connection), m_firstRandrEvent(connection.firstEvent(&xcb_randr_id)) {
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection.get(), connection.root(), XCB_CW_EVENT_MASK, &events);
+    if (m_firstRandrEvent != 0) {
+        (void)connection.reply(xcb_randr_query_version_reply, xcb_randr_query_version(connection.get(), 1, 5));
+        xcb_randr_select_input(connection.get(), connection.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    }
+    m_events = connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
+    // Qt hears of changes on a connection of its own, before or after this one.
+    const auto stale = [this] { m_isStale = true; };
+    QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &m_context, stale);
+    QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, &m_context, stale);
+    const auto watch = [this, stale](const QScreen *screen) {
+        m_isStale = true;
+        QObject::connect(screen, &QScreen::geometryChanged, &m_context, stale);
+        QObject::connect(screen, &QScreen::logicalDotsPerInchChanged, &m_context, stale);
+    };
+    QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &m_context, watch);
+    std::ranges::for_each(QGuiApplication::screens(), watch);
+}
+
+void X11Screens::handle(const xcb_generic_event_t &event) {
+    const int type = eventType(event);
+    if (type == XCB_PROPERTY_NOTIFY) {
+        const auto &change = eventAs<xcb_property_notify_event_t>(event);
+        if (change.window != m_connection.root()) {
+            return;
+        }
+        m_isMainStale |= change.atom == m_connection.atom("_NET_ACTIVE_WINDOW");
+        for (const char *name : {"_NET_CLIENT_LIST", "_NET_WORKAREA", "_NET_CURRENT_DESKTOP"}) {
+            m_isStale |= change.atom == m_connection.atom(name);
+        }
+    } else if (type == XCB_CONFIGURE_NOTIFY) {
+        const xcb_window_t window = eventAs<xcb_configure_notify_event_t>(event).window;
+        m_isStale |= window == m_connection.root();
+        m_isMainStale |= window == m_activeWindow;
+    } else if (m_firstRandrEvent != 0 && type >= m_firstRandrEvent && type <= m_firstRandrEvent + XCB_RANDR_NOTIFY) {
+        m_isStale = true;
+    }
+}
+
+void X11Screens::refresh() {
+    if (!m_isStale) {
+        return;
+    }
+    m_isStale = false;
+    m_isMainStale = true;
+    readMonitors();
+    const std::vector<Strut> struts = readStruts();
+    if (struts.empty()) {
+        reserveByWorkAreas();
+    } else {
+        reserve(struts);
+    }
+    for (Monitor &monitor : m_monitors) {
+        monitor.frame = toQt(monitor.pixels, monitor.scale, fromQRect(monitor.pixels));
+        monitor.visibleFrame = toQt(monitor.pixels, monitor.scale, fromQRect(monitor.visiblePixels));
+    }
+}
+
+void X11Screens::readMonitors() {
+    m_monitors.clear();
+    const auto answer = m_firstRandrEvent == 0
+                            ? nullptr
+                            : m_connection.reply(xcb_randr_get_monitors_reply,
+                                                 xcb_randr_get_monitors(m_connection.get(), m_connection.root(), 1));
+    if (answer) {
+        for (auto info = xcb_randr_get_monitors_monitors_iterator(answer.get()); info.rem > 0;
+             xcb_randr_monitor_info_next(&info)) {
+            const QRect pixels(info.data->x, info.data->y, info.data->width, info.data->height);
+            const Monitor monitor{pixels, pixels, scaleOf(pixels.topLeft()), {}, {}};
+            m_monitors.insert(info.data->primary != 0 ? m_monitors.begin() : m_monitors.end(), monitor);
+        }
+    }
+    if (m_monitors.empty()) {
+        const QRect pixels(0, 0, m_connection.screen().width_in_pixels, m_connection.screen().height_in_pixels);
+        m_monitors.push_back({pixels, pixels, scaleOf({}), {}, {}});
+    }
+}
+
+std::vector<X11Screens::Strut> X11Screens::readStruts() {
+    const auto windows =
+        m_connection.values(m_connection.askValues(m_connection.root(), m_connection.atom("_NET_CLIENT_LIST")));
+    const xcb_atom_t partial = m_connection.atom("_NET_WM_STRUT_PARTIAL");
+    const xcb_atom_t whole = m_connection.atom("_NET_WM_STRUT");
+    std::vector<xcb_get_property_cookie_t> questions;
+    for (const xcb_window_t window : windows) {
+        questions.push_back(m_connection.askValues(window, partial));
+        questions.push_back(m_connection.askValues(window, whole));
+    }
+    std::vector<Strut> struts;
+    for (std::size_t i = 0; i + 1 < questions.size(); i += 2) {
+        const auto ranges = m_connection.values(questions[i]);
+        const auto edges = m_connection.values(questions[i + 1]);
+        constexpr int everywhere = 0xFFFF;
+        Strut strut{0, 0, 0, 0, 0, everywhere, 0, everywhere, 0, everywhere, 0, everywhere};
+        if (ranges.size() >= 12) {
+            std::transform(ranges.begin(), ranges.begin() + 12, strut.begin(),
+                           [](auto v) { return static_cast<int>(v); });
+        } else if (edges.size() >= 4) {
+            std::transform(edges.begin(), edges.begin() + 4, strut.begin(), [](auto v) { return static_cast<int>(v); });
+        } else {
+            continue;
+        }
+        struts.push_back(strut);
+    }
+    return struts;
+}
+
+/// Struts are measured from the edges of all monitors together, so each belongs to the monitor in which it ends.
+void X11Screens::reserve(const std::vector<Strut> &struts) {
+    QRect all;
+    for (const Monitor &monitor : m_monitors) {
+        all |= monitor.pixels;
+    }
+    const auto overlaps = [](int begin, int end, int low, int high) { return begin <= high && low <= end; };
+    for (Monitor &monitor : m_monitors) {
+        const QRect &frame = monitor.pixels;
+        QRect &visible = monitor.visiblePixels;
+        for (const Strut &s : struts) {
+            const int left = s[0], right = all.right() - s[1], top = s[2], bottom = all.bottom() - s[3];
+            if (s[0] > 0 && overlaps(s[4], s[5], frame.top(), frame.bottom()) && frame.left() < left &&
+                left <= frame.right()) {
+                visible.setLeft(std::max(visible.left(), left));
+            }
+            if (s[1] > 0 && overlaps(s[6], s[7], frame.top(), frame.bottom()) && frame.left() <= right &&
+                right < frame.right()) {
+                visible.setRight(std::min(visible.right(), right));
+            }
+            if (s[2] > 0 && overlaps(s[8], s[9], frame.left(), frame.right()) && frame.top() < top &&
+                top <= frame.bottom()) {
+                visible.setTop(std::max(visible.top(), top));
+            }
+            if (s[3] > 0 && overlaps(s[10], s[11], frame.left(), frame.right()) && frame.top() <= bottom &&
+                bottom < frame.bottom()) {
+                visible.setBottom(std::min(visible.bottom(), bottom));
+            }
+        }
+    }
+}
+
+/// Without windows that reserve edges the desktop's bars may be drawn by the window manager itself, which then says
+/// what it leaves: GNOME for each monitor, others one rectangle for the whole desktop.
+void X11Screens::reserveByWorkAreas() {
+    const auto ask = [this](const QByteArray &name) {
+        return m_connection.values(m_connection.askValues(m_connection.root(), m_connection.atom(name)));
+    };
+    const auto desktops = ask("_NET_CURRENT_DESKTOP");
+    const std::size_t desktop = desktops.empty() ? 0 : desktops.front();
+    const auto perMonitor = ask("_GTK_WORKAREAS_D" + QByteArray::number(static_cast<qulonglong>(desktop)));
+    const auto common = ask("_NET_WORKAREA");
+    for (Monitor &monitor : m_monitors) {
+        QRect best;
+        for (std::size_t i = 0; i + 3 < perMonitor.size(); i += 4) {
+            const QRect inside = rectFrom(perMonitor, i) & monitor.pixels;
+            best = inside.width() * inside.height() > best.width() * best.height() ? inside : best;
+        }
+        if (best.isEmpty() && common.size() >= desktop * 4 + 4) {
+            best = rectFrom(common, desktop * 4) & monitor.pixels;
+        }
+        monitor.visiblePixels = best.isEmpty() ? monitor.pixels : best;
+    }
+}
+
+void X11Screens::findMain() {
+    if (!std::exchange(m_isMainStale, false)) {
+        return;
+    }
+    m_main = 0;
+    const auto active =
+        m_connection.values(m_connection.askValues(m_connection.root(), m_connection.atom("_NET_ACTIVE_WINDOW")));
+    m_activeWindow = active.empty() ? static_cast<xcb_window_t>(XCB_NONE) : active.front();
+    if (m_activeWindow == XCB_NONE) {
+        return;
+    }
+    // To hear of its moves. A window that is gone by now answers with errors, which is no main screen.
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    if (m_activeWindow != m_connection.root()) {
+        xcb_change_window_attributes(m_connection.get(), m_activeWindow, XCB_CW_EVENT_MASK, &events);
+    }
+    const auto sizeQuestion = xcb_get_geometry(m_connection.get(), m_activeWindow);
+    const auto placeQuestion = xcb_translate_coordinates(m_connection.get(), m_activeWindow, m_connection.root(), 0, 0);
+    const auto size = m_connection.reply(xcb_get_geometry_reply, sizeQuestion);
+    const auto place = m_connection.reply(xcb_translate_coordinates_reply, placeQuestion);
+    if (size && place) {
+        const Point centre{place->dst_x + size->width / 2.0, place->dst_y + size->height / 2.0};
+        m_main = static_cast<std::size_t>(monitorAt(centre) - m_monitors.data());
+    }
+}
+
+const X11Screens::Monitor *X11Screens::monitorAt(Point pixel) const {
+    return &*std::ranges::min_element(m_monitors, {}, [&](const Monitor &one) { return distance(one.pixels, pixel); });
+}
+
+double X11Screens::primaryBottom() const {
+    return m_monitors.front().frame.maxY();
+}
+
+Screen X11Screens::screenOf(const Monitor &monitor) const {
+    const double left = m_monitors.front().frame.x;
+    const double bottom = primaryBottom();
+    const auto convert = [&](const Rect &rect) {
+        return Rect{rect.x - left, bottom - rect.maxY(), rect.width, rect.height};
+    };
+    return {convert(monitor.frame), convert(monitor.visibleFrame)};
+}
+
+std::vector<Screen> X11Screens::screens() {
+    refresh();
+    std::vector<Screen> result;
+    std::ranges::transform(m_monitors, std::back_inserter(result),
+                           [this](const Monitor &one) { return screenOf(one); });
+    return result;
+}
+
+std::optional<Screen> X11Screens::mainScreen() {
+    refresh();
+    findMain();
+    return screenOf(m_monitors[m_main]);
+}
+
+double X11Screens::scaleAt(Point pixel) {
+    refresh();
+    return monitorAt(pixel)->scale;
+}
+
+Rect X11Screens::accessibilityRect(const Rect &pixels) {
+    refresh();
+    const Monitor *monitor = monitorAt({pixels.midX(), pixels.midY()});
+    Rect rect = toQt(monitor->pixels, monitor->scale, pixels);
+    rect.x -= m_monitors.front().frame.x;
+    rect.y -= m_monitors.front().frame.y;
+    return rect;
+}
+
+QPoint X11Screens::qtPosition(const Rect &screenRect) {
+    refresh();
+    return {static_cast<int>(std::lround(screenRect.x + m_monitors.front().frame.x)),
+            static_cast<int>(std::lround(primaryBottom() - screenRect.maxY()))};
+}
+
+Rect X11Screens::screenRect(const QRect &qtGeometry) {
+    refresh();
+    const Rect rect = fromQRect(qtGeometry);
+    return {rect.x - m_monitors.front().frame.x, primaryBottom() - rect.maxY(), rect.width, rect.height};
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/X11/X11Connection.h"
+#include "Platform/Screens.h"
+
+#include <QPoint>
+#include <QRect>
+
+namespace platform::desktop {
+
+/// The monitors of the X screen, and the one place where the kinds of coordinates meet:
+/// - pixels: of the root window, from the top left, y downwards; what X11 and the accessibility bus speak;
+/// - Qt's: device-independent; each monitor's top left corner stands where it stands in pixels, and from there
+/// distances
+///   are divided by the monitor's scale;
+/// - accessibility coordinates: Qt's, counted from the top left of the primary monitor;
+/// - screen coordinates: the same, y upwards from the primary monitor's bottom left.
+/// Kept up to date by events; asking waits for the X server only after something has changed. Main thread only.
+class X11Screens final : public Screens {
+  public:
+    /// The application object must exist: scales are what Qt draws with.
+    explicit X11Screens(X11Connection &connection);
+
+    [[nodiscard]] std::vector<Screen> screens() override;
+    [[nodiscard]] std::optional<Screen> mainScreen() override;
+
+    /// Device pixels per point on the monitor that holds this pixel, or that is nearest to it.
+    [[nodiscard]] double scaleAt(Point pixel);
+    /// A rectangle of pixels in accessibility coordinates. It goes by the monitor that holds its centre.
+    [[nodiscard]] Rect accessibilityRect(const Rect &pixels);
+    /// Where Qt has to place the top left corner of a window that is to stand at this rectangle of screen coordinates.
+    [[nodiscard]] QPoint qtPosition(const Rect &screenRect);
+    /// The screen coordinates of a window's geometry in Qt.
+    [[nodiscard]] Rect screenRect(const QRect &qtGeometry);
+
+  private:
+    struct Monitor {
+        QRect pixels;
+        QRect visiblePixels;
+        double scale = 1;
+        /// In Qt's coordinates.
+        Rect frame;
+        Rect visibleFrame;
+    };
+    /// The edges that a panel of the desktop keeps free, as its window says: left, right, top, bottom, and the range of
+    /// each along its edge.
+    using Strut = std::array<int, 12>;
+
+    void handle(const xcb_generic_event_t &event);
+    void refresh();
+    void readMonitors();
+    void reserve(const std::vector<Strut> &struts);
+    void reserveByWorkAreas();
+    [[nodiscard]] std::vector<Strut> readStruts();
+    void findMain();
+    [[nodiscard]] const Monitor *monitorAt(Point pixel) const;
+    [[nodiscard]] Screen screenOf(const Monitor &monitor) const;
+    [[nodiscard]] double primaryBottom() const;
+
+    X11Connection &m_connection;
+    std::vector<Monitor> m_monitors;
+    std::size_t m_main = 0;
+    bool m_isStale = true;
+    bool m_isMainStale = true;
+    xcb_window_t m_activeWindow = XCB_NONE;
+    std::uint8_t m_firstRandrEvent = 0;
+    RegistrationHandle m_events;
+    QObject m_context;
+};
+
+} // namespace platform::desktop
