@@ -11,6 +11,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <iostream>
 #include <optional>
 
@@ -63,7 +64,7 @@ class EndToEnd : public testing::Test {
         startAssistant();
         startBrowser(options);
         ASSERT_TRUE(clickBox());
-        ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral(", chat app")) > 0; }));
+        ASSERT_TRUE(logged(QStringLiteral(", chat app")));
         m_blursBefore = m_page.state().blurs;
     }
 
@@ -80,16 +81,32 @@ class EndToEnd : public testing::Test {
             30'000);
     }
 
+    static bool logged(const QString &text, int times = 1) {
+        return waitUntil([&] { return Assistant::timesLogged(text) >= times; });
+    }
+
     bool boxHolds(const QString &text) {
         return waitUntil([&] { return m_page.text() == text; });
     }
 
-    /// Types a draft and waits until its card can be accepted.
-    void typeDraft(const QString &text) {
-        const int before = Assistant::timesLogged(QStringLiteral(" complete ("));
+    /// Types and waits until the card for all of it can be accepted. A slow machine may pause long enough for the
+    /// program to ask about a part of it first.
+    void typeDraft(const QString &text, const QString &whole) {
         keyboard::type(text);
-        ASSERT_TRUE(waitUntil([&] { return Assistant::timesLogged(QStringLiteral(" complete (")) > before; }));
-        ASSERT_TRUE(boxHolds(text)) << "the draft must stay as typed";
+        ASSERT_TRUE(waitUntil([&] { return timesAsked(whole) > 0 && answerIsIn(); }, 20'000));
+        ASSERT_TRUE(boxHolds(whole)) << "the draft must stay as typed";
+    }
+    void typeDraft(const QString &text) { typeDraft(text, text); }
+
+    [[nodiscard]] long timesAsked(const QString &text) const {
+        const auto questions = m_model.questions();
+        return std::count_if(questions.begin(), questions.end(),
+                             [&](const auto &asked) { return asked.draft == text; });
+    }
+
+    static bool answerIsIn() {
+        const QString log = Assistant::log();
+        return log.lastIndexOf(QStringLiteral(" complete (")) > log.lastIndexOf(QStringLiteral("prefetch started"));
     }
 
     void acceptRewrite(const QString &typed, const QString &rewrite) {
@@ -120,8 +137,7 @@ TEST_F(EndToEnd, TabPutsTheRewriteIntoTheRichTextBox) {
     expectUntouched();
     EXPECT_TRUE(waitUntil([] { return keyboard::clipboard("UTF8_STRING") == "what the user had copied"; }));
 
-    ASSERT_EQ(m_model.questions().size(), 1U);
-    const ModelService::Question question = m_model.questions().front();
+    const ModelService::Question question = m_model.questions().back();
     EXPECT_EQ(question.draft, draft);
     EXPECT_EQ(question.authorization, QStringLiteral("Bearer made-up-key"));
     EXPECT_TRUE(question.system.contains(QStringLiteral("«customer» The blue one with the dates. Is it in stock?\n")));
@@ -162,7 +178,7 @@ TEST_F(EndToEnd, EscDropsTheCardAndTheNextEscIsTheUsers) {
         return m_page.state().keys.contains(QStringLiteral("Escape"));
     }));
     EXPECT_EQ(m_page.text(), draft);
-    EXPECT_EQ(m_model.questions().size(), 1U) << "a dropped draft is not asked for again";
+    EXPECT_EQ(timesAsked(draft), 1) << "a dropped draft is not asked for again";
     expectUntouched();
 }
 
@@ -170,16 +186,12 @@ TEST_F(EndToEnd, TypingOnClosesTheRunningRequest) {
     ASSERT_NO_FATAL_FAILURE(openChat({}));
     m_model.willAnswer(QStringLiteral("Hello, can you"), Manner::stalls);
     keyboard::type(draft);
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("panel visible (1 cards)")) == 1; }));
-    EXPECT_EQ(m_model.clientsGone(), 0);
+    ASSERT_TRUE(waitUntil([this] { return timesAsked(draft) == 1; }));
+    ASSERT_TRUE(logged(QStringLiteral("panel visible (1 cards)")));
+    const int goneBefore = m_model.clientsGone();
     m_model.willAnswer(answer);
-    ASSERT_NO_FATAL_FAILURE([this] {
-        keyboard::type(QStringLiteral(" pls"));
-        ASSERT_TRUE(waitUntil([this] { return m_model.clientsGone() == 1; }));
-    }());
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral(" complete (")) == 1; }));
-    EXPECT_EQ(m_model.questions().back().draft, draft + QStringLiteral(" pls"));
-    EXPECT_EQ(m_page.text(), draft + QStringLiteral(" pls"));
+    ASSERT_NO_FATAL_FAILURE(typeDraft(QStringLiteral(" pls"), draft + QStringLiteral(" pls")));
+    EXPECT_TRUE(waitUntil([&] { return m_model.clientsGone() == goneBefore + 1; }));
     expectUntouched();
 }
 
@@ -187,14 +199,14 @@ TEST_F(EndToEnd, AFailingServiceLeavesTheDraftAlone) {
     ASSERT_NO_FATAL_FAILURE(openChat({}));
     m_model.willAnswer(QStringLiteral("slow down"), Manner::refuses);
     keyboard::type(draft);
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("failed: OpenRouter HTTP 429")) == 1; }));
+    ASSERT_TRUE(logged(QStringLiteral("failed: OpenRouter HTTP 429: {\"error\":{\"message\":\"slow down\"}}")));
     m_model.willAnswer(QStringLiteral("Hello, can"), Manner::breaksOff);
+    const int failuresBefore = Assistant::timesLogged(QStringLiteral(" failed: "));
     keyboard::type(QStringLiteral(" pls"));
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral(" failed: ")) == 2; }));
-    EXPECT_EQ(m_page.text(), draft + QStringLiteral(" pls"));
+    ASSERT_TRUE(logged(QStringLiteral(" failed: "), failuresBefore + 1));
+    ASSERT_TRUE(boxHolds(draft + QStringLiteral(" pls")));
     m_model.willAnswer(answer);
-    keyboard::type(QStringLiteral(" now"));
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral(" complete (")) == 1; }));
+    ASSERT_NO_FATAL_FAILURE(typeDraft(QStringLiteral(" now"), draft + QStringLiteral(" pls now")));
     keyboard::tap("Tab");
     EXPECT_TRUE(boxHolds(answer));
     expectUntouched();
@@ -203,9 +215,6 @@ TEST_F(EndToEnd, AFailingServiceLeavesTheDraftAlone) {
 TEST_F(EndToEnd, NothingIsAskedForOtherFields) {
     startAssistant();
     startBrowser({QStringLiteral("https://shop.example/"), true, true});
-    const auto focusLogged = [](int times) {
-        return waitUntil([=] { return Assistant::timesLogged(QStringLiteral("textElement=")) >= times; });
-    };
     const auto goTo = [this](const QString &address) {
         keyboard::tap("ctrl+l");
         keyboard::type(address);
@@ -213,24 +222,25 @@ TEST_F(EndToEnd, NothingIsAskedForOtherFields) {
         return waitUntil([&] { return m_page.state().address == address; }) && clickBox();
     };
     ASSERT_TRUE(clickBox());
-    ASSERT_TRUE(focusLogged(1));
+    ASSERT_TRUE(logged(QStringLiteral("textElement=true\n")));
     keyboard::type(draft);
     ASSERT_TRUE(boxHolds(draft)) << "a page on another host";
 
     keyboard::tap("ctrl+l");
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("browser UI (excluded)")) > 0; }));
+    ASSERT_TRUE(logged(QStringLiteral("browser UI (excluded)")));
     ASSERT_TRUE(goTo(QStringLiteral("https://web.whatsapp.com/?box=password")));
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("AXSecureTextField")) > 0; }));
+    ASSERT_TRUE(logged(QStringLiteral("AXSecureTextField")));
     keyboard::type(draft);
     ASSERT_TRUE(boxHolds(draft)) << "a password field";
 
     // The box comes last: had any of the others asked, its question would have come before this one.
     ASSERT_TRUE(goTo(QStringLiteral("https://web.whatsapp.com/")));
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral(", textElement=true, chat app")) > 0; }));
+    ASSERT_TRUE(logged(QStringLiteral(", textElement=true, chat app")));
     keyboard::type(QStringLiteral("only this is a draft"));
-    ASSERT_TRUE(waitUntil([this] { return !m_model.questions().empty(); }));
-    EXPECT_EQ(m_model.questions().size(), 1U);
-    EXPECT_EQ(m_model.questions().front().draft, QStringLiteral("only this is a draft"));
+    ASSERT_TRUE(waitUntil([this] { return timesAsked(QStringLiteral("only this is a draft")) == 1; }));
+    for (const ModelService::Question &question : m_model.questions()) {
+        EXPECT_TRUE(question.draft.startsWith(QStringLiteral("only"))) << question.draft.toStdString();
+    }
 }
 
 TEST_F(EndToEnd, APlainTextArea) {
@@ -245,7 +255,7 @@ TEST_F(EndToEnd, ABrowserThatWasThereFirstAndBuiltNoTree) {
     startBrowser(options);
     ASSERT_TRUE(clickBox());
     startAssistant();
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral(", chat app")) > 0; }));
+    ASSERT_TRUE(logged(QStringLiteral(", chat app")));
     m_blursBefore = m_page.state().blurs;
     ASSERT_NO_FATAL_FAILURE(acceptRewrite(draft, answer));
     expectUntouched();
@@ -255,19 +265,13 @@ TEST_F(EndToEnd, AFrozenBrowserDoesNotStopTheProgram) {
     ASSERT_NO_FATAL_FAILURE(openChat({}));
     ASSERT_NO_FATAL_FAILURE(typeDraft(draft));
     m_browser->freeze();
-    const auto trustLogged = [](const char *line) {
-        return waitUntil([=] { return Assistant::timesLogged(QString::fromLatin1(line)) > 0; });
-    };
     RealDesktop::setAccessibilityEnabled(false);
-    EXPECT_TRUE(trustLogged("accessibility trusted -> false")) << "the tick waits for the browser";
+    EXPECT_TRUE(logged(QStringLiteral("accessibility trusted -> false"))) << "the tick waits for the browser";
     RealDesktop::setAccessibilityEnabled(true);
-    m_browser->thaw();
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("trusted -> true")) == 2; }));
+    ASSERT_TRUE(logged(QStringLiteral("accessibility trusted -> true"), 2));
     EXPECT_TRUE(m_assistant->isRunning());
-    // Nothing wakes the program but the user who goes on typing.
-    keyboard::type(QStringLiteral(" pls"));
-    ASSERT_TRUE(boxHolds(draft + QStringLiteral(" pls")));
-    ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral(" complete (")) >= 2; }, 30'000));
+    m_browser->thaw();
+    ASSERT_NO_FATAL_FAILURE(typeDraft(QStringLiteral(" pls"), draft + QStringLiteral(" pls")));
     keyboard::tap("Tab");
     EXPECT_TRUE(boxHolds(answer));
     expectUntouched();
