@@ -1,0 +1,316 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Accessibility/AccessibilityCore.h"
+
+#include "Platform/Linux/Accessibility/AtspiElement.h"
+
+#include <algorithm>
+#include <array>
+
+namespace platform::desktop::atspi {
+
+namespace {
+using namespace std::chrono_literals;
+// A frame of a display; what does not come in this time may come with the next tick.
+constexpr auto tickWait = 16ms;
+constexpr auto questionWait = 60ms;
+constexpr auto writeWait = 150ms;
+constexpr auto subtreeWait = 200ms;
+constexpr auto subtreeTime = 250ms;
+// The questions of one tick follow each other within this time.
+constexpr auto sameMoment = 40ms;
+// How old an answer may be when its application is too busy for a new one.
+constexpr auto oldestAnswer = 1s;
+constexpr auto wantedFor = 1s;
+constexpr auto ancestryLifetime = 1s;
+} // namespace
+
+AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, std::function<double()> scale)
+    : m_ownPid(ownPid), m_scale(std::move(scale)), m_reader(std::move(sessionBusAddress), ownPid) {}
+
+AXUIElement AccessibilityCore::element(const Handle &handle) {
+    return AXUIElement(std::make_shared<AtspiElement>(shared_from_this(), handle));
+}
+
+Rect AccessibilityCore::inPoints(const PixelRect &rect) const {
+    const double scale = std::max(m_scale(), 0.1);
+    return {rect.x / scale, rect.y / scale, rect.width / scale, rect.height / scale};
+}
+
+TextWanted AccessibilityCore::wantedNow(const ElementRef &ref) const {
+    const bool isTold = m_told.element && m_told.element->ref == ref;
+    return isTold && Clock::now() < m_wantedUntil ? m_wanted : TextWanted::nothing;
+}
+
+void AccessibilityCore::noteWanted(TextWanted wanted) {
+    const auto now = Clock::now();
+    if (wanted >= m_wanted || now >= m_wantedUntil) {
+        m_wanted = wanted;
+        m_wantedUntil = now + wantedFor;
+    }
+}
+
+// The first question of a tick: reads the focused element once more, and with it what the tick will ask next.
+std::optional<AXUIElement> AccessibilityCore::focusedElement() {
+    const bool isPending = m_pendingRefresh != nullptr && *m_pendingRefresh;
+    if (!isPending) {
+        m_pendingRefresh = std::make_shared<std::atomic<bool>>(true);
+        const auto wanted = m_told.element ? wantedNow(m_told.element->ref) : TextWanted::value;
+        // The flag goes down whether or not anybody still waits for the answer.
+        m_reader.post([pending = m_pendingRefresh, wanted](Session &session) {
+            if (session.focus() != nullptr) {
+                session.focus()->refresh(wanted);
+            }
+            *pending = false;
+        });
+        m_reader.ask(tickWait, [](Session &) { return true; });
+    }
+    auto focus = m_reader.board().focus();
+    const auto now = Clock::now();
+    if (!m_told.element || !focus.element || m_told.element->ref != focus.element->ref) {
+        m_wantedUntil = {};
+    }
+    m_told = focus;
+    if (!focus.element) {
+        return std::nullopt;
+    }
+    m_recent = focus.snapshot;
+    m_recentUntil = now + sameMoment;
+    if (m_recent != nullptr && now - m_recent->takenAt > oldestAnswer) {
+        m_recent = std::make_shared<const FieldSnapshot>(
+            FieldSnapshot{.element = *focus.element, .wanted = TextWanted::value});
+    }
+    return element(*focus.element);
+}
+
+const FieldSnapshot *AccessibilityCore::snapshot(const Handle &element, TextWanted wanted) {
+    if (m_told.element && m_told.element->ref == element.ref) {
+        noteWanted(wanted);
+    }
+    const bool isRecent = m_recent != nullptr && m_recent->element.ref == element.ref && Clock::now() < m_recentUntil &&
+                          m_recent->wanted >= wanted;
+    if (isRecent) {
+        return m_recent.get();
+    }
+    const auto atLeast = std::max(wanted, wantedNow(element.ref));
+    auto found = m_reader.ask(
+        questionWait, [element, atLeast](Session &session) { return queries::read(session, element, atLeast); });
+    // Who did not answer one question of this moment is not asked the next.
+    auto read = found && *found ? std::move(**found) : FieldSnapshot{.element = element, .wanted = TextWanted::value};
+    m_recent = std::make_shared<const FieldSnapshot>(std::move(read));
+    m_recentUntil = Clock::now() + sameMoment;
+    return m_recent.get();
+}
+
+std::optional<AXValue> AccessibilityCore::wrap(const std::optional<Handle> &handle) {
+    return handle && handle->pid != 0 ? std::optional<AXValue>(element(*handle)) : std::nullopt;
+}
+
+// The chain above the focused element answers the questions that climb it, level by level.
+std::shared_ptr<const Ancestry> AccessibilityCore::ancestryAround(const ElementRef &ref) {
+    const auto &told = m_told.ancestry;
+    if (told == nullptr || (told->element.ref != ref && told->find(ref) == nullptr)) {
+        return nullptr;
+    }
+    if (Clock::now() - told->takenAt >= ancestryLifetime) {
+        const auto focused = told->element.ref;
+        auto fresh = m_reader.ask(questionWait, [focused](Session &session) {
+            return session.focus() != nullptr ? session.focus()->ancestryOf(focused) : nullptr;
+        });
+        m_told.ancestry = fresh.value_or(nullptr);
+    }
+    return m_told.ancestry;
+}
+
+std::optional<AXValue> AccessibilityCore::fromAncestry(const Handle &element, QLatin1StringView name) {
+    const auto ancestry = ancestryAround(element.ref);
+    if (ancestry == nullptr) {
+        return fromQuery(element, name);
+    }
+    const auto *level = ancestry->find(element.ref);
+    if (name == axAttribute::parent) {
+        const auto next = level == nullptr ? 0 : static_cast<std::size_t>(level - ancestry->levels.data()) + 1;
+        return next < ancestry->levels.size() ? wrap(ancestry->levels[next].element) : std::nullopt;
+    }
+    if (name == axAttribute::window) {
+        const auto *window = ancestry->window();
+        return window != nullptr ? wrap(window->element) : std::nullopt;
+    }
+    if (level == nullptr) {
+        return fromQuery(element, name);
+    }
+    if (name == axAttribute::role) {
+        return axRoleName(level->kind);
+    }
+    if (name == axAttribute::title) {
+        return level->name;
+    }
+    return level->url ? std::optional<AXValue>(QUrl(*level->url)) : std::nullopt;
+}
+
+std::optional<AXValue> AccessibilityCore::fromSnapshot(const Handle &element, QLatin1StringView name) {
+    const auto wanted = name == axAttribute::value                ? TextWanted::value
+                        : name == axAttribute::numberOfCharacters ? TextWanted::count
+                                                                  : TextWanted::nothing;
+    const auto *found = snapshot(element, wanted);
+    if (!found->isAnswered) {
+        return std::nullopt;
+    }
+    if (name == axAttribute::role) {
+        return axRoleName(found->kind);
+    }
+    if (name == axAttribute::value && found->value) {
+        return *found->value;
+    }
+    if (name == axAttribute::numberOfCharacters && found->characters) {
+        return static_cast<double>(*found->characters);
+    }
+    if (name == axAttribute::placeholderValue && found->placeholder) {
+        return *found->placeholder;
+    }
+    if (name == axAttribute::title && found->name) {
+        return *found->name;
+    }
+    if (found->frame && name == axAttribute::position) {
+        return inPoints(*found->frame).origin();
+    }
+    if (found->frame && name == axAttribute::size) {
+        return inPoints(*found->frame).size();
+    }
+    return std::nullopt;
+}
+
+std::optional<AXValue> AccessibilityCore::fromQuery(const Handle &element, QLatin1StringView name) {
+    if (name == axAttribute::role || name == axAttribute::title) {
+        return fromSnapshot(element, name);
+    }
+    if (name == axAttribute::parent) {
+        return wrap(
+            m_reader.ask(questionWait, [element](Session &session) { return queries::parent(session, element); })
+                .value_or(std::nullopt));
+    }
+    if (name == axAttribute::window) {
+        return wrap(
+            m_reader.ask(questionWait, [element](Session &session) { return queries::window(session, element); })
+                .value_or(std::nullopt));
+    }
+    if (name == axAttribute::url) {
+        const auto address =
+            m_reader.ask(questionWait, [element](Session &session) { return queries::address(session, element); })
+                .value_or(std::nullopt);
+        return address ? std::optional<AXValue>(QUrl(*address)) : std::nullopt;
+    }
+    if (name == axAttribute::selectedTextRange) {
+        const auto range =
+            m_reader.ask(questionWait, [element](Session &session) { return queries::selectedRange(session, element); })
+                .value_or(std::nullopt);
+        return range ? std::optional<AXValue>(*range) : std::nullopt;
+    }
+    const auto children =
+        m_reader.ask(questionWait, [element](Session &session) { return queries::children(session, element); })
+            .value_or(std::nullopt);
+    if (!children) {
+        return std::nullopt;
+    }
+    std::vector<AXUIElement> elements;
+    for (const auto &child : *children) {
+        elements.push_back(this->element(child));
+    }
+    return elements;
+}
+
+std::optional<AXValue> AccessibilityCore::attribute(const Handle &element, QLatin1StringView name) {
+    // Our own windows are answered by this very thread: never ask about them.
+    if (element.pid == m_ownPid) {
+        return std::nullopt;
+    }
+    const bool isFocused = m_told.element && m_told.element->ref == element.ref;
+    if (name == axAttribute::parent || name == axAttribute::window || name == axAttribute::url ||
+        (!isFocused && (name == axAttribute::role || name == axAttribute::title))) {
+        return fromAncestry(element, name);
+    }
+    if (name == axAttribute::children || name == axAttribute::selectedTextRange) {
+        return fromQuery(element, name);
+    }
+    return fromSnapshot(element, name);
+}
+
+bool AccessibilityCore::isValueSettable(const Handle &element) {
+    if (element.pid == m_ownPid) {
+        return false;
+    }
+    const auto *found = snapshot(element, TextWanted::nothing);
+    return found->isAnswered && found->isValueSettable;
+}
+
+bool AccessibilityCore::setAttribute(const Handle &element, QLatin1StringView name, const AXValue &value) {
+    if (element.pid == m_ownPid) {
+        return false;
+    }
+    m_recent = nullptr;
+    const auto *text = std::get_if<QString>(&value);
+    if (name == axAttribute::value && text != nullptr) {
+        return m_reader
+            .ask(writeWait,
+                 [element, text = *text](Session &session) { return queries::setText(session, element, text); })
+            .value_or(false);
+    }
+    const auto *range = std::get_if<AXRange>(&value);
+    if (name == axAttribute::selectedTextRange && range != nullptr) {
+        return m_reader
+            .ask(writeWait, [element, range = *range](
+                                Session &session) { return queries::setSelectedRange(session, element, range); })
+            .value_or(false);
+    }
+    return false;
+}
+
+std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXSubtreeLimits limits) {
+    if (element.pid == m_ownPid) {
+        return {};
+    }
+    const auto items = m_reader.ask(subtreeWait, [element, limits](Session &session) {
+        return session.connection() == nullptr
+                   ? std::vector<SubtreeItem>()
+                   : session.subtrees().read(*session.connection(), element.ref, limits, Clock::now() + subtreeTime);
+    });
+    std::vector<AXSubtreeNode> nodes;
+    for (const auto &item : items.value_or(std::vector<SubtreeItem>())) {
+        nodes.push_back({item.depth, item.role, item.value, {}});
+        if (item.frame) {
+            nodes.back().frame = inPoints(*item.frame);
+        }
+    }
+    return nodes;
+}
+
+std::optional<AXUIElement> AccessibilityCore::focusedWindow(qint32 pid) {
+    if (pid == m_ownPid) {
+        return std::nullopt;
+    }
+    // The window of the focused element is known; it is asked for whenever the focus has moved.
+    const auto *window = m_told.ancestry != nullptr && m_told.element && m_told.element->pid == pid
+                             ? m_told.ancestry->window()
+                             : nullptr;
+    if (window != nullptr) {
+        return element(window->element);
+    }
+    const auto found =
+        m_reader.ask(questionWait, [pid](Session &session) { return queries::focusedWindow(session, pid); })
+            .value_or(std::nullopt);
+    return found && found->pid != 0 ? std::optional(element(*found)) : std::nullopt;
+}
+
+std::optional<AXValue> AccessibilityCore::applicationAttribute(qint32 pid, QLatin1StringView name) {
+    if (name == axAttribute::focusedWindow) {
+        const auto window = focusedWindow(pid);
+        return window ? std::optional<AXValue>(*window) : std::nullopt;
+    }
+    if (pid == m_ownPid) {
+        return std::nullopt;
+    }
+    const auto root = m_reader.ask(questionWait, [pid](Session &session) { return queries::application(session, pid); })
+                          .value_or(std::nullopt);
+    return root ? attribute(*root, name) : std::nullopt;
+}
+
+} // namespace platform::desktop::atspi

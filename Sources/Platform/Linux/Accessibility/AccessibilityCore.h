@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Accessibility.h"
+#include "Platform/Linux/Accessibility/ElementQueries.h"
+#include "Platform/Linux/Accessibility/Reader.h"
+
+namespace platform::desktop::atspi {
+
+/// The main thread's side: answers questions from what is fresh, and has the reader ask for the rest. What is read of
+/// an element serves all questions of the same moment. Main thread only.
+class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore> {
+  public:
+    /// scale: how many pixels of the screen a point has, asked whenever coordinates are given out.
+    AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, std::function<double()> scale);
+
+    [[nodiscard]] Reader &reader() { return m_reader; }
+    [[nodiscard]] qint32 ownPid() const { return m_ownPid; }
+    [[nodiscard]] AXUIElement element(const Handle &handle);
+
+    [[nodiscard]] std::optional<AXUIElement> focusedElement();
+    [[nodiscard]] std::optional<AXValue> attribute(const Handle &element, QLatin1StringView name);
+    [[nodiscard]] bool isValueSettable(const Handle &element);
+    bool setAttribute(const Handle &element, QLatin1StringView name, const AXValue &value);
+    [[nodiscard]] std::vector<AXSubtreeNode> subtree(const Handle &element, AXSubtreeLimits limits);
+    [[nodiscard]] std::optional<AXUIElement> focusedWindow(qint32 pid);
+    [[nodiscard]] std::optional<AXValue> applicationAttribute(qint32 pid, QLatin1StringView name);
+
+  private:
+    [[nodiscard]] TextWanted wantedNow(const ElementRef &ref) const;
+    void noteWanted(TextWanted wanted);
+    [[nodiscard]] const FieldSnapshot *snapshot(const Handle &element, TextWanted wanted);
+    [[nodiscard]] std::shared_ptr<const Ancestry> ancestryAround(const ElementRef &ref);
+    [[nodiscard]] std::optional<AXValue> fromAncestry(const Handle &element, QLatin1StringView name);
+    [[nodiscard]] std::optional<AXValue> fromSnapshot(const Handle &element, QLatin1StringView name);
+    [[nodiscard]] std::optional<AXValue> fromQuery(const Handle &element, QLatin1StringView name);
+    [[nodiscard]] std::optional<AXValue> wrap(const std::optional<Handle> &handle);
+    [[nodiscard]] Rect inPoints(const PixelRect &rect) const;
+
+    qint32 m_ownPid;
+    std::function<double()> m_scale;
+    Reader m_reader;
+    /// What was read last, and until when it answers further questions of the same moment.
+    std::shared_ptr<const FieldSnapshot> m_recent;
+    Clock::time_point m_recentUntil;
+    /// The focus that the last tick was told.
+    Focus m_told;
+    TextWanted m_wanted = TextWanted::value;
+    Clock::time_point m_wantedUntil;
+    /// A refresh that the reader has not finished yet.
+    std::shared_ptr<std::atomic<bool>> m_pendingRefresh;
+};
+
+} // namespace platform::desktop::atspi

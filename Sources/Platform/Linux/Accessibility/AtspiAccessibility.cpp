@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Accessibility/AtspiAccessibility.h"
+
+#include "Platform/Linux/Accessibility/AccessibilityCore.h"
+#include "Platform/Linux/Accessibility/AtspiElement.h"
+#include "Platform/Linux/Accessibility/TrustDialog.h"
+
+#include <QCoreApplication>
+
+namespace platform::desktop {
+
+namespace {
+using namespace std::chrono_literals;
+constexpr auto firstWord = 200ms;
+constexpr auto secondThought = 1500ms;
+
+std::string sessionBusFromEnvironment() {
+    const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    if (!address.isEmpty()) {
+        return address.toStdString();
+    }
+    const auto folder = qgetenv("XDG_RUNTIME_DIR");
+    return folder.isEmpty() ? std::string() : "unix:path=" + folder.toStdString() + "/bus";
+}
+} // namespace
+
+AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue) : AtspiAccessibility(mainQueue, Options()) {}
+
+AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue, Options options)
+    : m_mainQueue(mainQueue),
+      m_core(std::make_shared<atspi::AccessibilityCore>(
+          options.sessionBusAddress.empty() ? sessionBusFromEnvironment() : options.sessionBusAddress,
+          options.ownPid != 0 ? options.ownPid : static_cast<qint32>(QCoreApplication::applicationPid()),
+          std::move(options.scale))) {
+    m_core->reader().ask(firstWord, [](atspi::Session &session) {
+        session.process();
+        return true;
+    });
+}
+
+AtspiAccessibility::~AtspiAccessibility() = default;
+
+bool AtspiAccessibility::isProcessTrusted() {
+    return m_core->reader().board().isTrusted;
+}
+
+bool AtspiAccessibility::isProcessTrustedWithPrompt() {
+    const bool isTrusted = isProcessTrusted();
+    if (!isTrusted) {
+        // At the start of a session the bus may be a moment late; nobody is to be asked about that.
+        const std::weak_ptr<bool> life = m_life;
+        m_mainQueue.postAfter(secondThought, [this, life] {
+            if (!life.expired() && !isProcessTrusted()) {
+                showPrompt();
+            }
+        });
+    }
+    return isTrusted;
+}
+
+void AtspiAccessibility::showPrompt() {
+    if (m_prompt == nullptr) {
+        m_prompt = std::make_unique<atspi::TrustDialog>(
+            [this] { m_core->reader().post([](atspi::Session &session) { session.enable(); }); });
+    }
+    m_prompt->show();
+}
+
+AXUIElement AtspiAccessibility::createSystemWide() {
+    return AXUIElement(std::make_shared<atspi::RootElement>(m_core));
+}
+
+AXUIElement AtspiAccessibility::createApplication(qint32 pid) {
+    return AXUIElement(std::make_shared<atspi::RootElement>(m_core, pid));
+}
+
+AtspiAccessibility::Traffic AtspiAccessibility::traffic() const {
+    const auto &board = m_core->reader().board();
+    return {board.messages, board.roundTrips};
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Accessibility.h"
+#include "Platform/MainQueue.h"
+
+#include <functional>
+#include <string>
+
+namespace platform::desktop {
+
+namespace atspi {
+class AccessibilityCore;
+class TrustDialog;
+} // namespace atspi
+
+/// The accessibility interface on the desktop's accessibility bus. Made, used and destroyed on the main thread; all
+/// talk with other processes is on a thread of its own.
+class AtspiAccessibility final : public Accessibility {
+  public:
+    struct Options {
+        /// How many pixels of the screen one point has.
+        std::function<double()> scale = [] { return 1.0; };
+        /// Where the session bus is; by default where the environment says.
+        std::string sessionBusAddress;
+        /// The process whose elements are never asked anything; by default this one. For tests, whose applications
+        /// live in the same process.
+        qint32 ownPid = 0;
+    };
+
+    /// Waits a moment, at most a fifth of a second, for the first word on trust.
+    explicit AtspiAccessibility(MainQueue &mainQueue);
+    AtspiAccessibility(MainQueue &mainQueue, Options options);
+    ~AtspiAccessibility() override;
+
+    [[nodiscard]] bool isProcessTrusted() override;
+    bool isProcessTrustedWithPrompt() override;
+    [[nodiscard]] AXUIElement createSystemWide() override;
+    [[nodiscard]] AXUIElement createApplication(qint32 pid) override;
+
+    /// What was sent on the accessibility bus so far, for measurements.
+    struct Traffic {
+        std::uint64_t messages = 0;
+        std::uint64_t roundTrips = 0;
+    };
+    [[nodiscard]] Traffic traffic() const;
+
+  private:
+    void showPrompt();
+
+    MainQueue &m_mainQueue;
+    std::shared_ptr<atspi::AccessibilityCore> m_core;
+    std::unique_ptr<atspi::TrustDialog> m_prompt;
+    /// Ends with this object, for work that is queued.
+    std::shared_ptr<bool> m_life = std::make_shared<bool>(true);
+};
+
+} // namespace platform::desktop

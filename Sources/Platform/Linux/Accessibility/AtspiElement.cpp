@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Accessibility/AtspiElement.h"
+
+#include "Platform/Linux/Accessibility/AccessibilityCore.h"
+
+namespace platform::desktop::atspi {
+
+AtspiElement::AtspiElement(std::shared_ptr<AccessibilityCore> core, Handle handle)
+    : m_core(std::move(core)), m_handle(std::move(handle)) {}
+
+std::optional<AXValue> AtspiElement::copyAttributeValue(QLatin1StringView attribute) const {
+    return m_core->attribute(m_handle, attribute);
+}
+
+bool AtspiElement::isAttributeSettable(QLatin1StringView attribute) const {
+    const bool isWritable = attribute == axAttribute::value || attribute == axAttribute::selectedTextRange;
+    return isWritable && m_core->isValueSettable(m_handle);
+}
+
+bool AtspiElement::setAttributeValue(QLatin1StringView attribute, const AXValue &value) const {
+    return m_core->setAttribute(m_handle, attribute, value);
+}
+
+bool AtspiElement::isEqual(const AXElementBackend &other) const {
+    const auto *element = dynamic_cast<const AtspiElement *>(&other);
+    return element != nullptr && element->m_handle.ref == m_handle.ref;
+}
+
+std::vector<AXSubtreeNode> AtspiElement::copySubtree(AXSubtreeLimits limits) const {
+    return m_core->subtree(m_handle, limits);
+}
+
+RootElement::RootElement(std::shared_ptr<AccessibilityCore> core, std::optional<qint32> pid)
+    : m_core(std::move(core)), m_pid(pid) {}
+
+std::optional<AXValue> RootElement::copyAttributeValue(QLatin1StringView attribute) const {
+    if (m_pid) {
+        return m_core->applicationAttribute(*m_pid, attribute);
+    }
+    if (attribute != axAttribute::focusedUIElement) {
+        return std::nullopt;
+    }
+    auto focused = m_core->focusedElement();
+    return focused ? std::optional<AXValue>(std::move(*focused)) : std::nullopt;
+}
+
+bool RootElement::isEqual(const AXElementBackend &other) const {
+    const auto *root = dynamic_cast<const RootElement *>(&other);
+    return root != nullptr && root->m_pid == m_pid;
+}
+
+} // namespace platform::desktop::atspi

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/Accessibility/Message.h"
+
+#include <functional>
+#include <map>
+#include <set>
+
+namespace platform::desktop::atspi {
+
+/// A connection to the accessibility bus that asks many questions at once and waits for all the answers together.
+/// An application that let a deadline pass is left alone: it is sent one last question, a ping, and until that is
+/// answered every further call to it fails at once. Belongs to one thread.
+class Connection {
+  public:
+    using SignalHandler = std::function<void(sd_bus_message *)>;
+
+    /// Connects to a bus address; whether that worked shows in isOpen() and in the answers.
+    explicit Connection(const std::string &address);
+    Connection(const Connection &) = delete;
+    Connection &operator=(const Connection &) = delete;
+    ~Connection();
+
+    [[nodiscard]] bool isOpen() const;
+    /// For waiting on activity together with others.
+    [[nodiscard]] sd_bus *bus() const { return m_bus.get(); }
+    /// Handles what has arrived, without waiting; false once the connection is lost.
+    bool process();
+
+    /// Sends all the calls, then waits for their answers until the deadline. An answer per call, in their order; an
+    /// empty one where nothing came.
+    std::vector<Reply> callAll(const std::vector<Call> &calls, Deadline deadline);
+    Reply call(Call call, Deadline deadline);
+    /// Sends a call whose answer nobody waits for.
+    void send(const Call &call);
+    /// Calls the handler for every signal that matches the rule, while process() or callAll() runs.
+    void match(const char *rule, SignalHandler handler);
+
+    /// Whether an application is being left alone.
+    [[nodiscard]] bool isSilent(const std::string &name) const { return m_silent.contains(name); }
+    /// The processes behind the names, asked of the bus itself and remembered.
+    std::vector<Handle> handles(std::vector<ElementRef> refs, Deadline deadline);
+    /// What is remembered of a process, 0 if nothing.
+    [[nodiscard]] qint32 knownPid(const std::string &name) const;
+    /// Messages sent and batches awaited so far, for measurements.
+    struct Counters {
+        std::uint64_t messages = 0;
+        std::uint64_t roundTrips = 0;
+    };
+    [[nodiscard]] Counters counters() const { return m_counters; }
+
+  private:
+    struct Batch;
+    struct Ping;
+    bool waitFor(Deadline deadline);
+    void sendPart(const Call &call, Batch &batch, std::size_t index);
+    void leaveSilentOnesAlone(const std::vector<Call> &calls, const Batch &batch);
+    void leaveAlone(const std::string &name);
+    void forget(const std::string &name);
+    [[nodiscard]] MessagePtr build(const Call &call) const;
+
+    BusPtr m_bus;
+    std::vector<SlotPtr> m_matches;
+    std::vector<std::unique_ptr<SignalHandler>> m_handlers;
+    std::map<std::string, std::unique_ptr<Ping>, std::less<>> m_silent;
+    std::set<std::string, std::less<>> m_answering;
+    std::map<std::string, qint32, std::less<>> m_pids;
+    Counters m_counters;
+};
+
+} // namespace platform::desktop::atspi

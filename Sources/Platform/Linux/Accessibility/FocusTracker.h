@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/Accessibility/Ancestry.h"
+#include "Platform/Linux/Accessibility/FieldReader.h"
+
+#include <memory>
+#include <set>
+
+namespace platform::desktop::atspi {
+
+/// What has the focus, with what was last read of it. Values that are never changed, to be handed between threads.
+struct Focus {
+    std::optional<Handle> element;
+    std::shared_ptr<const FieldSnapshot> snapshot;
+    std::shared_ptr<const Ancestry> ancestry;
+};
+
+/// Follows the keyboard focus of the desktop through the applications' events, and looks for it where no event came.
+/// An element is only given out once its surroundings are known, so that questions about it need not wait.
+class FocusTracker {
+  public:
+    using Publish = std::function<void(const Focus &)>;
+
+    /// ownPid: our own process, whose elements are told apart by it and never asked anything: it is the one waiting.
+    FocusTracker(Connection &connection, qint32 ownPid, Publish publish);
+
+    /// Acts on the events that came, and looks for the focus when it is time to.
+    void settle();
+    /// When settle() wants to be called at the latest.
+    [[nodiscard]] Clock::time_point nextLook() const;
+    /// Reads the focused element anew and finds out whether it still has the focus.
+    const Focus &refresh(TextWanted wanted);
+    /// The chain above the focused element, not older than a second. Null if the element is not the focused one.
+    std::shared_ptr<const Ancestry> ancestryOf(const ElementRef &ref);
+    [[nodiscard]] const Focus &focus() const { return m_focus; }
+    /// The window that was last seen active in an application; a null reference if none.
+    [[nodiscard]] ElementRef lastWindowOf(const std::string &bus) const;
+
+  private:
+    void registerForEvents();
+    void onStateChanged(sd_bus_message *message);
+    void onWindow(sd_bus_message *message);
+    void onOwnerChanged(sd_bus_message *message);
+    void noteActivation(const ElementRef &window);
+
+    void adopt(const ElementRef &ref);
+    void adoptOwn(const Handle &element);
+    [[nodiscard]] bool isWindowActive(const ElementRef &window, const std::optional<States> &states) const;
+    void judge(const FieldSnapshot &snapshot);
+    void drop();
+    void publish() const { m_publish(m_focus); }
+
+    void look();
+    [[nodiscard]] std::optional<ElementRef> activeWindow(Deadline deadline);
+    [[nodiscard]] std::vector<ElementRef> otherWindows(Deadline deadline);
+    [[nodiscard]] std::optional<ElementRef> focusedBelow(const ElementRef &window, Deadline deadline);
+    [[nodiscard]] std::optional<ElementRef> searchBelow(const ElementRef &window, Deadline deadline);
+    void wake(const ElementRef &window);
+    void lookSoon();
+
+    Connection &m_connection;
+    qint32 m_ownPid;
+    Publish m_publish;
+    Focus m_focus;
+    std::unique_ptr<FieldReader> m_reader;
+    ElementRef m_candidate;
+    /// The window that was activated last, by its application's word.
+    ElementRef m_window;
+    std::map<std::string, ElementRef, std::less<>> m_windows;
+    std::set<ElementRef> m_woken;
+    bool m_mustConfirm = false;
+    std::optional<Clock::time_point> m_lostSince;
+    Clock::time_point m_lookAt;
+    std::chrono::milliseconds m_lookPause{};
+};
+
+} // namespace platform::desktop::atspi

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/Accessibility/Protocol.h"
+
+#include <QString>
+
+namespace platform::desktop::atspi {
+
+/// What an element says of its kind. Only some kinds of element need the states and the attributes to be told apart.
+struct Kind {
+    Role role = Role::unknown;
+    States states;
+    Attributes attributes;
+    bool hasChildren = false;
+};
+
+/// The one translation of the bus's roles into the program's role names.
+[[nodiscard]] QString axRoleName(const Kind &kind);
+
+/// Whether an element's text stands in a line of its own in what surrounds it.
+[[nodiscard]] bool isBlock(Role role);
+
+} // namespace platform::desktop::atspi

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/Accessibility/FocusTracker.h"
+#include "Platform/Linux/Accessibility/SubtreeReader.h"
+
+#include <atomic>
+#include <mutex>
+
+namespace platform::desktop::atspi {
+
+/// What the reader's thread lets all threads see.
+class Board {
+  public:
+    [[nodiscard]] Focus focus() const {
+        const std::scoped_lock lock(m_mutex);
+        return m_focus;
+    }
+    void setFocus(const Focus &focus) {
+        const std::scoped_lock lock(m_mutex);
+        m_focus = focus;
+    }
+
+    /// Whether the bus answers and accessibility is on for the session; and whether that has been found out yet.
+    std::atomic<bool> isTrusted = false;
+    std::atomic<bool> isDecided = false;
+    /// Messages and round trips on the accessibility bus, for measurements.
+    std::atomic<std::uint64_t> messages = 0;
+    std::atomic<std::uint64_t> roundTrips = 0;
+
+  private:
+    mutable std::mutex m_mutex;
+    Focus m_focus;
+};
+
+/// Everything that lives on the reader's thread: the two connections and what is known through them. Finds the
+/// accessibility bus by way of the session bus, tries again about once a second while there is none, and starts anew
+/// when it is lost.
+class Session {
+  public:
+    Session(std::string sessionBusAddress, qint32 ownPid, Board &board);
+
+    /// Handles what has arrived and does what is due.
+    void process();
+    /// When process() wants to be called at the latest, activity on the connections aside.
+    [[nodiscard]] Clock::time_point nextWake() const;
+    /// The open connections, for waiting on.
+    [[nodiscard]] std::vector<sd_bus *> buses() const;
+
+    /// Both are null while there is no accessibility bus.
+    [[nodiscard]] Connection *connection() { return m_bus.get(); }
+    [[nodiscard]] FocusTracker *focus() { return m_focus.get(); }
+    [[nodiscard]] SubtreeReader &subtrees() { return m_subtrees; }
+    [[nodiscard]] qint32 ownPid() const { return m_ownPid; }
+    /// Switches accessibility on for the session.
+    void enable();
+
+  private:
+    void connectSession();
+    void connectAccessibility();
+    void readEnabled(bool mayStart);
+    void decide();
+
+    std::string m_sessionBusAddress;
+    qint32 m_ownPid;
+    Board &m_board;
+    std::unique_ptr<Connection> m_session;
+    std::unique_ptr<Connection> m_bus;
+    std::unique_ptr<FocusTracker> m_focus;
+    SubtreeReader m_subtrees;
+    Clock::time_point m_retryAt;
+    bool m_isFirstAttempt = true;
+    bool m_isEnabled = false;
+    bool m_mustReadEnabled = true;
+};
+
+} // namespace platform::desktop::atspi

@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Accessibility/TrustDialog.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace platform::desktop::atspi {
+
+TrustDialog::TrustDialog(std::function<void()> enable) : m_box(std::make_unique<QMessageBox>()) {
+    m_box->setIcon(QMessageBox::Information);
+    m_box->setWindowTitle(QStringLiteral("Quillory"));
+    m_box->setModal(false);
+    m_box->setText(QStringLiteral("Quillory needs the desktop's accessibility service."));
+    m_box->setInformativeText(QStringLiteral(
+        "It reads the message box that you are typing in through this service, which is switched off now.\n\n"
+        "It can be switched on for this session. Browsers and chat programs that are already running must be "
+        "restarted once before Quillory can see their fields."));
+    auto *switchOn = m_box->addButton(QStringLiteral("Switch On"), QMessageBox::AcceptRole);
+    m_box->addButton(QStringLiteral("Not Now"), QMessageBox::RejectRole);
+    m_box->setDefaultButton(switchOn);
+    QObject::connect(m_box.get(), &QMessageBox::accepted, m_box.get(), std::move(enable));
+}
+
+TrustDialog::~TrustDialog() = default;
+
+void TrustDialog::show() {
+    m_box->show();
+    m_box->raise();
+    m_box->activateWindow();
+}
+
+} // namespace platform::desktop::atspi
