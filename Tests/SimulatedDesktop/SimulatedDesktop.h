@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Platform/Platform.h"
+#include "SimulatedDesktop/Printing.h"
 #include "SimulatedDesktop/SimulatedApplications.h"
 #include "SimulatedDesktop/SimulatedEventTaps.h"
 #include "SimulatedDesktop/SimulatedMainQueue.h"

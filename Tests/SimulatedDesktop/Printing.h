@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/SuggestionCardData.h"
+
+#include <QString>
+
+#include <ostream>
+
+// How failed expectations show what they compared. GoogleTest looks for these beside the types.
+
+inline void PrintTo(const QString &text, std::ostream *out) {
+    *out << '"' << text.toStdString() << '"';
+}
+
+namespace quillory {
+inline void PrintTo(const SuggestionCardData &card, std::ostream *out) {
+    *out << card.label.toStdString() << ": " << card.text.value_or(QStringLiteral("(waiting)")).toStdString()
+         << (card.isComplete ? ", complete " : "") << card.elapsedText.value_or(QString()).toStdString()
+         << (card.failed ? ", failed" : "");
+}
+} // namespace quillory

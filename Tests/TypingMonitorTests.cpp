@@ -1,0 +1,444 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/DraftRules.h"
+#include "Quillory/TypingMonitor.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <QRegularExpression>
+
+#include <gmock/gmock.h>
+
+namespace quillory {
+
+namespace {
+
+using platform::Rect;
+using test::Node;
+using testing::ElementsAre;
+using testing::IsEmpty;
+namespace axAttribute = platform::axAttribute;
+namespace axRole = platform::axRole;
+namespace keyCode = platform::keyCode;
+
+QString text(const char *utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+const QString draft = text("helo can u send me the price list");
+const QString rewrite = text("Hello, can you send me the price list?");
+const SuggestionCardData waitingCard{text("Suggested rewrite"), {}, false, {}, false};
+constexpr qint32 browserPid = 1;
+
+// A user in front of the web client, with the program running.
+struct MonitorStory : testing::Test {
+    test::SimulatedDesktop desktop;
+    test::SimulatedCards cards;
+    Node browser =
+        desktop.applications.launch({browserPid, text("org.chromium.Chromium"), text("Chromium")}, text("WhatsApp"));
+    Node page = browser->add(axRole::webArea);
+    Node message = page->addText(text("do you have it in blue?"), {300, 700, 150, 20});
+    Node box = page->add(axRole::textArea, {300, 800, 400, 40});
+    std::shared_ptr<TypingMonitor> monitor = std::make_shared<TypingMonitor>(cards.maker());
+
+    void SetUp() override {
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, text("key"));
+        page->set(axAttribute::url, QUrl(text("https://web.whatsapp.com/")));
+        box->setValue({});
+        focus(box);
+        monitor->start();
+        desktop.advance(100);
+        m_logRead = desktop.log().size();
+    }
+
+    void focus(const Node &node) { desktop.applications.focused = node; }
+    // The text is there by the next tick, which the given time starts with.
+    void type(const QString &value, int thenMilliseconds) {
+        box->setValue(value);
+        desktop.advance(100 + thenMilliseconds);
+    }
+    // What was logged since this was last asked.
+    QStringList newLog() {
+        const QStringList lines = desktop.log().mid(m_logRead);
+        m_logRead += lines.size();
+        return lines;
+    }
+    bool runUntil(const std::function<bool()> &condition) { return desktop.mainQueue.runUntil(condition); }
+    bool runUntilLogged(const QString &start) {
+        return runUntil([&] {
+            const QStringList lines = desktop.log().mid(m_logRead);
+            return std::any_of(lines.begin(), lines.end(), [&](const QString &line) { return line.startsWith(start); });
+        });
+    }
+    bool runUntilShown(int card, const QString &cardText) {
+        return runUntil([&] { return card < cards.shown.size() && cards.shown[card].text == cardText; });
+    }
+    void finish(int request, const QString &answer) {
+        const QString label = modelName(request);
+        desktop.urlSession.exchange(request)->answer({answer});
+        ASSERT_TRUE(runUntilLogged(label + text(" complete")));
+    }
+    QString modelName(int request) {
+        const auto model = desktop.urlSession.exchange(request)->json()[text("model")].toString();
+        return model.startsWith(text("google")) ? text("Gemini 2.5 Flash Lite") : text("Claude Haiku 4.5");
+    }
+    // How often models were asked; the requests themselves come from threads of their own, a little later.
+    qsizetype requests() {
+        static const QRegularExpression asked(text("^(prefetch started|rewrite requested)"));
+        return desktop.log().filter(asked).size();
+    }
+    bool panelVisible() { return desktop.panelWindows.visible; }
+
+  private:
+    qsizetype m_logRead = 0;
+};
+
+TEST_F(MonitorStory, ADraftBecomesBetterFromTypingToTab) {
+    desktop.pasteboard.copy(text("the user's own"));
+    type(draft, 300);
+    EXPECT_THAT(newLog(), ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5)")));
+    const auto request = desktop.urlSession.exchange(0);
+    EXPECT_TRUE(request->request().body.contains(text("«customer» do you have it in blue?").toUtf8()));
+    EXPECT_FALSE(panelVisible());
+
+    desktop.advance(300);
+    EXPECT_THAT(newLog(), ElementsAre(text("panel visible (1 cards)")));
+    EXPECT_THAT(cards.shown, ElementsAre(waitingCard));
+    EXPECT_TRUE(desktop.press(keyCode::tab)) << "nothing to accept yet";
+
+    request->piece(text("Hello, "));
+    ASSERT_TRUE(runUntilShown(0, text("Hello, ")));
+    request->answer({rewrite.mid(7)});
+    ASSERT_TRUE(runUntilShown(0, rewrite));
+    ASSERT_TRUE(runUntilLogged(text("Claude Haiku 4.5 complete")));
+    EXPECT_TRUE(cards.shown[0].isComplete);
+    EXPECT_EQ(cards.shown[0].elapsedText, text("0.3s"));
+
+    EXPECT_FALSE(desktop.press(keyCode::tab));
+    EXPECT_FALSE(panelVisible());
+    desktop.advance(5000);
+    EXPECT_EQ(box->value(), rewrite);
+    EXPECT_EQ(desktop.typed.join(u' '), text("Command-A Command-V"));
+    EXPECT_EQ(desktop.pasteboard.string(), text("the user's own"));
+    EXPECT_EQ(requests(), 1);
+    EXPECT_THAT(newLog(), ElementsAre(text("Claude Haiku 4.5 complete (38 chars, 0.30s)"),
+                                      text("web field, inserting via paste")));
+}
+
+TEST_F(MonitorStory, APrefetchedAnswerIsShownAsSoonAsItIsReady) {
+    type(draft, 300);
+    finish(0, rewrite);
+    EXPECT_TRUE(panelVisible());
+    EXPECT_EQ(cards.shown[0].text, rewrite);
+    EXPECT_THAT(newLog(),
+                ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5)"),
+                            text("Claude Haiku 4.5 complete (38 chars, 0.00s)"), text("panel visible (1 cards)")));
+    box->setFrame({300, 600, 400, 240});
+    desktop.advance(100);
+    EXPECT_EQ(desktop.panelWindows.frame.y, 900 - 600 + 10) << "the panel follows the field";
+    cards.clickAccept(0);
+    desktop.advance(1000);
+    EXPECT_EQ(box->value(), rewrite);
+}
+
+TEST_F(MonitorStory, TypingOnHidesTheCardsAndEndsTheRequest) {
+    type(draft, 600);
+    const auto first = desktop.urlSession.exchange(0);
+    first->piece(text("Hello"));
+    ASSERT_TRUE(runUntilShown(0, text("Hello")));
+    type(draft + text(" pls"), 0);
+    EXPECT_FALSE(panelVisible());
+    EXPECT_TRUE(first->awaitLeft());
+    EXPECT_TRUE(first->wasCancelled());
+    desktop.advance(700);
+    const auto second = desktop.urlSession.exchange(1);
+    EXPECT_TRUE(second->request().body.contains("price list pls"));
+    EXPECT_THAT(cards.shown, ElementsAre(waitingCard));
+    EXPECT_THAT(newLog(),
+                ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5)"), text("panel visible (1 cards)"),
+                            text("prefetch started (37 chars, Claude Haiku 4.5)"), text("panel visible (1 cards)")));
+}
+
+TEST_F(MonitorStory, EscDropsTheSuggestionForThisDraft) {
+    type(draft, 600);
+    EXPECT_FALSE(desktop.press(keyCode::escape));
+    EXPECT_FALSE(panelVisible());
+    EXPECT_TRUE(desktop.urlSession.exchange(0)->awaitLeft());
+    desktop.advance(10000);
+    EXPECT_EQ(requests(), 1);
+    EXPECT_EQ(box->value(), draft);
+    EXPECT_TRUE(desktop.press(keyCode::escape)) << "the key is the application's again";
+    type(draft + u'.', 600);
+    EXPECT_EQ(requests(), 2);
+}
+
+TEST_F(MonitorStory, ChunksAreShownAtMostEveryEightyMilliseconds) {
+    type(draft, 600);
+    const auto request = desktop.urlSession.exchange(0);
+    const auto send = [&](const char *piece, int milliseconds) {
+        desktop.advance(milliseconds);
+        request->piece(text(piece));
+        EXPECT_TRUE(request->awaitRead());
+        desktop.advance(0);
+        return cards.shown[0].text;
+    };
+    EXPECT_EQ(send("one", 0), text("one"));
+    EXPECT_EQ(send(" two", 50), text("one"));
+    EXPECT_EQ(send(" three", 40), text("one two three"));
+}
+
+TEST_F(MonitorStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
+    const Node window = desktop.applications.launch({2, text("net.whatsapp.desktop"), text("WhatsApp")}, text("Chats"));
+    box = window->add(axRole::textArea, {300, 800, 400, 40});
+    box->settable = true;
+    box->onWrite = [](const QString &written) { return written.left(24) + written.mid(24).replace(u' ', QChar::Nbsp); };
+    focus(box);
+    desktop.advance(100);
+    EXPECT_THAT(newLog(), ElementsAre(text("focus -> AXTextArea in WhatsApp [Chats], textElement=true, chat app")));
+    type(draft, 600);
+    finish(0, rewrite);
+    newLog();
+    EXPECT_FALSE(desktop.press(keyCode::tab));
+    EXPECT_EQ(normalized(box->value()), normalized(rewrite));
+    EXPECT_EQ(newLog(), QStringList{text("inserted via AX set")});
+    type(text("thank you so much"), 1700);
+    EXPECT_EQ(requests(), 1) << "less than two seconds after the insert";
+    desktop.advance(500);
+    EXPECT_EQ(requests(), 2);
+    type(rewrite, 5000);
+    EXPECT_EQ(requests(), 2) << "what was accepted is not asked about again";
+}
+
+TEST_F(MonitorStory, NothingIsAskedOutsideAMessageBox) {
+    const Node otherPage = browser->add(axRole::webArea);
+    otherPage->set(axAttribute::url, QUrl(text("https://example.com/")));
+    const Node editor = desktop.applications.launch({3, text("org.example.editor"), std::nullopt}, text("Notes"));
+    const Node own = desktop.applications.launch({desktop.process.ownPid, text("own"), text("Quillory")}, {});
+    struct Case {
+        Node field;
+        const char *log;
+    };
+    for (const auto &[field, log] : std::vector<Case>{
+             {browser->add(axRole::textField),
+              "focus -> AXTextField in Chromium [WhatsApp], textElement=true, browser UI (excluded), chat app"},
+             {otherPage->add(axRole::textArea), "focus -> AXTextArea in Chromium [WhatsApp], textElement=true"},
+             {editor->add(axRole::textArea), "focus -> AXTextArea in ? [Notes], textElement=true"},
+             {own->add(axRole::textField), nullptr},
+         }) {
+        box = field;
+        focus(field);
+        desktop.advance(100);
+        EXPECT_EQ(newLog(), log != nullptr ? QStringList{text(log)} : QStringList{});
+        type(draft, 2000);
+    }
+    box = page->add(axRole::secureTextField);
+    focus(box);
+    desktop.advance(2700);
+    type(draft, 2000);
+    EXPECT_THAT(newLog(), ElementsAre(text("focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false")));
+    EXPECT_EQ(requests(), 0);
+    EXPECT_EQ(desktop.urlSession.requestCount(), 0);
+}
+
+TEST_F(MonitorStory, ABoxThatIsEmptyOrTooLongIsNotAskedAbout) {
+    box->set(axAttribute::placeholderValue, text("Type a message"));
+    type(text("Type a message\n"), 1000);
+    type(text("  \n  "), 1000);
+    type(text("short  "), 1000);
+    type(QString(3001, u'x'), 1000);
+    EXPECT_EQ(requests(), 0);
+    box->set(axAttribute::numberOfCharacters, 3000.0);
+    type(draft, 600);
+    EXPECT_EQ(requests(), 1);
+    EXPECT_TRUE(panelVisible());
+    box->set(axAttribute::numberOfCharacters, 3001.0);
+    desktop.advance(100);
+    EXPECT_FALSE(panelVisible());
+}
+
+TEST_F(MonitorStory, TheFocusMayLeaveForAMoment) {
+    type(draft, 600);
+    ASSERT_TRUE(panelVisible());
+    const Node button = page->add(QLatin1StringView("AXButton"));
+    focus(button);
+    desktop.advance(2400);
+    focus(box);
+    desktop.advance(200);
+    EXPECT_TRUE(panelVisible());
+    EXPECT_EQ(requests(), 1);
+    newLog();
+    focus(button);
+    desktop.advance(2750);
+    EXPECT_FALSE(panelVisible());
+    EXPECT_TRUE(desktop.urlSession.exchange(0)->awaitLeft());
+    EXPECT_EQ(newLog(), QStringList{text("focus -> AXButton in Chromium [WhatsApp], textElement=false")});
+    desktop.applications.focused.reset();
+    desktop.advance(100);
+    focus(box);
+    desktop.advance(2000);
+    EXPECT_EQ(requests(), 1) << "the draft did not change since the focus came back";
+}
+
+TEST_F(MonitorStory, ARecreatedFieldIsTakenForTheSame) {
+    type(draft, 600);
+    newLog();
+    const auto recreate = [&](double x) {
+        box->gone = true;
+        box = page->add(axRole::textArea, {300 + x, 800, 500, 50});
+        box->setValue(draft);
+        focus(box);
+        desktop.advance(200);
+        return newLog();
+    };
+    EXPECT_EQ(recreate(79.9), QStringList{text("field re-created, adopted (chatApp=true)")});
+    EXPECT_TRUE(panelVisible());
+    finish(0, rewrite);
+    EXPECT_FALSE(desktop.press(keyCode::tab));
+    desktop.advance(3000);
+    EXPECT_EQ(box->value(), rewrite) << "the cards were shown for the field that is gone";
+    type(draft, 600);
+    newLog();
+    EXPECT_EQ(recreate(79.9 + 80),
+              QStringList{text("focus -> AXTextArea in Chromium [WhatsApp], textElement=true, chat app")});
+    EXPECT_FALSE(panelVisible());
+}
+
+TEST_F(MonitorStory, SwitchesCountFromTheNextTick) {
+    type(draft, 600);
+    desktop.userDefaults.set(settingsKey::enabled, false);
+    desktop.advance(100);
+    EXPECT_FALSE(panelVisible());
+    desktop.userDefaults.set(settingsKey::enabled, true);
+    desktop.advance(100);
+    EXPECT_TRUE(panelVisible()) << "all else was kept";
+    newLog();
+    desktop.applications.trusted = false;
+    desktop.advance(300);
+    EXPECT_FALSE(panelVisible());
+    desktop.applications.trusted = true;
+    desktop.advance(100);
+    EXPECT_THAT(newLog(), ElementsAre(text("accessibility trusted -> false"), text("accessibility trusted -> true"),
+                                      text("panel visible (1 cards)")));
+    desktop.userDefaults.set(settingsKey::debounceMs, qint64(0));
+    type(draft + text(" now"), 100);
+    EXPECT_EQ(newLog().first(), text("rewrite requested (37 chars, Claude Haiku 4.5)"));
+}
+
+TEST_F(MonitorStory, AnUnchangedDraftShowsNothing) {
+    type(text(" ") + draft, 600);
+    finish(0, draft + u'\n');
+    EXPECT_FALSE(panelVisible());
+    EXPECT_EQ(newLog().last(), text("suggestion identical to draft, skipping"));
+    desktop.advance(5000);
+    EXPECT_EQ(requests(), 1);
+}
+
+TEST_F(MonitorStory, AFailedRequestLeavesALineAndNoPanel) {
+    type(draft, 600);
+    desktop.urlSession.exchange(0)->fail(text("no route to host"));
+    ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
+    EXPECT_EQ(newLog().last(), text("Claude Haiku 4.5 failed: no route to host"));
+    desktop.userDefaults.remove(settingsKey::openRouterAPIKey);
+    type(draft + u'!', 600);
+    ASSERT_TRUE(runUntilLogged(text("Claude Haiku 4.5 failed: No OpenRouter API key set.")));
+    ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
+    desktop.advance(5000);
+    EXPECT_EQ(requests(), 2);
+}
+
+TEST_F(MonitorStory, AFieldWithoutAFrameHasNoPlaceForAPanel) {
+    box = page->add(axRole::textArea);
+    box->setValue({});
+    focus(box);
+    desktop.advance(100);
+    newLog();
+    type(draft, 600);
+    EXPECT_FALSE(panelVisible());
+    EXPECT_EQ(newLog().last(), text("no AX frame for element, cannot show panel"));
+}
+
+TEST_F(MonitorStory, TheMonitorMayGoWhileARequestRuns) {
+    type(draft, 600);
+    const auto request = desktop.urlSession.exchange(0);
+    monitor.reset();
+    EXPECT_TRUE(request->wasCancelled());
+    desktop.advance(1000);
+}
+
+struct CompareStory : MonitorStory {
+    void SetUp() override {
+        MonitorStory::SetUp();
+        desktop.userDefaults.set(settingsKey::compareMode, true);
+    }
+    // The threads of both requests race, so a request is known by its model.
+    int haiku(int first = 0) { return modelName(first) == text("Claude Haiku 4.5") ? first : first + 1; }
+    int gemini(int first = 0) { return modelName(first + 1) == text("Gemini 2.5 Flash Lite") ? first + 1 : first; }
+};
+
+TEST_F(CompareStory, OneModelMayFailWhileTheOtherGoesOn) {
+    type(draft, 600);
+    EXPECT_THAT(newLog(), ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5 vs Gemini 2.5 Flash Lite)"),
+                                      text("panel visible (2 cards)")));
+    desktop.urlSession.exchange(haiku())->fail(text("broken"));
+    ASSERT_TRUE(runUntilShown(0, text("Couldn't reach Claude Haiku 4.5")));
+    finish(gemini(), draft);
+    EXPECT_THAT(
+        cards.shown,
+        ElementsAre(SuggestionCardData{text("Option 1"), text("Couldn't reach Claude Haiku 4.5"), false, {}, true},
+                    SuggestionCardData{text("Option 2"), draft, true, text("0.3s"), false}))
+        << "two options are shown whatever they say";
+    EXPECT_FALSE(desktop.press(keyCode::tab));
+    desktop.advance(1000);
+    EXPECT_THAT(desktop.typed, testing::SizeIs(2));
+}
+
+TEST_F(CompareStory, WhenBothFailThePanelGoes) {
+    type(draft + text(" before friday"), 600);
+    desktop.urlSession.exchange(gemini())->respond(429);
+    desktop.urlSession.exchange(gemini())->end();
+    ASSERT_TRUE(runUntilShown(1, text("Couldn't reach Gemini 2.5 Flash Lite")));
+    desktop.urlSession.exchange(haiku())->answer({QString(200, u'x')});
+    ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
+    EXPECT_EQ(newLog().last(), text("Claude Haiku 4.5 rejected: 200 chars for a 47-char draft (answered instead of "
+                                    "rewriting)"));
+    desktop.advance(3000);
+    EXPECT_EQ(requests(), 1);
+}
+
+TEST_F(CompareStory, ARejectedAnswerBecomesAFailureCard) {
+    type(draft + text(" before friday"), 600);
+    desktop.urlSession.exchange(haiku())->answer({QString(200, u'x')});
+    EXPECT_TRUE(runUntilShown(0, text("Rejected: Claude Haiku 4.5 went off script")));
+}
+
+TEST_F(CompareStory, TheDebugSwitchAcceptsOnceBothHaveEnded) {
+    desktop.userDefaults.set(settingsKey::debugAcceptOnce, true);
+    type(draft, 600);
+    finish(gemini(), rewrite);
+    desktop.advance(1000);
+    EXPECT_EQ(box->value(), draft);
+    newLog();
+    desktop.urlSession.exchange(haiku())->fail(text("broken"));
+    ASSERT_TRUE(runUntilShown(0, text("Couldn't reach Claude Haiku 4.5")));
+    EXPECT_TRUE(desktop.userDefaults.boolean(settingsKey::debugAcceptOnce)) << "only an answer sets it off";
+    type(draft + u'!', 600);
+    newLog();
+    finish(haiku(2), rewrite);
+    finish(gemini(2), text("Other"));
+    EXPECT_EQ(newLog().last(), text("debug: auto-accepting card 0"));
+    EXPECT_FALSE(desktop.userDefaults.boolean(settingsKey::debugAcceptOnce));
+    desktop.advance(590);
+    EXPECT_TRUE(panelVisible());
+    desktop.advance(1000);
+    EXPECT_EQ(box->value(), rewrite);
+}
+
+TEST_F(CompareStory, TheSameModelIsNotAskedTwice) {
+    for (const char *second : {"anthropic/claude-haiku-4.5", " \t", " anthropic/claude-haiku-4.5 "}) {
+        desktop.userDefaults.set(settingsKey::secondModel, text(second));
+        type(draft + text(second), 600);
+        EXPECT_THAT(cards.shown, ElementsAre(waitingCard));
+    }
+}
+
+} // namespace
+
+} // namespace quillory
