@@ -91,8 +91,8 @@ TEST(ChatContext, CutsTheTranscriptFromTheTop) {
     const QString thousandEmoji = text("👋🏽").repeated(1000);
     const QStringList eight(8, thousandEmoji);
     EXPECT_EQ(ChatContext::transcript(eight), eight.mid(1).join(u'\n'));
-    EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(4 * 7)}).count(u'\n'), 7);
-    EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(4 * 6)}).count(u'\n'), 6);
+    EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(28)}).count(u'\n'), 7);
+    EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(24)}).count(u'\n'), 6);
 }
 
 TEST(ChatContext, MeasuresHowMuchOfAConversationIsLeft) {

@@ -88,6 +88,7 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     void accept(qint64 index);
     void dismiss();
     [[nodiscard]] bool isOtherConversation(const Element &target);
+    void recordChoice(std::size_t index) const;
     void acceptForDebugging();
 
     AppSettings &m_settings;

@@ -2,6 +2,7 @@
 #include "Platform/Platform.h"
 #include "Quillory/AXText.h"
 #include "Quillory/ChatContext.h"
+#include "Quillory/ChoiceStats.h"
 #include "Quillory/FileLog.h"
 #include "Quillory/TypingMonitor.h"
 
@@ -41,6 +42,7 @@ void TypingMonitor::accept(qint64 index) {
         dropSuggestion();
         return;
     }
+    recordChoice(static_cast<std::size_t>(index));
     // Ticks that run before the text has arrived already expect it, so what the field looked like is kept apart.
     const FieldSnapshot lastSeen{target->pid(), m_lastText, m_currentElementFrame};
     m_panel.hide();
@@ -68,6 +70,20 @@ bool TypingMonitor::isOtherConversation(const Element &target) {
     FileLog::log(QStringLiteral("accept blocked: only %1% conversation overlap (chat switch)")
                      .arg(static_cast<int>(overlap * 100)));
     return true;
+}
+
+void TypingMonitor::recordChoice(std::size_t index) const {
+    if (index >= m_streams.size()) {
+        return;
+    }
+    QList<ChoiceStats::Competitor> competitors;
+    for (std::size_t i = 0; i < m_streams.size(); ++i) {
+        if (i != index) {
+            competitors.append({m_streams[i]->model, m_streams[i]->elapsed()});
+        }
+    }
+    const ModelStream &chosen = *m_streams[index];
+    ChoiceStats::shared().record(chosen.model, chosen.elapsed(), competitors);
 }
 
 void TypingMonitor::dismiss() {
