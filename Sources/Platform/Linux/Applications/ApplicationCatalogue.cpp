@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Applications/ApplicationCatalogue.h"
+
+#include "Platform/Linux/StandardError.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStringConverter>
+
+#include <algorithm>
+
+namespace platform::desktop {
+
+namespace {
+constexpr qint64 largestFile = 1 << 20;
+
+bool isBundleIdentifier(const QString &text) {
+    const auto isPlain = [](QChar unit) {
+        return unit.unicode() < 0x80 && (unit.isLetterOrNumber() || unit == u'.' || unit == u'-' || unit == u'_');
+    };
+    return text.contains(u'.') && std::ranges::all_of(text, isPlain) && !text.startsWith(u'.') &&
+           !text.endsWith(u'.') && !text.contains(QStringLiteral(".."));
+}
+
+QString withoutDesktopSuffix(const QString &name) {
+    constexpr QLatin1StringView suffix(".desktop");
+    return name.endsWith(suffix) ? name.chopped(suffix.size()) : name;
+}
+
+/// False when the line is neither entry nor comment.
+bool takeLine(const QString &line, QHash<QString, QString> &identifiers) {
+    if (line.isEmpty() || line.startsWith(u'#')) {
+        return true;
+    }
+    const qsizetype equals = line.lastIndexOf(u'=');
+    const QString name = withoutDesktopSuffix(line.left(std::max<qsizetype>(equals, 0)).trimmed());
+    const QString identifier = line.sliced(equals + 1).trimmed();
+    if (name.isEmpty() || !isBundleIdentifier(identifier)) {
+        return false;
+    }
+    identifiers.insert(name, identifier);
+    return true;
+}
+
+QHash<QString, QString> linesOfUser(const QString &path) {
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    ApplicationLines lines = parseApplicationLines(file.read(largestFile));
+    constexpr qsizetype mostNamed = 20;
+    for (const int number : lines.badLines.first(std::min(mostNamed, lines.badLines.size()))) {
+        sayOnStandardError(QStringLiteral("%1, line %2 is left out: it does not read \"program = bundle.identifier\"")
+                               .arg(path)
+                               .arg(number));
+    }
+    if (lines.badLines.size() > mostNamed) {
+        sayOnStandardError(QStringLiteral("%1: %2 more such lines").arg(path).arg(lines.badLines.size() - mostNamed));
+    }
+    return lines.identifiers;
+}
+} // namespace
+
+ApplicationLines parseApplicationLines(QByteArrayView text) {
+    ApplicationLines result;
+    const QByteArray bytes = text.toByteArray();
+    int number = 0;
+    for (const QByteArray &line : bytes.split('\n')) {
+        ++number;
+        QStringDecoder decode(QStringConverter::Utf8); // drops a byte order mark
+        const QString decoded = decode(line);
+        if (decode.hasError() || decoded.contains(QChar::Null) || !takeLine(decoded.trimmed(), result.identifiers)) {
+            result.badLines += number;
+        }
+    }
+    return result;
+}
+
+ApplicationCatalogue::ApplicationCatalogue(const QString &userFile)
+    : m_userLines(linesOfUser(userFile)), m_builtInLines(parseApplicationLines(builtInApplications()).identifiers) {}
+
+std::optional<QString> ApplicationCatalogue::bundleIdentifier(const QStringList &names) const {
+    for (const auto *const lines : {&m_userLines, &m_builtInLines}) {
+        for (const QString &name : names) {
+            if (const auto found = lines->find(name); found != lines->end()) {
+                return *found;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Applications/LinuxWorkspace.h"
+
+#include "Platform/Linux/Applications/WindowActivation.h"
+
+#include <QProcess>
+
+namespace platform::desktop {
+
+namespace {
+/// A page process is a few steps below the program it serves: its sandbox and the sandbox's launcher lie between.
+constexpr int longestHelperChain = 5;
+constexpr qsizetype mostKnown = 256;
+/// A program that just started may not have its arguments yet, so a stranger is looked at again.
+constexpr std::chrono::seconds strangersAreKept{1};
+} // namespace
+
+LinuxWorkspace::LinuxWorkspace(xcb_connection_t *connection, ApplicationCatalogue catalogue, DesktopEntries entries)
+    : m_connection(connection), m_catalogue(std::move(catalogue)), m_entries(std::move(entries)) {}
+
+std::optional<RunningApplication> LinuxWorkspace::runningApplication(qint32 pid) {
+    const std::optional<processes::Fingerprint> process = processes::fingerprint(pid);
+    if (!process) {
+        m_known.remove(pid);
+        return std::nullopt;
+    }
+    const auto now = std::chrono::steady_clock::now();
+    const auto known = m_known.constFind(pid);
+    if (known != m_known.constEnd() && known->fingerprint == *process &&
+        (known->application.bundleIdentifier || now < known->found + strangersAreKept)) {
+        return known->application;
+    }
+    if (m_known.size() >= mostKnown) {
+        m_known.clear();
+    }
+    const RunningApplication application = recognise(pid, *process);
+    m_known.insert(pid, {*process, application, now});
+    return application;
+}
+
+RunningApplication LinuxWorkspace::recognise(qint32 pid, const processes::Fingerprint &process) {
+    RunningApplication application{pid, std::nullopt, std::nullopt};
+    std::optional<processes::Fingerprint> served = process;
+    qint32 servedPid = pid;
+    QStringList names;
+    for (int step = 0; step < longestHelperChain && served && !application.bundleIdentifier; ++step) {
+        names = processes::names(servedPid, *served);
+        application.bundleIdentifier = m_catalogue.bundleIdentifier(names);
+        if (!processes::isHelper(served->executable)) {
+            break;
+        }
+        servedPid = served->parent;
+        served = processes::fingerprint(servedPid);
+    }
+    application.localizedName = m_entries.displayName(names);
+    if (!application.localizedName && !names.isEmpty()) {
+        application.localizedName = processes::fileName(names.first());
+    }
+    return application;
+}
+
+void LinuxWorkspace::activate(qint32 pid) {
+    if (m_connection != nullptr) {
+        activateWindowOf(m_connection, pid);
+    }
+}
+
+bool LinuxWorkspace::open(const QUrl &url) {
+    if (!url.isValid() || url.scheme().isEmpty()) {
+        return false;
+    }
+    QProcess opener;
+    opener.setProgram(QStringLiteral("xdg-open"));
+    opener.setArguments({QString::fromUtf8(url.toEncoded())});
+    opener.setStandardOutputFile(QProcess::nullDevice());
+    opener.setStandardErrorFile(QProcess::nullDevice());
+    return opener.startDetached();
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/Applications/ApplicationCatalogue.h"
+#include "Platform/Linux/Applications/DesktopEntries.h"
+#include "Platform/Linux/Applications/ProcessInspection.h"
+#include "Platform/Workspace.h"
+
+#include <chrono>
+
+struct xcb_connection_t;
+
+namespace platform::desktop {
+
+/// The applications of a Linux desktop. A process is recognised by its Flatpak or Snap name, its executable, the name
+/// it was started as or its desktop entry, a helper process by the program that it serves. What was found is kept for
+/// as long as the process lives and stays the same program, so that asking ten times a second costs two small reads.
+class LinuxWorkspace final : public Workspace {
+  public:
+    /// connection: to the X server whose windows activate() brings up, outliving this; null for none.
+    explicit LinuxWorkspace(xcb_connection_t *connection, ApplicationCatalogue catalogue = ApplicationCatalogue(),
+                            DesktopEntries entries = DesktopEntries());
+
+    [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
+    void activate(qint32 pid) override;
+    bool open(const QUrl &url) override;
+
+  private:
+    struct Known {
+        processes::Fingerprint fingerprint;
+        RunningApplication application;
+        std::chrono::steady_clock::time_point found;
+    };
+    [[nodiscard]] RunningApplication recognise(qint32 pid, const processes::Fingerprint &process);
+
+    xcb_connection_t *m_connection;
+    ApplicationCatalogue m_catalogue;
+    DesktopEntries m_entries;
+    QHash<qint32, Known> m_known;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// What the kernel tells about processes. Nothing here waits; a process that is gone or belongs to someone else gives
+/// absent or empty answers.
+namespace platform::desktop::processes {
+
+/// What tells a process from a later one with the same identifier, and from what it was before it became another
+/// program.
+struct Fingerprint {
+    /// Clock ticks since the machine started.
+    quint64 startTime = 0;
+    /// The path of the executable as the kernel has it; empty when it may not be seen.
+    QString executable;
+    qint32 parent = 0;
+    friend bool operator==(const Fingerprint &, const Fingerprint &) = default;
+};
+[[nodiscard]] std::optional<Fingerprint> fingerprint(qint32 pid);
+
+/// A path of an executable without the mark that the kernel puts on one that was replaced by an update.
+[[nodiscard]] QString withoutDeletedMark(const QString &path);
+[[nodiscard]] QString fileName(const QString &path);
+
+/// The names that a program may be known by, the surest first: Flatpak and Snap names, the path and the name of its
+/// executable, the name it was started as, the script that an interpreter runs, the desktop entry it was started from.
+[[nodiscard]] QStringList names(qint32 pid, const Fingerprint &process);
+
+/// Whether an executable only serves another program, its parent: the page processes of web views, sandboxes.
+[[nodiscard]] bool isHelper(const QString &executable);
+
+} // namespace platform::desktop::processes

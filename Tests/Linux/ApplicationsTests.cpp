@@ -1,0 +1,230 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Applications/LinuxWorkspace.h"
+#include "Platform/Linux/Storage/LinuxProcess.h"
+#include "RealDesktop/ChildProcess.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <xcb/xcb.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+
+namespace quillory::test {
+
+using platform::desktop::ApplicationCatalogue;
+using platform::desktop::DesktopEntries;
+using platform::desktop::LinuxProcess;
+using platform::desktop::LinuxWorkspace;
+using platform::desktop::parseDesktopEntry;
+
+namespace {
+QString put(const QTemporaryDir &folder, const QString &name, const QByteArray &content) {
+    const QString path = folder.filePath(name);
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    return path;
+}
+
+/// A program of another name that does as the one on the PATH does.
+std::string copyOf(const char *program, const QTemporaryDir &folder, const QString &name) {
+    const QString path = folder.filePath(name);
+    QDir().mkpath(QFileInfo(path).path());
+    EXPECT_TRUE(QFile::copy(u"/usr/bin/"_qs + QLatin1StringView(program), path));
+    return path.toStdString();
+}
+
+QString identifier(LinuxWorkspace &workspace, pid_t pid) {
+    const auto application = workspace.runningApplication(pid);
+    return application ? application->bundleIdentifier.value_or(u"(none)"_qs) : u"(not running)"_qs;
+}
+} // namespace
+
+TEST(Applications, UserLinesComeFirstAndBadOnesAreNamed) {
+    const QTemporaryDir folder;
+    const QString file = put(folder, u"applications.conf"_qs,
+                             "\xef\xbb\xbf# mine\r\n"
+                             "firefox = net.whatsapp.mine\r\n"
+                             "  my app.desktop=com.example.app  \n\n"
+                             "no identifier\n"
+                             "x = nodots\n"
+                             "= a.b\n"
+                             "y = a..b\n"
+                             "z = a.\xff\n"
+                             "a=b = c.d\n");
+    testing::internal::CaptureStderr();
+    const ApplicationCatalogue catalogue(file);
+    const QByteArray said = QByteArray::fromStdString(testing::internal::GetCapturedStderr());
+    EXPECT_EQ(said.count('\n'), 5) << said.data();
+    for (const char *number : {"line 5 ", "line 6 ", "line 7 ", "line 8 ", "line 9 "}) {
+        EXPECT_TRUE(said.contains(file.toUtf8() + ", " + number)) << number << said.data();
+    }
+    EXPECT_EQ(catalogue.bundleIdentifier({u"chromium"_qs, u"firefox"_qs}), u"net.whatsapp.mine"_qs);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"my app"_qs}), u"com.example.app"_qs);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"a=b"_qs}), u"c.d"_qs);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"nothing"_qs, u"msedge"_qs}), u"com.microsoft.edgemac"_qs);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"x"_qs}), std::nullopt);
+    EXPECT_TRUE(platform::desktop::parseApplicationLines(platform::desktop::builtInApplications()).badLines.isEmpty());
+}
+
+TEST(Applications, ProcessesAreRecognised) {
+    const QTemporaryDir folder;
+    const QByteArray entry = "[Desktop Entry]\nType=Application\nName=Fire\nExec=env A=b \"/usr/bin/firefox\" %u\n";
+    put(folder, u"applications/fire.desktop"_qs, entry);
+    LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()),
+                             DesktopEntries({folder.filePath(u"applications"_qs)}));
+
+    ChildProcess browser({copyOf("sleep", folder, u"firefox"_qs), "1000"});
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, browser.pid()) == u"org.mozilla.firefox"_qs; }));
+    EXPECT_EQ(workspace.runningApplication(browser.pid())->localizedName, u"Fire"_qs);
+    QFile::remove(folder.filePath(u"firefox"_qs));
+    EXPECT_EQ(identifier(workspace, browser.pid()), u"org.mozilla.firefox"_qs) << "replaced by an update";
+    browser.end();
+    EXPECT_EQ(identifier(workspace, browser.pid()), u"(not running)"_qs);
+
+    ChildProcess unknown({copyOf("sleep", folder, u"editor"_qs), "1000"});
+    EXPECT_TRUE(waitUntil([&] { return workspace.runningApplication(unknown.pid())->localizedName == u"editor"_qs; }));
+    EXPECT_EQ(identifier(workspace, unknown.pid()), u"(none)"_qs);
+
+    const QString packed = put(folder, u"whatsdesk/resources/app.asar"_qs, "");
+    const ChildProcess wrapper({copyOf("tail", folder, u"electron22"_qs), "-f", packed.toStdString()});
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, wrapper.pid()) == u"net.whatsapp.whatsdesk"_qs; }));
+
+    for (const qint32 nobody : {0, -1, 0x7fffffff}) {
+        EXPECT_FALSE(workspace.runningApplication(nobody)) << nobody;
+    }
+}
+
+TEST(Applications, AProcessThatChangesIsSeenAnew) {
+    const QTemporaryDir folder;
+    LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), DesktopEntries(QStringList()));
+    const std::string shell = copyOf("dash", folder, u"chromium"_qs);
+    const std::string viewer = copyOf("sleep", folder, u"WebKitWebProcess"_qs);
+    const std::string go = folder.filePath(u"go"_qs).toStdString();
+    const std::string next = copyOf("dash", folder, u"wasistlos"_qs);
+    const std::string child = folder.filePath(u"child"_qs).toStdString();
+    const std::string work = viewer + " 1000 & echo $! > " + child + "; while :; do sleep 1; done";
+    const ChildProcess process(
+        {shell, "-c", "until [ -e " + go + " ]; do sleep 0.02; done; exec " + next + " -c '" + work + "'"});
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, process.pid()) == u"org.chromium.Chromium"_qs; }));
+    put(folder, u"go"_qs, "");
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, process.pid()) == u"net.whatsapp.wasistlos"_qs; }));
+
+    QFile childFile(QString::fromStdString(child));
+    qint32 pid = 0;
+    ASSERT_TRUE(waitUntil([&] {
+        childFile.close();
+        pid = childFile.open(QIODevice::ReadOnly) ? childFile.readAll().trimmed().toInt() : 0;
+        return pid > 0;
+    }));
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, pid) == u"net.whatsapp.wasistlos"_qs; }))
+        << "a page process counts as the program that it serves";
+    ::kill(pid, SIGTERM);
+}
+
+TEST(Applications, DesktopEntriesAreReadInTheUsersLanguage) {
+    const QByteArray text = "[Desktop Entry]\nType=Application\nName=Web\nName[pt]=Rede\nName[pt_BR]=Teia\n"
+                            "Exec=\"/opt/my web/run\" --x %U\n[Desktop Action new]\nName=Other\n";
+    EXPECT_EQ(parseDesktopEntry(text, u"pt_BR"_qs)->name, u"Teia"_qs);
+    EXPECT_EQ(parseDesktopEntry(text, u"pt_PT"_qs)->name, u"Rede"_qs);
+    EXPECT_EQ(parseDesktopEntry(text, u"C"_qs)->name, u"Web"_qs);
+    EXPECT_EQ(parseDesktopEntry(text, u"C"_qs)->program, u"/opt/my web/run"_qs);
+    EXPECT_EQ(parseDesktopEntry("[Desktop Entry]\nType=Link\nName=x\n", u"C"_qs), std::nullopt);
+    EXPECT_EQ(parseDesktopEntry("[Desktop Entry]\nType=Application\nName=x\nExec=\"", u"C"_qs)->program, QString());
+    EXPECT_EQ(parseDesktopEntry(QByteArray(1000, '\0'), u"C"_qs), std::nullopt);
+}
+
+namespace {
+struct Display {
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+    ~Display() { xcb_disconnect(connection); }
+
+    [[nodiscard]] xcb_atom_t atom(const char *name) const {
+        auto *const reply = xcb_intern_atom_reply(
+            connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
+        const xcb_atom_t result = reply->atom;
+        std::free(reply);
+        return result;
+    }
+    [[nodiscard]] xcb_window_t windowOf(std::uint32_t pid) const {
+        const xcb_window_t window = xcb_generate_id(connection);
+        xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 200, 100, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, 0, nullptr);
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1,
+                            &pid);
+        xcb_map_window(connection, window);
+        xcb_flush(connection);
+        return window;
+    }
+    [[nodiscard]] xcb_window_t active() const {
+        auto *const reply = xcb_get_property_reply(
+            connection,
+            xcb_get_property(connection, 0, screen->root, atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 0, 1), nullptr);
+        const bool hasValue = reply->value_len == 1;
+        const xcb_window_t result = hasValue ? *static_cast<xcb_window_t *>(xcb_get_property_value(reply)) : 0;
+        std::free(reply);
+        return result;
+    }
+};
+} // namespace
+
+TEST(Applications, ActivationBringsTheProcessToTheFront) {
+    const Display display;
+    const xcb_window_t first = display.windowOf(111);
+    ASSERT_TRUE(waitUntil([&] { return display.active() == first; }));
+    const xcb_window_t second = display.windowOf(222);
+    ASSERT_TRUE(waitUntil([&] { return display.active() == second; }));
+    LinuxWorkspace workspace(display.connection);
+    workspace.activate(333);
+    workspace.activate(111);
+    EXPECT_TRUE(waitUntil([&] { return display.active() == first; }));
+}
+
+TEST(Applications, AddressesOpenWithTheDesktopsProgram) {
+    const QTemporaryDir folder;
+    const QByteArray path = qgetenv("PATH");
+    LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), DesktopEntries(QStringList()));
+    const QUrl address(u"https://example.org/a b?q=1&x=$(touch%20y)"_qs);
+    qputenv("PATH", folder.path().toUtf8());
+    EXPECT_FALSE(workspace.open(address));
+    const QString opener = put(folder, u"xdg-open"_qs,
+                               "#!/bin/sh\nprintf %s \"$1\" > \"" + folder.path().toUtf8() + "/partial\"\n/bin/mv \"" +
+                                   folder.path().toUtf8() + "/partial\" \"" + folder.path().toUtf8() + "/opened\"\n");
+    QFile::setPermissions(opener, QFile::ReadOwner | QFile::ExeOwner);
+    EXPECT_TRUE(workspace.open(address));
+    EXPECT_FALSE(workspace.open(QUrl(u"-x"_qs)));
+    qputenv("PATH", path);
+    QFile opened(folder.filePath(u"opened"_qs));
+    ASSERT_TRUE(waitUntil([&] { return opened.open(QIODevice::ReadOnly); }));
+    EXPECT_EQ(opened.readAll(), address.toEncoded());
+}
+
+TEST(LinuxProcess, KnowsItsInformationAndMakesItsFolders) {
+    const QTemporaryDir folder;
+    const QString home = folder.filePath(u"data/quillory"_qs);
+    const QString info = put(folder, u"Info.json"_qs, R"({"EmbeddedAPIKey": "k\u0000é", "number": 1, "none": null})");
+    qputenv("QUILLORY_TEST_EMPTY", "");
+    const LinuxProcess process(info, home);
+    EXPECT_EQ(process.infoDictionaryString(u"EmbeddedAPIKey"_qs), u"k\0é"_qs);
+    EXPECT_EQ(process.infoDictionaryString(u"number"_qs), std::nullopt);
+    EXPECT_EQ(process.environment(u"QUILLORY_TEST_EMPTY"_qs), QString());
+    EXPECT_EQ(process.environment(u"QUILLORY_TEST_ABSENT"_qs), std::nullopt);
+    EXPECT_EQ(process.homeDirectory(), home);
+    for (const QString &made : {u"/Library/Logs"_qs, u"/Library/Application Support"_qs}) {
+        EXPECT_EQ(QFile::permissions(home + made) & QFile::Permissions(0x77), QFile::Permissions())
+            << made.toStdString();
+    }
+    for (const QByteArray &broken : {QByteArray(), QByteArray("{\"EmbeddedAPIKey\""), QByteArray("[]")}) {
+        const LinuxProcess other(put(folder, u"Info.json"_qs, broken), home);
+        EXPECT_EQ(other.infoDictionaryString(u"EmbeddedAPIKey"_qs), std::nullopt);
+    }
+    EXPECT_EQ(LinuxProcess(folder.path(), home).infoDictionaryString(u"EmbeddedAPIKey"_qs), std::nullopt);
+}
+
+} // namespace quillory::test
