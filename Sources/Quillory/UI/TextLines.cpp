@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/UI/TextLines.h"
 
+#include "Quillory/UI/EmojiRuns.h"
+
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QTextBoundaryFinder>
@@ -100,7 +102,9 @@ void TextLines::layOut(double width) {
 }
 
 void TextLines::breakLines(Paragraph &paragraph, double width) const {
-    paragraph.layout = std::make_unique<QTextLayout>(m_text.mid(paragraph.start, paragraph.length), m_font);
+    const QString text = m_text.mid(paragraph.start, paragraph.length);
+    paragraph.layout = std::make_unique<QTextLayout>(text, m_font);
+    paragraph.layout->setFormats(emojiFormats(text, m_font));
     // Explicitly, since a layout by itself does not mirror.
     QTextOption option(paragraph.rightToLeft ? Qt::AlignRight : Qt::AlignLeft);
     option.setTextDirection(paragraph.rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);

@@ -6,13 +6,14 @@
 #include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <vector>
 
 namespace platform::desktop {
@@ -21,6 +22,8 @@ namespace {
 
 constexpr double shadowOpacity = 0.42;
 constexpr double shadowOpacityOnDark = 0.8;
+const QColor outlineOnLight(188, 188, 194);
+const QColor outlineOnDark(88, 89, 95);
 
 xcb_connection_t *qtConnection() {
     const auto *native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
@@ -55,10 +58,21 @@ void setShape(xcb_window_t window, xcb_shape_kind_t kind, const QRegion &region)
                          static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
 }
 
-QRegion roundedRegion(const QRectF &rect, double radius) {
-    QPainterPath path;
-    path.addRoundedRect(rect, radius, radius);
-    return QRegion(path.toFillPolygon().toPolygon());
+/// The whole pixels of a rounded rectangle, row by row: outlines of polygons come out with flat corners.
+QRegion roundedRegion(const QRect &rect, double radius) {
+    const int rows = std::min(static_cast<int>(std::ceil(radius)), rect.height() / 2);
+    std::vector<QRect> bands{rect.adjusted(0, rows, 0, -rows)};
+    for (int row = 0; row < rows; ++row) {
+        const double up = radius - row - 0.5;
+        const int inset = static_cast<int>(std::lround(radius - std::sqrt(radius * radius - up * up)));
+        bands.emplace_back(rect.left() + inset, rect.top() + row, rect.width() - 2 * inset, 1);
+        bands.emplace_back(rect.left() + inset, rect.bottom() - row, rect.width() - 2 * inset, 1);
+    }
+    QRegion region;
+    for (const QRect &band : bands) {
+        region += band;
+    }
+    return region;
 }
 
 } // namespace
@@ -139,12 +153,14 @@ void PanelFrame::applyShape() {
         return;
     }
     const double scale = devicePixelRatioF();
+    const int line = qRound(outlineWidth * scale);
     QRegion filled;
     QRegion outline;
     for (const QRectF &one : shape()) {
         const QRectF native(one.topLeft() * scale, one.size() * scale);
         filled += native.toAlignedRect();
-        outline += roundedRegion(native, cornerRadius() * scale);
+        outline +=
+            roundedRegion(native.toAlignedRect().adjusted(-line, -line, line, line), cornerRadius() * scale + line);
     }
     const QRegion whole(0, 0, qRound(width() * scale), qRound(height() * scale));
     const auto window = static_cast<xcb_window_t>(winId());
@@ -156,7 +172,7 @@ void PanelFrame::paintEvent(QPaintEvent *event) {
     QPainter painter(this);
     const QColor ground = palette().color(QPalette::Active, QPalette::Base);
     if (!m_composited) {
-        painter.fillRect(event->rect(), ground);
+        paintOpaque(painter, event->rect(), ground);
         return;
     }
     const double opacity = ground.lightness() < 128 ? shadowOpacityOnDark : shadowOpacity;
@@ -170,6 +186,16 @@ void PanelFrame::paintEvent(QPaintEvent *event) {
     }
     for (const QRectF &card : cards) {
         m_shadow.paint(painter, card, radius, opacity);
+    }
+}
+
+void PanelFrame::paintOpaque(QPainter &painter, const QRect &rect, const QColor &ground) const {
+    painter.fillRect(rect, ground.lightness() < 128 ? outlineOnDark : outlineOnLight);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    for (const QRectF &card : shape()) {
+        painter.drawRoundedRect(card, cornerRadius(), cornerRadius());
     }
 }
 

@@ -10,7 +10,8 @@ namespace platform::desktop {
 
 /// The native window of a panel: an override-redirect window, which no window manager focuses, moves, decorates or
 /// keeps on one workspace. Around its content it holds a margin for the shadow while a compositor runs; the pointer
-/// falls through the margin and the gaps. Without a compositor it is cut to the content's shape and opaque.
+/// falls through the margin and the gaps. Without a compositor it is opaque, cut to the content's shape, and has a line
+/// around it.
 class PanelFrame final : public QWidget {
   public:
     PanelFrame();
@@ -27,11 +28,14 @@ class PanelFrame final : public QWidget {
     void paintEvent(QPaintEvent *event) override;
 
   private:
-    [[nodiscard]] int margin() const { return m_composited ? PanelShadow::extent : 0; }
+    /// A line that sets the opaque look off from what lies behind it, in points.
+    static constexpr int outlineWidth = 1;
+    [[nodiscard]] int margin() const { return m_composited ? PanelShadow::extent : outlineWidth; }
     [[nodiscard]] QList<QRectF> shape() const;
     [[nodiscard]] double cornerRadius() const;
     void setNativeHints();
     void applyShape();
+    void paintOpaque(QPainter &painter, const QRect &rect, const QColor &ground) const;
 
     QPointer<QWidget> m_content;
     QRect m_contentGeometry;
