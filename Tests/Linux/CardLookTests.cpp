@@ -2,8 +2,10 @@
 #include "Platform/Linux/X11/PanelFrame.h"
 #include "Quillory/UI/AcceptButton.h"
 #include "Quillory/UI/CardText.h"
+#include "Quillory/UI/CopyMenu.h"
 #include "Quillory/UI/HoverIconButton.h"
 #include "Quillory/UI/KeyCap.h"
+#include "Quillory/UI/Look.h"
 #include "Quillory/UI/RefiningIndicator.h"
 #include "Quillory/UI/SuggestionViewHost.h"
 
@@ -77,6 +79,18 @@ class CardLook : public testing::Test {
         return result;
     }
 
+    void expectNothingClipped(const char *look) {
+        for (QWidget *widget : view().findChildren<QWidget *>()) {
+            const QWidget *parent = widget->parentWidget();
+            if (widget->isVisible()) {
+                EXPECT_TRUE(parent->rect().contains(widget->geometry())) << look;
+            }
+        }
+        for (CardText *text : visible<CardText>()) {
+            EXPECT_EQ(text->height(), text->heightForTextWidth(text->width() - CardText::scrollMargin)) << look;
+        }
+    }
+
     void click(QWidget *target, QPoint place, Qt::MouseButton button = Qt::LeftButton) {
         send(target, QEvent::MouseButtonPress, place, button, button);
         send(target, QEvent::MouseButtonRelease, place, button, Qt::NoButton);
@@ -117,7 +131,7 @@ void savePicture(const QString &name, QWidget &view, bool dark) {
     // Giving the view back hides it.
 }
 
-struct Look {
+struct Shown {
     const char *name;
     SuggestionCards cards;
     double width = 420;
@@ -129,7 +143,7 @@ struct Look {
 
 TEST_F(CardLook, showsWhatItsDataSay) {
     const QString word(3000, u'w');
-    const QList<Look> looks{
+    const QList<Shown> looks{
         {"waiting", {waiting()}, 420, 1, 0, {}, 0},
         {"streaming", {streaming(u"Hello, could you please se"_s)}, 420, 0, 1, {false}, 1},
         {"empty", {streaming(QString())}, 420, 0, 1, {false}, 1},
@@ -150,7 +164,7 @@ TEST_F(CardLook, showsWhatItsDataSay) {
     };
     for (const bool dark : {false, true}) {
         setDark(dark);
-        for (const Look &look : looks) {
+        for (const Shown &look : looks) {
             const platform::Size size = show(look.cards, look.width);
             EXPECT_EQ(size.width, look.width) << look.name;
             EXPECT_EQ(visible<RefiningIndicator>().size(), look.indicators) << look.name;
@@ -161,9 +175,128 @@ TEST_F(CardLook, showsWhatItsDataSay) {
             }
             EXPECT_EQ(enabled, look.enabled) << look.name;
             EXPECT_EQ(visible<HoverIconButton>().size(), look.cards.size()) << look.name;
+            expectNothingClipped(look.name);
             savePicture(QString::fromLatin1(look.name), view(), dark);
         }
     }
+}
+
+TEST_F(CardLook, ReportsClicksOnItsButtons) {
+    show({streaming(u"Hel"_s), finished(shortText, u"Option 2"_s)});
+    for (AcceptButton *button : visible<AcceptButton>()) {
+        click(button, button->rect().center());
+    }
+    EXPECT_EQ(accepted, QList<int>{1}) << "the first card streams still";
+    click(visible<HoverIconButton>().constLast(), {8, 8});
+    EXPECT_EQ(dismissed, 1);
+}
+
+TEST_F(CardLook, ChangesInPlaceAndKeepsWhatTheUserDoes) {
+    show({streaming(u"Hello, could you"_s)});
+    CardText *text = visible<CardText>().constFirst();
+    const AcceptButton *button = visible<AcceptButton>().constFirst();
+    send(text, QEvent::MouseButtonPress, {1, 8}, Qt::LeftButton, Qt::LeftButton);
+    send(text, QEvent::MouseMove, {60, 8}, Qt::NoButton, Qt::LeftButton);
+    const QString selected = text->selectedText();
+    ASSERT_TRUE(selected.startsWith(u"Hello"_s));
+    show({streaming(shortText)});
+    EXPECT_EQ(text->selectedText(), selected) << "while the mouse still selects";
+    send(text, QEvent::MouseButtonRelease, {60, 8}, Qt::LeftButton, Qt::NoButton);
+    show({finished(shortText)});
+    EXPECT_EQ(QGuiApplication::clipboard()->text(QClipboard::Selection), selected);
+    EXPECT_EQ(visible<CardText>().constFirst(), text);
+    EXPECT_EQ(visible<AcceptButton>().constFirst(), button);
+    EXPECT_EQ(text->selectedText(), selected);
+    show({finished(u"Hell no"_s)});
+    EXPECT_EQ(text->selectedText(), QString()) << "that text is gone";
+    send(text, QEvent::MouseButtonDblClick, {8, 8}, Qt::LeftButton, Qt::LeftButton);
+    EXPECT_EQ(text->selectedText(), u"Hell"_s);
+}
+
+TEST_F(CardLook, CopiesWithoutAMenuThatWouldTakeTheKeyboard) {
+    const QString odd = u"<b>5 &lt; 6</b>\r\n\u202Ereversed\n\u2067مرحبا\tend 😊"_s;
+    show({finished(odd)});
+    CardText *text = visible<CardText>().constFirst();
+    click(text, {5, 5}, Qt::RightButton);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    CopyMenu *menu = visible<CopyMenu>().value(0);
+    ASSERT_NE(menu, nullptr);
+    click(menu, menu->rect().center());
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), odd);
+    EXPECT_FALSE(menu->isVisible());
+    click(text, {5, 5}, Qt::RightButton);
+    EXPECT_TRUE(menu->isVisible());
+    click(visible<AcceptButton>().constFirst(), {10, 10});
+    EXPECT_FALSE(menu->isVisible()) << "a click elsewhere ends it";
+}
+
+TEST_F(CardLook, KeepsToTheScreenWhateverTheTextIs) {
+    const QString endless = QString(longText + u'\n').repeated(40);
+    for (const SuggestionCards &cards :
+         {SuggestionCards{finished(endless)}, {finished(endless, u"Option 1"_s), finished(endless, u"Option 2"_s)}}) {
+        const platform::Size size = show(cards);
+        EXPECT_LE(size.height, 900 - 16);
+        for (const QWidget *widget : view().findChildren<QWidget *>()) {
+            EXPECT_TRUE(!widget->isVisible() || widget->parentWidget()->rect().contains(widget->geometry()));
+        }
+        CardText *text = visible<CardText>().constFirst();
+        QWheelEvent wheel({5, 5}, text->mapToGlobal(QPointF(5, 5)), {}, {0, -240}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(text, &wheel);
+        EXPECT_GT(text->scrollOffset(), 0);
+    }
+    savePicture(u"endless"_s, view(), false);
+    const double oneLine = show({finished(u"x"_s)}).height;
+    EXPECT_LE(show({finished(u'x' + QString(2000, QChar(0x0316)))}).height, 2 * oneLine) << "a flood of marks";
+    EXPECT_GT(show({finished(QString(1000, u'm'))}).height, oneLine) << "a word without end";
+}
+
+TEST_F(CardLook, KeepsControlCharactersWithinTheirParagraph) {
+    const auto positionInSecondLine = [](const QString &first) {
+        TextLines lines;
+        lines.setFont(systemFont(13.5), 3.5);
+        lines.setText(first + u"\nplain text"_s);
+        lines.layOut(300);
+        return lines.positionAt({40, lines.height() - 4}) - first.size();
+    };
+    EXPECT_EQ(positionInSecondLine(u"\u202E\u2066abc"_s), positionInSecondLine(u"abc"_s));
+}
+
+TEST_F(CardLook, GrowsLikeATextSetAtOnce) {
+    const QString text = longText + u'\n' + arabicText + u"\r\n\n12\n"_s;
+    TextLines growing;
+    growing.setFont(systemFont(13.5), 3.5);
+    for (qsizetype length = 0; length <= text.size(); ++length) {
+        TextLines whole;
+        whole.setFont(systemFont(13.5), 3.5);
+        whole.setText(text.left(length));
+        whole.layOut(300);
+        growing.setText(text.left(length));
+        growing.layOut(300);
+        ASSERT_EQ(growing.height(), whole.height()) << length;
+        const QPointF place(290, whole.height() - 4);
+        ASSERT_EQ(growing.positionAt(place), whole.positionAt(place)) << length;
+    }
+}
+
+TEST_F(CardLook, IsNamedForAssistiveTools) {
+    show({finished(shortText)});
+    const auto describe = [](QWidget *widget) {
+        const QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(widget);
+        return std::pair(interface->role(), interface->text(QAccessible::Name));
+    };
+    EXPECT_EQ(describe(visible<AcceptButton>().constFirst()), std::pair(QAccessible::Button, u"Use suggestion"_s));
+    EXPECT_EQ(describe(visible<HoverIconButton>().constFirst()), std::pair(QAccessible::Button, u"Dismiss"_s));
+    EXPECT_EQ(describe(visible<CardText>().constFirst()), std::pair(QAccessible::StaticText, shortText));
+    EXPECT_EQ(describe(visible<SuggestionCard>().constFirst()),
+              std::pair(QAccessible::Grouping, u"Suggested rewrite 1.2s"_s));
+}
+
+TEST(RefiningIndicator, FadesToAndFro) {
+    EXPECT_DOUBLE_EQ(RefiningIndicator::opacityAt(0), 0.45);
+    EXPECT_NEAR(RefiningIndicator::opacityAt(350), 0.725, 0.01);
+    EXPECT_DOUBLE_EQ(RefiningIndicator::opacityAt(700), 1);
+    EXPECT_NEAR(RefiningIndicator::opacityAt(1400), 0.45, 0.001);
 }
 
 } // namespace

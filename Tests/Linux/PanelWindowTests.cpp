@@ -5,29 +5,21 @@
 #include "RealDesktop/ChildProcess.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QScreen>
 
 #include <gmock/gmock.h>
 
+#include <csignal>
+#include <unistd.h>
+
 namespace quillory::test {
 namespace {
 
 using namespace Qt::StringLiterals;
-using platform::Point;
 using platform::Rect;
-
-/// The one display of the test's X server.
-class OneScreen final : public platform::Screens {
-  public:
-    [[nodiscard]] std::vector<platform::Screen> screens() override {
-        const QSize size = QGuiApplication::primaryScreen()->size();
-        const Rect frame{0, 0, double(size.width()), double(size.height())};
-        return {{frame, frame}};
-    }
-    [[nodiscard]] std::optional<platform::Screen> mainScreen() override { return screens().front(); }
-};
 
 QString output(const QString &program, const QStringList &arguments) {
     QProcess process;
@@ -36,6 +28,18 @@ QString output(const QString &program, const QStringList &arguments) {
         QApplication::processEvents(QEventLoop::AllEvents, 5);
     }
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+}
+
+/// Ends a program that the test's desktop has started.
+void endChild(const QByteArray &name) {
+    QFile children(u"/proc/self/task/%1/children"_s.arg(getpid()));
+    ASSERT_TRUE(children.open(QIODevice::ReadOnly));
+    for (const QByteArray &child : children.readAll().simplified().split(' ')) {
+        QFile comm(u"/proc/%1/comm"_s.arg(QString::fromLatin1(child)));
+        if (comm.open(QIODevice::ReadOnly) && comm.readAll().trimmed() == name) {
+            kill(child.toInt(), SIGTERM);
+        }
+    }
 }
 
 template <class Condition> bool eventually(Condition condition) {
@@ -94,7 +98,8 @@ class PanelWindow : public testing::Test {
         return {};
     }
 
-    OneScreen screens;
+    std::unique_ptr<platform::desktop::X11Connection> connection = platform::desktop::X11Connection::open();
+    platform::desktop::X11Screens screens{*connection};
     QPlainTextEdit other;
     ui::SuggestionViewHost host;
     platform::Size size;
@@ -139,6 +144,13 @@ TEST_F(PanelWindowComposited, FadesInWithAShadowThatClicksFallThrough) {
     clickAt(acceptButton());
     EXPECT_TRUE(eventually([&] { return accepted == QList<int>{0}; }));
     EXPECT_EQ(focused(), before);
+
+    // The compositor ends and another one starts while the cards are up.
+    endChild("picom");
+    EXPECT_TRUE(eventually([&] { return panel.window().geometry().topLeft() == topLeft() - QPoint(1, 1); }));
+    EXPECT_TRUE(eventually([&] { return pixel(topLeft() + QPoint(-4, 60)) == desktop; }));
+    const ChildProcess compositor({"picom", "--backend", "xrender", "--config", "/dev/null"});
+    EXPECT_TRUE(eventually([&] { return qGray(pixel(topLeft() + QPoint(-4, 60))) < qGray(desktop); }));
 }
 
 } // namespace

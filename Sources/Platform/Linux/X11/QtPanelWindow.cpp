@@ -13,8 +13,12 @@ namespace {
 // Positions on an X11 screen have 16 bits.
 constexpr double farthest = 30000;
 
+double withinReach(double value) {
+    return std::isnan(value) ? 0 : std::clamp(value, -farthest, farthest);
+}
+
 int wholePoints(double value) {
-    return static_cast<int>(std::lround(std::isnan(value) ? 0 : std::clamp(value, -farthest, farthest)));
+    return static_cast<int>(std::lround(withinReach(value)));
 }
 
 QEasingCurve easeOut() {
@@ -29,7 +33,7 @@ double between(double from, double to, double progress) {
 
 } // namespace
 
-QtPanelWindow::QtPanelWindow(Screens &screens)
+QtPanelWindow::QtPanelWindow(X11Screens &screens)
     : m_screens(screens), m_compositor([this] {
           m_window.setComposited(m_compositor.isRunning());
           applyAlpha();
@@ -113,10 +117,11 @@ void QtPanelWindow::applyLater() {
 
 void QtPanelWindow::applyGeometry() {
     m_apply.stop();
-    const auto screens = m_screens.screens();
-    const double primaryTop = screens.empty() ? 0 : screens.front().frame.maxY();
-    m_window.setContentGeometry({wholePoints(m_frame.x), wholePoints(primaryTop - m_frame.maxY()),
-                                 std::max(1, wholePoints(m_frame.width)), std::max(1, wholePoints(m_frame.height))});
+    const QSize size(wholePoints(std::max(1.0, m_frame.width)), wholePoints(std::max(1.0, m_frame.height)));
+    const double x = withinReach(m_frame.x);
+    const double y = withinReach(m_frame.y);
+    const QPoint place = m_screens.qtPosition({x, y, double(size.width()), double(size.height())});
+    m_window.setContentGeometry({place, size});
 }
 
 void QtPanelWindow::applyAlpha() {

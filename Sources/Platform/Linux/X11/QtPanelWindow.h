@@ -3,8 +3,8 @@
 
 #include "Platform/Linux/X11/Compositor.h"
 #include "Platform/Linux/X11/PanelFrame.h"
+#include "Platform/Linux/X11/X11Screens.h"
 #include "Platform/PanelWindow.h"
-#include "Platform/Screens.h"
 
 #include <QTimer>
 #include <QVariantAnimation>
@@ -16,7 +16,7 @@ namespace platform::desktop {
 /// does so rightly.
 class QtPanelWindow final : public PanelWindow {
   public:
-    explicit QtPanelWindow(Screens &screens);
+    explicit QtPanelWindow(X11Screens &screens);
 
     void setContentView(QObject *view) override;
     void setContentSize(Size size) override;
@@ -37,7 +37,7 @@ class QtPanelWindow final : public PanelWindow {
     void applyGeometry();
     void applyAlpha();
 
-    Screens &m_screens;
+    X11Screens &m_screens;
     PanelFrame m_window;
     Compositor m_compositor;
     Rect m_frame;
@@ -57,12 +57,12 @@ class QtPanelWindow final : public PanelWindow {
 
 class QtPanelWindows final : public PanelWindows {
   public:
-    /// The screens say how high the primary display is, which is where screen coordinates count from.
-    explicit QtPanelWindows(Screens &screens) : m_screens(screens) {}
+    /// The screens say where on the desktop a place in screen coordinates is.
+    explicit QtPanelWindows(X11Screens &screens) : m_screens(screens) {}
     [[nodiscard]] std::unique_ptr<PanelWindow> create() override;
 
   private:
-    Screens &m_screens;
+    X11Screens &m_screens;
 };
 
 } // namespace platform::desktop

@@ -1,0 +1,168 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/SuggestionPanelController.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <gmock/gmock.h>
+
+namespace quillory::test {
+namespace {
+
+using namespace Qt::StringLiterals;
+using platform::Rect;
+using platform::TapEventType;
+using platform::TapVerdict;
+using testing::ElementsAre;
+namespace eventFlag = platform::eventFlag;
+namespace keyCode = platform::keyCode;
+
+const QString tapFailed = u"could not create event tap (Tab/Esc shortcuts unavailable)"_s;
+// In accessibility coordinates: on the primary screen of 900 points, screen coordinates 300 to 340.
+const Rect field{200, 560, 500, 40};
+
+SuggestionCardData card(const std::optional<QString> &text, bool isComplete = false) {
+    return {u"Suggested rewrite"_s, text, isComplete, std::nullopt, false};
+}
+
+struct SuggestionPanel : testing::Test {
+    SuggestionPanel() {
+        controller->onAcceptCard = [this](int index) { accepted.append(index); };
+        controller->onDismiss = [this] { ++dismissed; };
+    }
+    void show(const SuggestionCards &shown, const Rect &above = field) { controller->show(shown, above, element); }
+
+    SimulatedDesktop desktop;
+    SimulatedCards cards;
+    platform::AXUIElement element =
+        desktop.applications.launch({7, u"org.chromium"_s, u"Browser"_s}, u"Chat"_s)->element();
+    std::unique_ptr<SuggestionPanelController> controller = std::make_unique<SuggestionPanelController>(cards.maker());
+    QList<int> accepted;
+    int dismissed = 0;
+};
+
+TEST_F(SuggestionPanel, RisesIntoPlaceOnceAndThenChangesWhereItStands) {
+    show({card(std::nullopt)});
+    EXPECT_EQ(desktop.panelWindows.frame, (Rect{200, 350, 500, 120}));
+    const SimulatedPanelWindows::Animation fade{{200, 342}, {200, 350}, 0, 1, std::chrono::milliseconds(180)};
+    EXPECT_THAT(desktop.panelWindows.animations, ElementsAre(fade));
+    EXPECT_TRUE(controller->targetElement() == element);
+
+    cards.height = 700;
+    show({card(u"a"_s), card(std::nullopt)});
+    EXPECT_EQ(desktop.panelWindows.frame.size(), (platform::Size{500, 700})) << "taller than there is room above";
+    EXPECT_EQ(desktop.panelWindows.frame.y, 8);
+    EXPECT_EQ(desktop.panelWindows.animations.size(), 1U);
+    EXPECT_EQ(desktop.panelWindows.raised, 2);
+    EXPECT_THAT(desktop.log(), ElementsAre(u"panel visible (1 cards)"_s));
+
+    controller->hide();
+    EXPECT_FALSE(controller->isVisible());
+    EXPECT_TRUE(controller->cards().isEmpty());
+    EXPECT_FALSE(controller->targetElement());
+    controller->reposition({0, 0, 10, 10});
+    EXPECT_EQ(desktop.panelWindows.frame.y, 8) << "a hidden panel does not follow";
+    show({card(u"b"_s)});
+    EXPECT_EQ(desktop.panelWindows.animations.size(), 2U);
+    EXPECT_EQ(desktop.panelWindows.made, 1);
+}
+
+TEST_F(SuggestionPanel, IsAsWideAsItsFieldWithinLimitsAndFollowsIt) {
+    for (const auto &[fieldWidth, width] : {std::pair{200.0, 360.0}, {900.0, 620.0}, {500.0, 500.0}}) {
+        show({card(u"a"_s)}, {200, 560, fieldWidth, 40});
+        EXPECT_EQ(cards.width, width);
+    }
+    const int renders = cards.renders;
+    controller->reposition({300, 460, 500, 40});
+    EXPECT_EQ(desktop.panelWindows.frame.origin(), (platform::Point{300, 450}));
+    EXPECT_EQ(cards.renders, renders);
+}
+
+TEST_F(SuggestionPanel, ChangesOneCardByItsIndex) {
+    controller->updateCard(0, u"too early"_s);
+    show({card(std::nullopt), card(std::nullopt)});
+    EXPECT_EQ(controller->firstCompleteIndex(), std::nullopt);
+    controller->updateCard(0, u"Hel"_s);
+    controller->finishCard(1, u"Hello"_s, u"1.2s"_s);
+    EXPECT_EQ(controller->firstCompleteIndex(), 1);
+    controller->finishCard(0, u"Hello there"_s, u"2.0s"_s);
+    controller->updateCard(0, u"late"_s);
+    controller->failCard(1, u"Couldn't reach it"_s);
+    for (const int index : {-1, 2}) {
+        controller->updateCard(index, u"x"_s);
+        controller->finishCard(index, u"x"_s, std::nullopt);
+        controller->failCard(index, u"x"_s);
+        EXPECT_FALSE(controller->isCardAcceptable(index));
+    }
+    EXPECT_THAT(
+        cards.shown,
+        ElementsAre(SuggestionCardData{u"Suggested rewrite"_s, u"Hello there"_s, true, u"2.0s"_s, false},
+                    SuggestionCardData{u"Suggested rewrite"_s, u"Couldn't reach it"_s, false, u"1.2s"_s, true}));
+    EXPECT_EQ(controller->firstCompleteIndex(), 0);
+    controller->finishCard(0, QString(), u"2.0s"_s);
+    EXPECT_FALSE(controller->isCardAcceptable(0)) << "an empty text";
+    EXPECT_EQ(controller->firstCompleteIndex(), std::nullopt);
+}
+
+TEST_F(SuggestionPanel, DecidesWhichKeysItTakes) {
+    EXPECT_EQ(desktop.eventTaps.press(keyCode::escape), TapVerdict::pass) << "nothing is shown";
+    show({card(u"Hel"_s), card(u"Hello"_s)});
+    EXPECT_EQ(desktop.eventTaps.press(keyCode::tab), TapVerdict::pass) << "nothing to accept yet";
+    controller->finishCard(1, u"Hello"_s, u"1.2s"_s);
+    for (const auto flag : {eventFlag::shift, eventFlag::control, eventFlag::option, eventFlag::command}) {
+        EXPECT_EQ(desktop.eventTaps.press(keyCode::tab, flag), TapVerdict::pass);
+        EXPECT_EQ(desktop.eventTaps.press(keyCode::escape, flag), TapVerdict::pass);
+    }
+    EXPECT_EQ(desktop.eventTaps.press(keyCode::v), TapVerdict::pass);
+    EXPECT_EQ(desktop.eventTaps.press(keyCode::tab, 0x10000), TapVerdict::swallow) << "Caps Lock does not matter";
+    controller->finishCard(0, u"Hello!"_s, u"1.3s"_s);
+    EXPECT_EQ(desktop.eventTaps.press(keyCode::escape), TapVerdict::swallow);
+    EXPECT_TRUE(accepted.isEmpty()) << "acted on only after the key is done with";
+    desktop.advance(0);
+    EXPECT_THAT(accepted, ElementsAre(1)) << "the card that was first when the key went down";
+    EXPECT_EQ(dismissed, 1);
+    controller->hide();
+    EXPECT_FALSE(desktop.eventTaps.isArmed());
+}
+
+TEST_F(SuggestionPanel, TriesForTheKeysAtEachShow) {
+    desktop.eventTaps.refusesCreation = true;
+    show({card(u"a"_s)});
+    desktop.eventTaps.refusesCreation = false;
+    desktop.eventTaps.refusesArming = true;
+    show({card(u"a"_s)});
+    desktop.eventTaps.refusesArming = false;
+    show({card(u"a"_s)});
+    EXPECT_TRUE(desktop.eventTaps.isArmed());
+    for (const auto notice : {TapEventType::tapDisabledByTimeout, TapEventType::tapDisabledByUserInput}) {
+        desktop.eventTaps.disarm(notice);
+        EXPECT_TRUE(desktop.eventTaps.isArmed());
+    }
+    EXPECT_EQ(desktop.eventTaps.requests, 3);
+    desktop.eventTaps.refusesArming = true;
+    desktop.eventTaps.disarm(TapEventType::tapDisabledByTimeout);
+    desktop.advance(0);
+    EXPECT_THAT(desktop.log(), ElementsAre(u"panel visible (1 cards)"_s, tapFailed, tapFailed, tapFailed));
+    desktop.eventTaps.refusesArming = false;
+    show({card(u"a"_s)});
+    EXPECT_TRUE(desktop.eventTaps.isArmed());
+    controller->hide();
+    desktop.eventTaps.disarm(TapEventType::tapDisabledByTimeout);
+    EXPECT_FALSE(desktop.eventTaps.isArmed()) << "not while nothing is shown";
+}
+
+TEST_F(SuggestionPanel, PassesClicksOnUntilItIsGone) {
+    show({card(u"a"_s, true), card(u"b"_s, true)});
+    cards.clickAccept(1);
+    cards.clickDismiss();
+    EXPECT_THAT(accepted, ElementsAre(1));
+    EXPECT_EQ(dismissed, 1);
+    (void)desktop.eventTaps.press(keyCode::tab);
+    controller.reset();
+    desktop.advance(0);
+    cards.clickAccept(0);
+    cards.clickDismiss();
+    EXPECT_THAT(accepted, ElementsAre(1));
+    EXPECT_EQ(dismissed, 1);
+}
+
+} // namespace
+} // namespace quillory::test
