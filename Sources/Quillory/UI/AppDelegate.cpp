@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/AppDelegate.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/AppSettings.h"
+#include "Quillory/FileLog.h"
+#include "Quillory/TypingMonitor.h"
+#include "Quillory/UI/SuggestionViewHost.h"
+
+#include <cstdio>
+
+namespace quillory {
+
+AppDelegate::AppDelegate()
+    : m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching() {
+    platform::Accessibility &accessibility = platform::current().accessibility;
+    const bool trusted = accessibility.isProcessTrusted();
+    FileLog::log(QStringLiteral("launched, accessibility trusted = %1")
+                     .arg(trusted ? QStringLiteral("true") : QStringLiteral("false")));
+    if (!trusted) {
+        accessibility.isProcessTrustedWithPrompt();
+    }
+    m_monitor->start();
+    if (AppSettings::shared().apiKey().isEmpty()) {
+        std::fputs("quillory: no OpenRouter API key is set; give one with: quillory defaults write openRouterAPIKey -\n",
+                   stderr);
+    }
+}
+
+} // namespace quillory
