@@ -9,7 +9,7 @@
 
 #include <cstdio>
 
-namespace quillory {
+namespace quillory::ui {
 
 AppDelegate::AppDelegate()
     : m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
@@ -26,9 +26,10 @@ void AppDelegate::applicationDidFinishLaunching() {
     }
     m_monitor->start();
     if (AppSettings::shared().apiKey().isEmpty()) {
-        std::fputs("quillory: no OpenRouter API key is set; give one with: quillory defaults write openRouterAPIKey -\n",
-                   stderr);
+        std::fputs(
+            "quillory: no OpenRouter API key is set; give one with: quillory defaults write openRouterAPIKey -\n",
+            stderr);
     }
 }
 
-} // namespace quillory
+} // namespace quillory::ui

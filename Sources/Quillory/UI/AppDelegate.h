@@ -4,8 +4,10 @@
 #include <memory>
 
 namespace quillory {
-
 class TypingMonitor;
+}
+
+namespace quillory::ui {
 
 /// Starts everything in its order and owns it for the life of the program. One per process, main thread only.
 class AppDelegate {
@@ -21,4 +23,4 @@ class AppDelegate {
     std::shared_ptr<TypingMonitor> m_monitor;
 };
 
-} // namespace quillory
+} // namespace quillory::ui

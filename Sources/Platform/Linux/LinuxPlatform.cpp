@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/LinuxPlatform.h"
+
+#include "Platform/Linux/Accessibility/AtspiAccessibility.h"
+#include "Platform/Linux/Applications/LinuxWorkspace.h"
+#include "Platform/Linux/Network/CurlURLSession.h"
+#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Storage/FileUserDefaults.h"
+#include "Platform/Linux/Storage/LinuxProcess.h"
+#include "Platform/Linux/X11/QtPanelWindow.h"
+#include "Platform/Linux/X11/X11Connection.h"
+#include "Platform/Linux/X11/X11EventTaps.h"
+#include "Platform/Linux/X11/X11KeyPoster.h"
+#include "Platform/Linux/X11/X11Keyboard.h"
+#include "Platform/Linux/X11/X11Pasteboard.h"
+#include "Platform/Linux/X11/X11Screens.h"
+
+namespace platform::desktop {
+
+/// In the order in which they need each other.
+struct LinuxPlatform::Private {
+    explicit Private(std::unique_ptr<X11Connection> opened) : connection(std::move(opened)) { connection->watch(); }
+
+    QtMainQueue mainQueue;
+    LinuxProcess process;
+    FileUserDefaults userDefaults;
+    CurlURLSession urlSession;
+    std::unique_ptr<X11Connection> connection;
+    X11Screens screens{*connection};
+    AtspiAccessibility accessibility{mainQueue};
+    LinuxWorkspace workspace{connection->get()};
+    X11Keyboard keyboard{*connection};
+    X11EventTaps eventTaps{*connection, keyboard};
+    X11KeyPoster keyPoster{*connection, keyboard, eventTaps};
+    X11Pasteboard pasteboard{*connection};
+    QtPanelWindows panelWindows{screens};
+    Platform services{.accessibility = accessibility,
+                      .eventTaps = eventTaps,
+                      .keyPoster = keyPoster,
+                      .mainQueue = mainQueue,
+                      .panelWindows = panelWindows,
+                      .pasteboard = pasteboard,
+                      .process = process,
+                      .screens = screens,
+                      .urlSession = urlSession,
+                      .userDefaults = userDefaults,
+                      .workspace = workspace};
+};
+
+LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection)
+    : m_private(std::make_unique<Private>(std::move(connection))) {}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+const Platform &LinuxPlatform::services() const {
+    return m_private->services;
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Platform.h"
+
+#include <memory>
+
+namespace platform::desktop {
+
+class X11Connection;
+
+/// The services of a Linux desktop with an X server. Made after the QApplication and destroyed before it.
+class LinuxPlatform {
+  public:
+    explicit LinuxPlatform(std::unique_ptr<X11Connection> connection);
+    ~LinuxPlatform();
+    LinuxPlatform(const LinuxPlatform &) = delete;
+    LinuxPlatform &operator=(const LinuxPlatform &) = delete;
+
+    [[nodiscard]] const Platform &services() const;
+
+  private:
+    struct Private;
+    std::unique_ptr<Private> m_private;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Storage/FileUserDefaults.h"
+#include "Platform/Linux/TerminationSignals.h"
+#include "Platform/Linux/X11/X11Connection.h"
+#include "Quillory/CommandLine.h"
+#include "Quillory/UI/AppDelegate.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <iostream>
+
+namespace {
+
+namespace desktop = platform::desktop;
+
+/// The exit status of a command, or absent when the program itself is to run.
+std::optional<int> runCommand(int argc, char **argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    std::unique_ptr<desktop::FileUserDefaults> store;
+    const auto openStore = [&store]() -> platform::UserDefaults & {
+        store = std::make_unique<desktop::FileUserDefaults>();
+        return *store;
+    };
+    return quillory::runCommandLine(arguments, openStore, {std::cin, std::cout, std::cerr});
+}
+
+/// The panel is placed by screen position, which a native Wayland window cannot have; XWayland windows can.
+void preferX11() {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+}
+
+int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Quillory"));
+    QApplication::setDesktopFileName(QStringLiteral("quillory"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    const desktop::LinuxPlatform linuxPlatform(std::move(connection));
+    const platform::Installation installation(linuxPlatform.services());
+    quillory::ui::AppDelegate delegate;
+    const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
+    QTimer::singleShot(0, &application, [&delegate] { delegate.applicationDidFinishLaunching(); });
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (const auto status = runCommand(argc, argv)) {
+        return *status;
+    }
+    auto connection = desktop::X11Connection::open();
+    if (!connection) {
+        std::cerr << "quillory: no X display can be reached; start it in a desktop session, or set DISPLAY\n";
+        return 1;
+    }
+    preferX11();
+    return runProgram(argc, argv, std::move(connection));
+}
