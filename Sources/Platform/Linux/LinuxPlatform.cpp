@@ -21,13 +21,19 @@ namespace platform::desktop {
 struct LinuxPlatform::Private {
     explicit Private(std::unique_ptr<X11Connection> opened) : connection(std::move(opened)) { connection->watch(); }
 
+    [[nodiscard]] AtspiAccessibility::Options accessibilityOptions() {
+        AtspiAccessibility::Options options;
+        options.scale = [this] { return screens.scaleAt({}); };
+        return options;
+    }
+
     QtMainQueue mainQueue;
     LinuxProcess process;
     FileUserDefaults userDefaults;
     CurlURLSession urlSession;
     std::unique_ptr<X11Connection> connection;
     X11Screens screens{*connection};
-    AtspiAccessibility accessibility{mainQueue};
+    AtspiAccessibility accessibility{mainQueue, accessibilityOptions()};
     LinuxWorkspace workspace{connection->get()};
     X11Keyboard keyboard{*connection};
     X11EventTaps eventTaps{*connection, keyboard};
