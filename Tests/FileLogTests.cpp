@@ -48,14 +48,12 @@ TEST(FileLog, LinesOfSeveralThreadsStayWhole) {
     const SimulatedDesktop desktop;
     const QString message(500, u'x');
     {
-        std::vector<std::jthread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&message] {
-                for (int line = 0; line < 50; ++line) {
-                    FileLog::log(message);
-                }
-            });
-        }
+        const auto work = [&message] {
+            for (int line = 0; line < 50; ++line) {
+                FileLog::log(message);
+            }
+        };
+        const std::jthread threads[]{std::jthread(work), std::jthread(work), std::jthread(work), std::jthread(work)};
     }
     EXPECT_EQ(desktop.log().count(message), 200);
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
 #include <QString>
 #include <QStringList>
 
@@ -10,35 +9,23 @@
 
 namespace platform::desktop {
 
-/// What a desktop entry says of its application.
-struct DesktopEntry {
-    /// In the user's language where the entry has it.
-    QString name;
-    /// The program it starts, as a name or a path.
-    QString program;
-    friend bool operator==(const DesktopEntry &, const DesktopEntry &) = default;
-};
+/// The name that a desktop entry gives its application, in the language of a locale such as "pt_BR" where it can;
+/// absent when it is no application's entry.
+[[nodiscard]] std::optional<QString> nameInDesktopEntry(const QByteArray &entry, const QString &locale);
 
-/// Reads an entry; absent when it is none of an application. locale: such as "pt_BR".
-[[nodiscard]] std::optional<DesktopEntry> parseDesktopEntry(const QByteArray &text, const QString &locale);
-
-/// The names of the applications that are installed, by their desktop ids and by the programs that they start. The
-/// entries are read on first use, and again after a folder of them changed.
+/// The desktop entries of the applications that are installed.
 class DesktopEntries {
   public:
     /// folders: the most important first; by default those of the XDG data folders.
-    explicit DesktopEntries(QStringList folders = standardFolders());
+    explicit DesktopEntries(QStringList folders = standardFolders()) : m_folders(std::move(folders)) {}
 
-    /// The name of the application that a program is, by any of its names; absent when none has an entry.
-    [[nodiscard]] std::optional<QString> displayName(const QStringList &programNames);
+    /// The name of the application that has the first of these desktop ids for which there is an entry.
+    [[nodiscard]] std::optional<QString> displayName(const QStringList &ids) const;
 
   private:
     [[nodiscard]] static QStringList standardFolders();
-    void refresh();
 
     QStringList m_folders;
-    QList<qint64> m_folderTimes;
-    QHash<QString, QString> m_names;
 };
 
 } // namespace platform::desktop

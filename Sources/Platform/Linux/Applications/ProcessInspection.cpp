@@ -1,21 +1,33 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Applications/ProcessInspection.h"
 
+#include "Platform/Linux/FileDescriptor.h"
+
 #include <QFile>
 
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace platform::desktop::processes {
 
 namespace {
-constexpr qint64 longestFile = 256 * 1024;
+constexpr qint64 longestFile = 1 << 18;
 
 QByteArray contentOf(qint32 pid, const char *name) {
     QFile file(QStringLiteral("/proc/%1/%2").arg(pid).arg(QLatin1StringView(name)));
     return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ? file.read(longestFile) : QByteArray();
+}
+
+/// Without the room that the other files may need: this one is read again and again.
+QByteArray statusOf(qint32 pid) {
+    std::array<char, 1024> status;
+    const QByteArray path = "/proc/" + QByteArray::number(pid) + "/stat";
+    const FileDescriptor file(::open(path.constData(), O_RDONLY | O_CLOEXEC));
+    const ssize_t length = ::read(file.get(), status.data(), status.size());
+    return length > 0 ? QByteArray(status.data(), length) : QByteArray();
 }
 
 QString executableOf(qint32 pid) {
@@ -104,7 +116,7 @@ QString desktopEntry(qint32 pid) {
 
 std::optional<Fingerprint> fingerprint(qint32 pid) {
     // The second field is the program's name in parentheses, which may itself hold spaces and parentheses.
-    const QByteArray status = contentOf(pid, "stat");
+    const QByteArray status = statusOf(pid);
     const QByteArrayList fields = status.sliced(status.lastIndexOf(')') + 1).simplified().split(' ');
     constexpr qsizetype state = 0;
     constexpr qsizetype parent = 1;
