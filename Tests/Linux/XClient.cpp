@@ -4,6 +4,7 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
+#include <array>
 #include <stdexcept>
 #include <string_view>
 
@@ -31,9 +32,7 @@ XClient::XClient() : m_connection(X11Connection::open()) {
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
                       values);
     xcb_map_window(c, m_window);
-    // A window manager that is still starting would take the focus away again.
-    const auto manager = m_connection->atom("_NET_SUPPORTING_WM_CHECK");
-    waitUntil([&] { return !m_connection->values(m_connection->askValues(m_connection->root(), manager)).empty(); });
+    waitForWindowManager();
     const bool isFocused = waitUntil([&] {
         xcb_set_input_focus(c, XCB_INPUT_FOCUS_NONE, m_window, XCB_CURRENT_TIME);
         return m_connection->reply(xcb_get_input_focus_reply, xcb_get_input_focus(c))->focus == m_window;
@@ -41,6 +40,23 @@ XClient::XClient() : m_connection(X11Connection::open()) {
     if (!isFocused || m_keyboard == 0) {
         throw std::runtime_error("no focus or no keyboard");
     }
+}
+
+/// A window manager that is still starting takes the focus away again, and may overlook windows. It is up once it
+/// answers a question.
+void XClient::waitForWindowManager() {
+    std::array<xcb_client_message_event_t, 1> question{};
+    question[0].response_type = XCB_CLIENT_MESSAGE;
+    question[0].format = 32;
+    question[0].window = m_window;
+    question[0].type = m_connection->atom("_NET_REQUEST_FRAME_EXTENTS");
+    const xcb_atom_t answer = m_connection->atom("_NET_FRAME_EXTENTS");
+    waitUntil([&] {
+        xcb_send_event(m_connection->get(), 0, m_connection->root(),
+                       XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                       reinterpret_cast<const char *>(question.data()));
+        return !m_connection->values(m_connection->askValues(m_window, answer)).empty();
+    });
 }
 
 void XClient::fakeInput(int type, xcb_keycode_t key, int device) {

@@ -5,6 +5,7 @@
 #include "RealDesktop/ChildProcess.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
 #include <string>
 
@@ -12,12 +13,16 @@ namespace quillory::test {
 
 /// Waits for a condition while the program's own event loop runs.
 template <typename Condition> bool spinUntil(Condition condition, int milliseconds = 10'000) {
-    return waitUntil(
-        [&] {
-            QCoreApplication::processEvents();
-            return condition();
-        },
-        milliseconds);
+    const long long end = millisecondsNow() + milliseconds;
+    QTimer wake;
+    wake.start(5);
+    while (!condition()) {
+        if (millisecondsNow() > end) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
 }
 
 /// Another program on the display: a window that has the focus and notes the keys it gets, and fingers on the keyboard.
@@ -41,6 +46,7 @@ class XClient {
     [[nodiscard]] xcb_window_t window() const { return m_window; }
 
   private:
+    void waitForWindowManager();
     void fakeInput(int type, xcb_keycode_t key, int device);
 
     std::unique_ptr<platform::desktop::X11Connection> m_connection;

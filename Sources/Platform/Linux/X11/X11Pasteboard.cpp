@@ -76,6 +76,7 @@ void X11Pasteboard::takeOwnerChanges() {
 }
 
 void X11Pasteboard::copyItems(std::function<void(std::vector<PasteboardItem>)> done) {
+    (void)changeCount(); // hears of an owner that came just now
     if (m_isCleared || m_owner.isOwner()) {
         auto items = m_isCleared ? std::vector<PasteboardItem>() : itemsFrom(m_owner.values());
         QMetaObject::invokeMethod(

@@ -7,6 +7,7 @@
 #include <xcb/randr.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace platform::desktop {
 
@@ -146,11 +147,10 @@ std::vector<X11Screens::Strut> X11Screens::readStruts() {
         const auto edges = m_connection.values(questions[i + 1]);
         constexpr int everywhere = 0xFFFF;
         Strut strut{0, 0, 0, 0, 0, everywhere, 0, everywhere, 0, everywhere, 0, everywhere};
-        if (ranges.size() >= 12) {
-            std::transform(ranges.begin(), ranges.begin() + 12, strut.begin(),
-                           [](auto v) { return static_cast<int>(v); });
+        if (ranges.size() >= strut.size()) {
+            std::ranges::copy_n(ranges.begin(), 12, strut.begin());
         } else if (edges.size() >= 4) {
-            std::transform(edges.begin(), edges.begin() + 4, strut.begin(), [](auto v) { return static_cast<int>(v); });
+            std::ranges::copy_n(edges.begin(), 4, strut.begin());
         } else {
             continue;
         }
@@ -165,29 +165,30 @@ void X11Screens::reserve(const std::vector<Strut> &struts) {
     for (const Monitor &monitor : m_monitors) {
         all |= monitor.pixels;
     }
-    const auto overlaps = [](int begin, int end, int low, int high) { return begin <= high && low <= end; };
     for (Monitor &monitor : m_monitors) {
-        const QRect &frame = monitor.pixels;
-        QRect &visible = monitor.visiblePixels;
-        for (const Strut &s : struts) {
-            const int left = s[0], right = all.right() - s[1], top = s[2], bottom = all.bottom() - s[3];
-            if (s[0] > 0 && overlaps(s[4], s[5], frame.top(), frame.bottom()) && frame.left() < left &&
-                left <= frame.right()) {
-                visible.setLeft(std::max(visible.left(), left));
-            }
-            if (s[1] > 0 && overlaps(s[6], s[7], frame.top(), frame.bottom()) && frame.left() <= right &&
-                right < frame.right()) {
-                visible.setRight(std::min(visible.right(), right));
-            }
-            if (s[2] > 0 && overlaps(s[8], s[9], frame.left(), frame.right()) && frame.top() < top &&
-                top <= frame.bottom()) {
-                visible.setTop(std::max(visible.top(), top));
-            }
-            if (s[3] > 0 && overlaps(s[10], s[11], frame.left(), frame.right()) && frame.top() <= bottom &&
-                bottom < frame.bottom()) {
-                visible.setBottom(std::min(visible.bottom(), bottom));
-            }
+        for (const Strut &strut : struts) {
+            cut(monitor, strut, all);
         }
+    }
+}
+
+void X11Screens::cut(Monitor &monitor, const Strut &s, const QRect &all) {
+    const QRect &frame = monitor.pixels;
+    QRect &visible = monitor.visiblePixels;
+    const auto spansRows = [&](std::size_t i) { return s[i] <= frame.bottom() && frame.top() <= s[i + 1]; };
+    const auto spansColumns = [&](std::size_t i) { return s[i] <= frame.right() && frame.left() <= s[i + 1]; };
+    const int left = s[0], right = all.right() - s[1], top = s[2], bottom = all.bottom() - s[3];
+    if (s[0] > 0 && spansRows(4) && frame.left() < left && left <= frame.right()) {
+        visible.setLeft(std::max(visible.left(), left));
+    }
+    if (s[1] > 0 && spansRows(6) && frame.left() <= right && right < frame.right()) {
+        visible.setRight(std::min(visible.right(), right));
+    }
+    if (s[2] > 0 && spansColumns(8) && frame.top() < top && top <= frame.bottom()) {
+        visible.setTop(std::max(visible.top(), top));
+    }
+    if (s[3] > 0 && spansColumns(10) && frame.top() <= bottom && bottom < frame.bottom()) {
+        visible.setBottom(std::min(visible.bottom(), bottom));
     }
 }
 

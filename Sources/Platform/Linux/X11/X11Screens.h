@@ -7,6 +7,8 @@
 #include <QPoint>
 #include <QRect>
 
+#include <array>
+
 namespace platform::desktop {
 
 /// The monitors of the X screen, and the one place where the kinds of coordinates meet:
@@ -51,6 +53,7 @@ class X11Screens final : public Screens {
     void refresh();
     void readMonitors();
     void reserve(const std::vector<Strut> &struts);
+    static void cut(Monitor &monitor, const Strut &strut, const QRect &all);
     void reserveByWorkAreas();
     [[nodiscard]] std::vector<Strut> readStruts();
     void findMain();

@@ -8,9 +8,11 @@ namespace platform::desktop {
 
 namespace {
 
-/// The longest silence of the owner, and the longest reading in all: a person who pressed a key waits for it.
+/// The longest silence of the owner, and the longest reading in all: a person who pressed a key waits for it. Large
+/// content that keeps coming gets more time, since what is not read is lost.
 constexpr std::chrono::milliseconds longestSilence{750};
 constexpr std::chrono::milliseconds longestReading{1500};
+constexpr std::chrono::milliseconds longestLargeReading{4000};
 /// A type that would take the content beyond this is left out.
 constexpr qsizetype maximumBytes = 256 * 1024 * 1024;
 /// Programs offer a dozen types, some toolkits forty image formats.
@@ -30,10 +32,10 @@ constexpr std::array<QLatin1StringView, 7> notContent{
 
 X11SelectionReader::X11SelectionReader(X11Connection &connection, xcb_atom_t selection, Done done)
     : m_connection(connection), m_selection(selection), m_done(std::move(done)) {
-    for (QTimer *timer : {&m_stall, &m_deadline}) {
-        timer->setSingleShot(true);
-        timer->callOnTimeout([this] { finish(); });
-    }
+    m_stall.setSingleShot(true);
+    m_stall.callOnTimeout([this] { finish(); });
+    m_deadline.setSingleShot(true);
+    m_deadline.callOnTimeout([this] { handleDeadline(); });
     m_events = m_connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
     m_deadline.start(longestReading);
     start();
@@ -205,6 +207,15 @@ void X11SelectionReader::settle(Transfer &transfer, Stage stage) {
         return one.stage == Stage::complete || one.stage == Stage::absent;
     };
     if (std::ranges::all_of(m_transfers, isSettled)) {
+        finish();
+    }
+}
+
+void X11SelectionReader::handleDeadline() {
+    const bool isLarge = std::ranges::find(m_transfers, Stage::incremental, &Transfer::stage) != m_transfers.end();
+    if (isLarge && !std::exchange(m_isExtended, true)) {
+        m_deadline.start(longestLargeReading - longestReading);
+    } else {
         finish();
     }
 }

@@ -51,6 +51,7 @@ class X11SelectionReader {
     void fetch(const Transfer &transfer);
     void receive(Transfer &transfer, const xcb_get_property_reply_t &answer);
     void settle(Transfer &transfer, Stage stage);
+    void handleDeadline();
     void finish();
 
     X11Connection &m_connection;
@@ -60,6 +61,7 @@ class X11SelectionReader {
     std::vector<Transfer> m_transfers;
     qsizetype m_total = 0;
     int m_attempts = 0;
+    bool m_isExtended = false;
     QTimer m_stall;
     QTimer m_deadline;
     /// Answers to questions of a reading that was given up must not reach this object.

@@ -1,0 +1,256 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Linux/XClient.h"
+#include "Platform/Linux/X11/X11Keyboard.h"
+#include "Platform/Linux/X11/X11Pasteboard.h"
+
+#include <QClipboard>
+#include <QFile>
+#include <QGuiApplication>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+using namespace platform;
+using namespace platform::desktop;
+
+namespace quillory::test {
+
+namespace {
+
+using Items = std::vector<PasteboardItem>;
+
+/// Bytes that no two places of have in common, so that a lost or doubled portion shows.
+QByteArray pattern(qsizetype size) {
+    QByteArray data(size, Qt::Uninitialized);
+    quint32 state = 1;
+    for (char &byte : data) {
+        state = state * 1664525U + 1013904223U;
+        byte = static_cast<char>(state >> 24);
+    }
+    return data;
+}
+
+class X11Clipboard : public testing::Test {
+  protected:
+    void SetUp() override { connection->watch(); }
+
+    Items copy() {
+        std::optional<Items> result;
+        pasteboard->copyItems([&](Items items) { result = std::move(items); });
+        EXPECT_TRUE(spinUntil([&] { return result.has_value(); }));
+        return result.value_or(Items{});
+    }
+    /// What another program reads, for one type. It runs meanwhile, as does this one.
+    QByteArray readByOther(const QString &type) {
+        const QString path = folder.filePath(QStringLiteral("read"));
+        ChildProcess other({"sh", "-c",
+                            "xclip -o -selection clipboard -t '" + type.toStdString() + "' > '" + path.toStdString() +
+                                "' 2>/dev/null"});
+        EXPECT_TRUE(spinUntil([&] { return !other.isRunning(); }));
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    /// Another program that owns the clipboard, and its process, to be stopped or ended.
+    ChildProcess ownByOther(const QString &type, const QByteArray &data) {
+        const QString path = folder.filePath(QStringLiteral("owned"));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(data);
+        file.close();
+        const qint64 before = pasteboard->changeCount();
+        ChildProcess other(
+            {"xclip", "-quiet", "-i", "-selection", "clipboard", "-t", type.toStdString(), path.toStdString()});
+        EXPECT_TRUE(spinUntil([&] { return pasteboard->changeCount() != before; }));
+        return other;
+    }
+    xcb_window_t owner() {
+        XClient &other = client();
+        const auto question = xcb_get_selection_owner(other.connection().get(), other.connection().atom("CLIPBOARD"));
+        return other.connection().reply(xcb_get_selection_owner_reply, question)->owner;
+    }
+    XClient &client() {
+        if (!m_client) {
+            m_client = std::make_unique<XClient>();
+        }
+        return *m_client;
+    }
+
+    QTemporaryDir folder;
+    std::unique_ptr<X11Connection> connection = X11Connection::open();
+    std::unique_ptr<X11Pasteboard> pasteboard = std::make_unique<X11Pasteboard>(*connection);
+
+  private:
+    std::unique_ptr<XClient> m_client;
+};
+
+TEST_F(X11Clipboard, ServesAStringInEveryFormAndAsASecret) {
+    const QString text = QStringLiteral("Hi \u00e9 \u0645\u0631\u062d\u0628\u0627 \U0001F600\nbye");
+    pasteboard->clearContents();
+    pasteboard->setString(text);
+    for (const char *type : {"UTF8_STRING", "text/plain", "text/plain;charset=utf-8", "TEXT"}) {
+        EXPECT_EQ(readByOther(QString::fromLatin1(type)), text.toUtf8()) << type;
+    }
+    EXPECT_EQ(readByOther(QStringLiteral("STRING")).first(5), QByteArray("Hi \xe9 "));
+    EXPECT_EQ(readByOther(QStringLiteral("x-kde-passwordManagerHint")), "secret");
+    EXPECT_EQ(readByOther(QStringLiteral("image/png")), "");
+    pasteboard->clearContents();
+    EXPECT_TRUE(spinUntil([&] { return owner() == XCB_NONE; }));
+    EXPECT_EQ(copy(), Items{});
+}
+
+TEST_F(X11Clipboard, GivesBackWhatTheUserHadWithAllTypesAndLargeContent) {
+    const QByteArray picture = pattern(20 * 1024 * 1024 + 3);
+    const Items given{{{{QStringLiteral("text/html"), "<b>x</b>"},
+                        {QStringLiteral("image/png"), picture},
+                        {QStringLiteral("application/x-empty"), ""},
+                        {QStringLiteral("UTF8_STRING"), "x"}}}};
+    // Another instance of the layer, on a connection of its own, is the other program: large content in portions,
+    // several types at once.
+    const auto otherConnection = X11Connection::open();
+    otherConnection->watch();
+    X11Pasteboard other(*otherConnection);
+    other.writeObjects(given);
+    const Items saved = copy();
+    EXPECT_TRUE(saved == given); // not EXPECT_EQ, which would print it
+    pasteboard->clearContents();
+    pasteboard->setString(QStringLiteral("suggestion"));
+    pasteboard->clearContents();
+    pasteboard->writeObjects(saved);
+    EXPECT_EQ(readByOther(QStringLiteral("text/html")), "<b>x</b>");
+    EXPECT_TRUE(readByOther(QStringLiteral("image/png")) == picture);
+    EXPECT_TRUE(copy() == given); // its own content
+    // Two programs read at once, one of which goes away in the midst of it.
+    std::optional<Items> first;
+    other.copyItems([&](Items items) { first = std::move(items); });
+    {
+        X11Pasteboard leaving(*otherConnection);
+        leaving.copyItems([](const Items &) {});
+        QCoreApplication::processEvents();
+    }
+    EXPECT_TRUE(spinUntil([&] { return first.has_value(); }));
+    EXPECT_TRUE(first == given);
+}
+
+TEST_F(X11Clipboard, ReadsWhatOtherProgramsOwnAndTellsWhenItChanges) {
+    EXPECT_EQ(copy(), Items{});
+    const QByteArray picture = pattern(3 * 1024 * 1024);
+    ChildProcess first = ownByOther(QStringLiteral("image/png"), picture);
+    const Items expected{{{{QStringLiteral("image/png"), picture}}}};
+    EXPECT_TRUE(copy() == expected);
+    pasteboard->clearContents();
+    pasteboard->setString(QStringLiteral("suggestion"));
+    const qint64 ours = pasteboard->changeCount();
+    EXPECT_EQ(readByOther(QStringLiteral("UTF8_STRING")), "suggestion");
+    EXPECT_EQ(pasteboard->changeCount(), ours); // reading is no change
+    ChildProcess second = ownByOther(QStringLiteral("UTF8_STRING"), "copied meanwhile");
+    EXPECT_NE(pasteboard->changeCount(), ours);
+    EXPECT_EQ(copy(), (Items{{{{QStringLiteral("UTF8_STRING"), "copied meanwhile"}}}}));
+    EXPECT_EQ(pasteboard->changeCount(), pasteboard->changeCount());
+}
+
+TEST_F(X11Clipboard, DoesNotWaitForAnOwnerThatHangsOrVanishes) {
+    ChildProcess hung = ownByOther(QStringLiteral("UTF8_STRING"), "never told");
+    kill(hung.pid(), SIGSTOP);
+    EXPECT_EQ(copy(), Items{});
+    ChildProcess vanishing = ownByOther(QStringLiteral("UTF8_STRING"), "gone");
+    kill(vanishing.pid(), SIGSTOP);
+    std::optional<Items> result;
+    pasteboard->copyItems([&](Items items) { result = std::move(items); });
+    kill(vanishing.pid(), SIGKILL);
+    EXPECT_TRUE(spinUntil([&] { return result.has_value(); }));
+    EXPECT_EQ(result, Items{});
+}
+
+TEST_F(X11Clipboard, KeepsTheTypesThatCameWhenOneNeverDoes) {
+    // An owner that names two types and delivers one.
+    XClient &owner = client();
+    X11Connection &other = owner.connection();
+    const xcb_atom_t good = other.atom("text/good"), bad = other.atom("text/bad"), targets = other.atom("TARGETS");
+    const auto registration = other.onEvent([&](const xcb_generic_event_t &event) {
+        if (eventType(event) != XCB_SELECTION_REQUEST) {
+            return;
+        }
+        const auto &request = eventAs<xcb_selection_request_event_t>(event);
+        const xcb_atom_t both[] = {bad, good};
+        if (request.target == bad) {
+            return;
+        }
+        if (request.target == targets) {
+            xcb_change_property(other.get(), XCB_PROP_MODE_REPLACE, request.requestor, request.property, XCB_ATOM_ATOM,
+                                32, 2, both);
+        } else {
+            xcb_change_property(other.get(), XCB_PROP_MODE_REPLACE, request.requestor, request.property, good, 8, 4,
+                                "fine");
+        }
+        std::array<xcb_selection_notify_event_t, 2> notify{};
+        notify[0] = {XCB_SELECTION_NOTIFY, 0, 0, request.time, request.requestor, request.selection, request.target,
+                     request.property};
+        xcb_send_event(other.get(), 0, request.requestor, 0, reinterpret_cast<const char *>(notify.data()));
+        other.flush();
+    });
+    other.watch();
+    xcb_set_selection_owner(other.get(), owner.window(), other.atom("CLIPBOARD"), XCB_CURRENT_TIME);
+    other.sync();
+    EXPECT_EQ(copy(), (Items{{{{QStringLiteral("text/good"), "fine"}}}}));
+}
+
+TEST_F(X11Clipboard, WorksWithTheToolkitsOwnClipboard) {
+    pasteboard->setString(QStringLiteral("to Qt"));
+    // Qt waits for the answer in its own loop, so it is asked from another process.
+    EXPECT_EQ(readByOther(QStringLiteral("UTF8_STRING")), "to Qt");
+    const qint64 ours = pasteboard->changeCount();
+    QGuiApplication::clipboard()->setText(QStringLiteral("from Qt"));
+    EXPECT_TRUE(spinUntil([&] { return pasteboard->changeCount() != ours; }));
+    const Items items = copy();
+    ASSERT_EQ(items.size(), 1U);
+    EXPECT_THAT(items.front().representations,
+                testing::Contains(testing::Pair(QStringLiteral("UTF8_STRING"), QByteArray("from Qt"))));
+}
+
+TEST_F(X11Clipboard, HandsTheUsersContentToAClipboardManagerAtTheEnd) {
+    const auto managerConnection = client().connection().get();
+    xcb_set_selection_owner(managerConnection, client().window(), client().connection().atom("CLIPBOARD_MANAGER"),
+                            XCB_CURRENT_TIME);
+    client().connection().sync();
+    const auto askedToSave = [&] {
+        return !client()
+                    .connection()
+                    .takeEvents([&](const xcb_generic_event_t &event) {
+                        return eventType(event) == XCB_SELECTION_REQUEST &&
+                               eventAs<xcb_selection_request_event_t>(event).target ==
+                                   client().connection().atom("SAVE_TARGETS");
+                    })
+                    .empty();
+    };
+    pasteboard->writeObjects({{{{QStringLiteral("UTF8_STRING"), "the user's"}}}});
+    pasteboard.reset(); // a manager that does not answer is waited for a moment only
+    client().connection().sync();
+    EXPECT_TRUE(askedToSave());
+    pasteboard = std::make_unique<X11Pasteboard>(*connection);
+    pasteboard->setString(QStringLiteral("a suggestion"));
+    pasteboard.reset();
+    client().connection().sync();
+    EXPECT_FALSE(askedToSave());
+}
+
+TEST(X11ConnectionTest, EndsTheProgramWhenTheServerGoesAway) {
+    EXPECT_EQ(X11Connection::open(":9999"), nullptr);
+    ChildProcess server({"Xvfb", ":91", "-screen", "0", "640x480x24", "-nolisten", "tcp"});
+    std::unique_ptr<X11Connection> connection;
+    ASSERT_TRUE(waitUntil([&] { return (connection = X11Connection::open(":91")) != nullptr; }));
+    connection->watch();
+    QMetaObject::invokeMethod(
+        qApp, [&] { server.end(); }, Qt::QueuedConnection);
+    EXPECT_EQ(QCoreApplication::exec(), 1);
+    EXPECT_TRUE(connection->isBroken());
+    EXPECT_EQ(connection->serverTime(), 0U);
+    X11Pasteboard pasteboard(*connection);
+    pasteboard.setString(QStringLiteral("nowhere"));
+    EXPECT_FALSE(X11Keyboard(*connection).keysDown().any());
+}
+
+} // namespace
+
+} // namespace quillory::test
