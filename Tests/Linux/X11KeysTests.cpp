@@ -127,6 +127,7 @@ TEST_F(X11Keys, FollowsKeysThatTheUserHasMoved) {
     makeTap();
     ASSERT_TRUE(tap->setEnabled(true));
     setLayout("us", "caps:swapescape");
+    ASSERT_TRUE(spinUntil([&] { return keyboard.keyCodes(keyCode::escape).front() == capsLock; }));
     user.tap(capsLock);
     EXPECT_EQ(user.keysUntilEnd(), "");
     EXPECT_EQ(asked, "53^0");

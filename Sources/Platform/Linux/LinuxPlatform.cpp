@@ -23,7 +23,7 @@ struct LinuxPlatform::Private {
 
     [[nodiscard]] AtspiAccessibility::Options accessibilityOptions() {
         AtspiAccessibility::Options options;
-        options.scale = [this] { return screens.scaleAt({}); };
+        options.inPoints = [this](const Rect &pixels) { return screens.accessibilityRect(pixels); };
         return options;
     }
 

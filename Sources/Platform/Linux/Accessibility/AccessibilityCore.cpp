@@ -24,16 +24,16 @@ constexpr auto wantedFor = 1s;
 constexpr auto ancestryLifetime = 1s;
 } // namespace
 
-AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, std::function<double()> scale)
-    : m_ownPid(ownPid), m_scale(std::move(scale)), m_reader(std::move(sessionBusAddress), ownPid) {}
+AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints)
+    : m_ownPid(ownPid), m_inPoints(std::move(inPoints)), m_reader(std::move(sessionBusAddress), ownPid) {}
 
 AXUIElement AccessibilityCore::element(const Handle &handle) {
     return AXUIElement(std::make_shared<AtspiElement>(shared_from_this(), handle));
 }
 
 Rect AccessibilityCore::inPoints(const PixelRect &rect) const {
-    const double scale = std::max(m_scale(), 0.1);
-    return {rect.x / scale, rect.y / scale, rect.width / scale, rect.height / scale};
+    return m_inPoints({static_cast<double>(rect.x), static_cast<double>(rect.y), static_cast<double>(rect.width),
+                       static_cast<double>(rect.height)});
 }
 
 TextWanted AccessibilityCore::wantedNow(const ElementRef &ref) const {

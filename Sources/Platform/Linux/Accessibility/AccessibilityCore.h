@@ -11,8 +11,10 @@ namespace platform::desktop::atspi {
 /// an element serves all questions of the same moment. Main thread only.
 class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore> {
   public:
-    /// scale: how many pixels of the screen a point has, asked whenever coordinates are given out.
-    AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, std::function<double()> scale);
+    using Conversion = std::function<Rect(const Rect &)>;
+
+    /// inPoints: turns a rectangle of the screen's pixels into points, asked whenever coordinates are given out.
+    AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints);
 
     [[nodiscard]] Reader &reader() { return m_reader; }
     [[nodiscard]] qint32 ownPid() const { return m_ownPid; }
@@ -38,7 +40,7 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     [[nodiscard]] Rect inPoints(const PixelRect &rect) const;
 
     qint32 m_ownPid;
-    std::function<double()> m_scale;
+    Conversion m_inPoints;
     Reader m_reader;
     /// What was read last, and until when it answers further questions of the same moment.
     std::shared_ptr<const FieldSnapshot> m_recent;

@@ -19,8 +19,8 @@ class TrustDialog;
 class AtspiAccessibility final : public Accessibility {
   public:
     struct Options {
-        /// How many pixels of the screen one point has.
-        std::function<double()> scale = [] { return 1.0; };
+        /// Turns a rectangle of the screen's pixels into points, from the top left of the primary monitor.
+        std::function<Rect(const Rect &)> inPoints = [](const Rect &pixels) { return pixels; };
         /// Where the session bus is; by default where the environment says.
         std::string sessionBusAddress;
         /// The process whose elements are never asked anything; by default this one. For tests, whose applications
