@@ -45,6 +45,9 @@ void CardText::setText(const QString &text) {
     if (m_selection.end > common) {
         m_selection = {};
     }
+    if (common == 0) {
+        scrollTo(0);
+    }
     m_anchor = std::min(m_anchor, common);
     setAccessibleName(text);
     update();

@@ -11,9 +11,8 @@ namespace {
 constexpr char32_t emojiStyle = 0xFE0F;
 
 const QString &colourFamily() {
-    static const QString family = QFontDatabase::hasFamily(QStringLiteral("Noto Color Emoji"))
-                                      ? QStringLiteral("Noto Color Emoji")
-                                      : QString();
+    static const QString family =
+        QFontDatabase::hasFamily(QStringLiteral("Noto Color Emoji")) ? QStringLiteral("Noto Color Emoji") : QString();
     return family;
 }
 

@@ -34,8 +34,7 @@ QSize HoverIconButton::sizeHint() const {
 void HoverIconButton::paintEvent(QPaintEvent * /*event*/) {
     QPainter painter(this);
     const double opacity = restOpacity + (1 - restOpacity) * m_hover.progress();
-    const QRectF symbol((width() - symbolExtent()) / 2, (height() - symbolExtent()) / 2, symbolExtent(),
-                        symbolExtent());
+    const QRectF symbol(clickMargin, clickMargin, symbolExtent(), symbolExtent());
     drawSymbol(painter, symbol, m_systemName, faded(lookOf(*this).secondary, opacity));
 }
 

@@ -21,7 +21,7 @@ namespace {
 constexpr int padding = 16;
 constexpr int rowGap = 11;
 constexpr double headerGap = 7;
-constexpr int footerGap = 12;
+// The least between the button and the hints.
 constexpr int footerSpace = 8;
 constexpr double badgeGap = 3;
 constexpr double badgeHorizontalPadding = 6;

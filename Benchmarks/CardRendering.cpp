@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// What it costs to show an answer of 2,000 characters as it streams in: cards that change in place against cards that
+// are made afresh for each update. Processor time of the main thread, painting included.
+#include "Quillory/UI/SuggestionViewHost.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <ctime>
+
+namespace {
+
+using quillory::ui::SuggestionViewHost;
+
+constexpr int updates = 80;
+
+double cpuMilliseconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+void render(SuggestionViewHost &host, const QString &text) {
+    host.setRootView(
+        {{QStringLiteral("Suggested rewrite"), text, false, std::nullopt, false}}, 420, [](int) {}, [] {});
+    static_cast<QWidget *>(host.view())->show();
+    QApplication::processEvents();
+}
+
+template <class Render> double perUpdate(const QString &answer, Render renderOne) {
+    const double start = cpuMilliseconds();
+    for (int i = 1; i <= updates; ++i) {
+        renderOne(answer.left(answer.size() * i / updates));
+    }
+    return (cpuMilliseconds() - start) / updates;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    const QApplication application(argc, argv);
+    const QString sentence = QStringLiteral("Thank you for reaching out. The blue dress in size M is in stock.\n");
+    const QString answer = sentence.repeated(2000 / sentence.size() + 1).left(2000);
+    SuggestionViewHost host;
+    render(host, answer);
+    const double inPlace = perUpdate(answer, [&](const QString &text) { render(host, text); });
+    const double onePiece =
+        perUpdate(QString(answer).replace(u'\n', u' '), [&](const QString &text) { render(host, text); });
+    const double afresh = perUpdate(answer, [](const QString &text) {
+        SuggestionViewHost other;
+        render(other, text);
+    });
+    std::printf("in place            %6.2f ms\nin place, no breaks %6.2f ms\nafresh              %6.2f ms\n", inPlace,
+                onePiece, afresh);
+    std::printf("afresh / in place   %6.1f\n", afresh / inPlace);
+    return 0;
+}
