@@ -11,7 +11,7 @@ namespace {
 constexpr auto help = R"(Quillory suggests a better wording while you write to customers in WhatsApp.
 
 Usage:
-  quillory                            start it; its icon appears in the status area
+  quillory                            start it
   quillory defaults read [KEY]        show the settings, or one of them
   quillory defaults write KEY VALUE   change a setting; it counts at once, also in a running program
   quillory defaults delete KEY        go back to a setting's default

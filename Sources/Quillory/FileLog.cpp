@@ -12,9 +12,8 @@ namespace quillory::FileLog {
 namespace {
 QString path() {
     static platform::PerInstallation<QString> path;
-    return path.get([] {
-        return platform::current().process.homeDirectory() + QStringLiteral("/Library/Logs/Quillory.log");
-    });
+    return path.get(
+        [] { return platform::current().process.homeDirectory() + QStringLiteral("/Library/Logs/Quillory.log"); });
 }
 } // namespace
 
