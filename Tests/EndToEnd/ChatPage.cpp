@@ -53,6 +53,8 @@ QStringList strings(const QJsonValue &value) {
 ChatPage::ChatPage() {
     const Identity identity = makeIdentity();
     m_server = std::make_unique<httplib::SSLServer>(identity.certificate.get(), identity.key.get());
+    // Each connection that the browser keeps open, used or not, holds a thread.
+    m_server->new_task_queue = [] { return new httplib::ThreadPool(48); };
     const QString folder = QStringLiteral(QUILLORY_PAGE_FOLDER);
     serveFile(*m_server, "/", folder + QStringLiteral("/index.html"), "text/html; charset=utf-8");
     serveFile(*m_server, "/chat.css", folder + QStringLiteral("/chat.css"), "text/css");

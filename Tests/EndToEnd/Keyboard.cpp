@@ -16,7 +16,7 @@ void tap(const char *key) {
 }
 
 void click(QPoint place) {
-    run({"xdotool", "mousemove", "--sync", std::to_string(place.x()), std::to_string(place.y()), "click", "1"});
+    run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click", "1"});
 }
 
 void setLayout(const char *layout) {

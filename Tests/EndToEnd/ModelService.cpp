@@ -49,7 +49,7 @@ ModelService::ModelService() : m_server(std::make_unique<httplib::Server>()) {
 }
 
 ModelService::~ModelService() {
-    m_ending = true;
+    m_mayEnd = true;
     m_server->stop();
 }
 
@@ -61,6 +61,7 @@ void ModelService::willAnswer(const QString &text, Manner manner) {
     const std::lock_guard lock(m_mutex);
     m_text = text;
     m_manner = manner;
+    m_mayEnd = false;
 }
 
 std::vector<ModelService::Question> ModelService::questions() const {
@@ -86,19 +87,22 @@ void ModelService::answer(const httplib::Request &request, httplib::Response &re
 }
 
 bool ModelService::stream(httplib::DataSink &sink, const QString &text, Manner manner) {
-    constexpr qsizetype pieceLength = 5;
     bool connected = send(sink, ": PROCESSING\n\n");
-    for (qsizetype i = 0; connected && i < text.size(); i += pieceLength) {
-        connected = send(sink, event(text.mid(i, pieceLength)));
-        sleepBriefly();
-    }
-    while (connected && manner == Manner::stalls && !m_ending) {
-        connected = send(sink, ": PROCESSING\n\n");
+    for (qsizetype start = 0, length = 0; connected && start < text.size(); start += length) {
+        length = 5;
+        while (start + length < text.size() && text[start + length].isLowSurrogate()) {
+            ++length;
+        }
+        connected = send(sink, event(text.mid(start, length)));
         sleepBriefly();
     }
     if (manner == Manner::breaksOff) {
         send(sink, "data: {\"choi");
         return false;
+    }
+    while (connected && !m_mayEnd) {
+        connected = send(sink, ": PROCESSING\n\n");
+        sleepBriefly();
     }
     connected = connected && send(sink, "data: [DONE]\n\n");
     sink.done();

@@ -23,9 +23,8 @@ namespace quillory::test {
 class ModelService {
   public:
     enum class Manner {
+        /// Sends the answer, then keeps the connection alive without an end until mayEnd() is called.
         answers,
-        /// Sends the answer, then keeps the connection alive without an end until the client leaves.
-        stalls,
         /// Sends the answer and drops the connection in the middle of an event.
         breaksOff,
         /// Answers with status 429 and the text as the body's message.
@@ -46,8 +45,9 @@ class ModelService {
     ModelService &operator=(const ModelService &) = delete;
 
     [[nodiscard]] QByteArray address() const;
-    /// What every request gets from now on.
+    /// What every request gets from now on; answers don't end before they may.
     void willAnswer(const QString &text, Manner manner = Manner::answers);
+    void mayEnd() { m_mayEnd = true; }
     [[nodiscard]] std::vector<Question> questions() const;
     /// How many answers were cut short because the client closed its connection.
     [[nodiscard]] int clientsGone() const { return m_clientsGone; }
@@ -61,7 +61,7 @@ class ModelService {
     Manner m_manner = Manner::answers;
     std::vector<Question> m_questions;
     std::atomic<int> m_clientsGone = 0;
-    std::atomic<bool> m_ending = false;
+    std::atomic<bool> m_mayEnd = false;
     int m_port = 0;
     std::unique_ptr<httplib::Server> m_server;
     std::jthread m_thread;
