@@ -11,8 +11,8 @@ namespace quillory::test {
 
 namespace {
 
-constexpr xcb_keycode_t escape = 9, tabulator = 23, control = 37, a = 38, shift = 50, v = 55, capsLock = 66,
-                        numLock = 77, menu = 135, letter = 24;
+constexpr xcb_keycode_t escape = 9, tabulator = 23, control = 37, shift = 50, capsLock = 66, numLock = 77, menu = 135,
+                        letter = 24;
 
 class X11Keys : public testing::Test {
   protected:
@@ -110,6 +110,15 @@ TEST_F(X11Keys, SwallowsAHeldKeyToItsEnd) {
     const auto counter = connection->onEvent([&](const xcb_generic_event_t &event) {
         repeats += eventType(event) == XCB_KEY_PRESS && eventAs<xcb_key_press_event_t>(event).detail == tabulator;
     });
+    user.finger(tabulator, true);
+    EXPECT_TRUE(spinUntil([&] { return repeats >= 5; }));
+    EXPECT_EQ(asked, "48^0");
+    user.tap(letter); // ends the repeats, and is the application's
+    user.finger(tabulator, false);
+    EXPECT_EQ(user.keysUntilEnd(), "+24 -24 -23");
+
+    asked.clear();
+    repeats = -1;
     user.finger(tabulator, true);
     ASSERT_TRUE(spinUntil([&] { return !asked.empty(); }));
     tap->setEnabled(false);

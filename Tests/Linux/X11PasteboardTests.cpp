@@ -101,7 +101,7 @@ TEST_F(X11Clipboard, ServesAStringInEveryFormAndAsASecret) {
 }
 
 TEST_F(X11Clipboard, GivesBackWhatTheUserHadWithAllTypesAndLargeContent) {
-    const QByteArray picture = pattern(20 * 1024 * 1024 + 3);
+    const QByteArray picture = pattern(20LL * 1024 * 1024 + 3);
     const Items given{{{{QStringLiteral("text/html"), "<b>x</b>"},
                         {QStringLiteral("image/png"), picture},
                         {QStringLiteral("application/x-empty"), ""},
@@ -135,7 +135,7 @@ TEST_F(X11Clipboard, GivesBackWhatTheUserHadWithAllTypesAndLargeContent) {
 
 TEST_F(X11Clipboard, ReadsWhatOtherProgramsOwnAndTellsWhenItChanges) {
     EXPECT_EQ(copy(), Items{});
-    const QByteArray picture = pattern(3 * 1024 * 1024);
+    const QByteArray picture = pattern(3LL * 1024 * 1024);
     ChildProcess first = ownByOther(QStringLiteral("image/png"), picture);
     const Items expected{{{{QStringLiteral("image/png"), picture}}}};
     EXPECT_TRUE(copy() == expected);

@@ -118,8 +118,10 @@ void X11EventTaps::handle(const xcb_generic_event_t &event) {
 
 /// The keyboard stands still until this has allowed it to go on, so every path must.
 void X11EventTaps::handlePress(const xcb_key_press_event_t &press) {
-    if (m_swallowed == press.detail) {
-        allow(XCB_ALLOW_SYNC_KEYBOARD, press.time); // the held key repeats: still one press
+    if (m_swallowed == press.detail && m_releasedAt.value_or(press.time) == press.time) {
+        // The held key repeats: still one press.
+        m_releasedAt.reset();
+        allow(XCB_ALLOW_SYNC_KEYBOARD, press.time);
         return;
     }
     // Any other key, or a press that came after the tap was disarmed, belongs to the application.
@@ -127,6 +129,7 @@ void X11EventTaps::handlePress(const xcb_key_press_event_t &press) {
     const std::optional<KeyCode> key = m_keyboard.key(press.detail);
     if (key && ask(*key, X11Keyboard::flags(press.state)) == TapVerdict::swallow) {
         m_swallowed = m_lastSwallowed = press.detail;
+        m_releasedAt.reset();
         // Stops again at the next key, whichever it is: until the swallowed key comes up all keys come here, and what
         // the user types on meanwhile has to be passed on.
         allow(XCB_ALLOW_SYNC_KEYBOARD, press.time);
@@ -136,10 +139,13 @@ void X11EventTaps::handlePress(const xcb_key_press_event_t &press) {
 }
 
 void X11EventTaps::handleRelease(const xcb_key_release_event_t &release) {
-    if (m_swallowed == release.detail) {
-        m_swallowed.reset();
+    if (m_swallowed != release.detail) {
+        allow(XCB_ALLOW_SYNC_KEYBOARD, release.time);
+        return;
     }
-    allow(m_swallowed ? XCB_ALLOW_SYNC_KEYBOARD : XCB_ALLOW_ASYNC_KEYBOARD, release.time);
+    // Either the end of the grab, which lets the keyboard go on by itself, or the first half of a repeat: the server
+    // makes it up for the press of the same moment, and it is that press which is to be answered.
+    m_releasedAt = release.time;
 }
 
 TapVerdict X11EventTaps::ask(KeyCode key, EventFlags flags) {

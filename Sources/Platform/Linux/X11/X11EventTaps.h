@@ -42,6 +42,8 @@ class X11EventTaps final : public EventTaps {
     /// The key whose press was swallowed and whose repeats and release still have to be.
     std::optional<xcb_keycode_t> m_swallowed;
     std::optional<xcb_keycode_t> m_lastSwallowed;
+    /// When the swallowed key was said to come up; a press at the very same time is a repeat.
+    std::optional<xcb_timestamp_t> m_releasedAt;
     RegistrationHandle m_events;
 };
 

@@ -4,7 +4,7 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
-#include <ranges>
+#include <algorithm>
 #include <string_view>
 
 namespace platform::desktop {
@@ -91,7 +91,7 @@ bool X11KeyPoster::postKey(KeyCode key, EventFlags flags) {
         std::ranges::for_each(added, [this](xcb_keycode_t code) { press(code); });
         press(codes.front());
         release(codes.front());
-        std::ranges::for_each(std::views::reverse(added), [this](xcb_keycode_t code) { release(code); });
+        std::for_each(added.rbegin(), added.rend(), [this](xcb_keycode_t code) { release(code); });
         giveBack(lifted, before);
     }
     return !m_connection.isBroken();

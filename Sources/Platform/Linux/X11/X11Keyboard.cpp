@@ -76,7 +76,7 @@ void X11Keyboard::readModifiers(const xcb_get_modifier_mapping_reply_t &map) {
     m_numLock = m_scrollLock = 0;
     m_heldModifierKeys.reset();
     for (int modifier = 0; modifier < static_cast<int>(m_modifierKeys.size()); ++modifier) {
-        const xcb_keycode_t *first = codes + modifier * map.keycodes_per_modifier;
+        const xcb_keycode_t *first = codes + static_cast<std::ptrdiff_t>(modifier) * map.keycodes_per_modifier;
         auto &keys = m_modifierKeys[static_cast<std::size_t>(modifier)];
         keys.assign(first, first + map.keycodes_per_modifier);
         std::erase(keys, xcb_keycode_t{0});
@@ -94,8 +94,9 @@ void X11Keyboard::readModifiers(const xcb_get_modifier_mapping_reply_t &map) {
 
 /// What a key means without modifiers in the first layout.
 xcb_keysym_t X11Keyboard::keysym(xcb_keycode_t code) const {
-    const int index = code - xcb_get_setup(m_connection.get())->min_keycode;
-    if (!m_mapping || index < 0 || index * m_mapping->keysyms_per_keycode >= static_cast<int>(m_mapping->length)) {
+    const std::ptrdiff_t index = code - xcb_get_setup(m_connection.get())->min_keycode;
+    if (!m_mapping || index < 0 ||
+        index * m_mapping->keysyms_per_keycode >= static_cast<std::ptrdiff_t>(m_mapping->length)) {
         return XKB_KEY_NoSymbol;
     }
     return xcb_get_keyboard_mapping_keysyms(m_mapping.get())[index * m_mapping->keysyms_per_keycode];

@@ -11,7 +11,7 @@ namespace {
 
 /// Content up to this size goes in one piece, larger content in portions of it: small enough that a portion never
 /// holds the main thread up, large enough that a picture needs few of them. A multiple of 4.
-constexpr qsizetype portionBytes = 256 * 1024;
+constexpr qsizetype portionBytes = 256LL * 1024;
 /// A requestor that has not fetched its portion for this long has hung or lost interest.
 constexpr std::chrono::milliseconds longestStall{5000};
 /// Pairs of target and property in one request; real ones hold a handful.

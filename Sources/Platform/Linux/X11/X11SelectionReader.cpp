@@ -14,7 +14,7 @@ constexpr std::chrono::milliseconds longestSilence{750};
 constexpr std::chrono::milliseconds longestReading{1500};
 constexpr std::chrono::milliseconds longestLargeReading{4000};
 /// A type that would take the content beyond this is left out.
-constexpr qsizetype maximumBytes = 256 * 1024 * 1024;
+constexpr qsizetype maximumBytes = 256LL * 1024 * 1024;
 /// Programs offer a dozen types, some toolkits forty image formats.
 constexpr std::size_t maximumTypes = 128;
 /// Read in pieces, so that no single answer keeps the main thread for long.
