@@ -51,18 +51,16 @@ void AccessibilityCore::noteWanted(TextWanted wanted) {
 
 // The first question of a tick: reads the focused element once more, and with it what the tick will ask next.
 std::optional<AXUIElement> AccessibilityCore::focusedElement() {
-    const bool isPending = m_pendingRefresh != nullptr && *m_pendingRefresh;
-    if (!isPending) {
-        m_pendingRefresh = std::make_shared<std::atomic<bool>>(true);
+    // A refresh that is under way still belongs to an application that is busy: its frame was spent already.
+    if (m_refresh == nullptr || m_refresh->isFinished()) {
         const auto wanted = m_told.element ? wantedNow(m_told.element->ref) : TextWanted::value;
-        // The flag goes down whether or not anybody still waits for the answer.
-        m_reader.post([pending = m_pendingRefresh, wanted](Session &session) {
+        m_refresh = m_reader.start([wanted](Session &session) {
             if (session.focus() != nullptr) {
                 session.focus()->refresh(wanted);
             }
-            *pending = false;
+            return true;
         });
-        m_reader.ask(tickWait, [](Session &) { return true; });
+        m_reader.await(*m_refresh, tickWait);
     }
     auto focus = m_reader.board().focus();
     const auto now = Clock::now();
@@ -70,10 +68,10 @@ std::optional<AXUIElement> AccessibilityCore::focusedElement() {
         m_wantedUntil = {};
     }
     m_told = focus;
+    m_recent = focus.snapshot;
     if (!focus.element) {
         return std::nullopt;
     }
-    m_recent = focus.snapshot;
     m_recentUntil = now + sameMoment;
     if (m_recent != nullptr && now - m_recent->takenAt > oldestAnswer) {
         m_recent = std::make_shared<const FieldSnapshot>(

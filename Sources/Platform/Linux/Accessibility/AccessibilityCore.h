@@ -49,8 +49,8 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     Focus m_told;
     TextWanted m_wanted = TextWanted::value;
     Clock::time_point m_wantedUntil;
-    /// A refresh that the reader has not finished yet.
-    std::shared_ptr<std::atomic<bool>> m_pendingRefresh;
+    /// The latest refresh, which the reader may not have finished yet.
+    std::shared_ptr<Reader::Job<bool>> m_refresh;
 };
 
 } // namespace platform::desktop::atspi

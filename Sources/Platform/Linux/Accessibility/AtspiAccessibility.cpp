@@ -74,9 +74,11 @@ AXUIElement AtspiAccessibility::createApplication(qint32 pid) {
     return AXUIElement(std::make_shared<atspi::RootElement>(m_core, pid));
 }
 
-AtspiAccessibility::Traffic AtspiAccessibility::traffic() const {
-    const auto &board = m_core->reader().board();
-    return {board.messages, board.roundTrips};
+AtspiAccessibility::Traffic AtspiAccessibility::traffic() {
+    const auto counters = m_core->reader().ask(firstWord, [](atspi::Session &session) {
+        return session.connection() != nullptr ? session.connection()->counters() : atspi::Connection::Counters();
+    });
+    return counters ? Traffic{counters->messages, counters->roundTrips} : Traffic{};
 }
 
 } // namespace platform::desktop

@@ -43,7 +43,7 @@ class AtspiAccessibility final : public Accessibility {
         std::uint64_t messages = 0;
         std::uint64_t roundTrips = 0;
     };
-    [[nodiscard]] Traffic traffic() const;
+    [[nodiscard]] Traffic traffic();
 
   private:
     void showPrompt();

@@ -18,7 +18,7 @@ qsizetype standIns(const QString &text) {
 }
 } // namespace
 
-EditorText::EditorText(ElementRef root, bool isRichText) : m_root(std::move(root)), m_isRichText(isRichText) {
+EditorText::EditorText(ElementRef root, bool hasFinalBreak) : m_root(std::move(root)), m_hasFinalBreak(hasFinalBreak) {
     m_nodes[m_root].role = Role::entry;
     m_reachable = {m_root};
 }
@@ -194,7 +194,7 @@ std::optional<TextPiece> EditorText::piece(const ElementRef &ref, int depth) con
     if (!node.isFresh) {
         return std::nullopt;
     }
-    TextPiece result{node.text, depth == 0 ? m_isRichText : isBlock(node.role), {}};
+    TextPiece result{node.text, depth == 0 ? m_hasFinalBreak : isBlock(node.role), {}};
     if (standIns(node.text) == 0) {
         return result;
     }

@@ -20,7 +20,8 @@ class EditorText {
         std::optional<qint64> characters;
     };
 
-    EditorText(ElementRef root, bool isRichText);
+    /// hasFinalBreak: a last line break of the whole belongs to its last line.
+    EditorText(ElementRef root, bool hasFinalBreak);
 
     /// Adds what is to be asked again of the elements that are known.
     void askAgain(Questions &questions);
@@ -53,7 +54,7 @@ class EditorText {
     [[nodiscard]] std::optional<TextPiece> piece(const ElementRef &ref, int depth) const;
 
     ElementRef m_root;
-    bool m_isRichText;
+    bool m_hasFinalBreak;
     int m_limit = 0;
     bool m_tooMuch = false;
     std::unordered_map<ElementRef, Node, ElementRefHash> m_nodes;

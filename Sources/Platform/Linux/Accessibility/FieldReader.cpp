@@ -73,7 +73,7 @@ void FieldReader::readText(Connection &connection, FieldSnapshot &snapshot, Ques
         return;
     }
     if (!m_text) {
-        m_text.emplace(m_element.ref, isRichText());
+        m_text.emplace(m_element.ref, hasFinalBreak());
         m_text->setLimit(textLimit(snapshot.wanted));
     }
     auto outcome = m_text->finish(connection, deadline);
@@ -104,9 +104,14 @@ bool FieldReader::hasInterface(const char *name) const {
     return std::find(m_interfaces.begin(), m_interfaces.end(), name) != m_interfaces.end();
 }
 
-bool FieldReader::isRichText() const {
+// Whether a last line break only gives the last line its height: in rich-text boxes, and in Chromium (which alone
+// names a text model) also in plain ones, whose own last break it gives twice.
+bool FieldReader::hasFinalBreak() const {
     const auto tag = m_kind.attributes.find("tag");
-    return tag != m_kind.attributes.end() && tag->second != "textarea" && tag->second != "input";
+    if (tag == m_kind.attributes.end() || tag->second == "input") {
+        return false;
+    }
+    return tag->second != "textarea" || m_kind.attributes.contains("text-model");
 }
 
 std::optional<QString> FieldReader::placeholder() const {

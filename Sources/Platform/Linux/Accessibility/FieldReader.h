@@ -47,7 +47,7 @@ class FieldReader {
     [[nodiscard]] bool hasValue() const;
     [[nodiscard]] int textLimit(TextWanted wanted) const;
     [[nodiscard]] bool hasInterface(const char *name) const;
-    [[nodiscard]] bool isRichText() const;
+    [[nodiscard]] bool hasFinalBreak() const;
     [[nodiscard]] std::optional<QString> placeholder() const;
 
     Handle m_element;

@@ -91,16 +91,23 @@ void FocusTracker::onOwnerChanged(sd_bus_message *message) {
     if (sd_bus_message_read(message, "sss", &name, &before, &after) <= 0 || *after != '\0') {
         return;
     }
-    m_windows.erase(name);
-    std::erase_if(m_woken, [&](const ElementRef &window) { return window.bus == name; });
-    if (m_window.bus == name) {
-        m_window = {};
-    }
-    if (m_candidate.bus == name) {
-        m_candidate = {};
-    }
-    if (m_focus.element && m_focus.element->ref.bus == name) {
-        drop();
+    // Signals arrive while answers are awaited, so what the waiting code uses is not taken away here.
+    m_vanished.emplace_back(name);
+}
+
+void FocusTracker::forgetVanished() {
+    for (const auto &name : std::exchange(m_vanished, {})) {
+        m_windows.erase(name);
+        std::erase_if(m_woken, [&](const ElementRef &window) { return window.bus == name; });
+        if (m_window.bus == name) {
+            m_window = {};
+        }
+        if (m_candidate.bus == name) {
+            m_candidate = {};
+        }
+        if (m_focus.element && m_focus.element->ref.bus == name) {
+            drop();
+        }
     }
 }
 
@@ -119,6 +126,7 @@ Clock::time_point FocusTracker::nextLook() const {
 }
 
 void FocusTracker::settle() {
+    forgetVanished();
     if (!m_candidate.isNull() && !m_connection.isSilent(m_candidate.bus)) {
         adopt(std::exchange(m_candidate, {}));
     }

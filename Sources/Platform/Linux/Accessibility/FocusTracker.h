@@ -42,6 +42,7 @@ class FocusTracker {
     void onStateChanged(sd_bus_message *message);
     void onWindow(sd_bus_message *message);
     void onOwnerChanged(sd_bus_message *message);
+    void forgetVanished();
     void noteActivation(const ElementRef &window);
 
     void adopt(const ElementRef &ref);
@@ -69,6 +70,7 @@ class FocusTracker {
     ElementRef m_window;
     std::map<std::string, ElementRef, std::less<>> m_windows;
     std::set<ElementRef> m_woken;
+    std::vector<std::string> m_vanished;
     bool m_mustConfirm = false;
     std::optional<Clock::time_point> m_lostSince;
     Clock::time_point m_lookAt;

@@ -33,26 +33,50 @@ class Reader {
     Reader(const Reader &) = delete;
     Reader &operator=(const Reader &) = delete;
 
-    /// Does the work on the reader's thread. Its result, or nothing if that took longer than the limit or than what
-    /// the budget has left. One thread, the main thread, asks.
-    template <class Work> auto ask(std::chrono::microseconds limit, Work work) {
+    /// Work on the reader's thread that somebody may wait for.
+    template <class Result> struct Job {
+        [[nodiscard]] bool isFinished() {
+            const std::scoped_lock lock(mutex);
+            return isDone;
+        }
+
+        std::mutex mutex;
+        std::condition_variable finished;
+        std::optional<Result> result;
+        bool isDone = false;
+        std::atomic<bool> isGivenUp = false;
+    };
+
+    template <class Work> auto start(Work work) {
         using Result = std::invoke_result_t<Work, Session &>;
-        auto job = std::make_shared<Pending<Result>>();
+        auto job = std::make_shared<Job<Result>>();
         post([job, work = std::move(work)](Session &session) {
-            if (job->isGivenUp) {
-                return;
+            std::optional<Result> result;
+            if (!job->isGivenUp) {
+                result = work(session);
             }
-            Result result = work(session);
             const std::scoped_lock lock(job->mutex);
             job->result = std::move(result);
-            job->isDone.notify_one();
+            job->isDone = true;
+            job->finished.notify_one();
         });
-        const auto start = Clock::now();
-        std::unique_lock lock(job->mutex);
-        job->isDone.wait_for(lock, std::min(limit, m_budget.left()), [&] { return job->result.has_value(); });
-        m_budget.spend(start, Clock::now());
-        job->isGivenUp = !job->result.has_value();
-        return std::move(job->result);
+        return job;
+    }
+    /// The job's result, or nothing if it takes longer than the limit or than what the budget has left. One thread,
+    /// the main thread, waits.
+    template <class Result> std::optional<Result> await(Job<Result> &job, std::chrono::microseconds limit) {
+        const auto begin = Clock::now();
+        std::unique_lock lock(job.mutex);
+        job.finished.wait_for(lock, std::min(limit, m_budget.left()), [&] { return job.isDone; });
+        m_budget.spend(begin, Clock::now());
+        return std::exchange(job.result, std::nullopt);
+    }
+    /// Both; a job that was not begun in time is not begun any more.
+    template <class Work> auto ask(std::chrono::microseconds limit, Work work) {
+        const auto job = start(std::move(work));
+        auto result = await(*job, limit);
+        job->isGivenUp = !result.has_value();
+        return result;
     }
     /// Does the work on the reader's thread, some time.
     void post(std::function<void(Session &)> work);
@@ -60,13 +84,6 @@ class Reader {
     [[nodiscard]] const Board &board() const { return m_board; }
 
   private:
-    template <class Result> struct Pending {
-        std::mutex mutex;
-        std::condition_variable isDone;
-        std::optional<Result> result;
-        std::atomic<bool> isGivenUp = false;
-    };
-
     void run(const std::stop_token &stop, std::string sessionBusAddress, qint32 ownPid);
     [[nodiscard]] std::deque<std::function<void(Session &)>> takeJobs();
     void waitForActivity(const Session &session) const;

@@ -39,9 +39,6 @@ void Session::process() {
     decide();
     if (m_focus != nullptr) {
         m_focus->settle();
-        const auto counters = m_bus->counters();
-        m_board.messages = counters.messages;
-        m_board.roundTrips = counters.roundTrips;
     }
 }
 

@@ -24,9 +24,6 @@ class Board {
     /// Whether the bus answers and accessibility is on for the session; and whether that has been found out yet.
     std::atomic<bool> isTrusted = false;
     std::atomic<bool> isDecided = false;
-    /// Messages and round trips on the accessibility bus, for measurements.
-    std::atomic<std::uint64_t> messages = 0;
-    std::atomic<std::uint64_t> roundTrips = 0;
 
   private:
     mutable std::mutex m_mutex;

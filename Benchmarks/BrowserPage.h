@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Accessibility.h"
+#include "RealDesktop/ChildProcess.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <optional>
+
+namespace quillory::bench {
+
+/// A page of a chat in a real Chromium: bubbles with a time each, and a message box that has the focus.
+class BrowserPage {
+  public:
+    explicit BrowserPage(int bubbles);
+
+    /// Asks until the message box of the page has the focus. Throws std::runtime_error when it never gets it.
+    [[nodiscard]] platform::AXUIElement waitForBox(platform::Accessibility &accessibility);
+
+  private:
+    QTemporaryDir m_folder;
+    test::ChildProcess m_browser;
+};
+
+/// The nearest page around an element.
+[[nodiscard]] std::optional<platform::AXUIElement> pageAround(const platform::AXUIElement &element);
+
+} // namespace quillory::bench

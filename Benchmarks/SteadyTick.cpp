@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// Asks ten times a second what the program's tick asks of an unchanged field in Chromium, for ten seconds. Prints the
+// messages and round trips on the accessibility bus per tick, and this process's share of one core.
+#include "BrowserPage.h"
+#include "Platform/Linux/Accessibility/AtspiAccessibility.h"
+#include "Platform/Linux/QtMainQueue.h"
+#include "RealDesktop/RealDesktop.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <sys/resource.h>
+
+namespace {
+
+using namespace quillory;
+using namespace std::chrono_literals;
+namespace axAttribute = platform::axAttribute;
+using Clock = std::chrono::steady_clock;
+
+constexpr int ticks = 100;
+
+double cpuMilliseconds() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto milliseconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
+}
+
+// The questions of a tick on a chat's message box.
+bool tick(platform::Accessibility &accessibility) {
+    const auto focused = accessibility.createSystemWide().copyAttributeValue(axAttribute::focusedUIElement);
+    if (!focused) {
+        return false;
+    }
+    const auto &field = std::get<platform::AXUIElement>(*focused);
+    const auto has = [&](QLatin1StringView name) { return field.copyAttributeValue(name).has_value(); };
+    return has(axAttribute::role) && has(axAttribute::numberOfCharacters) && has(axAttribute::value) &&
+           has(axAttribute::position) && has(axAttribute::size) && !has(axAttribute::placeholderValue);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    const test::RealDesktop desktop;
+    const QCoreApplication application(argc, argv);
+    platform::desktop::QtMainQueue mainQueue;
+    platform::desktop::AtspiAccessibility accessibility(mainQueue);
+    bench::BrowserPage browser(245);
+    const auto box = browser.waitForBox(accessibility);
+    test::waitUntil([&] { return tick(accessibility); });
+
+    const auto before = accessibility.traffic();
+    const double cpuBefore = cpuMilliseconds();
+    const auto start = Clock::now();
+    double worst = 0;
+    int answered = 0;
+    int done = 0;
+    const auto timer = mainQueue.repeat(100ms, [&] {
+        const auto begin = Clock::now();
+        answered += tick(accessibility) ? 1 : 0;
+        worst = std::max(worst, std::chrono::duration<double, std::milli>(Clock::now() - begin).count());
+        if (++done == ticks) {
+            QCoreApplication::quit();
+        }
+    });
+    QCoreApplication::exec();
+    const double elapsed = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+    const auto after = accessibility.traffic();
+    std::printf("%d ticks, %d answered whole, slowest %.1f ms\n", done, answered, worst);
+    std::printf("per tick: %.2f round trips, %.2f messages\n",
+                static_cast<double>(after.roundTrips - before.roundTrips) / ticks,
+                static_cast<double>(after.messages - before.messages) / ticks);
+    std::printf("CPU: %.2f %% of one core\n", 100 * (cpuMilliseconds() - cpuBefore) / elapsed);
+    return 0;
+}

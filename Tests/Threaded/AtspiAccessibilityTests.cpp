@@ -1,0 +1,266 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "FakeAccessibilityBus.h"
+#include "Platform/Linux/Accessibility/AtspiAccessibility.h"
+#include "Platform/Linux/QtMainQueue.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+#include <unistd.h>
+
+namespace {
+
+using namespace quillory::test;
+using namespace platform;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr unsigned active = 1;
+constexpr unsigned editable = 7;
+constexpr unsigned focusable = 11;
+constexpr unsigned multiLine = 17;
+constexpr unsigned frameRole = 23;
+constexpr unsigned panelRole = 39;
+constexpr unsigned entryRole = 79;
+constexpr unsigned pageRole = 95;
+constexpr unsigned staticRole = 116;
+
+template <class T> std::optional<T> read(const std::optional<AXUIElement> &element, QLatin1StringView name) {
+    const auto value = element ? element->copyAttributeValue(name) : std::nullopt;
+    const auto *found = value ? std::get_if<T>(&*value) : nullptr;
+    return found != nullptr ? std::optional(*found) : std::nullopt;
+}
+
+struct AtspiAccessibility : testing::Test {
+    FakeAccessibilityBus bus;
+    std::string window = bus.add(bus.root, {.role = frameRole, .name = "Chat", .states = {active, 25, 30}});
+    std::string field = bus.add(window, {.role = entryRole,
+                                         .name = "Message",
+                                         .text = "helo",
+                                         .states = {editable, focusable, multiLine, 25, 30},
+                                         .attributes = {{"placeholder-text", "Type here"}}});
+    desktop::QtMainQueue queue;
+    std::unique_ptr<desktop::AtspiAccessibility> accessibility;
+
+    // The application lives in this process: another process is named as the one not to be asked.
+    void start(qint32 ownPid = 1) {
+        accessibility = std::make_unique<desktop::AtspiAccessibility>(
+            queue, desktop::AtspiAccessibility::Options{.sessionBusAddress = bus.address(), .ownPid = ownPid});
+    }
+    std::optional<AXUIElement> focused() {
+        return read<AXUIElement>(accessibility->createSystemWide(), axAttribute::focusedUIElement);
+    }
+    std::optional<QString> focusedValue() { return read<QString>(focused(), axAttribute::value); }
+    bool waitForValue(const char *text) {
+        return waitUntil([&] { return focusedValue() == QString::fromUtf8(text); });
+    }
+};
+
+TEST_F(AtspiAccessibility, AnswersATickFromOneRoundTrip) {
+    bus.focus(field, false);
+    start();
+    ASSERT_TRUE(waitForValue("helo")) << "what had the focus before we started was not found";
+    EXPECT_EQ(focused()->pid(), getpid());
+    EXPECT_EQ(read<QString>(focused(), axAttribute::role), axRole::textArea);
+    EXPECT_EQ(read<double>(focused(), axAttribute::numberOfCharacters), 4);
+    EXPECT_EQ(read<QString>(focused(), axAttribute::placeholderValue), QStringLiteral("Type here"));
+    EXPECT_EQ(read<Point>(focused(), axAttribute::position), (Point{10, 20}));
+    EXPECT_EQ(read<QString>(read<AXUIElement>(focused(), axAttribute::window), axAttribute::title),
+              QStringLiteral("Chat"));
+    const auto before = accessibility->traffic();
+    constexpr int ticks = 10;
+    for (int i = 0; i < ticks; ++i) {
+        const auto element = focused();
+        for (const auto name : {axAttribute::role, axAttribute::numberOfCharacters, axAttribute::value,
+                                axAttribute::position, axAttribute::size, axAttribute::placeholderValue}) {
+            EXPECT_TRUE(element->copyAttributeValue(name)) << name.data();
+        }
+    }
+    EXPECT_LE(accessibility->traffic().roundTrips - before.roundTrips, ticks);
+}
+
+TEST_F(AtspiAccessibility, WritesAndReadsBackAfresh) {
+    bus.focus(field);
+    start();
+    ASSERT_TRUE(waitForValue("helo"));
+    const auto element = *focused();
+    EXPECT_TRUE(element.isAttributeSettable(axAttribute::value));
+    const auto text = QStringLiteral("\U0001F600\U0001F44D ok");
+    EXPECT_TRUE(element.setAttributeValue(axAttribute::value, text));
+    EXPECT_EQ(read<QString>(element, axAttribute::value), text);
+    EXPECT_TRUE(element.setAttributeValue(axAttribute::selectedTextRange, AXRange{text.size(), 0}));
+    EXPECT_EQ(bus.caret(), 5) << "the bus counts code points";
+}
+
+TEST_F(AtspiAccessibility, PutsARichTextBoxTogether) {
+    const auto box = bus.add(window, {.role = entryRole,
+                                      .text = "\uFFFC\uFFFC\uFFFC",
+                                      .states = {editable, focusable, multiLine, 25, 30},
+                                      .attributes = {{"tag", "div"}}});
+    const auto first = bus.add(box, {.role = 73, .text = "Hi \U0001F600\uFEFF \uFFFC\nthere"});
+    bus.add(first, {.role = staticRole, .name = "Hi ", .text = "Hi "});
+    const auto bold = bus.add(first, {.role = staticRole, .text = "bold"});
+    bus.add(bold, {.role = staticRole, .text = "bold"});
+    bus.add(box, {.role = 73, .text = "\n"});
+    const auto last = bus.add(box, {.role = 73, .text = "end"});
+    bus.focus(box);
+    start();
+    EXPECT_TRUE(waitForValue("Hi \U0001F600 bold\nthere\n\nend")) << focusedValue().value_or(QString()).toStdString();
+    EXPECT_EQ(read<double>(focused(), axAttribute::numberOfCharacters), 21);
+    bus.change(last, [](FakeElement &element) { element.text = "end \uFFFC"; });
+    const auto added = bus.add(last, {.role = 88, .text = "link"});
+    EXPECT_TRUE(waitForValue("Hi \U0001F600 bold\nthere\n\nend link"));
+}
+
+TEST_F(AtspiAccessibility, OutlivesAnApplicationThatHangs) {
+    bus.focus(field);
+    start();
+    ASSERT_TRUE(waitForValue("helo"));
+    bus.hang(true);
+    const auto begin = millisecondsNow();
+    // Without a deadline of our own each of these waits would take 25 seconds.
+    EXPECT_TRUE(waitUntil([&] { return !focusedValue(); }));
+    for (int i = 0; i < 30; ++i) {
+        (void)focusedValue();
+        (void)focused()->copySubtree({21, 2500});
+    }
+    EXPECT_LT(millisecondsNow() - begin, 10'000);
+    EXPECT_TRUE(focused()) << "the focus did not move";
+    bus.change(field, [](FakeElement &element) { element.text = "awake"; });
+    bus.hang(false);
+    EXPECT_TRUE(waitForValue("awake"));
+}
+
+TEST_F(AtspiAccessibility, ForgetsWhatIsGone) {
+    bus.focus(field);
+    start();
+    ASSERT_TRUE(waitForValue("helo"));
+    const auto element = *focused();
+    bus.quit();
+    EXPECT_TRUE(waitUntil([&] { return !focused(); }));
+    EXPECT_FALSE(element.copyAttributeValue(axAttribute::value));
+    EXPECT_THAT(element.copySubtree({21, 2500}), IsEmpty());
+}
+
+TEST_F(AtspiAccessibility, TakesAnswersOfWrongTypesForNone) {
+    bus.focus(field);
+    start();
+    ASSERT_TRUE(waitForValue("helo"));
+    bus.setAnswer([](const std::string &, const std::string &member, sd_bus_message *reply) {
+        return member != "GetState" && sd_bus_message_append(reply, "a{sv}", 1, "x", "i", 7) >= 0;
+    });
+    EXPECT_TRUE(waitUntil([&] { return !focusedValue(); }));
+    for (const auto name : {axAttribute::value, axAttribute::position, axAttribute::size, axAttribute::children}) {
+        EXPECT_FALSE(focused()->copyAttributeValue(name)) << name.data();
+    }
+    EXPECT_THAT(focused()->copySubtree({21, 2500}), testing::SizeIs(1));
+}
+
+TEST_F(AtspiAccessibility, NeverAsksOurOwnWindowsAnything) {
+    start(getpid());
+    ASSERT_TRUE(waitUntil([&] {
+        bus.focus(field);
+        return focused().has_value();
+    }));
+    EXPECT_EQ(focused()->pid(), getpid());
+    EXPECT_FALSE(focusedValue());
+    EXPECT_FALSE(focused()->copyAttributeValue(axAttribute::parent));
+    EXPECT_EQ(bus.callsOf("GetRole") + bus.callsOf("GetState") + bus.callsOf("Get"), 0);
+}
+
+TEST_F(AtspiAccessibility, IsTrustedWhileTheServiceIsOn) {
+    start();
+    EXPECT_TRUE(waitUntil([&] { return accessibility->isProcessTrusted(); }));
+    bus.setEnabled(false);
+    EXPECT_TRUE(waitUntil([&] { return !accessibility->isProcessTrusted(); }));
+    bus.setEnabled(true);
+    EXPECT_TRUE(waitUntil([&] { return accessibility->isProcessTrusted(); }));
+    const desktop::AtspiAccessibility::Options nowhere{.sessionBusAddress = "unix:path=/nonexistent/bus"};
+    EXPECT_FALSE(desktop::AtspiAccessibility(queue, nowhere).isProcessTrusted());
+}
+
+// Trees for the bulk read, and what a plain walk would meet in them.
+struct BulkRead : AtspiAccessibility {
+    std::string page = bus.add(window, {.role = pageRole});
+    std::mt19937 random{7};
+
+    void grow(const std::string &parent, int depth) {
+        const int count = static_cast<int>(random() % 5);
+        for (int i = 0; i < count && depth < 6; ++i) {
+            const std::string text = "text " + std::to_string(random() % 1000);
+            const bool isLeaf = random() % 2 == 0;
+            const auto child = bus.add(parent, isLeaf ? FakeElement{.role = staticRole, .name = text, .text = text}
+                                                      : FakeElement{.role = panelRole});
+            if (!isLeaf) {
+                grow(child, depth + 1);
+            }
+        }
+    }
+    void walk(const std::string &path, int depth, AXSubtreeLimits limits, std::vector<std::string> &lines) {
+        if (depth > limits.maxDepth || std::ssize(lines) >= limits.maxNodes) {
+            return;
+        }
+        const auto element = bus.element(path);
+        lines.push_back(std::to_string(depth) + " " + element.text);
+        for (const auto &child : element.children) {
+            walk(child, depth + 1, limits, lines);
+        }
+    }
+    std::vector<std::string> readPage(AXSubtreeLimits limits) {
+        bus.focus(page);
+        std::vector<AXSubtreeNode> nodes;
+        waitUntil([&] {
+            const auto element = focused();
+            nodes = element ? element->copySubtree(limits) : std::vector<AXSubtreeNode>();
+            return !nodes.empty();
+        });
+        std::vector<std::string> lines;
+        for (const auto &node : nodes) {
+            lines.push_back(std::to_string(node.depth) + " " + node.value.value_or(QString()).toStdString());
+            EXPECT_EQ(node.role == axRole::staticText, node.frame.has_value());
+        }
+        return lines;
+    }
+};
+
+TEST_F(BulkRead, GivesWhatAWalkWouldMeetHoweverItFetches) {
+    using Listing = FakeAccessibilityBus::Listing;
+    for (int i = 0; i < 12; ++i) {
+        grow(page, 1);
+    }
+    bus.setToolkit("Chromium");
+    start();
+    for (const auto listing : {Listing::today, Listing::partial, Listing::old, Listing::none}) {
+        bus.setListing(listing);
+        for (const AXSubtreeLimits limits :
+             {AXSubtreeLimits{21, 2500}, {21, 40}, {2, 2500}, {3, 17}, {0, 5}, {21, 1}}) {
+            std::vector<std::string> expected;
+            walk(page, 0, limits, expected);
+            EXPECT_EQ(readPage(limits), expected) << static_cast<int>(listing) << " " << limits.maxNodes;
+        }
+    }
+}
+
+TEST_F(BulkRead, EndsOnCyclesAndOnAbsurdNumbersOfChildren) {
+    const auto inner = bus.add(page, {.role = panelRole});
+    bus.change(inner, [&](FakeElement &element) { element.children = {page, inner, inner}; });
+    for (int i = 0; i < 10'000; ++i) {
+        bus.add(page, {.role = panelRole});
+    }
+    start();
+    EXPECT_THAT(readPage({21, 300}), testing::SizeIs(300));
+    EXPECT_LT(bus.callsOf("GetChildren"), 2'000) << "far more was fetched than the limits let through";
+}
+
+TEST_F(BulkRead, TakesFoldedTextApart) {
+    bus.setToolkit("Gecko");
+    const auto row = bus.add(page, {.role = 85, .text = "Hi there \uFFFC12:45"});
+    bus.add(row, {.role = 88, .text = "link"});
+    bus.setAnswer([](const std::string &, const std::string &member, sd_bus_message *reply) {
+        return member == "GetRangeExtents" && sd_bus_message_append(reply, "iiii", 1, 2, 3, 4) >= 0;
+    });
+    start();
+    EXPECT_THAT(readPage({21, 2500}), ElementsAre("0 ", "1 ", "2 Hi there ", "2 ", "3 link", "2 12:45"));
+}
+
+} // namespace

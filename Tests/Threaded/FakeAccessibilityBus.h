@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "RealDesktop/ChildProcess.h"
+
+#include <systemd/sd-bus.h>
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quillory::test {
+
+/// An element of a fake application.
+struct FakeElement {
+    std::string parent = {};
+    std::vector<std::string> children = {};
+    unsigned role = 39;
+    std::string name = {};
+    std::string text = {};
+    std::vector<unsigned> states{25, 30};
+    std::map<std::string, std::string> attributes = {};
+    std::vector<std::string> interfaces{"org.a11y.atspi.Accessible", "org.a11y.atspi.Text",
+                                        "org.a11y.atspi.EditableText"};
+    int x = 10;
+};
+
+/// A bus of its own with a registry and one application on it, which behaves as the test says: the session bus and the
+/// accessibility bus in one. Elements are named "/1", "/2" ...; the application itself is the usual root path.
+class FakeAccessibilityBus {
+  public:
+    static constexpr const char *root = "/org/a11y/atspi/accessible/root";
+    enum class Listing { none, today, old, partial };
+    /// A chance to answer a call in the test's own way: true when it did.
+    using Answer = std::function<bool(const std::string &path, const std::string &member, sd_bus_message *reply)>;
+
+    FakeAccessibilityBus();
+    ~FakeAccessibilityBus();
+    FakeAccessibilityBus(const FakeAccessibilityBus &) = delete;
+    FakeAccessibilityBus &operator=(const FakeAccessibilityBus &) = delete;
+
+    [[nodiscard]] const std::string &address() const { return m_address; }
+    /// Adds an element below another and returns its path.
+    std::string add(const std::string &parent, FakeElement element);
+    void change(const std::string &path, const std::function<void(FakeElement &)> &change);
+    [[nodiscard]] FakeElement element(const std::string &path);
+    /// Gives an element the focus, with or without telling anybody.
+    void focus(const std::string &path, bool tell = true);
+    void setListing(Listing listing) { m_listing = listing; }
+    void setToolkit(const char *toolkit);
+    void setAnswer(Answer answer);
+    /// From now on nothing is answered; false: all that has piled up is.
+    void hang(bool hangs) { m_hangs = hangs; }
+    void setEnabled(bool enabled);
+    /// The application leaves the bus.
+    void quit();
+    [[nodiscard]] int callsOf(const std::string &member);
+    /// Which element's caret was set last, and where.
+    [[nodiscard]] int caret() const { return m_caret; }
+
+  private:
+    void serve(const std::stop_token &stop);
+    void serveService(const std::stop_token &stop);
+    bool answer(sd_bus_message *call, sd_bus_message *reply);
+    void answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply);
+    void appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const;
+    void list(sd_bus_message *reply) const;
+    static int onCall(sd_bus_message *call, void *self, sd_bus_error *);
+    static int onServiceCall(sd_bus_message *call, void *self, sd_bus_error *);
+
+    ChildProcess m_daemon;
+    std::string m_address;
+    std::recursive_mutex m_mutex;
+    std::map<std::string, FakeElement> m_elements;
+    std::string m_name;
+    std::string m_toolkit = "Fake";
+    std::vector<std::string> m_pendingSignals;
+    Answer m_answer;
+    std::map<std::string, int> m_calls;
+    int m_next = 1;
+    std::atomic<Listing> m_listing = Listing::none;
+    std::atomic<bool> m_hangs = false;
+    std::atomic<bool> m_isEnabled = true;
+    std::atomic<bool> m_mustTell = false;
+    std::atomic<int> m_caret = -1;
+    std::atomic<int> m_ready = 0;
+    std::jthread m_service;
+    std::jthread m_application;
+};
+
+} // namespace quillory::test
