@@ -15,10 +15,12 @@ constexpr std::chrono::milliseconds longestReading{1500};
 constexpr std::chrono::milliseconds longestLargeReading{4000};
 /// A type that would take the content beyond this is left out.
 constexpr qsizetype maximumBytes = 256LL * 1024 * 1024;
+/// What is made room for when an owner announces portions without a size.
+constexpr qsizetype unsaidBytes = 32LL * 1024 * 1024;
 /// Programs offer a dozen types, some toolkits forty image formats.
 constexpr std::size_t maximumTypes = 128;
 /// Read in pieces, so that no single answer keeps the main thread for long.
-constexpr std::uint32_t pieceBytes = 1024 * 1024;
+constexpr std::uint32_t pieceBytes = 256 * 1024;
 /// A clipboard that changes hands more often than this while it is read is not worth chasing.
 constexpr int maximumAttempts = 3;
 
@@ -27,6 +29,14 @@ constexpr std::array<QLatin1StringView, 7> notContent{
     QLatin1StringView("TARGETS"),        QLatin1StringView("TIMESTAMP"), QLatin1StringView("MULTIPLE"),
     QLatin1StringView("SAVE_TARGETS"),   QLatin1StringView("DELETE"),    QLatin1StringView("INSERT_SELECTION"),
     QLatin1StringView("INSERT_PROPERTY")};
+
+/// The room to make before portions arrive. Growing bit by bit would move what is there again and again; memory that is
+/// not touched costs nothing.
+qsizetype announcedSize(const xcb_get_property_reply_t &announcement) {
+    const bool isSizeSaid = announcement.format == 32 && announcement.value_len == 1;
+    const qsizetype said = isSizeSaid ? *static_cast<const std::uint32_t *>(xcb_get_property_value(&announcement)) : 0;
+    return said > 0 ? said : unsaidBytes;
+}
 
 } // namespace
 
@@ -171,6 +181,7 @@ void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
     X11SelectionValue &value = transfer.value;
     if (transfer.stage == Stage::asked && answer.type == m_connection.atom("INCR")) {
         transfer.stage = Stage::incremental;
+        value.data.reserve(std::min(announcedSize(answer), maximumBytes - m_total));
         return;
     }
     if (answer.type == XCB_NONE) {
@@ -191,6 +202,9 @@ void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
     }
     value.type = answer.type;
     value.format = answer.format;
+    if (value.data.isEmpty()) {
+        value.data.reserve(std::max<qsizetype>(value.data.capacity(), length + qsizetype{answer.bytes_after}));
+    }
     value.data.append(static_cast<const char *>(xcb_get_property_value(&answer)), length);
     const bool isEnd = length == 0 && transfer.offset == 0;
     transfer.offset = answer.bytes_after > 0 ? transfer.offset + static_cast<std::uint32_t>(length) : 0;
