@@ -242,7 +242,8 @@ TEST(X11ConnectionTest, EndsTheProgramWhenTheServerGoesAway) {
     const auto connection = X11Connection::open();
     ASSERT_NE(connection, nullptr);
     connection->watch();
-    QMetaObject::invokeMethod(qApp, [&] { desktop.reset(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        qApp, [&] { desktop.reset(); }, Qt::QueuedConnection);
     EXPECT_EQ(QCoreApplication::exec(), 1);
     EXPECT_TRUE(connection->isBroken());
     EXPECT_EQ(connection->serverTime(), 0U);
