@@ -102,8 +102,8 @@ void compare(const platform::AXUIElement &page, AtspiAccessible *samePage) {
     }
     std::printf("elements: %zu in bulk, %d walked, %d of them texts\n", nodes, walked.nodes, walked.lines);
     std::printf("libatspi, one blocking call per attribute: median %.1f ms\n", median(blocking));
-    std::printf("in bulk, main thread stalled:              median %.1f ms, worst %.1f ms\n", median(inBulk),
-                *std::max_element(inBulk.begin(), inBulk.end()));
+    std::printf("in bulk, main thread stalled:              median %.1f ms, worst %.1f ms, first %.1f ms\n",
+                median(inBulk), *std::max_element(inBulk.begin(), inBulk.end()), inBulk.front());
     std::printf("ratio: %.1f\n", median(blocking) / median(inBulk));
 }
 

@@ -59,9 +59,11 @@ inline constexpr QLatin1StringView window{"AXWindow"};
 struct AXSubtreeLimits {
     int maxDepth = 0;
     int maxNodes = 0;
+    friend bool operator==(const AXSubtreeLimits &, const AXSubtreeLimits &) = default;
 };
 
-/// One element of a bulk read. The value and the frame (accessibility coordinates) are read for static texts alone.
+/// One element of a bulk read. The value and the frame (accessibility coordinates) are read for static texts alone, the
+/// frame for those that are not blank.
 struct AXSubtreeNode {
     int depth = 0;
     QString role;

@@ -188,10 +188,17 @@ struct BulkRead : AtspiAccessibility {
         const int count = static_cast<int>(random() % 5);
         for (int i = 0; i < count && depth < 6; ++i) {
             const std::string text = "text " + std::to_string(random() % 1000);
-            const bool isLeaf = random() % 2 == 0;
-            const auto child = bus.add(parent, isLeaf ? FakeElement{.role = staticRole, .name = text, .text = text}
-                                                      : FakeElement{.role = panelRole});
-            if (!isLeaf) {
+            const auto kind = random() % 4;
+            const auto child = bus.add(parent, kind < 2    ? FakeElement{.role = staticRole, .text = text}
+                                               : kind == 2 ? FakeElement{.role = staticRole}
+                                                           : FakeElement{.role = panelRole});
+            if (kind == 2) {
+                // Formatted: a static around another, or around a picture.
+                const bool isPicture = random() % 4 == 0;
+                bus.change(child, [&](FakeElement &element) { element.text = isPicture ? "\uFFFC" : text; });
+                bus.add(child, isPicture ? FakeElement{.role = 27} : FakeElement{.role = staticRole, .text = text});
+            }
+            if (kind == 3) {
                 grow(child, depth + 1);
             }
         }
@@ -201,10 +208,15 @@ struct BulkRead : AtspiAccessibility {
             return;
         }
         const auto element = bus.element(path);
-        lines.push_back(std::to_string(depth) + " " + element.text);
+        lines.push_back(std::to_string(depth) + " " + (element.children.empty() ? element.text : ""));
         for (const auto &child : element.children) {
             walk(child, depth + 1, limits, lines);
         }
+    }
+    void expectWalk(AXSubtreeLimits limits) {
+        std::vector<std::string> expected;
+        walk(page, 0, limits, expected);
+        EXPECT_EQ(readPage(limits), expected) << "limits " << limits.maxDepth << " " << limits.maxNodes;
     }
     std::vector<std::string> readPage(AXSubtreeLimits limits) {
         bus.focus(page);
@@ -217,28 +229,50 @@ struct BulkRead : AtspiAccessibility {
         std::vector<std::string> lines;
         for (const auto &node : nodes) {
             lines.push_back(std::to_string(node.depth) + " " + node.value.value_or(QString()).toStdString());
-            EXPECT_EQ(node.role == axRole::staticText, node.frame.has_value());
+            EXPECT_EQ(!node.value.value_or(QString()).trimmed().isEmpty(), node.frame.has_value());
         }
         return lines;
     }
 };
 
 TEST_F(BulkRead, GivesWhatAWalkWouldMeetHoweverItFetches) {
-    using Listing = FakeAccessibilityBus::Listing;
+    using Search = FakeAccessibilityBus::Search;
     for (int i = 0; i < 12; ++i) {
         grow(page, 1);
     }
     bus.setToolkit("Chromium");
     start();
-    for (const auto listing : {Listing::today, Listing::partial, Listing::old, Listing::none}) {
-        bus.setListing(listing);
+    for (const auto search : {Search::whole, Search::wrong, Search::none}) {
+        bus.setSearch(search);
         for (const AXSubtreeLimits limits :
              {AXSubtreeLimits{21, 2500}, {21, 40}, {2, 2500}, {3, 17}, {0, 5}, {21, 1}}) {
-            std::vector<std::string> expected;
-            walk(page, 0, limits, expected);
-            EXPECT_EQ(readPage(limits), expected) << static_cast<int>(listing) << " " << limits.maxNodes;
+            expectWalk(limits);
         }
     }
+}
+
+TEST_F(BulkRead, SeesEveryChangeSinceTheLastRead) {
+    const auto row = bus.add(page, {.role = 85});
+    for (const char *text : {"Hi", " ", "12:45"}) {
+        bus.add(row, {.role = staticRole, .text = text});
+    }
+    const auto alone = bus.add(bus.add(page, {.role = 85}), {.role = staticRole, .text = "alone"});
+    bus.setToolkit("Chromium");
+    bus.setSearch(FakeAccessibilityBus::Search::whole);
+    bus.change(row, [](FakeElement &element) { element.text = "Hi 12:45"; });
+    start();
+    constexpr AXSubtreeLimits limits{21, 2500};
+    expectWalk(limits);
+    const int asked = bus.callsOf("GetChildren");
+    expectWalk(limits);
+    EXPECT_EQ(bus.callsOf("GetChildren"), asked) << "an unchanged page was walked again";
+    bus.change(alone, [](FakeElement &element) { element.text = "changed"; });
+    expectWalk(limits);
+    bus.change(bus.element(row).children.front(), [](FakeElement &element) { element.text = "Ho"; });
+    bus.change(row, [](FakeElement &element) { element.text = "Ho 12:45"; });
+    expectWalk(limits);
+    bus.add(row, {.role = staticRole, .text = "read"});
+    expectWalk(limits);
 }
 
 TEST_F(BulkRead, EndsOnCyclesAndOnAbsurdNumbersOfChildren) {
@@ -249,7 +283,8 @@ TEST_F(BulkRead, EndsOnCyclesAndOnAbsurdNumbersOfChildren) {
     }
     start();
     EXPECT_THAT(readPage({21, 300}), testing::SizeIs(300));
-    EXPECT_LT(bus.callsOf("GetChildren"), 2'000) << "far more was fetched than the limits let through";
+    // The search for the focus looks at some of them, too.
+    EXPECT_LT(bus.callsOf("GetChildren"), 5'000) << "far more was fetched than the limits let through";
 }
 
 TEST_F(BulkRead, TakesFoldedTextApart) {

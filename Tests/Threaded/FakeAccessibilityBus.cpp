@@ -41,6 +41,16 @@ void appendStrings(sd_bus_message *message, const std::vector<std::string> &stri
     sd_bus_message_close_container(message);
 }
 
+// Whether a search asks for a role (the word with that of static texts is set) or for any element.
+bool asksForTexts(sd_bus_message *call) {
+    const void *words = nullptr;
+    std::size_t size = 0;
+    sd_bus_message_enter_container(call, 'r', "aiia{ss}iaiiasib");
+    sd_bus_message_skip(call, "aiia{ss}i");
+    sd_bus_message_read_array(call, 'i', &words, &size);
+    return size == 4 * sizeof(std::uint32_t) && static_cast<const std::uint32_t *>(words)[3] != 0;
+}
+
 int characters(const std::string &utf8) {
     return static_cast<int>(std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
@@ -222,8 +232,13 @@ int FakeAccessibilityBus::onCall(sd_bus_message *call, void *self, sd_bus_error 
 
 bool FakeAccessibilityBus::answer(sd_bus_message *call, sd_bus_message *reply) {
     const std::string_view member = sd_bus_message_get_member(call);
-    if (member == "GetItems" && m_listing != Listing::none) {
-        list(reply);
+    if (member == "GetMatches" && m_search == Search::wrong) {
+        return sd_bus_message_append(reply, "as", 1, "nothing") >= 0;
+    }
+    if (member == "GetMatches" && m_search != Search::none) {
+        std::vector<std::string> found;
+        search(sd_bus_message_get_path(call), asksForTexts(call), found);
+        appendReferences(reply, found);
         return true;
     }
     const auto found = m_elements.find(sd_bus_message_get_path(call));
@@ -306,31 +321,15 @@ void FakeAccessibilityBus::appendReferences(sd_bus_message *reply, const std::ve
     sd_bus_message_close_container(reply);
 }
 
-// All elements in one answer, every third of them missing from a partial one.
-void FakeAccessibilityBus::list(sd_bus_message *reply) const {
-    if (m_listing == Listing::old) {
-        sd_bus_message_append(reply, "a((so)(so)(so)a(so)assusau)", 0);
-        return;
-    }
-    sd_bus_message_open_container(reply, 'a', "((so)(so)(so)iiassusau)");
-    int number = 0;
-    for (const auto &[path, element] : m_elements) {
-        if (m_listing == Listing::partial && ++number % 3 == 0) {
-            continue;
+// The texts, or all that is below an element, in the order of a walk.
+void FakeAccessibilityBus::search(const std::string &path, bool textsOnly, std::vector<std::string> &found) const {
+    constexpr unsigned staticText = 116;
+    for (const auto &child : m_elements.at(path).children) {
+        if (!textsOnly || m_elements.at(child).role == staticText) {
+            found.push_back(child);
         }
-        const auto parent = m_elements.find(element.parent);
-        const auto &siblings = parent != m_elements.end() ? parent->second.children : element.children;
-        const auto place = std::find(siblings.begin(), siblings.end(), path) - siblings.begin();
-        sd_bus_message_open_container(reply, 'r', "(so)(so)(so)iiassusau");
-        sd_bus_message_append(reply, "(so)(so)(so)ii", m_name.c_str(), path.c_str(), m_name.c_str(), root,
-                              m_name.c_str(), element.parent.empty() ? nullPath : element.parent.c_str(),
-                              static_cast<int>(place), static_cast<int>(element.children.size()));
-        appendStrings(reply, element.interfaces);
-        sd_bus_message_append(reply, "sus", element.name.c_str(), element.role, "");
-        appendStates(reply, element.states);
-        sd_bus_message_close_container(reply);
+        search(child, textsOnly, found);
     }
-    sd_bus_message_close_container(reply);
 }
 
 } // namespace quillory::test

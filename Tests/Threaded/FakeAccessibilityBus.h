@@ -34,7 +34,8 @@ struct FakeElement {
 class FakeAccessibilityBus {
   public:
     static constexpr const char *root = "/org/a11y/atspi/accessible/root";
-    enum class Listing { none, today, old, partial };
+    /// How the application answers a search for its texts: not at all, with all of them, or with something else.
+    enum class Search { none, whole, wrong };
     /// A chance to answer a call in the test's own way: true when it did.
     using Answer = std::function<bool(const std::string &path, const std::string &member, sd_bus_message *reply)>;
 
@@ -50,7 +51,7 @@ class FakeAccessibilityBus {
     [[nodiscard]] FakeElement element(const std::string &path);
     /// Gives an element the focus, with or without telling anybody.
     void focus(const std::string &path, bool tell = true);
-    void setListing(Listing listing) { m_listing = listing; }
+    void setSearch(Search search) { m_search = search; }
     void setToolkit(const char *toolkit);
     void setAnswer(Answer answer);
     /// From now on nothing is answered; false: all that has piled up is.
@@ -68,7 +69,7 @@ class FakeAccessibilityBus {
     bool answer(sd_bus_message *call, sd_bus_message *reply);
     void answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply);
     void appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const;
-    void list(sd_bus_message *reply) const;
+    void search(const std::string &path, bool textsOnly, std::vector<std::string> &found) const;
     static int onCall(sd_bus_message *call, void *self, sd_bus_error *);
     static int onServiceCall(sd_bus_message *call, void *self, sd_bus_error *);
 
@@ -82,7 +83,7 @@ class FakeAccessibilityBus {
     Answer m_answer;
     std::map<std::string, int> m_calls;
     int m_next = 1;
-    std::atomic<Listing> m_listing = Listing::none;
+    std::atomic<Search> m_search = Search::none;
     std::atomic<bool> m_hangs = false;
     std::atomic<bool> m_isEnabled = true;
     std::atomic<bool> m_mustTell = false;

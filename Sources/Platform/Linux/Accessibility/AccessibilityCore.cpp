@@ -16,6 +16,7 @@ constexpr auto questionWait = 60ms;
 constexpr auto writeWait = 150ms;
 constexpr auto subtreeWait = 200ms;
 constexpr auto subtreeTime = 250ms;
+constexpr auto oldestBulkRead = 500ms;
 // The questions of one tick follow each other within this time.
 constexpr auto sameMoment = 40ms;
 // How old an answer may be when its application is too busy for a new one.
@@ -266,11 +267,11 @@ std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXS
     if (element.pid == m_ownPid) {
         return {};
     }
-    const auto items = m_reader.ask(subtreeWait, [element, limits](Session &session) {
-        return session.connection() == nullptr
-                   ? std::vector<SubtreeItem>()
-                   : session.subtrees().read(*session.connection(), element.ref, limits, Clock::now() + subtreeTime);
-    });
+    startBulkRead(element.ref, limits);
+    const auto items = m_reader.await(*m_bulkRead.job, subtreeWait);
+    if (items) {
+        m_bulkRead.job = nullptr;
+    }
     std::vector<AXSubtreeNode> nodes;
     for (const auto &item : items.value_or(std::vector<SubtreeItem>())) {
         nodes.push_back({item.depth, item.role, item.value, {}});
@@ -279,6 +280,20 @@ std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXS
         }
     }
     return nodes;
+}
+
+void AccessibilityCore::startBulkRead(const ElementRef &root, AXSubtreeLimits limits) {
+    const auto now = Clock::now();
+    if (m_bulkRead.job != nullptr && m_bulkRead.root == root && m_bulkRead.limits == limits &&
+        now - m_bulkRead.startedAt < oldestBulkRead) {
+        return;
+    }
+    m_bulkRead = {root, limits, now, m_reader.start([root, limits](Session &session) {
+                      return session.connection() == nullptr
+                                 ? std::vector<SubtreeItem>()
+                                 : session.subtrees().read(*session.connection(), root, limits,
+                                                           Clock::now() + subtreeTime);
+                  })};
 }
 
 std::optional<AXUIElement> AccessibilityCore::focusedWindow(qint32 pid) {

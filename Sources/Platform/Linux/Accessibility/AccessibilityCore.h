@@ -49,6 +49,15 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     Focus m_told;
     TextWanted m_wanted = TextWanted::value;
     Clock::time_point m_wantedUntil;
+    /// A bulk read that has not been taken yet: one that came late serves the next who asks for the same.
+    struct BulkRead {
+        ElementRef root;
+        AXSubtreeLimits limits;
+        Clock::time_point startedAt;
+        std::shared_ptr<Reader::Job<std::vector<SubtreeItem>>> job;
+    };
+    void startBulkRead(const ElementRef &root, AXSubtreeLimits limits);
+    BulkRead m_bulkRead;
     /// The latest refresh, which the reader may not have finished yet.
     std::shared_ptr<Reader::Job<bool>> m_refresh;
 };

@@ -118,7 +118,7 @@ std::optional<ElementRef> FocusTracker::searchBelow(const ElementRef &window, De
                 continue;
             }
             for (auto &child : replies[2 * i + 1].references(searchedElements).value_or(std::vector<ElementRef>())) {
-                if (!seen.contains(child)) {
+                if (!seen.contains(child) && seen.size() + below.size() < searchedElements) {
                     below.push_back(std::move(child));
                 }
             }

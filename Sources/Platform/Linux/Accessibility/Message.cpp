@@ -77,15 +77,35 @@ Call extents(const ElementRef &target) {
             }};
 }
 
-Call focusedMatches(const ElementRef &target) {
-    return {target, "org.a11y.atspi.Collection", "GetMatches", [](sd_bus_message *message) {
-                // States, attributes, roles and interfaces to match, each with "all of them" (1); then not inverted,
-                // in canonical order (1), any number, with descendants.
+namespace {
+// What a search matches: all of these states, any of these roles (bits of the first words; none: any element), and no
+// condition on attributes and interfaces.
+Call matches(const ElementRef &target, int states, Role role, int limit) {
+    return {target, "org.a11y.atspi.Collection", "GetMatches", [states, role, limit](sd_bus_message *message) {
                 constexpr int all = 1;
-                constexpr int focused = 1 << static_cast<int>(State::focused);
-                return sd_bus_message_append(message, "(aiia{ss}iaiiasib)uib", 2, focused, 0, all, 0, all, 4, 0, 0, 0,
-                                             0, all, 0, all, 0, 1U, 0, 1);
+                constexpr int any = 2;
+                constexpr std::uint32_t canonicalOrder = 1;
+                std::array<std::uint32_t, 4> roles{};
+                if (role != Role::unknown) {
+                    roles.at(static_cast<std::uint32_t>(role) / 32) = 1U << (static_cast<std::uint32_t>(role) % 32);
+                }
+                return sd_bus_message_append(message, "(aiia{ss}iaiiasib)uib", 2, states, 0, all, 0, all, 4, roles[0],
+                                             roles[1], roles[2], roles[3], role != Role::unknown ? any : all, 0, all, 0,
+                                             canonicalOrder, limit, 1);
             }};
+}
+} // namespace
+
+Call focusedMatches(const ElementRef &target) {
+    return matches(target, 1 << static_cast<int>(State::focused), Role::unknown, 0);
+}
+
+Call allMatches(const ElementRef &target, int limit) {
+    return matches(target, 0, Role::unknown, limit);
+}
+
+Call staticTextMatches(const ElementRef &target, int limit) {
+    return matches(target, 0, Role::staticText, limit);
 }
 
 } // namespace calls

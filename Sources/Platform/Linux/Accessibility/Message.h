@@ -59,6 +59,9 @@ namespace calls {
 [[nodiscard]] Call extents(const ElementRef &target);
 /// The elements below the target that have the focus.
 [[nodiscard]] Call focusedMatches(const ElementRef &target);
+/// The first elements below the target, in the order of a walk, at most the limit of them: all, or the static texts.
+[[nodiscard]] Call allMatches(const ElementRef &target, int limit);
+[[nodiscard]] Call staticTextMatches(const ElementRef &target, int limit);
 } // namespace calls
 
 /// The answer to a call: a value, an error, or nothing in time. Applications send what they like, so every unpacking

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Accessibility/SubtreeReader.h"
 
-#include "Platform/Linux/Accessibility/ApplicationCache.h"
 #include "Platform/Linux/Accessibility/FlatText.h"
 
 #include <algorithm>
@@ -10,17 +9,19 @@ namespace platform::desktop::atspi {
 
 namespace {
 using namespace std::chrono_literals;
-constexpr auto cacheAvoidance = 60s;
-// One listed element costs an application about as much as a third of a question about it.
-constexpr std::size_t cacheWorthwhile = 4;
+// Even what seems unchanged is read anew after this time.
+constexpr auto knownLifetime = 5s;
+
+// Whether it is one by its role; the states may yet say that it is a field.
+bool mayBeStaticText(const Kind &kind) {
+    const bool isText = kind.role == Role::staticText || kind.role == Role::label || kind.role == Role::text;
+    return isText && !kind.hasChildren;
+}
 
 bool namesDependOnStates(Role role) {
     return role == Role::text || role == Role::entry || role == Role::comboBox;
 }
 
-bool isStaticText(const Kind &kind) {
-    return axRoleName(kind) == axRole::staticText;
-}
 } // namespace
 
 // The walk over what is known so far: each element before its children, cut off at the limits.
@@ -68,33 +69,33 @@ struct SubtreeReader::Walk {
 
 std::vector<SubtreeItem> SubtreeReader::read(Connection &connection, const ElementRef &root, AXSubtreeLimits limits,
                                              Deadline deadline) {
-    Tree tree;
     if (limits.maxNodes <= 0 || limits.maxDepth < 0) {
         return {};
     }
     const QString kindOfToolkit = toolkit(connection, root.bus, deadline);
-    const auto avoided = m_avoidCacheUntil.find(root.bus);
-    if (kindOfToolkit == QLatin1StringView("Chromium") &&
-        (avoided == m_avoidCacheUntil.end() || avoided->second < Clock::now())) {
-        readCache(connection, root.bus, tree, deadline);
-    }
-    const auto maxNodes = static_cast<std::size_t>(limits.maxNodes);
-    const auto listed = tree.size();
-    for (int round = 0; round <= limits.maxDepth + 1; ++round) {
+    const bool isListed = kindOfToolkit == QLatin1StringView("Chromium");
+    const auto listing = isListed ? list(connection, root, limits.maxNodes, deadline) : Listing();
+    auto tree = begin(connection, root, listing, deadline);
+    while (Clock::now() < deadline && !connection.isSilent(root.bus)) {
         Walk walk{tree, limits, {}, {}, {}};
         walk.visit(root, 0);
         if (walk.unknown.empty()) {
-            if (listed > cacheWorthwhile * walk.steps.size() + maxNodes) {
-                m_avoidCacheUntil[root.bus] = Clock::now() + cacheAvoidance;
-            }
-            return fill(connection, tree, walk.steps, deadline);
+            walk.unknown = doubtfulLeaves(walk, listing.texts);
+        }
+        if (walk.unknown.empty()) {
+            askTexts(connection, tree, walk.steps, deadline);
+            walk.unknown = leavesWithChildren(tree, walk.steps);
+        }
+        if (walk.unknown.empty()) {
+            auto items = finish(connection, tree, walk.steps, deadline);
+            m_known.listing = listing;
+            m_known.tree = std::move(tree);
+            return items;
         }
         Questions questions;
-        askUnknown(questions, tree, walk.unknown, maxNodes, kindOfToolkit == QLatin1StringView("Gecko"));
+        askUnknown(questions, tree, walk.unknown, static_cast<std::size_t>(limits.maxNodes),
+                   kindOfToolkit == QLatin1StringView("Gecko"));
         questions.run(connection, deadline);
-        if (Clock::now() >= deadline || connection.isSilent(root.bus)) {
-            return {};
-        }
     }
     return {};
 }
@@ -113,39 +114,102 @@ QString SubtreeReader::toolkit(Connection &connection, const std::string &bus, D
     return name.value_or(QString());
 }
 
-void SubtreeReader::readCache(Connection &connection, const std::string &bus, Tree &tree, Deadline deadline) {
-    const auto items = listApplication(connection, bus, deadline);
-    if (items.empty() && Clock::now() >= deadline) {
-        m_avoidCacheUntil[bus] = Clock::now() + cacheAvoidance;
+SubtreeReader::Listing SubtreeReader::list(Connection &connection, const ElementRef &root, int limit,
+                                           Deadline deadline) {
+    const auto replies =
+        connection.callAll({calls::allMatches(root, limit), calls::staticTextMatches(root, limit)}, deadline);
+    const auto most = static_cast<std::size_t>(limit);
+    return {replies[0].references(most).value_or(std::vector<ElementRef>()),
+            replies[1].references(most).value_or(std::vector<ElementRef>())};
+}
+
+// What is known before the first question about a single element. If the same elements stand in the same order as a
+// moment ago, nothing has moved between them; only their texts can have changed.
+SubtreeReader::Tree SubtreeReader::begin(Connection &connection, const ElementRef &root, const Listing &listing,
+                                         Deadline deadline) {
+    const bool isSame = m_known.root == root && !listing.all.empty() && m_known.listing == listing &&
+                        Clock::now() - m_known.readAt < knownLifetime;
+    if (isSame) {
+        auto tree = std::exchange(m_known.tree, {});
+        std::unordered_set<ElementRef, ElementRefHash> listed(listing.all.begin(), listing.all.end());
+        listed.insert(root);
+        std::erase_if(tree, [&](const auto &entry) { return !listed.contains(entry.first); });
+        doubtTexts(connection, tree, deadline);
+        return tree;
     }
-    tree.reserve(items.size());
-    std::size_t places = 0;
-    for (const auto &item : items) {
-        auto &info = tree[item.ref];
+    m_known = {root, Clock::now(), {}, {}};
+    // Most elements of a page are text leaves. That the application names them spares two questions about each.
+    Tree tree;
+    for (const auto &ref : listing.texts) {
+        auto &info = tree[ref];
         info.isKnown = true;
-        info.hasStates = true;
-        // Whoever claims more children than there are elements is not believed.
-        places += item.childCount;
-        info.hasKnownChildren = places <= items.size();
-        info.kind.role = item.role;
-        info.kind.states = item.states;
-        info.kind.hasChildren = item.childCount > 0;
-        info.name = item.name;
-        info.children.resize(info.hasKnownChildren ? item.childCount : 0);
+        info.hasKnownChildren = true;
+        info.isTakenForLeaf = true;
+        info.kind.role = Role::staticText;
     }
-    for (const auto &item : items) {
-        const auto parent = tree.find(item.parent);
-        if (parent != tree.end() && item.index < parent->second.children.size()) {
-            parent->second.children[item.index] = item.ref;
-        }
-    }
-    // An application lists what it has got round to; whose children are not all there is asked for them.
+    return tree;
+}
+
+// Several text leaves of one element stand together in its own text: one question tells whether they are what they
+// were.
+void SubtreeReader::doubtTexts(Connection &connection, Tree &tree, Deadline deadline) {
+    Questions questions;
     for (auto &[ref, info] : tree) {
-        if (std::any_of(info.children.begin(), info.children.end(), [](const auto &child) { return child.isNull(); })) {
-            info.hasKnownChildren = false;
-            info.children.clear();
+        const auto texts = std::count_if(info.children.begin(), info.children.end(), [&](const auto &child) {
+            const auto found = tree.find(child);
+            return found != tree.end() && found->second.text;
+        });
+        if (texts < 2) {
+            forgetTexts(tree, info);
+            continue;
+        }
+        questions.ask(calls::text(ref, 0, -1), [&tree, &info](const Reply &reply) {
+            if (reply.string() != expectedText(tree, info)) {
+                forgetTexts(tree, info);
+            }
+        });
+    }
+    questions.run(connection, deadline);
+}
+
+QString SubtreeReader::expectedText(const Tree &tree, const Info &info) {
+    QString expected;
+    for (const auto &child : info.children) {
+        const auto found = tree.find(child);
+        const bool isLeaf = found != tree.end() && found->second.text && !found->second.kind.hasChildren;
+        expected += isLeaf ? *found->second.text : QString(QChar(QChar::ObjectReplacementCharacter));
+    }
+    return expected;
+}
+
+void SubtreeReader::forgetTexts(Tree &tree, const Info &info) {
+    for (const auto &child : info.children) {
+        const auto found = tree.find(child);
+        if (found != tree.end()) {
+            found->second.text.reset();
         }
     }
+}
+
+// A text that was named but not met lies below one that was taken for a leaf: the one that was met before it. (Or it
+// lies beyond the limits; then that one turns out to be a leaf indeed.)
+std::vector<ElementRef> SubtreeReader::doubtfulLeaves(const Walk &walk, const std::vector<ElementRef> &texts) {
+    std::vector<ElementRef> doubtful;
+    const auto end = std::find_if(texts.rbegin(), texts.rend(), [&](const auto &ref) {
+                         return !walk.isFull() || walk.seen.contains(ref);
+                     }).base();
+    const ElementRef *met = nullptr;
+    for (auto text = texts.begin(); text != end; ++text) {
+        if (walk.seen.contains(*text)) {
+            met = &*text;
+        } else if (met != nullptr) {
+            if (walk.tree.at(*met).isTakenForLeaf) {
+                doubtful.push_back(*met);
+            }
+            met = nullptr;
+        }
+    }
+    return doubtful;
 }
 
 void SubtreeReader::askUnknown(Questions &questions, Tree &tree, const std::vector<ElementRef> &unknown,
@@ -154,6 +218,7 @@ void SubtreeReader::askUnknown(Questions &questions, Tree &tree, const std::vect
         auto &info = tree[ref];
         info.isKnown = true;
         info.hasKnownChildren = true;
+        info.isTakenForLeaf = false;
         questions.ask(calls::role(ref), [&info](const Reply &reply) {
             info.kind.role = static_cast<Role>(reply.number().value_or(static_cast<std::uint32_t>(Role::unknown)));
             info.isGone = reply.isGone();
@@ -177,59 +242,84 @@ void askDetails(Questions &questions, const ElementRef &ref, Kind &kind) {
                   [&kind](const Reply &reply) { kind.attributes = reply.attributes().value_or(Attributes()); });
 }
 
-void askRange(Questions &questions, const ElementRef &ref, const TextRun &run, std::optional<PixelRect> &frame) {
-    questions.ask({ref, textInterface, "GetRangeExtents",
-                   [from = run.from, to = run.to](sd_bus_message *message) {
-                       return sd_bus_message_append(message, "iiu", from, to, 0U);
-                   }},
-                  [&frame](const Reply &reply) { frame = reply.extents(); });
+Call rangeExtents(const ElementRef &ref, const TextRun &run) {
+    return {ref, textInterface, "GetRangeExtents", [from = run.from, to = run.to](sd_bus_message *message) {
+                return sd_bus_message_append(message, "iiu", from, to, 0U);
+            }};
 }
 } // namespace
 
-std::vector<SubtreeItem> SubtreeReader::fill(Connection &connection, Tree &tree, const std::vector<Step> &steps,
-                                             Deadline deadline) {
-    Questions details;
+void SubtreeReader::askTexts(Connection &connection, Tree &tree, const std::vector<Step> &steps, Deadline deadline) {
+    Questions texts;
     for (const auto &step : steps) {
         auto &info = tree[step.ref];
-        if (step.run == nullptr && namesDependOnStates(info.kind.role)) {
-            askDetails(details, step.ref, info.kind);
+        if (step.run != nullptr || info.text) {
+            continue;
+        }
+        if (namesDependOnStates(info.kind.role)) {
+            askDetails(texts, step.ref, info.kind);
+        }
+        if (mayBeStaticText(info.kind)) {
+            texts.ask(calls::text(step.ref, 0, -1),
+                      [&info](const Reply &reply) { info.text = reply.string().value_or(QString()); });
         }
     }
-    details.run(connection, deadline);
+    texts.run(connection, deadline);
+    // The labels of some toolkits have a name alone.
+    for (const auto &step : steps) {
+        auto &info = tree[step.ref];
+        if (info.text && info.text->isEmpty()) {
+            texts.ask(calls::name(step.ref),
+                      [&info](const Reply &reply) { info.text = reply.stringProperty().value_or(QString()); });
+        }
+    }
+    texts.run(connection, deadline);
+}
+
+// What was taken for a leaf but has a stand-in for a child in its text.
+std::vector<ElementRef> SubtreeReader::leavesWithChildren(const Tree &tree, const std::vector<Step> &steps) {
+    std::vector<ElementRef> found;
+    for (const auto &step : steps) {
+        const auto &info = tree.at(step.ref);
+        if (info.isTakenForLeaf && info.text && info.text->contains(QChar(QChar::ObjectReplacementCharacter))) {
+            found.push_back(step.ref);
+        }
+    }
+    return found;
+}
+
+std::vector<SubtreeItem> SubtreeReader::finish(Connection &connection, Tree &tree, const std::vector<Step> &steps,
+                                               Deadline deadline) {
     std::vector<SubtreeItem> items(steps.size());
-    Questions texts;
-    Questions names;
     for (std::size_t i = 0; i < steps.size(); ++i) {
         auto &item = items[i];
         const auto &step = steps[i];
-        const auto &info = tree[step.ref];
         item.depth = step.depth;
+        item.role = step.run != nullptr ? QString(axRole::staticText) : axRoleName(tree[step.ref].kind);
         if (step.run != nullptr) {
-            item.role = axRole::staticText;
             item.value = step.run->text;
-            askRange(texts, step.ref, *step.run, item.frame);
-            continue;
+        } else if (item.role == axRole::staticText) {
+            item.value = tree[step.ref].text;
         }
-        item.role = axRoleName(info.kind);
-        if (!isStaticText(info.kind)) {
-            continue;
-        }
-        texts.ask(calls::extents(step.ref), [&item](const Reply &reply) { item.frame = reply.extents(); });
-        if (info.kind.role == Role::staticText && !info.name.isEmpty()) {
-            // The listing came a moment ago, and there a text leaf is named with its text.
-            item.value = info.name;
-            continue;
-        }
-        texts.ask(calls::text(step.ref, 0, -1), [&names, &item, ref = step.ref](const Reply &reply) {
-            item.value = reply.string();
-            if (!item.value || item.value->isEmpty()) {
-                names.ask(calls::name(ref), [&item](const Reply &name) { item.value = name.stringProperty(); });
-            }
-        });
     }
-    texts.run(connection, deadline);
-    names.run(connection, deadline);
+    askFrames(connection, steps, items, deadline);
     return Clock::now() < deadline ? items : std::vector<SubtreeItem>();
+}
+
+void SubtreeReader::askFrames(Connection &connection, const std::vector<Step> &steps, std::vector<SubtreeItem> &items,
+                              Deadline deadline) {
+    Questions frames;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        auto &frame = items[i].frame;
+        const auto take = [&frame](const Reply &reply) { frame = reply.extents(); };
+        // Between the words of a page stand many blank texts, whose places are nobody's concern.
+        if (!items[i].value || items[i].value->trimmed().isEmpty()) {
+            continue;
+        }
+        frames.ask(steps[i].run != nullptr ? rangeExtents(steps[i].ref, *steps[i].run) : calls::extents(steps[i].ref),
+                   take);
+    }
+    frames.run(connection, deadline);
 }
 
 } // namespace platform::desktop::atspi

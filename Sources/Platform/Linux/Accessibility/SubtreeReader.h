@@ -20,9 +20,9 @@ struct SubtreeItem {
     std::optional<PixelRect> frame;
 };
 
-/// Reads whole subtrees in few round trips. It refines a walk of the tree: every round asks, all at once, about those
-/// elements among the first ones of the walk that are not known yet, until none is left. So it never asks about much
-/// more than the limits let through, and what it gives is what the walk would have met.
+/// Reads whole subtrees in few round trips and few questions. It refines a walk of the tree: every round asks, all at
+/// once, about those elements among the first ones of the walk that are not known yet, until none is left. So it never
+/// asks about much more than the limits let through, and what it gives is what the walk would have met.
 class SubtreeReader {
   public:
     /// Empty when it could not all be read in time.
@@ -34,12 +34,14 @@ class SubtreeReader {
         bool isKnown = false;
         bool hasKnownChildren = false;
         bool isGone = false;
-        bool hasStates = false;
+        /// Named as a text by the application's own search; taken for one without children until it turns out to
+        /// have some.
+        bool isTakenForLeaf = false;
         Kind kind;
-        /// As an application that lists all its elements gave it; what it is worth depends on the toolkit.
-        QString name;
         std::vector<ElementRef> children;
         std::vector<TextRun> runs;
+        /// A static text's own, once it was asked for.
+        std::optional<QString> text;
     };
     /// One place in the walk: an element, or a run of text inside one.
     struct Step {
@@ -51,15 +53,37 @@ class SubtreeReader {
     struct Walk;
 
     [[nodiscard]] QString toolkit(Connection &connection, const std::string &bus, Deadline deadline);
-    void readCache(Connection &connection, const std::string &bus, Tree &tree, Deadline deadline);
+    /// What an application's own search tells of a subtree, in the order of a walk.
+    struct Listing {
+        std::vector<ElementRef> all;
+        std::vector<ElementRef> texts;
+        friend bool operator==(const Listing &, const Listing &) = default;
+    };
+    /// The last read of a subtree that could be listed.
+    struct Known {
+        ElementRef root;
+        Clock::time_point readAt;
+        Listing listing;
+        Tree tree;
+    };
+
+    [[nodiscard]] Tree begin(Connection &connection, const ElementRef &root, const Listing &listing, Deadline deadline);
+    static Listing list(Connection &connection, const ElementRef &root, int limit, Deadline deadline);
+    static void doubtTexts(Connection &connection, Tree &tree, Deadline deadline);
+    static QString expectedText(const Tree &tree, const Info &info);
+    static void forgetTexts(Tree &tree, const Info &info);
+    static std::vector<ElementRef> doubtfulLeaves(const Walk &walk, const std::vector<ElementRef> &texts);
     static void askUnknown(Questions &questions, Tree &tree, const std::vector<ElementRef> &unknown,
                            std::size_t maxChildren, bool foldsText);
-    static std::vector<SubtreeItem> fill(Connection &connection, Tree &tree, const std::vector<Step> &steps,
-                                         Deadline deadline);
+    static void askTexts(Connection &connection, Tree &tree, const std::vector<Step> &steps, Deadline deadline);
+    static std::vector<ElementRef> leavesWithChildren(const Tree &tree, const std::vector<Step> &steps);
+    static std::vector<SubtreeItem> finish(Connection &connection, Tree &tree, const std::vector<Step> &steps,
+                                           Deadline deadline);
+    static void askFrames(Connection &connection, const std::vector<Step> &steps, std::vector<SubtreeItem> &items,
+                          Deadline deadline);
 
     std::map<std::string, QString, std::less<>> m_toolkits;
-    /// Applications so large that listing all their elements costs more than asking for some of them.
-    std::map<std::string, Clock::time_point, std::less<>> m_avoidCacheUntil;
+    Known m_known;
 };
 
 } // namespace platform::desktop::atspi
