@@ -80,7 +80,7 @@ FakeAccessibilityBus::~FakeAccessibilityBus() = default;
 
 std::string FakeAccessibilityBus::add(const std::string &parent, FakeElement element) {
     const std::scoped_lock lock(m_mutex);
-    const std::string path = "/" + std::to_string(m_next++);
+    std::string path = "/" + std::to_string(m_next++);
     element.parent = parent;
     m_elements[path] = std::move(element);
     m_elements[parent].children.push_back(path);

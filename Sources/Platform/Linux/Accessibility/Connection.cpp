@@ -228,6 +228,7 @@ std::vector<Handle> Connection::handles(std::vector<ElementRef> refs, Deadline d
         }
     }
     std::vector<Call> questions;
+    questions.reserve(unknown.size());
     for (const auto &name : unknown) {
         questions.push_back(
             calls::withText({busName, "/org/freedesktop/DBus"}, busName, "GetConnectionUnixProcessID", name));

@@ -8,8 +8,11 @@ namespace platform::desktop::atspi {
 namespace {
 using namespace std::chrono_literals;
 constexpr auto lookTime = 200ms;
-constexpr auto longestPause = 5000ms;
-constexpr auto quietPause = 2000ms;
+// While nothing has the focus; while one of our own windows has it; while what has it says so whenever it is asked.
+constexpr std::chrono::milliseconds searchPause = 5s;
+constexpr std::chrono::milliseconds ownPause = 1s;
+constexpr std::chrono::milliseconds longestPause = 60s;
+constexpr int searchShare = 100;
 // Enough for the window of any program that cannot search itself; browsers can.
 constexpr std::size_t searchedElements = 3000;
 constexpr std::size_t maxApplications = 500;
@@ -23,27 +26,25 @@ bool isActive(const States &states) {
 // Finds the active window and its focused element by asking, for all that no event told of: what had the focus before
 // this program started, focus that a script set, events that were lost.
 void FocusTracker::look() {
-    m_lookAt = Clock::now() + m_lookPause;
-    m_lookPause = std::min<std::chrono::milliseconds>(2 * m_lookPause, longestPause);
+    const auto begin = Clock::now();
     const bool isOwn = m_focus.element && m_focus.element->pid == m_ownPid;
     if (m_focus.element && !isOwn && m_focus.snapshot->kind.states.has(State::editable)) {
-        m_lookAt = Clock::now() + longestPause;
+        m_lookAt = begin + longestPause;
         return;
     }
-    const auto deadline = Clock::now() + lookTime;
-    const auto window = activeWindow(deadline);
-    if (!window) {
-        return;
+    if (const auto window = activeWindow(begin + lookTime)) {
+        wake(*window);
+        m_windows[window->bus] = *window;
+        const auto focused = focusedBelow(*window, begin + lookTime);
+        if (focused && (!m_focus.element || m_focus.element->ref != *focused)) {
+            adopt(*focused);
+        }
     }
-    wake(*window);
-    m_windows[window->bus] = *window;
-    const auto focused = focusedBelow(*window, deadline);
-    if (focused && (!m_focus.element || m_focus.element->ref != *focused)) {
-        adopt(*focused);
-    }
-    if (m_focus.element) {
-        m_lookAt = Clock::now() + quietPause;
-    }
+    const auto longest = m_focus.element && !isOwn ? longestPause : isOwn ? ownPause : searchPause;
+    m_lookPause = std::min<std::chrono::milliseconds>(2 * m_lookPause, longest);
+    // A search goes through all of a long page; it must not keep its browser busy.
+    const auto end = Clock::now();
+    m_lookAt = end + std::max<Clock::duration>(m_lookPause, searchShare * (end - begin));
 }
 
 // Chromium shows two elements of a window until somebody asks its frame for its attributes; then it builds them all.
@@ -56,6 +57,7 @@ void FocusTracker::wake(const ElementRef &window) {
 std::optional<ElementRef> FocusTracker::activeWindow(Deadline deadline) {
     auto windows = otherWindows(deadline);
     std::vector<Call> questions;
+    questions.reserve(windows.size());
     for (const auto &window : windows) {
         questions.push_back(calls::states(window));
     }
@@ -73,6 +75,7 @@ std::optional<ElementRef> FocusTracker::activeWindow(Deadline deadline) {
 std::vector<ElementRef> FocusTracker::otherWindows(Deadline deadline) {
     auto roots = m_connection.call(calls::children({registryName, rootPath}), deadline).references(maxApplications);
     std::vector<Call> questions;
+    questions.reserve(roots ? roots->size() : 0);
     for (const auto &root : m_connection.handles(roots.value_or(std::vector<ElementRef>()), deadline)) {
         if (root.pid != 0 && root.pid != m_ownPid) {
             questions.push_back(calls::children(root.ref));

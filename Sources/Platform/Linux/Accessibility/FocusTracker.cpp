@@ -17,7 +17,7 @@ constexpr auto grace = 150ms;
 constexpr auto firstPause = 150ms;
 // How soon to look whether events were lost: while one of our own windows has the focus, and at a new element.
 constexpr auto otherWindowPause = 1000ms;
-constexpr auto plainElementPause = 2000ms;
+constexpr auto newElementPause = 2000ms;
 constexpr auto ancestryLifetime = 1s;
 
 ElementRef sourceOf(sd_bus_message *message) {
@@ -148,7 +148,8 @@ void FocusTracker::adoptOwn(const Handle &element) {
     m_reader.reset();
     m_focus = {element, nullptr, nullptr};
     m_lostSince.reset();
-    m_lookAt = Clock::now() + otherWindowPause;
+    m_lookPause = otherWindowPause;
+    m_lookAt = Clock::now() + m_lookPause;
     publish();
 }
 
@@ -190,7 +191,8 @@ void FocusTracker::adopt(const ElementRef &ref) {
     m_focus = {handle, std::make_shared<const FieldSnapshot>(std::move(snapshot)),
                std::make_shared<const Ancestry>(std::move(*ancestry))};
     m_lostSince.reset();
-    m_lookAt = Clock::now() + plainElementPause;
+    m_lookPause = newElementPause;
+    m_lookAt = Clock::now() + m_lookPause;
     publish();
 }
 

@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 
 namespace platform::desktop::atspi {
 
@@ -18,7 +19,9 @@ struct ElementRef {
 
     [[nodiscard]] bool isNull() const { return bus.empty() || path.empty(); }
     friend bool operator==(const ElementRef &, const ElementRef &) = default;
-    friend auto operator<=>(const ElementRef &, const ElementRef &) = default;
+    friend bool operator<(const ElementRef &a, const ElementRef &b) {
+        return std::tie(a.bus, a.path) < std::tie(b.bus, b.path);
+    }
 };
 
 struct ElementRefHash {

@@ -154,7 +154,8 @@ SubtreeReader::Tree SubtreeReader::begin(Connection &connection, const ElementRe
 // were.
 void SubtreeReader::doubtTexts(Connection &connection, Tree &tree, Deadline deadline) {
     Questions questions;
-    for (auto &[ref, info] : tree) {
+    for (const auto &entry : tree) {
+        const auto &info = entry.second;
         const auto texts = std::count_if(info.children.begin(), info.children.end(), [&](const auto &child) {
             const auto found = tree.find(child);
             return found != tree.end() && found->second.text;
@@ -163,7 +164,7 @@ void SubtreeReader::doubtTexts(Connection &connection, Tree &tree, Deadline dead
             forgetTexts(tree, info);
             continue;
         }
-        questions.ask(calls::text(ref, 0, -1), [&tree, &info](const Reply &reply) {
+        questions.ask(calls::text(entry.first, 0, -1), [&tree, &info](const Reply &reply) {
             if (reply.string() != expectedText(tree, info)) {
                 forgetTexts(tree, info);
             }
