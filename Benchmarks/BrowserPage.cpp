@@ -4,6 +4,7 @@
 #include <QFile>
 
 #include <stdexcept>
+#include <thread>
 
 namespace quillory::bench {
 
@@ -66,6 +67,8 @@ AXUIElement BrowserPage::waitForBox(platform::Accessibility &accessibility) {
     if (!box) {
         throw std::runtime_error("the message box never had the focus");
     }
+    // The browser settles, and so does what the main thread may wait for in any one second.
+    std::this_thread::sleep_for(std::chrono::seconds(2));
     return *box;
 }
 

@@ -7,6 +7,8 @@
 
 #include <QCoreApplication>
 
+#include <future>
+
 namespace platform::desktop {
 
 namespace {
@@ -75,10 +77,13 @@ AXUIElement AtspiAccessibility::createApplication(qint32 pid) {
 }
 
 AtspiAccessibility::Traffic AtspiAccessibility::traffic() {
-    const auto counters = m_core->reader().ask(firstWord, [](atspi::Session &session) {
-        return session.connection() != nullptr ? session.connection()->counters() : atspi::Connection::Counters();
+    // Not among the waits that the budget is for.
+    const auto counted = std::make_shared<std::promise<Traffic>>();
+    m_core->reader().post([counted](atspi::Session &session) {
+        const auto *bus = session.connection();
+        counted->set_value(bus != nullptr ? Traffic{bus->counters().messages, bus->counters().roundTrips} : Traffic{});
     });
-    return counters ? Traffic{counters->messages, counters->roundTrips} : Traffic{};
+    return counted->get_future().get();
 }
 
 } // namespace platform::desktop

@@ -38,7 +38,7 @@ class AtspiAccessibility final : public Accessibility {
     [[nodiscard]] AXUIElement createSystemWide() override;
     [[nodiscard]] AXUIElement createApplication(qint32 pid) override;
 
-    /// What was sent on the accessibility bus so far, for measurements.
+    /// What was sent on the accessibility bus so far. For measurements: it waits for the reader.
     struct Traffic {
         std::uint64_t messages = 0;
         std::uint64_t roundTrips = 0;
