@@ -143,6 +143,10 @@ TEST(CurlURLSession, GivesLinesWhileTheAnswerComesAndKeepsTheConnection) {
     std::promise<void> wantsThird;
     LoopbackServer server([&](LoopbackConnection &connection) {
         (void)connection.readRequest();
+        if (connection.number() > 0) {
+            connection.send(answerWith("200 OK", "another connection"));
+            return;
+        }
         connection.send(chunkedHead);
         connection.sendChunk("\xEF\xBB\xBF"
                              "data: one\r");
@@ -279,7 +283,7 @@ TEST(CurlURLSession, WaitsAsLongAsSomethingComes) {
 
 TEST(CurlURLSession, SlowsDownAServerThatIsFasterThanItsReader) {
     constexpr int blocks = 240;
-    const QByteArray block = QByteArray(63, 'x').append('\n').repeated(1000);
+    const QByteArray block = QByteArray(639, 'x').append('\n').repeated(100);
     std::atomic<int> sent = 0;
     LoopbackServer server([&](LoopbackConnection &connection) {
         (void)connection.readRequest();
@@ -291,14 +295,14 @@ TEST(CurlURLSession, SlowsDownAServerThatIsFasterThanItsReader) {
         connection.send("0\r\n\r\n");
     });
     CurlURLSession session;
-    // The first reader never reads, and holds up nobody.
-    const auto idle = session.bytes(requestTo(server.url()), {});
+    const auto stream = session.bytes(requestTo(server.url()), {});
+    // By then far more came than may wait for a reader.
     for (int before = sent; before < 20; before = sent) {
         sent.wait(before);
     }
-    const Lines lines = readAll(*idle);
-    EXPECT_EQ(lines.size(), blocks * 1000U);
-    EXPECT_EQ(lines.back(), QByteArray(63, 'x'));
+    const Lines lines = readAll(*stream);
+    EXPECT_EQ(lines.size(), blocks * 100U);
+    EXPECT_EQ(lines.back(), QByteArray(639, 'x'));
 }
 
 TEST(CurlURLSession, StreamsManyAnswersAtOnce) {
