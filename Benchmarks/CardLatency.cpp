@@ -5,6 +5,8 @@
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Linux/QtMainQueue.h"
 #include "Platform/Linux/X11/QtPanelWindow.h"
+#include "Platform/Linux/X11/X11Connection.h"
+#include "Platform/Linux/X11/X11Screens.h"
 #include "Quillory/TypingMonitor.h"
 #include "Quillory/UI/SuggestionViewHost.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
@@ -117,7 +119,14 @@ int main(int argc, char **argv) {
     desktop.process.variables[QStringLiteral("QUILLORY_MODEL_SERVICE")] =
         QStringLiteral("http://127.0.0.1:%1").arg(service.port());
     platform::desktop::QtMainQueue queue;
-    platform::desktop::QtPanelWindows windows;
+    const auto connection = platform::desktop::X11Connection::open();
+    if (!connection) {
+        std::puts("no display");
+        return 1;
+    }
+    connection->watch();
+    platform::desktop::X11Screens screens(*connection);
+    platform::desktop::QtPanelWindows windows(screens);
     platform::desktop::CurlURLSession session;
     const platform::Platform simulated = platform::current();
     const platform::Platform services{.accessibility = simulated.accessibility,
@@ -127,7 +136,7 @@ int main(int argc, char **argv) {
                                       .panelWindows = windows,
                                       .pasteboard = simulated.pasteboard,
                                       .process = simulated.process,
-                                      .screens = simulated.screens,
+                                      .screens = screens,
                                       .urlSession = session,
                                       .userDefaults = simulated.userDefaults,
                                       .workspace = simulated.workspace};
