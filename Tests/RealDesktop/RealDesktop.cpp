@@ -36,6 +36,10 @@ int askAccessibilityBus(const std::vector<std::string> &question) {
     return run(arguments, Output::dropped);
 }
 
+bool hasWindowManager() {
+    return run({"sh", "-c", "xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'"}, Output::dropped) == 0;
+}
+
 } // namespace
 
 RealDesktop::RealDesktop() : RealDesktop(Options{}) {}
@@ -55,6 +59,10 @@ RealDesktop::RealDesktop(const Options &options) {
         throw std::runtime_error("the accessibility bus did not start");
     }
     setAccessibilityEnabled(options.accessibility);
+    // A window that comes before the window manager never gets the focus.
+    if (!waitUntil(hasWindowManager)) {
+        throw std::runtime_error("the window manager did not start");
+    }
 }
 
 RealDesktop::~RealDesktop() {
