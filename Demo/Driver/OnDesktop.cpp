@@ -65,7 +65,7 @@ int showOnDesktop() {
                  "  1. Click into its message box and type:  helo can u send me the price list\n"
                  "  2. Pause for half a second: a card with a better wording appears above the box.\n"
                  "  3. Tab puts it into the box. Esc drops it. Typing on hides it.\n"
-                 "  4. The icon in the status area opens the menu with the settings.\n"
+                 "  4. The wording comes from a small local service that goes by rules; a real model does better.\n"
                  "  5. Close the chat window to end the demo.\n"
               << std::endl;
     while (!stopRequested && demo.chatIsOpen()) {
