@@ -174,11 +174,16 @@ TEST_F(DesktopAccessibility, WritesIntoAQtProgram) {
 TEST_F(DesktopAccessibility, TellsOurOwnWindowsApart) {
     QLineEdit own;
     own.show();
-    EXPECT_TRUE(waitUntil([&] {
+    // Qt tells nobody of a focus that came before its accessibility had started.
+    ASSERT_TRUE(waitUntil([&] {
+        own.clearFocus();
+        own.setFocus();
         const auto element = focused();
         return element && element->pid() == QCoreApplication::applicationPid();
     }));
-    EXPECT_FALSE(focused()->copyAttributeValue(axAttribute::value));
+    const auto element = focused();
+    ASSERT_TRUE(element);
+    EXPECT_FALSE(element->copyAttributeValue(axAttribute::value));
 }
 
 TEST_F(DesktopAccessibility, OffersToSwitchTheServiceOn) {
