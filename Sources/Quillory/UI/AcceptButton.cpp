@@ -14,12 +14,12 @@ namespace {
 
 constexpr double horizontalPadding = 14;
 constexpr double verticalPadding = 8;
-constexpr double gap = 6;
+constexpr double symbolGap = 6;
 constexpr double hoverBrightness = 0.08;
 constexpr double pressedBrightness = -0.06;
 constexpr double disabledOpacity = 0.45;
 
-QFont labelFont() {
+QFont buttonFont() {
     return systemFont(12.5, QFont::DemiBold);
 }
 
@@ -32,9 +32,9 @@ AcceptButton::AcceptButton(QWidget *parent) : QAbstractButton(parent), m_hover(*
 }
 
 QSize AcceptButton::sizeHint() const {
-    const QFontMetricsF metrics(labelFont());
+    const QFontMetricsF metrics(buttonFont());
     const double side = symbolSide(11);
-    const double width = side + gap + metrics.horizontalAdvance(text()) + 2 * horizontalPadding;
+    const double width = side + symbolGap + metrics.horizontalAdvance(text()) + 2 * horizontalPadding;
     const double height = std::max(side, metrics.height()) + 2 * verticalPadding;
     return {static_cast<int>(std::ceil(width)), static_cast<int>(std::round(height))};
 }
@@ -52,9 +52,9 @@ void AcceptButton::paintEvent(QPaintEvent * /*event*/) {
     const double side = symbolSide(11);
     const QRectF symbol(horizontalPadding, std::round((height() - side) / 2), side, side);
     drawSymbol(painter, symbol, symbolName::checkmark, Qt::white);
-    painter.setFont(labelFont());
+    painter.setFont(buttonFont());
     painter.setPen(Qt::white);
-    painter.drawText(capsule.adjusted(symbol.right() + gap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
+    painter.drawText(capsule.adjusted(symbol.right() + symbolGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
 }
 
 void AcceptButton::enterEvent(QEnterEvent *event) {

@@ -23,7 +23,7 @@ QString label() {
     return QStringLiteral("Copy");
 }
 
-QFont labelFont() {
+QFont entryFont() {
     return systemFont(12.5);
 }
 
@@ -39,7 +39,7 @@ CopyMenu::CopyMenu(QWidget *parent) : QWidget(parent), m_hover(*this) {
 }
 
 QSize CopyMenu::sizeHint() const {
-    const QFontMetricsF metrics(labelFont());
+    const QFontMetricsF metrics(entryFont());
     return {static_cast<int>(std::ceil(metrics.horizontalAdvance(label()) + 36)),
             static_cast<int>(std::ceil(metrics.height() + 14))};
 }
@@ -63,7 +63,7 @@ void CopyMenu::paintEvent(QPaintEvent * /*event*/) {
     painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 7.5));
     const QRectF entry = QRectF(rect()).adjusted(4, 4, -4, -4);
     painter.fillPath(continuousRoundedRect(entry, 5), faded(lookOf(*this).primary, 0.1 * m_hover.progress()));
-    painter.setFont(labelFont());
+    painter.setFont(entryFont());
     painter.setPen(lookOf(*this).primary);
     painter.drawText(rect(), Qt::AlignCenter, label());
 }

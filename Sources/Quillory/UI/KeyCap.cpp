@@ -11,7 +11,7 @@ namespace quillory::ui {
 
 namespace {
 
-constexpr double gap = 5;
+constexpr double hintGap = 5;
 
 QFont capFont() {
     return systemFont(10.5, QFont::Medium, FontDesign::rounded);
@@ -56,9 +56,9 @@ KeyHints::KeyHints(QWidget *parent) : QWidget(parent) {
 
 void KeyHints::addHint(const QString &key, const QString &word) {
     auto *cap = new KeyCap(key, this);
-    const double left = m_hints.isEmpty() ? 0 : m_width + gap;
+    const double left = m_hints.isEmpty() ? 0 : m_width + hintGap;
     cap->move(static_cast<int>(std::ceil(left)), 0);
-    const double wordLeft = cap->x() + cap->width() + gap;
+    const double wordLeft = cap->x() + cap->width() + hintGap;
     m_hints.append({cap, word, wordLeft});
     m_width = wordLeft + QFontMetricsF(wordFont()).horizontalAdvance(word);
 }

@@ -14,7 +14,7 @@ namespace {
 constexpr int spinnerSide = 16;
 constexpr int spokes = 8;
 constexpr int millisecondsPerSpoke = 100;
-constexpr double gap = 8;
+constexpr double spinnerGap = 8;
 constexpr double verticalPadding = 2;
 constexpr double dimmest = 0.45;
 constexpr qint64 pulseMilliseconds = 700;
@@ -43,7 +43,7 @@ RefiningIndicator::RefiningIndicator(QWidget *parent) : QWidget(parent) {
 QSize RefiningIndicator::sizeHint() const {
     const QFontMetricsF metrics(wordsFont());
     const double textWidth = metrics.horizontalAdvance(words());
-    return {static_cast<int>(std::ceil(spinnerSide + gap + textWidth)),
+    return {static_cast<int>(std::ceil(spinnerSide + spinnerGap + textWidth)),
             static_cast<int>(std::round(std::max<double>(spinnerSide, metrics.height()) + 2 * verticalPadding))};
 }
 
@@ -62,7 +62,8 @@ void RefiningIndicator::paintEvent(QPaintEvent * /*event*/) {
     painter.setOpacity(opacityAt(m_sinceShown.isValid() ? m_sinceShown.elapsed() : 0));
     painter.setFont(wordsFont());
     painter.setPen(lookOf(*this).secondary);
-    painter.drawText(QRectF(rect()).adjusted(spinnerSide + gap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, words());
+    painter.drawText(QRectF(rect()).adjusted(spinnerSide + spinnerGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                     words());
 }
 
 void RefiningIndicator::paintSpinner(QPainter &painter) const {

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/X11/Compositor.h"
 
+#include "Platform/Linux/X11/QtConnection.h"
+
 #include <QCoreApplication>
 #include <QGuiApplication>
 
@@ -15,11 +17,6 @@ namespace platform::desktop {
 namespace {
 
 template <class Reply> using ReplyPointer = std::unique_ptr<Reply, decltype(&std::free)>;
-
-xcb_connection_t *qtConnection() {
-    const auto *native = qGuiApp != nullptr ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    return native != nullptr ? native->connection() : nullptr;
-}
 
 // A compositor shows that it runs by owning this selection of its screen.
 xcb_atom_t selectionAtom(xcb_connection_t *connection) {

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/X11/PanelFrame.h"
 
+#include "Platform/Linux/X11/QtConnection.h"
 #include "Platform/PanelWindow.h"
 
-#include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
 
@@ -24,11 +24,6 @@ constexpr double shadowOpacity = 0.42;
 constexpr double shadowOpacityOnDark = 0.8;
 const QColor outlineOnLight(188, 188, 194);
 const QColor outlineOnDark(88, 89, 95);
-
-xcb_connection_t *qtConnection() {
-    const auto *native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return native != nullptr ? native->connection() : nullptr;
-}
 
 // Asks picom and its kin for no shadow of theirs: we draw our own, and theirs would be that of the whole rectangle.
 void refuseForeignShadow(xcb_connection_t *connection, xcb_window_t window) {

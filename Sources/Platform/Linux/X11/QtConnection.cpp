@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/X11/QtConnection.h"
+
+#include <QGuiApplication>
+
+namespace platform::desktop {
+
+xcb_connection_t *qtConnection() {
+    const auto *native = qGuiApp != nullptr ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return native != nullptr ? native->connection() : nullptr;
+}
+
+} // namespace platform::desktop
