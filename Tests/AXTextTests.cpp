@@ -165,11 +165,28 @@ TEST_F(PasteTest, LeavesAloneWhatTheUserCopiesMeanwhile) {
     desktop.pasteboard.copy(QStringLiteral("copied while saving"));
     desktop.advance(1000);
     EXPECT_EQ(desktop.pasteboard.string(), QStringLiteral("copied while saving"));
+    desktop.typed.clear();
+    insert(rewrite);
+    desktop.advance(100);
+    desktop.pasteboard.copy(QStringLiteral("copied before pasting"));
+    desktop.advance(1000);
+    EXPECT_TRUE(desktop.typed.empty()) << "it would have replaced the draft by what was copied";
+    EXPECT_EQ(desktop.log().last(), QStringLiteral("pasteboard was taken by another program, not pasting"));
+    EXPECT_EQ(desktop.pasteboard.string(), QStringLiteral("copied before pasting"));
     insert(rewrite);
     desktop.advance(400);
     desktop.pasteboard.copy(QStringLiteral("copied after pasting"));
     desktop.advance(1000);
     EXPECT_EQ(desktop.pasteboard.string(), QStringLiteral("copied after pasting"));
+}
+
+TEST_F(PasteTest, AClipboardManagerMayTakeTheTextOver) {
+    insert(rewrite);
+    desktop.advance(100);
+    desktop.pasteboard.copy(rewrite);
+    desktop.advance(1000);
+    EXPECT_EQ(box->value(), rewrite);
+    EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 
 TEST_F(PasteTest, OneFollowsTheOther) {

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,8 @@ class Pasteboard {
     /// Reads every item with all its types, without waiting: the answer comes later on the main thread, also when the
     /// owner hangs (a type that it does not deliver in time is left out). Empty when there is nothing.
     virtual void copyItems(std::function<void(std::vector<PasteboardItem>)> done) = 0;
+    /// Reads the plain string that a paste would give, in the same way; absent when there is none.
+    virtual void copyString(std::function<void(std::optional<QString>)> done) = 0;
     /// Empties the pasteboard.
     virtual void clearContents() = 0;
     /// Puts a plain string on the emptied pasteboard, marked so that clipboard histories leave it out.

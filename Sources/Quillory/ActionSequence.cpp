@@ -4,12 +4,11 @@
 #include "Platform/Platform.h"
 
 #include <memory>
+#include <utility>
 
 namespace quillory {
 
 namespace {
-
-constexpr std::chrono::milliseconds retryInterval{20};
 
 class Sequence : public std::enable_shared_from_this<Sequence> {
   public:

@@ -2,10 +2,14 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <vector>
 
 namespace quillory {
+
+/// How long after an attempt the next one follows.
+inline constexpr std::chrono::milliseconds retryInterval{20};
 
 /// What came of one attempt at an action.
 enum class Attempt { succeeded, retry, failed };
@@ -15,8 +19,8 @@ struct Action {
     std::function<Attempt()> attempt;
     /// Waited before the first attempt.
     std::chrono::milliseconds pause{0};
-    /// How many more attempts may follow the first, 20 ms apart.
-    int retries = 0;
+    /// How many more attempts may follow the first.
+    std::int64_t retries = 0;
     /// What it means when they are used up.
     Attempt whenTired = Attempt::failed;
 };

@@ -8,6 +8,7 @@
 
 #include <deque>
 #include <memory>
+#include <utility>
 
 namespace quillory {
 
@@ -18,9 +19,9 @@ using namespace std::chrono_literals;
 // Long enough for an application to come to the front, and for a slow one to have fetched the pasteboard.
 constexpr auto pauseBeforeKeys = 250ms;
 constexpr auto pauseBeforeRestore = 700ms;
-// At 20 ms each: two seconds for the user to let go of the keys, one for the focus to come back.
-constexpr int fingerRetries = 100;
-constexpr int focusRetries = 50;
+// For the user to let go of the keys, and for the focus to come back.
+constexpr auto fingerRetries = 2s / retryInterval;
+constexpr auto focusRetries = 1s / retryInterval;
 constexpr int saveAttempts = 3;
 
 // Lives while it has a request to carry out: the main queue and the pasteboard hold it between the steps.
@@ -62,7 +63,7 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
             }
             self->m_saved = std::move(items);
             self->putText();
-            self->typeAndRestore();
+            self->awaitFocus();
         });
     }
 
@@ -75,14 +76,43 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
         m_changeCount = pasteboard.changeCount();
     }
 
-    void typeAndRestore() {
+    void awaitFocus() {
         const auto self = shared_from_this();
         std::vector<Action> actions;
         actions.push_back({[] { return fingersAreUp(); }, pauseBeforeKeys, fingerRetries, Attempt::succeeded});
         actions.push_back({[self] { return self->focusIsThere(); }, 0ms, focusRetries, Attempt::failed});
-        actions.push_back({[] { return postKeys(); }, 0ms});
-        actions.push_back({[] { return Attempt::succeeded; }, pauseBeforeRestore});
-        runInOrder(std::move(actions), [self](bool typed) { self->finish(typed); });
+        runInOrder(std::move(actions), [self](bool isThere) {
+            if (isThere) {
+                self->typeAndRestore();
+            } else {
+                FileLog::log(QStringLiteral("focus left the field, not pasting"));
+                self->finish();
+            }
+        });
+    }
+
+    void typeAndRestore() {
+        ifTextIsThere([self = shared_from_this()](bool isThere) {
+            if (!isThere) {
+                FileLog::log(QStringLiteral("pasteboard was taken by another program, not pasting"));
+                self->finish();
+                return;
+            }
+            postKeys();
+            platform::current().mainQueue.postAfter(pauseBeforeRestore, [self] { self->finish(); });
+        });
+    }
+
+    // Tells whether a paste would still give our text. A clipboard manager may have taken it over with the text in it.
+    void ifTextIsThere(std::function<void(bool)> next) {
+        auto &pasteboard = platform::current().pasteboard;
+        if (pasteboard.changeCount() == m_changeCount) {
+            next(true);
+            return;
+        }
+        pasteboard.copyString([self = shared_from_this(), next = std::move(next)](const auto &string) {
+            next(string == self->request().text);
+        });
     }
 
     // A key poster copes with a modifier that stays down, only less well: so after the wait the keys go out anyway.
@@ -110,31 +140,30 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
         return candidate && isRecreated(*known, *candidate);
     }
 
-    static Attempt postKeys() {
+    static void postKeys() {
         auto &keys = platform::current().keyPoster;
         keys.postKey(platform::keyCode::a, platform::eventFlag::command);
         keys.postKey(platform::keyCode::v, platform::eventFlag::command);
-        return Attempt::succeeded;
     }
 
-    void finish(bool typed) {
-        if (!typed) {
-            FileLog::log(QStringLiteral("focus left the field, not pasting"));
-        }
-        restorePasteboard();
-        m_requests.pop_front();
-        if (!m_requests.empty()) {
-            begin();
-        }
+    // What the user copied meanwhile stays.
+    void finish() {
+        ifTextIsThere([self = shared_from_this()](bool isThere) {
+            if (isThere) {
+                self->restorePasteboard();
+            }
+            self->m_saved.clear(); // it may be large, or secret
+            self->m_requests.pop_front();
+            if (!self->m_requests.empty()) {
+                self->begin();
+            }
+        });
     }
 
-    void restorePasteboard() {
+    void restorePasteboard() const {
         auto &pasteboard = platform::current().pasteboard;
-        if (pasteboard.changeCount() == m_changeCount) {
-            pasteboard.clearContents();
-            pasteboard.writeObjects(m_saved);
-        }
-        m_saved.clear(); // it may be large, or secret
+        pasteboard.clearContents();
+        pasteboard.writeObjects(m_saved);
     }
 
     std::deque<PasteRequest> m_requests;

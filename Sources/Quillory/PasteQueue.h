@@ -20,8 +20,9 @@ struct PasteRequest {
 
 /// Brings the field's application to the front, puts the text on the pasteboard, selects all and pastes with
 /// synthesised keys, and then gives the pasteboard its content back. Returns at once; about a second passes. Nothing
-/// is typed when the keyboard focus has gone elsewhere for good, and what the user copies meanwhile is left alone. A
-/// request that comes before the last one has ended waits for it. Main thread only.
+/// is typed when another element is known to have the keyboard focus for good, or when a paste would give another text;
+/// what the user copies meanwhile is left alone. A request that comes before the last one has ended waits for it. Main
+/// thread only.
 void paste(PasteRequest request);
 
 } // namespace quillory

@@ -22,6 +22,9 @@ class SimulatedPasteboard final : public platform::Pasteboard {
     }
 
     void copyItems(std::function<void(std::vector<platform::PasteboardItem>)> done) override;
+    void copyString(std::function<void(std::optional<QString>)> done) override {
+        copyItems([this, done = std::move(done)](const auto & /*items*/) { done(string()); });
+    }
     void clearContents() override { copy(std::vector<platform::PasteboardItem>()); }
     void setString(const QString &text) override { copy(text); }
     void writeObjects(const std::vector<platform::PasteboardItem> &content) override { copy(content); }

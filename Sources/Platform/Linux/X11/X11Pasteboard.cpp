@@ -4,6 +4,7 @@
 #include <xcb/xfixes.h>
 
 #include <algorithm>
+#include <array>
 
 namespace platform::desktop {
 
@@ -11,6 +12,22 @@ namespace {
 
 /// How long the program's end may wait for a clipboard manager.
 constexpr std::chrono::milliseconds longestHandOver{200};
+
+/// The targets under which plain text stands as UTF-8.
+constexpr std::array<QLatin1StringView, 4> utf8Targets{QLatin1StringView("UTF8_STRING"),
+                                                       QLatin1StringView("text/plain;charset=utf-8"),
+                                                       QLatin1StringView("text/plain"), QLatin1StringView("TEXT")};
+
+std::optional<QString> stringIn(const std::vector<PasteboardItem> &items) {
+    for (const PasteboardItem &item : items) {
+        for (const auto &[type, data] : item.representations) {
+            if (std::ranges::find(utf8Targets, type) != utf8Targets.end()) {
+                return QString::fromUtf8(data);
+            }
+        }
+    }
+    return std::nullopt;
+}
 
 } // namespace
 
@@ -120,6 +137,10 @@ std::vector<PasteboardItem> X11Pasteboard::itemsFrom(const std::vector<X11Select
     return {item};
 }
 
+void X11Pasteboard::copyString(std::function<void(std::optional<QString>)> done) {
+    copyItems([done = std::move(done)](const std::vector<PasteboardItem> &items) { done(stringIn(items)); });
+}
+
 void X11Pasteboard::clearContents() {
     ++m_changeCount;
     m_isCleared = true;
@@ -141,8 +162,9 @@ void X11Pasteboard::setString(const QString &text) {
     const QByteArray utf8 = text.toUtf8();
     std::vector<X11SelectionValue> values;
     const xcb_atom_t utf8String = m_connection.atom("UTF8_STRING");
-    for (const char *target : {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "TEXT"}) {
-        values.push_back({m_connection.atom(target), m_connection.atom(target), 8, utf8});
+    for (const QLatin1StringView target : utf8Targets) {
+        const xcb_atom_t atom = m_connection.atom(QByteArray(target.data(), target.size()));
+        values.push_back({atom, atom, 8, utf8});
     }
     values.back().type = utf8String; // "TEXT" leaves the encoding to the owner
     values.push_back({XCB_ATOM_STRING, XCB_ATOM_STRING, 8, text.toLatin1()});

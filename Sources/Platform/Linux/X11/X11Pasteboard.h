@@ -16,6 +16,7 @@ class X11Pasteboard final : public Pasteboard {
     X11Pasteboard &operator=(const X11Pasteboard &) = delete;
 
     void copyItems(std::function<void(std::vector<PasteboardItem>)> done) override;
+    void copyString(std::function<void(std::optional<QString>)> done) override;
     void clearContents() override;
     void setString(const QString &text) override;
     void writeObjects(const std::vector<PasteboardItem> &items) override;
