@@ -32,7 +32,7 @@ class OpenRouterClientTest : public testing::Test {
     /// Streams an answer; what the client handed on goes to chunks.
     QString streamed(std::stop_token stop = {}) {
         return stream(
-            SuggestionKind::rewrite, QStringLiteral("helo"), std::nullopt, QStringLiteral("a/model"),
+            SuggestionKind::rewrite, QStringLiteral("dear \"friend\", helo"), std::nullopt, QStringLiteral("a/model"),
             [this](const QString &chunk) { chunks += chunk; }, std::move(stop));
     }
     /// Streams an answer of these lines.
@@ -242,6 +242,9 @@ TEST_F(OpenRouterClientTest, ReportsStatusesWithTheStartOfTheBody) {
               QStringLiteral("OpenRouter HTTP 429: ") + QStringLiteral("ab").repeated(150));
     EXPECT_EQ(failure(401, {"{\"error\":", "\"bad key sk-test-key-1\"}"}),
               QStringLiteral("OpenRouter HTTP 401: {\"error\":\"bad key ***\"}"));
+    // A service may quote the draft, as JSON or plain.
+    EXPECT_EQ(failure(400, {R"({"message":"no: dear \"friend\", helo"} dear "friend", helo)"}),
+              QStringLiteral("OpenRouter HTTP 400: {\"message\":\"no: ***\"} ***"));
     EXPECT_EQ(failure(204, {}), QStringLiteral("OpenRouter HTTP 204: "));
     EXPECT_EQ(failure(std::nullopt, {}), QStringLiteral("No HTTP response"));
     // One endless character: counting is given up.

@@ -28,7 +28,8 @@ Settings:
 constexpr auto helpEnding = R"(
 Environment:
   OPENROUTER_API_KEY       the API key, when the settings have none
-  QUILLORY_MODEL_SERVICE   address of another service that speaks the same protocol
+  QUILLORY_MODEL_SERVICE   address of another service that speaks the same protocol; its scheme, host and port
+                           count, the path stays /api/v1/chat/completions
 
 Exit status: 0 done, 1 there is no such value or it could not be saved, 2 wrong arguments.
 )";

@@ -95,13 +95,28 @@ QString readErrorText(platform::URLByteStream &bytes) {
     return read;
 }
 
-/// The error for a status. A service that quotes the key must not bring it into the log.
-RewriteError statusError(int status, QString body, const platform::URLRequest &request) {
-    constexpr qsizetype schemeLength = 7; // "Bearer "
-    constexpr qsizetype shortestKey = 8;
-    const QString key = QString::fromUtf8(request.headers.front().second.sliced(schemeLength));
-    if (key.size() >= shortestKey) {
-        body.replace(key, QStringLiteral("***"));
+/// The lines of a request's messages that are the user's, and the key.
+QStringList privateTexts(const QString &text, const std::optional<QString> &context) {
+    const QString own = text + u'\n' + context.value_or(QString()) + u'\n' +
+                        AppSettings::shared().store().string(settingsKey::businessProfile).value_or(QString()) + u'\n' +
+                        AppSettings::shared().knowledgeText();
+    return own.split(u'\n') + QStringList{text::trimmed(AppSettings::shared().apiKey())};
+}
+
+/// A text as it stands within a JSON string.
+QString escaped(const QString &text) {
+    return QString::fromStdString(nlohmann::json(text.toStdString()).dump()).chopped(1).sliced(1);
+}
+
+/// The error for a status. A service that quotes what it was sent must not bring it into the log; what is left of a
+/// longer body comes from the service alone.
+RewriteError statusError(int status, QString body, QStringList privateTexts) {
+    constexpr qsizetype shortest = 8; // shorter ones are found in any sentence
+    std::ranges::sort(privateTexts, std::greater(), &QString::size);
+    for (const QString &own : privateTexts) {
+        if (own.size() >= shortest) {
+            body.replace(own, QStringLiteral("***")).replace(escaped(own), QStringLiteral("***"));
+        }
     }
     return RewriteError::badResponse(QStringLiteral("OpenRouter HTTP %1: ").arg(status) +
                                      text::prefix(body, maxErrorText));
@@ -127,7 +142,7 @@ QString stream(SuggestionKind kind, const QString &text, const std::optional<QSt
     const auto bytes = platform::current().urlSession.bytes(request, stop);
     const int status = statusOf(bytes->statusCode());
     if (status != okStatus) {
-        throw statusError(status, readErrorText(*bytes), request);
+        throw statusError(status, readErrorText(*bytes), privateTexts(text, context));
     }
     QString accumulated;
     while (const auto line = bytes->nextLine()) {
@@ -157,7 +172,7 @@ QString rewrite(const QString &draft, std::stop_token stop) {
     const platform::URLResponse response = platform::current().urlSession.data(request, std::move(stop));
     const int status = statusOf(response.statusCode);
     if (status != okStatus) {
-        throw statusError(status, decoded(response.body), request);
+        throw statusError(status, decoded(response.body), privateTexts(draft, std::nullopt));
     }
     return text::trimmed(wholeAnswer(response.body));
 }
