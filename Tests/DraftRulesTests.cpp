@@ -19,8 +19,11 @@ QString letters(qsizetype count) {
 }
 
 TEST(DraftRules, NormalisesWhiteSpaceAlone) {
-    for (const auto &[raw, expected] : std::vector<std::pair<const char *, const char *>>{
-             {"  Hello\u00A0 world\n", "Hello world"}, {" \n\t\u2028", ""}, {"a\r\n\u0085b", "a b"}, {"a-b", "a-b"}}) {
+    for (const auto &[raw, expected] :
+         std::vector<std::pair<const char *, const char *>>{{"  Hello\u00A0 world\n", "Hello world"},
+                                                            {" \n\t\u2028", ""},
+                                                            {"a\r\n\u0085b 😀\u2028c", "a b 😀 c"},
+                                                            {"a-b", "a-b"}}) {
         EXPECT_EQ(normalized(text(raw)), text(expected));
     }
 }

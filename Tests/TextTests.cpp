@@ -103,10 +103,18 @@ TEST(Text, TrimsExactlyItsSet) {
     EXPECT_EQ(text::trimmedOfSpacesAndPunctuation(u"\U00010100.+SKIP\n."_qs), u"+SKIP\n"_qs);
 }
 
-TEST(Text, CollapsesRunsOfWhitespace) {
-    EXPECT_EQ(text::withCollapsedWhitespace(u"  Hello\u00a0 world\n"_qs), u"Hello world"_qs);
-    EXPECT_EQ(text::withCollapsedWhitespace(u"a\r\n\r\n\tb 😀\u2028c"_qs), u"a b 😀 c"_qs);
-    EXPECT_EQ(text::withCollapsedWhitespace(u" \u00a0\n"_qs), QString());
+TEST(Text, KnowsWhetherATextIsLongEnough) {
+    // Eight characters' worth of code units end in the middle of the last emoji.
+    const QString seven = u"👁️👋👋👋👋👋👍🏽"_qs;
+    EXPECT_TRUE(text::hasAtLeast(seven, 7));
+    EXPECT_FALSE(text::hasAtLeast(seven, 8));
+    EXPECT_TRUE(text::hasAtLeast({}, 0));
+}
+
+TEST(Text, WritesNumbersAsCDoes) {
+    EXPECT_EQ(text::fixed(1.25, 1), u"1.2"_qs);
+    EXPECT_EQ(text::fixed(12.3456, 2), u"12.35"_qs);
+    EXPECT_EQ(text::fixed(3, 2), u"3.00"_qs);
 }
 
 } // namespace quillory::test

@@ -3,12 +3,15 @@
 
 #include <chrono>
 #include <functional>
+#include <limits>
 #include <memory>
 
 namespace platform {
 
 /// A wall-clock instant in seconds since an arbitrary reference; intervals are plain differences.
 using Instant = double;
+/// An instant before all others.
+inline constexpr Instant distantPast = std::numeric_limits<double>::lowest();
 
 /// A registration that ends when this is destroyed.
 class Registration {

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/AnswerScreening.h"
 
-#include "Quillory/DraftRules.h"
 #include "Quillory/Text.h"
 
 #include <QStringList>
@@ -16,7 +15,7 @@ constexpr qint64 shortestJudgedDraft = 40;
 constexpr qint64 mostGrowth = 3;
 
 Verdict screenReply(const QString &answer) {
-    if (hasMoreThan(answer, longestReply)) {
+    if (text::hasMoreThan(answer, longestReply)) {
         return {Verdict::Outcome::rejected,
                 QStringLiteral("reply too long (%1 chars)").arg(text::characterCount(answer))};
     }
@@ -25,11 +24,11 @@ Verdict screenReply(const QString &answer) {
 }
 
 Verdict screenRewrite(const QString &draft, const QString &answer) {
-    if (!hasAtLeast(draft, shortestJudgedDraft)) {
+    if (!text::hasAtLeast(draft, shortestJudgedDraft)) {
         return {};
     }
     const qint64 draftCount = text::characterCount(draft);
-    if (!hasMoreThan(answer, mostGrowth * draftCount)) {
+    if (!text::hasMoreThan(answer, mostGrowth * draftCount)) {
         return {};
     }
     return {Verdict::Outcome::rejected, QStringLiteral("%1 chars for a %2-char draft (answered instead of rewriting)")

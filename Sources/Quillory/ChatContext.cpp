@@ -17,6 +17,7 @@ namespace axRole = platform::axRole;
 namespace {
 
 constexpr platform::AXSubtreeLimits walkLimits{.maxDepth = 21, .maxNodes = 2500};
+constexpr qsizetype shortestLine = 2;
 constexpr int maxCollectedLines = 400;
 constexpr qsizetype maxLines = 60;
 constexpr qsizetype maxCharacters = 8000;
@@ -66,10 +67,6 @@ QRegularExpression expression(const char *pattern) {
     return result;
 }
 
-bool hasTwoCharacters(const QString &text) {
-    return text.size() >= 2 && text::characterCount(text) >= 2;
-}
-
 QString mark(const platform::Rect &frame, const Column &column) {
     const double leftGap = frame.minX() - column.left;
     const double rightGap = column.right - frame.maxX();
@@ -88,7 +85,7 @@ std::optional<QString> messageLine(const platform::AXSubtreeNode &node, const Co
         return std::nullopt;
     }
     const QString line = text::trimmed(*node.value);
-    if (!hasTwoCharacters(line) || isNoise(line)) {
+    if (!text::hasAtLeast(line, shortestLine) || isNoise(line)) {
         return std::nullopt;
     }
     return mark(*node.frame, column) + line;

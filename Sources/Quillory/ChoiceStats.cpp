@@ -4,25 +4,16 @@
 #include "Platform/PerInstallation.h"
 #include "Quillory/AppendLine.h"
 #include "Quillory/FileLog.h"
+#include "Quillory/Text.h"
 
 #include <QDateTime>
 #include <QDir>
 
-#include <array>
-#include <charconv>
-
 namespace quillory {
 
 namespace {
-/// As "%.2f" would, ties to even included, but with a full stop in every locale.
 QString secondsText(std::optional<double> seconds) {
-    if (!seconds) {
-        return {};
-    }
-    std::array<char, 400> digits; // the largest double takes 312
-    const auto [end, error] =
-        std::to_chars(digits.data(), digits.data() + digits.size(), *seconds, std::chars_format::fixed, 2);
-    return QString::fromLatin1(digits.data(), end - digits.data());
+    return seconds ? text::fixed(*seconds, 2) : QString();
 }
 } // namespace
 

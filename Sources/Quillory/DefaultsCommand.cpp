@@ -2,6 +2,7 @@
 #include "Quillory/DefaultsCommand.h"
 
 #include "Quillory/AppSettings.h"
+#include "Quillory/Text.h"
 
 #include <QStringConverter>
 
@@ -67,7 +68,7 @@ QString takenBy(Type type) {
 std::optional<QString> shownValue(const Setting &setting, const platform::UserDefaults &store) {
     switch (setting.type) {
     case Type::boolean:
-        return store.boolean(setting.key) ? QStringLiteral("true") : QStringLiteral("false");
+        return text::trueOrFalse(store.boolean(setting.key));
     case Type::integer:
         return QString::number(store.integer(setting.key));
     case Type::faqList: {

@@ -15,21 +15,21 @@ constexpr double prefetchLead = 0.25;
 } // namespace
 
 QString normalized(const QString &text) {
-    return text::withCollapsedWhitespace(text);
-}
-
-bool hasAtLeast(const QString &text, qint64 characters) {
-    if (text.size() < characters) {
-        return false;
+    QString result;
+    result.reserve(text.size());
+    bool gap = false;
+    for (const QChar unit : text) { // all white space is in the basic plane
+        if (text::isWhitespaceOrNewline(unit.unicode())) {
+            gap = true;
+            continue;
+        }
+        if (gap && !result.isEmpty()) {
+            result += u' ';
+        }
+        gap = false;
+        result += unit;
     }
-    // A part of a text never has more characters than the whole, and mostly a short part settles it.
-    const qsizetype part = std::min<qsizetype>(text.size(), 2 * characters);
-    return characters <= 0 || text::characterCount(QStringView(text).first(part)) >= characters ||
-           text::characterCount(text) >= characters;
-}
-
-bool hasMoreThan(const QString &text, qint64 characters) {
-    return text.size() > characters && text::characterCount(text) > characters;
+    return result;
 }
 
 bool isEmptyField(const QString &value, const QString &placeholder) {
@@ -40,8 +40,8 @@ bool isEmptyField(const QString &value, const QString &placeholder) {
 }
 
 bool mayRewrite(const QString &draft, const DraftGates &gates) {
-    return gates.secondsSinceInsert > quietSecondsAfterInsert && hasAtLeast(text::trimmed(draft), gates.minChars) &&
-           !hasMoreThan(draft, gates.maxChars) &&
+    return gates.secondsSinceInsert > quietSecondsAfterInsert &&
+           text::hasAtLeast(text::trimmed(draft), gates.minChars) && !text::hasMoreThan(draft, gates.maxChars) &&
            !(gates.lastInserted && text::equal(normalized(draft), normalized(*gates.lastInserted)));
 }
 

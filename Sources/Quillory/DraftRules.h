@@ -8,14 +8,9 @@
 /// The rules by which a draft is looked at, as pure functions of values.
 namespace quillory {
 
-/// The same text but for the kind and number of white space between its words, for comparing a field's value with what
-/// was written into it.
+/// A text with every run of white space, no-break spaces included, as one space and none at the ends, for comparing a
+/// field's value with what was written into it.
 [[nodiscard]] QString normalized(const QString &text);
-
-/// Whether a text has at least so many characters; counts no further than needed.
-[[nodiscard]] bool hasAtLeast(const QString &text, qint64 characters);
-/// Whether a text has more than so many characters.
-[[nodiscard]] bool hasMoreThan(const QString &text, qint64 characters);
 
 /// Whether a field with this value holds nothing of the user's: white space, or its placeholder.
 [[nodiscard]] bool isEmptyField(const QString &value, const QString &placeholder);

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/ModelStream.h"
 
+#include "Quillory/Text.h"
+
 namespace quillory {
 
 namespace {
@@ -27,7 +29,7 @@ SuggestionCardData card(const ModelStream &stream, SuggestionKind kind, std::siz
     data.text = cardText(stream);
     data.isComplete = stream.final.has_value();
     if (const auto elapsed = stream.elapsed()) {
-        data.elapsedText = QString::number(*elapsed, 'f', 1) + u's';
+        data.elapsedText = text::fixed(*elapsed, 1) + u's';
     }
     data.failed = stream.failed;
     return data;

@@ -8,13 +8,9 @@
 
 #include <QString>
 
-#include <limits>
 #include <optional>
 
 namespace quillory {
-
-/// An instant before all others.
-inline constexpr platform::Instant distantPast = std::numeric_limits<double>::lowest();
 
 /// One model's streamed request, and the card that shows it: both have the same index. Streaming until it is complete
 /// (final is there) or failed, for good. Main thread only.
@@ -35,7 +31,7 @@ struct ModelStream {
     std::optional<Task> task;
     const platform::Instant startedAt;
     std::optional<platform::Instant> completedAt;
-    platform::Instant cardUpdatedAt = distantPast;
+    platform::Instant cardUpdatedAt = platform::distantPast;
 
     [[nodiscard]] bool isStreaming() const { return !final && !failed; }
     /// How long the answer took, in seconds.

@@ -75,9 +75,8 @@ QStringView instruction(Tone tone) {
     case Tone::concise:
         return u"Rewrite the draft to be as clear and concise as possible.";
     case Tone::grammarOnly:
-        return u"Correct grammar, spelling, punctuation, and capitalization only. Keep the original wording and tone "
-               u"as "
-               u"much as possible.";
+        return u"Correct grammar, spelling, punctuation, and capitalization only. Keep the original wording and "
+               u"tone as much as possible.";
     }
     return u"Rewrite the draft to be clear, polite, and professional.";
 }

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include <stdexcept>
+#include <exception>
 
 namespace quillory {
 

@@ -53,6 +53,9 @@ class SuggestionPanelController {
     std::unique_ptr<Private> m_private;
 };
 
+/// The least between a panel and the edges of its screen's visible frame, in points.
+inline constexpr double panelScreenMargin = 8;
+
 /// Where a panel of this size belongs beside a field, as its origin. All in screen coordinates (points, y upwards).
 /// screens: in the desktop's order, mainScreen: where to go when no screen holds the field's centre.
 [[nodiscard]] platform::Point panelOrigin(const platform::Rect &field, platform::Size panel,

@@ -12,7 +12,6 @@ using platform::Rect;
 using platform::Screen;
 
 constexpr double gapToField = 10;
-constexpr double screenMargin = 8;
 
 Rect visibleFrameAround(Point point, const std::vector<Screen> &screens, const std::optional<Screen> &mainScreen) {
     const auto found = std::find_if(screens.begin(), screens.end(),
@@ -29,14 +28,14 @@ Point panelOrigin(const Rect &field, platform::Size panel, const std::vector<Scr
                   const std::optional<Screen> &mainScreen) {
     const Rect visible = visibleFrameAround({field.midX(), field.midY()}, screens, mainScreen);
     double y = field.maxY() + gapToField;
-    if (visible.maxY() - screenMargin < y + panel.height) {
+    if (visible.maxY() - panelScreenMargin < y + panel.height) {
         y = field.minY() - gapToField - panel.height;
     }
-    const double left = visible.minX() + screenMargin;
-    const double right = std::max(left, visible.maxX() - panel.width - screenMargin);
+    const double left = visible.minX() + panelScreenMargin;
+    const double right = std::max(left, visible.maxX() - panel.width - panelScreenMargin);
     // The bound stands first so that a coordinate that is no number yields to it.
     const double x = std::min(right, std::max(left, field.minX()));
-    return {x, std::max(visible.minY() + screenMargin, y)};
+    return {x, std::max(visible.minY() + panelScreenMargin, y)};
 }
 
 } // namespace quillory

@@ -5,6 +5,8 @@
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 namespace quillory::text {
 
@@ -20,18 +22,10 @@ QTextBoundaryFinder boundaries(QStringView text) {
     return {QTextBoundaryFinder::Grapheme, text.data(), text.size()};
 }
 
-/// How many code units the first or the last code point takes of a text that is not empty.
-qsizetype unitsAtStart(QStringView text) {
-    return text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate() ? 2 : 1;
-}
-
-qsizetype unitsAtEnd(QStringView text) {
+CodePoint lastCodePoint(QStringView text) {
     const qsizetype last = text.size() - 1;
-    return last > 0 && text[last].isLowSurrogate() && text[last - 1].isHighSurrogate() ? 2 : 1;
-}
-
-char32_t codePoint(QStringView units) {
-    return units.size() == 2 ? QChar::surrogateToUcs4(units[0], units[1]) : units[0].unicode();
+    const bool isPair = last > 0 && text[last].isLowSurrogate() && text[last - 1].isHighSurrogate();
+    return firstCodePoint(text.last(isPair ? 2 : 1));
 }
 
 /// Sorting the marks on one letter takes the square of their number, a weapon for hostile messages; so runs longer than
@@ -46,9 +40,9 @@ QString canonical(const QString &text) {
     qsizetype pieceStart = 0;
     int run = 0;
     for (qsizetype at = 0; at < text.size();) {
-        const QStringView character = QStringView(text).sliced(at).first(unitsAtStart(QStringView(text).sliced(at)));
-        run = QChar::combiningClass(codePoint(character)) == 0 ? 0 : run + 1;
-        at += character.size();
+        const CodePoint character = firstCodePoint(QStringView(text).sliced(at));
+        run = QChar::combiningClass(character.value) == 0 ? 0 : run + 1;
+        at += character.length;
         if (run == longestMarkRun) {
             result += text.sliced(pieceStart, at - pieceStart).normalized(QString::NormalizationForm_C);
             pieceStart = at;
@@ -68,11 +62,11 @@ bool isPunctuation(char32_t character) {
 }
 
 template <typename Predicate> QString trimmedOf(QStringView text, Predicate drop) {
-    while (!text.isEmpty() && drop(codePoint(text.first(unitsAtStart(text))))) {
-        text = text.sliced(unitsAtStart(text));
+    while (!text.isEmpty() && drop(firstCodePoint(text).value)) {
+        text = text.sliced(firstCodePoint(text).length);
     }
-    while (!text.isEmpty() && drop(codePoint(text.last(unitsAtEnd(text))))) {
-        text.chop(unitsAtEnd(text));
+    while (!text.isEmpty() && drop(lastCodePoint(text).value)) {
+        text.chop(lastCodePoint(text).length);
     }
     return text.toString();
 }
@@ -88,6 +82,23 @@ qsizetype characterCount(QStringView text) {
         ++count;
     }
     return count;
+}
+
+bool hasAtLeast(QStringView text, qsizetype count) {
+    if (text.size() < count || count <= 0) {
+        return count <= 0;
+    }
+    // A part that ends between two code points never has more characters than the whole, and mostly a short one settles
+    // it.
+    qsizetype part = std::min(text.size(), 2 * count);
+    if (part < text.size() && text[part].isLowSurrogate()) {
+        ++part;
+    }
+    return characterCount(text.first(part)) >= count || (part < text.size() && characterCount(text) >= count);
+}
+
+bool hasMoreThan(QStringView text, qsizetype count) {
+    return text.size() > count && characterCount(text) > count;
 }
 
 QString prefix(const QString &text, qsizetype count) {
@@ -144,6 +155,24 @@ bool contains(const QString &text, const QString &part) {
     return false;
 }
 
+CodePoint firstCodePoint(QStringView text) {
+    if (text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate()) {
+        return {QChar::surrogateToUcs4(text[0], text[1]), 2};
+    }
+    return {text[0].unicode(), 1};
+}
+
+QString trueOrFalse(bool value) {
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+QString fixed(double number, int decimals) {
+    std::array<char, 400> digits; // the largest double takes 309 before the point
+    const auto [end, error] =
+        std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed, decimals);
+    return QString::fromLatin1(digits.data(), end - digits.data());
+}
+
 bool isWhitespaceOrNewline(char32_t character) {
     return (character >= 0x09 && character <= 0x0d) || character == 0x85 ||
            (QChar::category(character) >= QChar::Separator_Space &&
@@ -160,24 +189,6 @@ QString trimmedOfSpaces(const QString &text) {
 
 QString trimmedOfSpacesAndPunctuation(const QString &text) {
     return trimmedOf(text, [](char32_t character) { return isSpace(character) || isPunctuation(character); });
-}
-
-QString withCollapsedWhitespace(const QString &text) {
-    QString result;
-    result.reserve(text.size());
-    bool gap = false;
-    for (const QChar unit : text) { // all white space is in the basic plane
-        if (isWhitespaceOrNewline(unit.unicode())) {
-            gap = true;
-            continue;
-        }
-        if (gap && !result.isEmpty()) {
-            result += u' ';
-        }
-        gap = false;
-        result += unit;
-    }
-    return result;
 }
 
 } // namespace quillory::text

@@ -13,6 +13,10 @@
 namespace quillory::text {
 
 [[nodiscard]] qsizetype characterCount(QStringView text);
+/// Whether a text has at least so many characters; mostly counts no further than needed.
+[[nodiscard]] bool hasAtLeast(QStringView text, qsizetype count);
+/// Whether a text has more than so many characters.
+[[nodiscard]] bool hasMoreThan(QStringView text, qsizetype count);
 /// The first count characters, or all of a shorter text.
 [[nodiscard]] QString prefix(const QString &text, qsizetype count);
 /// Whether the text starts with whole characters equal to those of the prefix.
@@ -29,13 +33,23 @@ using Set = std::set<QString, Less>;
 /// Whether a text contains another, whole characters compared as equal() does.
 [[nodiscard]] bool contains(const QString &text, const QString &part);
 [[nodiscard]] bool isWhitespaceOrNewline(char32_t character);
+/// The code point at the start of a text that is not empty, and how many code units it takes; half a surrogate pair
+/// stands for itself.
+struct CodePoint {
+    char32_t value = 0;
+    int length = 1;
+};
+[[nodiscard]] CodePoint firstCodePoint(QStringView text);
+/// "true" or "false".
+[[nodiscard]] QString trueOrFalse(bool value);
+/// A number with a fixed count of decimals as C's "%.nf" writes it, ties to even included, but with a full stop in
+/// every locale.
+[[nodiscard]] QString fixed(double number, int decimals);
 /// Without the white space and line breaks at both ends.
 [[nodiscard]] QString trimmed(const QString &text);
 /// Without the spaces (category Zs) and tabs at both ends; line breaks stay.
 [[nodiscard]] QString trimmedOfSpaces(const QString &text);
 /// Without the spaces, tabs and punctuation (category P) at both ends; line breaks stay.
 [[nodiscard]] QString trimmedOfSpacesAndPunctuation(const QString &text);
-/// Every no-break space as a space, every run of white space as one space, none at the ends.
-[[nodiscard]] QString withCollapsedWhitespace(const QString &text);
 
 } // namespace quillory::text

@@ -87,7 +87,9 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     void connectPanel();
     void accept(qint64 index);
     void dismiss();
-    [[nodiscard]] bool isOtherConversation(const Element &target);
+    /// How much of the conversation that a reply was drafted for is still around its field; absent for a rewrite, and
+    /// where it cannot be read.
+    [[nodiscard]] std::optional<double> conversationOverlap(const Element &target) const;
     void recordChoice(std::size_t index) const;
     void acceptForDebugging();
 
@@ -107,16 +109,16 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     /// The text that was last asked about; it is not asked about twice.
     std::optional<QString> m_lastRequestedSource;
     std::optional<QString> m_lastInsertedText;
-    platform::Instant m_lastInsertAt = distantPast;
+    platform::Instant m_lastInsertAt = platform::distantPast;
 
     std::vector<StreamPointer> m_streams;
     /// The text that the streams were started for: every result that comes in is checked against it.
     std::optional<QString> m_streamSource;
     SuggestionKind m_streamKind = SuggestionKind::rewrite;
 
-    platform::Instant m_lastContextAt = distantPast;
+    platform::Instant m_lastContextAt = platform::distantPast;
     std::optional<std::int64_t> m_lastDraftedHash;
-    platform::Instant m_lastDraftStartAt = distantPast;
+    platform::Instant m_lastDraftStartAt = platform::distantPast;
     /// The conversation to which the user did not want the drafted reply.
     std::optional<std::int64_t> m_dismissedHash;
     /// Since when something other than a text field has had the focus.

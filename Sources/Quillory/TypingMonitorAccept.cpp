@@ -38,13 +38,19 @@ void TypingMonitor::accept(qint64 index) {
         return;
     }
     const QString text = m_panel.cards()[index].text.value_or(QString());
-    if (isOtherConversation(*target)) {
+    const auto overlap = conversationOverlap(*target);
+    if (overlap && *overlap < leastOverlap) {
+        FileLog::log(QStringLiteral("accept blocked: only %1% conversation overlap (chat switch)")
+                         .arg(static_cast<int>(*overlap * 100)));
         dropSuggestion();
         return;
     }
     recordChoice(static_cast<std::size_t>(index));
     // Ticks that run before the text has arrived already expect it, so what the field looked like is kept apart.
-    const FieldSnapshot lastSeen{target->pid(), m_lastText, m_currentElementFrame};
+    std::optional<FieldSnapshot> lastSeen;
+    if (!m_currentElementFrame.isZero()) {
+        lastSeen = {target->pid(), m_lastText, m_currentElementFrame};
+    }
     m_panel.hide();
     cancelStreams();
     m_lastInsertedText = text;
@@ -55,21 +61,15 @@ void TypingMonitor::accept(qint64 index) {
     AXText::insert(text, *target, lastSeen);
 }
 
-bool TypingMonitor::isOtherConversation(const Element &target) {
+std::optional<double> TypingMonitor::conversationOverlap(const Element &target) const {
     if (m_streamKind != SuggestionKind::reply || m_replyContextLines.empty()) {
-        return false;
+        return std::nullopt;
     }
     const auto conversation = ChatContext::extract(target);
     if (!conversation) {
-        return false;
+        return std::nullopt;
     }
-    const double overlap = ChatContext::overlap(ChatContext::distinctLines(conversation->text), m_replyContextLines);
-    if (overlap >= leastOverlap) {
-        return false;
-    }
-    FileLog::log(QStringLiteral("accept blocked: only %1% conversation overlap (chat switch)")
-                     .arg(static_cast<int>(overlap * 100)));
-    return true;
+    return ChatContext::overlap(ChatContext::distinctLines(conversation->text), m_replyContextLines);
 }
 
 void TypingMonitor::recordChoice(std::size_t index) const {

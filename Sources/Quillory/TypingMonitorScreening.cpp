@@ -48,7 +48,7 @@ void TypingMonitor::complete(const StreamPointer &stream, int index, const QStri
     stream->completedAt = platform::current().mainQueue.now();
     stream->task.reset();
     FileLog::log(stream->label + QStringLiteral(" complete (") + QString::number(text::characterCount(answer)) +
-                 QStringLiteral(" chars, ") + QString::number(*stream->elapsed(), 'f', 2) + QStringLiteral("s)"));
+                 QStringLiteral(" chars, ") + text::fixed(*stream->elapsed(), 2) + QStringLiteral("s)"));
     if (kind == SuggestionKind::rewrite && m_streams.size() == 1 && isUnchanged(source, answer)) {
         FileLog::log(QStringLiteral("suggestion identical to draft, skipping"));
         m_panel.hide();
@@ -61,7 +61,7 @@ void TypingMonitor::complete(const StreamPointer &stream, int index, const QStri
 
 void TypingMonitor::showAnswer(const ModelStream &stream, int index) {
     if (m_panel.isVisible()) {
-        m_panel.finishCard(index, *stream.final, QString::number(*stream.elapsed(), 'f', 1) + u's');
+        m_panel.finishCard(index, *stream.final, text::fixed(*stream.elapsed(), 1) + u's');
     } else if (m_currentElement) {
         presentStreams(*m_currentElement);
     }

@@ -18,10 +18,6 @@ namespace {
 constexpr double flapSeconds = 2.5;
 constexpr qsizetype loggedTitle = 40;
 
-QString word(bool value) {
-    return value ? QStringLiteral("true") : QStringLiteral("false");
-}
-
 bool holds(const std::optional<QString> &text, const QString &value) {
     return text && text::equal(*text, value);
 }
@@ -56,7 +52,7 @@ bool TypingMonitor::followTrust() {
     const bool trusted = current().accessibility.isProcessTrusted();
     if (m_lastTrusted != trusted) {
         m_lastTrusted = trusted;
-        FileLog::log(QStringLiteral("accessibility trusted -> ") + word(trusted));
+        FileLog::log(QStringLiteral("accessibility trusted -> ") + text::trueOrFalse(trusted));
     }
     return trusted;
 }
@@ -97,7 +93,7 @@ bool TypingMonitor::adoptRecreated(const Element &element) {
     m_currentElementFrame = candidate->frame;
     m_focusIsBrowserUI = AXText::isBrowserUIField(element);
     m_focusIsChatApp = ChatContext::isChatApp(element) || m_focusIsChatApp;
-    FileLog::log(QStringLiteral("field re-created, adopted (chatApp=") + word(m_focusIsChatApp) + u')');
+    FileLog::log(QStringLiteral("field re-created, adopted (chatApp=") + text::trueOrFalse(m_focusIsChatApp) + u')');
     return true;
 }
 
@@ -132,7 +128,7 @@ void TypingMonitor::logFocus(const Element &element, bool isText) const {
     QString line = QStringLiteral("focus -> ") +
                    AXText::attribute<QString>(element, axAttribute::role).value_or(QString()) + QStringLiteral(" in ") +
                    name.value_or(unknown) + QStringLiteral(" [") + text::prefix(title, loggedTitle) +
-                   QStringLiteral("], textElement=") + word(isText);
+                   QStringLiteral("], textElement=") + text::trueOrFalse(isText);
     if (m_focusIsBrowserUI) {
         line += QStringLiteral(", browser UI (excluded)");
     }

@@ -31,7 +31,8 @@ std::optional<int> runCommand(int argc, char **argv) {
 
 /// The panel is placed by screen position, which a native Wayland window cannot have; XWayland windows can.
 void preferX11() {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
+    if (chosen.isEmpty() || chosen.startsWith("wayland")) {
         qputenv("QT_QPA_PLATFORM", "xcb");
     }
 }
