@@ -6,6 +6,7 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillory::ui {
@@ -55,21 +56,6 @@ void AcceptButton::paintEvent(QPaintEvent * /*event*/) {
     painter.setFont(buttonFont());
     painter.setPen(Qt::white);
     painter.drawText(capsule.adjusted(symbol.right() + symbolGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
-}
-
-void AcceptButton::enterEvent(QEnterEvent *event) {
-    m_hover.set(true);
-    QAbstractButton::enterEvent(event);
-}
-
-void AcceptButton::leaveEvent(QEvent *event) {
-    m_hover.set(false);
-    QAbstractButton::leaveEvent(event);
-}
-
-void AcceptButton::hideEvent(QHideEvent *event) {
-    m_hover.set(false);
-    QAbstractButton::hideEvent(event);
 }
 
 } // namespace quillory::ui

@@ -15,9 +15,6 @@ class AcceptButton final : public QAbstractButton {
 
   protected:
     void paintEvent(QPaintEvent *event) override;
-    void enterEvent(QEnterEvent *event) override;
-    void leaveEvent(QEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
 
   private:
     Hover m_hover;

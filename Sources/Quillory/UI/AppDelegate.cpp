@@ -4,6 +4,7 @@
 #include "Platform/Platform.h"
 #include "Quillory/AppSettings.h"
 #include "Quillory/FileLog.h"
+#include "Quillory/Text.h"
 #include "Quillory/TypingMonitor.h"
 #include "Quillory/UI/SuggestionViewHost.h"
 
@@ -19,8 +20,7 @@ AppDelegate::~AppDelegate() = default;
 void AppDelegate::applicationDidFinishLaunching() {
     platform::Accessibility &accessibility = platform::current().accessibility;
     const bool trusted = accessibility.isProcessTrusted();
-    FileLog::log(QStringLiteral("launched, accessibility trusted = %1")
-                     .arg(trusted ? QStringLiteral("true") : QStringLiteral("false")));
+    FileLog::log(QStringLiteral("launched, accessibility trusted = %1").arg(text::trueOrFalse(trusted)));
     if (!trusted) {
         accessibility.isProcessTrustedWithPrompt();
     }

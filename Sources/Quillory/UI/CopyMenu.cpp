@@ -18,6 +18,12 @@ namespace {
 
 // Clicks outside of the panel cannot be seen from here, so an entry that nobody points at goes away by itself.
 constexpr std::chrono::seconds patience{4};
+constexpr double entryHorizontalPadding = 18;
+constexpr double entryVerticalPadding = 7;
+/// Between the menu and the edges of the panel, and between the menu's edge and its entry.
+constexpr int menuMargin = 4;
+constexpr double menuRadius = 8;
+constexpr double entryRadius = 5;
 
 QString label() {
     return QStringLiteral("Copy");
@@ -40,13 +46,13 @@ CopyMenu::CopyMenu(QWidget *parent) : QWidget(parent), m_hover(*this) {
 
 QSize CopyMenu::sizeHint() const {
     const QFontMetricsF metrics(entryFont());
-    return {static_cast<int>(std::ceil(metrics.horizontalAdvance(label()) + 36)),
-            static_cast<int>(std::ceil(metrics.height() + 14))};
+    return {static_cast<int>(std::ceil(metrics.horizontalAdvance(label()) + 2 * entryHorizontalPadding)),
+            static_cast<int>(std::ceil(metrics.height() + 2 * entryVerticalPadding))};
 }
 
 void CopyMenu::popUp(QPoint place, const QString &text) {
     m_text = text;
-    const QRect bounds = parentWidget()->rect().adjusted(4, 4, -4, -4);
+    const QRect bounds = parentWidget()->rect().adjusted(menuMargin, menuMargin, -menuMargin, -menuMargin);
     move(std::clamp(place.x(), bounds.left(), std::max(bounds.left(), bounds.right() - width())),
          std::clamp(place.y(), bounds.top(), std::max(bounds.top(), bounds.bottom() - height())));
     raise();
@@ -58,24 +64,22 @@ void CopyMenu::paintEvent(QPaintEvent * /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     QColor ground = lookOf(*this).material;
     ground.setAlpha(255);
-    painter.fillPath(continuousRoundedRect(rect(), 8), ground);
+    painter.fillPath(continuousRoundedRect(rect(), menuRadius), ground);
     painter.setPen(QPen(faded(lookOf(*this).primary, 0.18), 1));
-    painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 7.5));
-    const QRectF entry = QRectF(rect()).adjusted(4, 4, -4, -4);
-    painter.fillPath(continuousRoundedRect(entry, 5), faded(lookOf(*this).primary, 0.1 * m_hover.progress()));
+    painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), menuRadius - 0.5));
+    const QRectF entry = QRectF(rect()).adjusted(menuMargin, menuMargin, -menuMargin, -menuMargin);
+    painter.fillPath(continuousRoundedRect(entry, entryRadius), faded(lookOf(*this).primary, 0.1 * m_hover.progress()));
     painter.setFont(entryFont());
     painter.setPen(lookOf(*this).primary);
     painter.drawText(rect(), Qt::AlignCenter, label());
 }
 
 void CopyMenu::enterEvent(QEnterEvent *event) {
-    m_hover.set(true);
     m_forget.stop();
     QWidget::enterEvent(event);
 }
 
 void CopyMenu::leaveEvent(QEvent *event) {
-    m_hover.set(false);
     m_forget.start(patience);
     QWidget::leaveEvent(event);
 }
@@ -100,7 +104,6 @@ void CopyMenu::showEvent(QShowEvent *event) {
 void CopyMenu::hideEvent(QHideEvent *event) {
     qApp->removeEventFilter(this);
     m_forget.stop();
-    m_hover.set(false);
     m_text.clear();
     QWidget::hideEvent(event);
 }

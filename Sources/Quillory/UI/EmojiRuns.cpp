@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/UI/EmojiRuns.h"
 
+#include "Quillory/Text.h"
+
 #include <QFontDatabase>
 #include <QTextCharFormat>
 
@@ -16,17 +18,8 @@ const QString &colourFamily() {
     return family;
 }
 
-struct Character {
-    char32_t value = 0;
-    int length = 0;
-};
-
-Character characterAt(const QString &text, int index) {
-    const QChar first = text.at(index);
-    if (first.isHighSurrogate() && index + 1 < text.size() && text.at(index + 1).isLowSurrogate()) {
-        return {QChar::surrogateToUcs4(first, text.at(index + 1)), 2};
-    }
-    return {first.unicode(), 1};
+text::CodePoint characterAt(const QString &text, int index) {
+    return text::firstCodePoint(QStringView(text).sliced(index));
 }
 
 bool isPictograph(char32_t character) {
@@ -39,7 +32,7 @@ bool continuesEmoji(char32_t character) {
            (character >= 0xE0020 && character <= 0xE007F);
 }
 
-bool startsEmoji(const QString &text, int index, Character character) {
+bool startsEmoji(const QString &text, int index, text::CodePoint character) {
     const int next = index + character.length;
     return isPictograph(character.value) || (next < text.size() && text.at(next).unicode() == emojiStyle);
 }
@@ -47,7 +40,7 @@ bool startsEmoji(const QString &text, int index, Character character) {
 int endOfEmoji(const QString &text, int index) {
     int end = index + characterAt(text, index).length;
     while (end < text.size()) {
-        const Character next = characterAt(text, end);
+        const text::CodePoint next = characterAt(text, end);
         if (!continuesEmoji(next.value) && !startsEmoji(text, end, next)) {
             break;
         }
@@ -61,7 +54,7 @@ int endOfEmoji(const QString &text, int index) {
 QList<QTextLayout::FormatRange> emojiFormats(const QString &text, const QFont &font) {
     QList<QTextLayout::FormatRange> formats;
     for (int i = 0; i < text.size();) {
-        const Character character = characterAt(text, i);
+        const text::CodePoint character = characterAt(text, i);
         if (!startsEmoji(text, i, character) || colourFamily().isEmpty()) {
             i += character.length;
             continue;

@@ -3,16 +3,27 @@
 
 #include "Quillory/UI/Look.h"
 
+#include <QEvent>
 #include <QWidget>
 
 namespace quillory::ui {
 
-Hover::Hover(QWidget &view) {
+Hover::Hover(QWidget &view) : m_view(view) {
     m_animation.setDuration(120);
     m_animation.setStartValue(0.0);
     m_animation.setEndValue(0.0);
     m_animation.setEasingCurve(easeOut());
-    QObject::connect(&m_animation, &QVariantAnimation::valueChanged, &view, [&view] { view.update(); });
+    connect(&m_animation, &QVariantAnimation::valueChanged, this, [this] { m_view.update(); });
+    view.installEventFilter(this);
+}
+
+bool Hover::eventFilter(QObject *watched, QEvent *event) {
+    if (event->type() == QEvent::Enter) {
+        set(true);
+    } else if (event->type() == QEvent::Leave || event->type() == QEvent::Hide) {
+        set(false);
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void Hover::set(bool hovering) {

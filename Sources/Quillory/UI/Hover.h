@@ -8,15 +8,18 @@ class QWidget;
 namespace quillory::ui {
 
 /// Whether the pointer is over a view, as a value that follows with an ease-out curve and repaints the view.
-class Hover {
+class Hover final : public QObject {
   public:
     explicit Hover(QWidget &view);
-    void set(bool hovering);
-    [[nodiscard]] bool hovering() const { return m_hovering; }
     /// 0 away from the view, 1 over it.
     [[nodiscard]] double progress() const;
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
   private:
+    void set(bool hovering);
+
+    QWidget &m_view;
     QVariantAnimation m_animation;
     bool m_hovering = false;
 };

@@ -38,19 +38,4 @@ void HoverIconButton::paintEvent(QPaintEvent * /*event*/) {
     drawSymbol(painter, symbol, m_systemName, faded(lookOf(*this).secondary, opacity));
 }
 
-void HoverIconButton::enterEvent(QEnterEvent *event) {
-    m_hover.set(true);
-    QAbstractButton::enterEvent(event);
-}
-
-void HoverIconButton::leaveEvent(QEvent *event) {
-    m_hover.set(false);
-    QAbstractButton::leaveEvent(event);
-}
-
-void HoverIconButton::hideEvent(QHideEvent *event) {
-    m_hover.set(false);
-    QAbstractButton::hideEvent(event);
-}
-
 } // namespace quillory::ui

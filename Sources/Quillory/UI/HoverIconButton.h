@@ -19,9 +19,6 @@ class HoverIconButton final : public QAbstractButton {
 
   protected:
     void paintEvent(QPaintEvent *event) override;
-    void enterEvent(QEnterEvent *event) override;
-    void leaveEvent(QEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
 
   private:
     QString m_systemName;

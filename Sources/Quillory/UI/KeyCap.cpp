@@ -3,6 +3,7 @@
 
 #include "Quillory/UI/Look.h"
 
+#include <QEvent>
 #include <QPainter>
 
 #include <cmath>
@@ -12,6 +13,10 @@ namespace quillory::ui {
 namespace {
 
 constexpr double hintGap = 5;
+constexpr double capHorizontalPadding = 6;
+constexpr double capVerticalPadding = 3;
+constexpr double capRadius = 5;
+constexpr double capLine = 0.5;
 
 QFont capFont() {
     return systemFont(10.5, QFont::Medium, FontDesign::rounded);
@@ -25,22 +30,22 @@ QFont wordFont() {
 
 KeyCap::KeyCap(const QString &label, QWidget *parent) : QWidget(parent), m_label(label) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    resize(sizeHint());
 }
 
 QSize KeyCap::sizeHint() const {
     const QFontMetricsF metrics(capFont());
-    return {static_cast<int>(std::ceil(metrics.horizontalAdvance(m_label) + 12)),
-            static_cast<int>(std::round(metrics.height() + 6))};
+    return {static_cast<int>(std::ceil(metrics.horizontalAdvance(m_label) + 2 * capHorizontalPadding)),
+            static_cast<int>(std::round(metrics.height() + 2 * capVerticalPadding))};
 }
 
 void KeyCap::paintEvent(QPaintEvent * /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor primary = lookOf(*this).primary;
-    painter.fillPath(continuousRoundedRect(rect(), 5), faded(primary, 0.07));
-    painter.setPen(QPen(faded(primary, 0.12), 0.5));
-    painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(0.25, 0.25, -0.25, -0.25), 4.75));
+    constexpr double inset = capLine / 2;
+    painter.fillPath(continuousRoundedRect(rect(), capRadius), faded(primary, 0.07));
+    painter.setPen(QPen(faded(primary, 0.12), capLine));
+    painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), capRadius - inset));
     painter.setFont(capFont());
     painter.setPen(lookOf(*this).secondary);
     painter.drawText(rect(), Qt::AlignCenter, m_label);
@@ -48,19 +53,32 @@ void KeyCap::paintEvent(QPaintEvent * /*event*/) {
 
 KeyHints::KeyHints(QWidget *parent) : QWidget(parent) {
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    addHint(QStringLiteral("Tab"), QStringLiteral("accept"));
-    addHint(QStringLiteral("Esc"), QStringLiteral("dismiss"));
-    resize(sizeHint());
+    for (const auto &[key, word] : {std::pair(QStringLiteral("Tab"), QStringLiteral("accept")),
+                                    std::pair(QStringLiteral("Esc"), QStringLiteral("dismiss"))}) {
+        m_hints.append({new KeyCap(key, this), word, 0});
+    }
+    arrange();
     setAccessibleName(QStringLiteral("Tab accept, Esc dismiss"));
 }
 
-void KeyHints::addHint(const QString &key, const QString &word) {
-    auto *cap = new KeyCap(key, this);
-    const double left = m_hints.isEmpty() ? 0 : m_width + hintGap;
-    cap->move(static_cast<int>(std::ceil(left)), 0);
-    const double wordLeft = cap->x() + cap->width() + hintGap;
-    m_hints.append({cap, word, wordLeft});
-    m_width = wordLeft + QFontMetricsF(wordFont()).horizontalAdvance(word);
+void KeyHints::arrange() {
+    double left = 0;
+    for (Hint &hint : m_hints) {
+        hint.cap->resize(hint.cap->sizeHint());
+        hint.cap->move(static_cast<int>(std::ceil(left)), 0);
+        hint.x = hint.cap->x() + hint.cap->width() + hintGap;
+        m_width = hint.x + QFontMetricsF(wordFont()).horizontalAdvance(hint.word);
+        left = m_width + hintGap;
+    }
+    resize(sizeHint());
+}
+
+// The desktop's font may change while the program runs.
+void KeyHints::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange) {
+        arrange();
+    }
+    QWidget::changeEvent(event);
 }
 
 QSize KeyHints::sizeHint() const {

@@ -27,13 +27,15 @@ class KeyHints final : public QWidget {
   protected:
     void paintEvent(QPaintEvent *event) override;
 
+    void changeEvent(QEvent *event) override;
+
   private:
     struct Hint {
         KeyCap *cap;
         QString word;
         double x;
     };
-    void addHint(const QString &key, const QString &word);
+    void arrange();
 
     QList<Hint> m_hints;
     double m_width = 0;

@@ -21,8 +21,10 @@ namespace {
 constexpr int padding = 16;
 constexpr int rowGap = 11;
 constexpr double headerGap = 7;
-// The least between the button and the hints.
-constexpr int footerSpace = 8;
+// The least between the button and the hints side by side: the row's own spacing on both sides of a least space.
+constexpr int footerGap = 12 + 8 + 12;
+// Between them when the hints stand below the button.
+constexpr int footerRowGap = 8;
 constexpr double badgeGap = 3;
 constexpr double badgeHorizontalPadding = 6;
 constexpr double badgeVerticalPadding = 2.5;
@@ -123,7 +125,7 @@ void SuggestionCard::layOut(int width, Heights heights) {
 }
 
 bool SuggestionCard::footerFitsInOneRow(int innerWidth) const {
-    return m_accept->sizeHint().width() + footerSpace + m_hints->sizeHint().width() <= innerWidth;
+    return m_accept->sizeHint().width() + footerGap + m_hints->sizeHint().width() <= innerWidth;
 }
 
 int SuggestionCard::footerHeight(int innerWidth) const {
@@ -132,7 +134,7 @@ int SuggestionCard::footerHeight(int innerWidth) const {
     if (!m_showKeyHints) {
         return button;
     }
-    return footerFitsInOneRow(innerWidth) ? std::max(button, hints) : button + footerSpace + hints;
+    return footerFitsInOneRow(innerWidth) ? std::max(button, hints) : button + footerRowGap + hints;
 }
 
 // A wide typeface may leave too little room beside the button; the hints are never squeezed, so they go below it.
@@ -141,7 +143,7 @@ void SuggestionCard::layOutFooter(int top, int innerWidth) {
     const QSize hints = m_hints->sizeHint();
     if (!footerFitsInOneRow(innerWidth)) {
         m_accept->setGeometry(QRect({padding, top}, button));
-        m_hints->setGeometry(QRect({padding, top + button.height() + footerSpace}, hints));
+        m_hints->setGeometry(QRect({padding, top + button.height() + footerRowGap}, hints));
         return;
     }
     const int height = m_showKeyHints ? std::max(button.height(), hints.height()) : button.height();

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/UI/SuggestionViewHost.h"
 
+#include "Quillory/SuggestionPanelController.h"
 #include "Quillory/UI/AccessibleViews.h"
 
 #include <QGuiApplication>
@@ -13,13 +14,11 @@ namespace quillory::ui {
 
 namespace {
 
-constexpr int screenMargin = 8;
-
 // Which screen the panel will be on is not known here, so it has to fit on any.
 int tallestPanel() {
     int height = std::numeric_limits<int>::max();
     for (const QScreen *screen : QGuiApplication::screens()) {
-        height = std::min(height, screen->availableGeometry().height() - 2 * screenMargin);
+        height = std::min(height, screen->availableGeometry().height() - 2 * static_cast<int>(panelScreenMargin));
     }
     return height;
 }

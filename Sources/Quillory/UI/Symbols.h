@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QBrush>
-#include <QPixmap>
+#include <QRectF>
 #include <QString>
+
+class QPainter;
 
 namespace quillory::ui {
 

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/UI/TextLines.h"
 
+#include "Quillory/Text.h"
 #include "Quillory/UI/EmojiRuns.h"
 
 #include <QFontMetricsF>
@@ -25,12 +26,9 @@ qsizetype commonPrefix(const QString &a, const QString &b) {
 
 /// The direction of the first letter that has one.
 std::optional<bool> isRightToLeft(QStringView text) {
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        char32_t character = text.at(i).unicode();
-        if (QChar::isHighSurrogate(character) && i + 1 < text.size()) {
-            character = QChar::surrogateToUcs4(text.at(i), text.at(i + 1));
-            ++i;
-        }
+    while (!text.isEmpty()) {
+        const auto [character, length] = text::firstCodePoint(text);
+        text = text.sliced(length);
         const QChar::Direction direction = QChar::direction(character);
         if (direction == QChar::DirR || direction == QChar::DirAL) {
             return true;
@@ -73,10 +71,14 @@ void TextLines::dropParagraphsFrom(qsizetype position) {
     }
 }
 
+qsizetype TextLines::lineBreakLength(qsizetype position) const {
+    return QStringView(m_text).sliced(std::min(position, m_text.size())).startsWith(u"\r\n") ? 2 : 1;
+}
+
 void TextLines::appendParagraphs(qsizetype from) {
     qsizetype start = from;
     if (!m_paragraphs.empty()) {
-        start += m_text.mid(from, 2) == QStringLiteral("\r\n") ? 2 : 1;
+        start += lineBreakLength(from);
     }
     bool rightToLeft = !m_paragraphs.empty() && m_paragraphs.back().rightToLeft;
     while (start <= m_text.size()) {
@@ -85,7 +87,7 @@ void TextLines::appendParagraphs(qsizetype from) {
         rightToLeft = isRightToLeft(QStringView(m_text).mid(start, length)).value_or(rightToLeft);
         m_paragraphs.push_back({start, length, rightToLeft, -1, 0, 0, nullptr});
         start += length;
-        start += m_text.mid(start, 2) == QStringLiteral("\r\n") ? 2 : 1;
+        start += lineBreakLength(start);
     }
 }
 

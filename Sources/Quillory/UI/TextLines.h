@@ -61,6 +61,7 @@ class TextLines {
         std::unique_ptr<QTextLayout> layout;
     };
     void dropParagraphsFrom(qsizetype position);
+    [[nodiscard]] qsizetype lineBreakLength(qsizetype position) const;
     void appendParagraphs(qsizetype from);
     void breakLines(Paragraph &paragraph, double width) const;
     [[nodiscard]] const Paragraph *paragraphHolding(qsizetype position) const;
