@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/AXText.h"
 #include "Quillory/FieldSnapshot.h"
+#include "Quillory/PasteQueue.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <gmock/gmock.h>
@@ -180,6 +181,13 @@ TEST_F(PasteTest, LeavesAloneWhatTheUserCopiesMeanwhile) {
     EXPECT_EQ(desktop.pasteboard.string(), QStringLiteral("copied after pasting"));
 }
 
+TEST_F(PasteTest, EndsWithTheProgram) {
+    insert(rewrite);
+    desktop.advance(100);
+    abandonPastes();
+    EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
+}
+
 TEST_F(PasteTest, AClipboardManagerMayTakeTheTextOver) {
     insert(rewrite);
     desktop.advance(100);
@@ -218,12 +226,16 @@ TEST_F(PasteTest, WaitsForTheUsersFingersButNotForever) {
 }
 
 TEST_F(PasteTest, NeverTypesIntoAnotherField) {
+    desktop.applications.focused.reset(); // somewhere that nothing is known of
+    insert(rewrite);
+    desktop.advance(1500);
+    EXPECT_TRUE(desktop.typed.empty());
     const Node addressBar = window->add(axRole::textField, {300, 800, 400, 40});
     desktop.applications.focused = addressBar;
     desktop.applications.activated.clear();
     insert(rewrite);
     desktop.advance(1240);
-    EXPECT_EQ(desktop.log().size(), 1);
+    EXPECT_EQ(desktop.log().size(), 3);
     desktop.advance(100);
     EXPECT_EQ(desktop.log().last(), QStringLiteral("focus left the field, not pasting"));
     EXPECT_TRUE(desktop.typed.empty());
@@ -244,13 +256,6 @@ TEST_F(PasteTest, TypesIntoACopyThatTheApplicationMadeOfTheField) {
     const Node copy = fieldOf(page);
     desktop.advance(1000);
     EXPECT_EQ(copy->value(), rewrite);
-}
-
-TEST_F(PasteTest, TypesWhenNobodySaysWhereTheFocusIs) {
-    insert(rewrite);
-    desktop.applications.focused.reset();
-    desktop.advance(1000);
-    EXPECT_EQ(desktop.typed.size(), 2);
 }
 
 TEST(FieldSnapshot, RecognisesAFieldThatWasMadeAnew) {

@@ -28,12 +28,16 @@ constexpr int saveAttempts = 3;
 class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
   public:
     static std::shared_ptr<PasteQueue> current() {
-        static std::weak_ptr<PasteQueue> working;
-        auto queue = working.lock();
+        auto queue = working().lock();
         if (!queue) {
             queue = std::make_shared<PasteQueue>();
-            working = queue;
+            working() = queue;
         }
+        return queue;
+    }
+    /// The queue if it has something to do.
+    static std::weak_ptr<PasteQueue> &working() {
+        static std::weak_ptr<PasteQueue> queue;
         return queue;
     }
 
@@ -41,6 +45,12 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
         m_requests.push_back(std::move(request));
         if (m_requests.size() == 1) {
             begin();
+        }
+    }
+
+    void abandon() {
+        if (m_textIsOut && platform::current().pasteboard.changeCount() == m_changeCount) {
+            restorePasteboard();
         }
     }
 
@@ -74,6 +84,7 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
         pasteboard.clearContents();
         pasteboard.setString(request().text);
         m_changeCount = pasteboard.changeCount();
+        m_textIsOut = true;
     }
 
     void awaitFocus() {
@@ -122,7 +133,7 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
 
     Attempt focusIsThere() {
         const auto focused = AXText::focusedElement();
-        if (!focused || *focused == request().target || isCopyOfTarget(*focused)) {
+        if (focused && (*focused == request().target || isCopyOfTarget(*focused))) {
             return Attempt::succeeded;
         }
         if (!std::exchange(m_activatedAgain, true)) {
@@ -152,6 +163,7 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
             if (isThere) {
                 self->restorePasteboard();
             }
+            self->m_textIsOut = false;
             self->m_saved.clear(); // it may be large, or secret
             self->m_requests.pop_front();
             if (!self->m_requests.empty()) {
@@ -170,12 +182,19 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
     std::vector<platform::PasteboardItem> m_saved;
     qint64 m_changeCount = 0;
     bool m_activatedAgain = false;
+    bool m_textIsOut = false;
 };
 
 } // namespace
 
 void paste(PasteRequest request) {
     PasteQueue::current()->add(std::move(request));
+}
+
+void abandonPastes() {
+    if (const auto queue = PasteQueue::working().lock()) {
+        queue->abandon();
+    }
 }
 
 } // namespace quillory

@@ -4,6 +4,7 @@
 #include "Platform/Platform.h"
 #include "Quillory/AppSettings.h"
 #include "Quillory/FileLog.h"
+#include "Quillory/PasteQueue.h"
 #include "Quillory/Text.h"
 #include "Quillory/TypingMonitor.h"
 #include "Quillory/UI/SuggestionViewHost.h"
@@ -15,7 +16,9 @@ namespace quillory::ui {
 AppDelegate::AppDelegate()
     : m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate() {
+    abandonPastes();
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
     platform::Accessibility &accessibility = platform::current().accessibility;
