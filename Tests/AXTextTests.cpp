@@ -188,6 +188,19 @@ TEST_F(PasteTest, EndsWithTheProgram) {
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 
+TEST_F(PasteTest, DoesNotOverwriteWhatItCannotGiveBack) {
+    desktop.pasteboard.hangs = true;
+    insert(QStringLiteral("first"));
+    insert(QStringLiteral("second"));
+    desktop.advance(8);
+    desktop.pasteboard.hangs = false;
+    desktop.advance(1000);
+    EXPECT_EQ(desktop.log().at(2), QStringLiteral("pasteboard could not be read, not pasting"));
+    EXPECT_EQ(desktop.typed.size(), 2);
+    EXPECT_EQ(box->value(), QStringLiteral("second"));
+    EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
+}
+
 TEST_F(PasteTest, AClipboardManagerMayTakeTheTextOver) {
     insert(rewrite);
     desktop.advance(100);

@@ -71,7 +71,12 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
                 self->save(attempts - 1);
                 return;
             }
-            self->m_saved = std::move(items);
+            if (!items) {
+                FileLog::log(QStringLiteral("pasteboard could not be read, not pasting"));
+                self->next();
+                return;
+            }
+            self->m_saved = *std::move(items);
             self->putText();
             self->awaitFocus();
         });
@@ -163,13 +168,17 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
             if (isThere) {
                 self->restorePasteboard();
             }
-            self->m_textIsOut = false;
-            self->m_saved.clear(); // it may be large, or secret
-            self->m_requests.pop_front();
-            if (!self->m_requests.empty()) {
-                self->begin();
-            }
+            self->next();
         });
+    }
+
+    void next() {
+        m_textIsOut = false;
+        m_saved.clear(); // it may be large, or secret
+        m_requests.pop_front();
+        if (!m_requests.empty()) {
+            begin();
+        }
     }
 
     void restorePasteboard() const {
@@ -179,7 +188,7 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
     }
 
     std::deque<PasteRequest> m_requests;
-    std::vector<platform::PasteboardItem> m_saved;
+    platform::PasteboardItems m_saved;
     qint64 m_changeCount = 0;
     bool m_activatedAgain = false;
     bool m_textIsOut = false;

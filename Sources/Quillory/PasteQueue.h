@@ -20,9 +20,9 @@ struct PasteRequest {
 
 /// Brings the field's application to the front, puts the text on the pasteboard, selects all and pastes with
 /// synthesised keys, and then gives the pasteboard its content back. Returns at once; about a second passes. Nothing
-/// is typed when the field is not seen to have the keyboard focus, or when a paste would give another text; what the
-/// user copies meanwhile is left alone. A request that comes before the last one has ended waits for it. Main
-/// thread only.
+/// is typed when the field is not seen to have the keyboard focus, when a paste would give another text, or when what
+/// the pasteboard holds could not be given back; what the user copies meanwhile is left alone. A request that comes
+/// before the last one has ended waits for it. Main thread only.
 void paste(PasteRequest request);
 
 /// Gives the pasteboard its content back at once, for the program's end in the midst of a paste. Main thread only.

@@ -28,13 +28,13 @@ QString SimulatedPasteboard::string() const {
     return items.empty() ? QString() : QString::fromUtf8(items.front().representations.front().second);
 }
 
-void SimulatedPasteboard::copy(std::vector<platform::PasteboardItem> content) {
+void SimulatedPasteboard::copy(platform::PasteboardItems content) {
     items = std::move(content);
     ++m_changeCount;
 }
 
-void SimulatedPasteboard::copyItems(std::function<void(std::vector<platform::PasteboardItem>)> done) {
-    m_queue.postAfter(5ms, [this, done = std::move(done)] { done(items); });
+void SimulatedPasteboard::copyItems(std::function<void(std::optional<platform::PasteboardItems>)> done) {
+    m_queue.postAfter(5ms, [this, done = std::move(done)] { done(hangs ? std::nullopt : std::optional(items)); });
 }
 
 } // namespace quillory::test

@@ -11,23 +11,26 @@ class SimulatedPasteboard final : public platform::Pasteboard {
   public:
     explicit SimulatedPasteboard(platform::MainQueue &queue) : m_queue(queue) {}
 
-    std::vector<platform::PasteboardItem> items;
+    platform::PasteboardItems items;
+    /// The program that owns the content does not answer.
+    bool hangs = false;
     /// What an application sees that pastes now.
     [[nodiscard]] QString string() const;
     /// The user copies something in another application.
-    void copy(std::vector<platform::PasteboardItem> content);
+    void copy(platform::PasteboardItems content);
     void copy(const QString &text) { copy({textItem(text)}); }
     [[nodiscard]] static platform::PasteboardItem textItem(const QString &text) {
         return {{{QStringLiteral("text/plain"), text.toUtf8()}}};
     }
 
-    void copyItems(std::function<void(std::vector<platform::PasteboardItem>)> done) override;
+    void copyItems(std::function<void(std::optional<platform::PasteboardItems>)> done) override;
     void copyString(std::function<void(std::optional<QString>)> done) override {
-        copyItems([this, done = std::move(done)](const auto & /*items*/) { done(string()); });
+        copyItems(
+            [this, done = std::move(done)](const auto &read) { done(read ? std::optional(string()) : std::nullopt); });
     }
-    void clearContents() override { copy(std::vector<platform::PasteboardItem>()); }
+    void clearContents() override { copy(platform::PasteboardItems()); }
     void setString(const QString &text) override { copy(text); }
-    void writeObjects(const std::vector<platform::PasteboardItem> &content) override { copy(content); }
+    void writeObjects(const platform::PasteboardItems &content) override { copy(content); }
     [[nodiscard]] qint64 changeCount() override { return m_changeCount; }
 
   private:

@@ -18,7 +18,7 @@ constexpr std::array<QLatin1StringView, 4> utf8Targets{QLatin1StringView("UTF8_S
                                                        QLatin1StringView("text/plain;charset=utf-8"),
                                                        QLatin1StringView("text/plain"), QLatin1StringView("TEXT")};
 
-std::optional<QString> stringIn(const std::vector<PasteboardItem> &items) {
+std::optional<QString> stringIn(const PasteboardItems &items) {
     for (const PasteboardItem &item : items) {
         for (const auto &[type, data] : item.representations) {
             if (std::ranges::find(utf8Targets, type) != utf8Targets.end()) {
@@ -92,10 +92,10 @@ void X11Pasteboard::takeOwnerChanges() {
     }
 }
 
-void X11Pasteboard::copyItems(std::function<void(std::vector<PasteboardItem>)> done) {
+void X11Pasteboard::copyItems(std::function<void(std::optional<PasteboardItems>)> done) {
     (void)changeCount(); // hears of an owner that came just now
     if (m_isCleared || m_owner.isOwner()) {
-        auto items = m_isCleared ? std::vector<PasteboardItem>() : itemsFrom(m_owner.values());
+        auto items = m_isCleared ? PasteboardItems() : itemsFrom(m_owner.values());
         QMetaObject::invokeMethod(
             &m_context, [done = std::move(done), items = std::move(items)] { done(items); }, Qt::QueuedConnection);
         return;
@@ -104,7 +104,7 @@ void X11Pasteboard::copyItems(std::function<void(std::vector<PasteboardItem>)> d
     Reading &reading = m_readings.back();
     auto self = std::make_shared<const X11SelectionReader *>(nullptr);
     reading.reader = std::make_unique<X11SelectionReader>(
-        m_connection, m_clipboard, [this, self](const std::vector<X11SelectionValue> &values) {
+        m_connection, m_clipboard, [this, self](const std::optional<std::vector<X11SelectionValue>> &values) {
             // Later, since the reader is in the midst of its work, and goes away then.
             QMetaObject::invokeMethod(
                 &m_context, [this, self, values] { finishReading(*self, values); }, Qt::QueuedConnection);
@@ -112,7 +112,8 @@ void X11Pasteboard::copyItems(std::function<void(std::vector<PasteboardItem>)> d
     *self = reading.reader.get();
 }
 
-void X11Pasteboard::finishReading(const X11SelectionReader *reader, const std::vector<X11SelectionValue> &values) {
+void X11Pasteboard::finishReading(const X11SelectionReader *reader,
+                                  const std::optional<std::vector<X11SelectionValue>> &values) {
     const auto reading =
         std::ranges::find_if(m_readings, [&](const Reading &one) { return one.reader.get() == reader; });
     if (reading == m_readings.end()) {
@@ -120,13 +121,17 @@ void X11Pasteboard::finishReading(const X11SelectionReader *reader, const std::v
     }
     const auto done = std::move(reading->done);
     m_readings.erase(reading);
-    for (const X11SelectionValue &value : values) {
+    if (!values) {
+        done(std::nullopt);
+        return;
+    }
+    for (const X11SelectionValue &value : *values) {
         m_forms[m_connection.atomNames({value.target}).front()] = {value.type, value.format};
     }
-    done(itemsFrom(values));
+    done(itemsFrom(*values));
 }
 
-std::vector<PasteboardItem> X11Pasteboard::itemsFrom(const std::vector<X11SelectionValue> &values) {
+PasteboardItems X11Pasteboard::itemsFrom(const std::vector<X11SelectionValue> &values) {
     if (values.empty()) {
         return {};
     }
@@ -138,7 +143,9 @@ std::vector<PasteboardItem> X11Pasteboard::itemsFrom(const std::vector<X11Select
 }
 
 void X11Pasteboard::copyString(std::function<void(std::optional<QString>)> done) {
-    copyItems([done = std::move(done)](const std::vector<PasteboardItem> &items) { done(stringIn(items)); });
+    copyItems([done = std::move(done)](const std::optional<PasteboardItems> &items) {
+        done(items ? stringIn(*items) : std::nullopt);
+    });
 }
 
 void X11Pasteboard::clearContents() {
@@ -174,7 +181,7 @@ void X11Pasteboard::setString(const QString &text) {
     write(std::move(values));
 }
 
-void X11Pasteboard::writeObjects(const std::vector<PasteboardItem> &items) {
+void X11Pasteboard::writeObjects(const PasteboardItems &items) {
     std::vector<X11SelectionValue> values;
     for (const PasteboardItem &item : items) {
         for (const auto &[type, data] : item.representations) {

@@ -15,11 +15,11 @@ class X11Pasteboard final : public Pasteboard {
     X11Pasteboard(const X11Pasteboard &) = delete;
     X11Pasteboard &operator=(const X11Pasteboard &) = delete;
 
-    void copyItems(std::function<void(std::vector<PasteboardItem>)> done) override;
+    void copyItems(std::function<void(std::optional<PasteboardItems>)> done) override;
     void copyString(std::function<void(std::optional<QString>)> done) override;
     void clearContents() override;
     void setString(const QString &text) override;
-    void writeObjects(const std::vector<PasteboardItem> &items) override;
+    void writeObjects(const PasteboardItems &items) override;
     [[nodiscard]] qint64 changeCount() override;
 
   private:
@@ -29,7 +29,7 @@ class X11Pasteboard final : public Pasteboard {
     };
     struct Reading {
         std::unique_ptr<X11SelectionReader> reader;
-        std::function<void(std::vector<PasteboardItem>)> done;
+        std::function<void(std::optional<PasteboardItems>)> done;
     };
 
     void handle(const xcb_generic_event_t &event);
@@ -38,8 +38,8 @@ class X11Pasteboard final : public Pasteboard {
     [[nodiscard]] bool isOwnerChange(const xcb_generic_event_t &event) const;
     void write(std::vector<X11SelectionValue> values);
     void giveUpIfStillCleared();
-    void finishReading(const X11SelectionReader *reader, const std::vector<X11SelectionValue> &values);
-    [[nodiscard]] std::vector<PasteboardItem> itemsFrom(const std::vector<X11SelectionValue> &values);
+    void finishReading(const X11SelectionReader *reader, const std::optional<std::vector<X11SelectionValue>> &values);
+    [[nodiscard]] PasteboardItems itemsFrom(const std::vector<X11SelectionValue> &values);
     [[nodiscard]] X11SelectionValue valueFrom(const QString &type, const QByteArray &data);
 
     X11Connection &m_connection;

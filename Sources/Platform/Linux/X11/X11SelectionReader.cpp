@@ -43,7 +43,7 @@ qsizetype announcedSize(const xcb_get_property_reply_t &announcement) {
 X11SelectionReader::X11SelectionReader(X11Connection &connection, xcb_atom_t selection, Done done)
     : m_connection(connection), m_selection(selection), m_done(std::move(done)) {
     m_stall.setSingleShot(true);
-    m_stall.callOnTimeout([this] { finish(); });
+    m_stall.callOnTimeout([this] { finish(false); });
     m_deadline.setSingleShot(true);
     m_deadline.callOnTimeout([this] { handleDeadline(); });
     m_events = m_connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
@@ -84,7 +84,7 @@ void X11SelectionReader::ownerChanged(xcb_window_t owner) {
         return;
     }
     if (owner == XCB_NONE || m_attempts == maximumAttempts) {
-        finish();
+        finish(owner == XCB_NONE);
     } else {
         start();
     }
@@ -131,7 +131,7 @@ void X11SelectionReader::handleNotify(const xcb_selection_notify_event_t &notify
 
 void X11SelectionReader::handleTargets(X11Reply<xcb_get_property_reply_t> answer) {
     if (!answer || answer->format != 32) {
-        finish();
+        finish(false);
         return;
     }
     const auto *first = static_cast<const xcb_atom_t *>(xcb_get_property_value(answer.get()));
@@ -147,7 +147,7 @@ void X11SelectionReader::askForAll(const std::vector<xcb_atom_t> &targets) {
         }
     }
     if (m_transfers.empty()) {
-        finish();
+        finish(true);
     }
 }
 
@@ -197,7 +197,7 @@ void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
     if (m_total > maximumBytes) {
         m_total -= value.data.size() + length;
         value.data.clear();
-        settle(transfer, Stage::absent);
+        settle(transfer, Stage::tooLarge);
         return;
     }
     value.type = answer.type;
@@ -217,11 +217,11 @@ void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
 
 void X11SelectionReader::settle(Transfer &transfer, Stage stage) {
     transfer.stage = stage;
-    const auto isSettled = [](const Transfer &one) {
-        return one.stage == Stage::complete || one.stage == Stage::absent;
+    const auto isUnderWay = [](const Transfer &one) {
+        return one.stage == Stage::asked || one.stage == Stage::incremental;
     };
-    if (std::ranges::all_of(m_transfers, isSettled)) {
-        finish();
+    if (std::ranges::none_of(m_transfers, isUnderWay)) {
+        finish(std::ranges::find(m_transfers, Stage::tooLarge, &Transfer::stage) == m_transfers.end());
     }
 }
 
@@ -230,11 +230,11 @@ void X11SelectionReader::handleDeadline() {
     if (isLarge && !std::exchange(m_isExtended, true)) {
         m_deadline.start(longestLargeReading - longestReading);
     } else {
-        finish();
+        finish(false);
     }
 }
 
-void X11SelectionReader::finish() {
+void X11SelectionReader::finish(bool isAnswered) {
     m_stall.stop();
     m_deadline.stop();
     m_attempt.reset();
@@ -246,7 +246,7 @@ void X11SelectionReader::finish() {
     }
     m_transfers.clear();
     if (const Done done = std::exchange(m_done, {})) {
-        done(std::move(values));
+        done(isAnswered || !values.empty() ? std::optional(std::move(values)) : std::nullopt);
     }
 }
 

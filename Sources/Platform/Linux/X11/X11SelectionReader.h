@@ -5,6 +5,8 @@
 
 #include <QTimer>
 
+#include <optional>
+
 namespace platform::desktop {
 
 /// One form of a selection's content, with what the X protocol says about it.
@@ -18,8 +20,9 @@ struct X11SelectionValue {
 /// Reads a selection with all its types from the program that owns it, without waiting. One reader reads once.
 class X11SelectionReader {
   public:
-    /// What was read in time, in the order in which the owner offers it.
-    using Done = std::function<void(std::vector<X11SelectionValue>)>;
+    /// What was read in time, in the order in which the owner offers it; absent when there is an owner that gave
+    /// nothing, or nothing small enough.
+    using Done = std::function<void(std::optional<std::vector<X11SelectionValue>>)>;
 
     /// Starts reading. The handler is called once, from the event loop; destroying the reader drops it unheard.
     X11SelectionReader(X11Connection &connection, xcb_atom_t selection, Done done);
@@ -32,7 +35,7 @@ class X11SelectionReader {
     void ownerChanged(xcb_window_t owner);
 
   private:
-    enum class Stage { asked, incremental, complete, absent };
+    enum class Stage { asked, incremental, complete, absent, tooLarge };
     struct Transfer {
         X11SelectionValue value;
         Stage stage = Stage::asked;
@@ -52,7 +55,8 @@ class X11SelectionReader {
     void receive(Transfer &transfer, const xcb_get_property_reply_t &answer);
     void settle(Transfer &transfer, Stage stage);
     void handleDeadline();
-    void finish();
+    /// isAnswered: whether the owner said all it has to say.
+    void finish(bool isAnswered);
 
     X11Connection &m_connection;
     xcb_atom_t m_selection;
