@@ -29,11 +29,10 @@ class X11EventTaps::Tap final : public EventTap {
 X11EventTaps::X11EventTaps(X11Connection &connection, X11Keyboard &keyboard)
     : m_connection(connection), m_keyboard(keyboard) {
     m_events = m_connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
-    m_keyboard.onChange([this] { regrab(); });
+    m_mappingChanges = m_keyboard.onChange([this] { regrab(); });
 }
 
 X11EventTaps::~X11EventTaps() {
-    m_keyboard.onChange({});
     ungrab();
     releaseKeyboard();
 }

@@ -45,6 +45,7 @@ class X11EventTaps final : public EventTaps {
     /// When the swallowed key was said to come up; a press at the very same time is a repeat.
     std::optional<xcb_timestamp_t> m_releasedAt;
     RegistrationHandle m_events;
+    RegistrationHandle m_mappingChanges;
 };
 
 } // namespace platform::desktop

@@ -53,9 +53,15 @@ X11Keyboard::X11Keyboard(X11Connection &connection) : m_connection(connection) {
     m_events = m_connection.onEvent([this](const xcb_generic_event_t &event) {
         if (eventType(event) == XCB_MAPPING_NOTIFY) {
             read();
-            if (m_changed) {
-                m_changed();
-            }
+        }
+    });
+}
+
+RegistrationHandle X11Keyboard::onChange(std::function<void()> handler) {
+    // Called in the order of registration, so the new mapping has been read.
+    return m_connection.onEvent([handler = std::move(handler)](const xcb_generic_event_t &event) {
+        if (eventType(event) == XCB_MAPPING_NOTIFY) {
+            handler();
         }
     });
 }

@@ -20,7 +20,7 @@ class X11Keyboard {
     explicit X11Keyboard(X11Connection &connection);
 
     /// Calls the handler after the keyboard's mapping changed, until the handle is destroyed.
-    void onChange(std::function<void()> handler) { m_changed = std::move(handler); }
+    [[nodiscard]] RegistrationHandle onChange(std::function<void()> handler);
 
     /// The X key codes that act as this key under the present mapping. Never empty for a key of namespace keyCode.
     [[nodiscard]] std::vector<xcb_keycode_t> keyCodes(KeyCode key) const;
@@ -45,7 +45,6 @@ class X11Keyboard {
     [[nodiscard]] xcb_keysym_t keysym(xcb_keycode_t code) const;
 
     X11Connection &m_connection;
-    std::function<void()> m_changed;
     X11Reply<xcb_get_keyboard_mapping_reply_t> m_mapping;
     std::array<std::vector<xcb_keycode_t>, 8> m_modifierKeys;
     KeysDown m_heldModifierKeys;
