@@ -48,6 +48,7 @@ class X11ScreensTest : public testing::Test {
 
 TEST_F(X11ScreensTest, LeavesThePanelsOfTheDesktopOut) {
     EXPECT_THAT(screens.screens(), testing::ElementsAre(Screen{points(0, 0, 1280, 900), points(0, 0, 1280, 900)}));
+    open({0, 0, 10, 10}, {0xFFFFFFFF, 0x80000000, 0x7FFFFFFF, 0x80000001, 0, 0, 0, 0, 0, 0, 0, 1279}); // nonsense
     const xcb_window_t panel = open({0, 860, 1280, 40}, {0, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 1279});
     const Rect above = points(0, 40, 1280, 860);
     EXPECT_TRUE(spinUntil([&] { return screens.screens().front().visibleFrame == above; }));

@@ -43,6 +43,25 @@ class HandlerRegistration final : public Registration {
 
 } // namespace
 
+class X11Connection::EventSelection final : public Registration {
+  public:
+    EventSelection(X11Connection &connection, xcb_window_t window, std::uint32_t mask)
+        : m_connection(connection), m_mask(connection.m_eventMasks.emplace(window, mask)) {
+        m_connection.sendEventMask(window);
+    }
+    ~EventSelection() override {
+        const xcb_window_t window = m_mask->first;
+        m_connection.m_eventMasks.erase(m_mask);
+        m_connection.sendEventMask(window);
+    }
+    EventSelection(const EventSelection &) = delete;
+    EventSelection &operator=(const EventSelection &) = delete;
+
+  private:
+    X11Connection &m_connection;
+    std::multimap<xcb_window_t, std::uint32_t>::iterator m_mask;
+};
+
 std::unique_ptr<X11Connection> X11Connection::open(const QByteArray &display) {
     int screenNumber = 0;
     xcb_connection_t *connection = xcb_connect(display.isEmpty() ? nullptr : display.constData(), &screenNumber);
@@ -58,6 +77,7 @@ X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber)
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_window, root(), -1, -1, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+    m_eventMasks.emplace(m_window, events);
     m_timeProperty = atom("QUILLORY_TIME");
 }
 
@@ -120,6 +140,18 @@ RegistrationHandle X11Connection::onEvent(EventHandler handler) {
     auto shared = std::make_shared<EventHandler>(std::move(handler));
     m_handlers.push_back(shared);
     return std::make_unique<HandlerRegistration>(m_handlers, std::move(shared));
+}
+
+RegistrationHandle X11Connection::selectEvents(xcb_window_t window, std::uint32_t mask) {
+    return std::make_unique<EventSelection>(*this, window, mask);
+}
+
+void X11Connection::sendEventMask(xcb_window_t window) {
+    std::uint32_t mask = XCB_EVENT_MASK_NO_EVENT;
+    const auto [first, last] = m_eventMasks.equal_range(window);
+    std::for_each(first, last, [&mask](const auto &selected) { mask |= selected.second; });
+    // Should the window be gone by now, the error goes unheard.
+    xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
 }
 
 void X11Connection::whenReplied(xcb_get_property_cookie_t cookie, PropertyHandler handler) {

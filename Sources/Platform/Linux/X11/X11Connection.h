@@ -63,6 +63,9 @@ class X11Connection {
 
     /// Calls the handler with every event until the handle is destroyed.
     [[nodiscard]] RegistrationHandle onEvent(EventHandler handler);
+    /// Has the server tell of these events of a window until the handle is destroyed. The server keeps one mask for
+    /// each window and connection, so that masks which were set elsewhere would undo each other.
+    [[nodiscard]] RegistrationHandle selectEvents(xcb_window_t window, std::uint32_t mask);
     /// Waits for the X server's answer to a request. Null on an error. Events that arrive meanwhile are kept.
     template <typename Answer, typename Cookie>
     [[nodiscard]] X11Reply<Answer> reply(Answer *(*read)(xcb_connection_t *, Cookie, xcb_generic_error_t **),
@@ -97,7 +100,10 @@ class X11Connection {
         PropertyHandler handler;
     };
 
+    class EventSelection;
+
     X11Connection(xcb_connection_t *connection, int screenNumber);
+    void sendEventMask(xcb_window_t window);
     void readQueued();
     void handOut();
     bool handOutReply();
@@ -109,6 +115,7 @@ class X11Connection {
     xcb_atom_t m_timeProperty = XCB_NONE;
     std::map<QByteArray, xcb_atom_t> m_atoms;
     std::map<xcb_atom_t, QString> m_atomNames;
+    std::multimap<xcb_window_t, std::uint32_t> m_eventMasks;
     std::deque<X11Event> m_events;
     std::deque<PendingReply> m_replies;
     std::vector<std::shared_ptr<EventHandler>> m_handlers;

@@ -13,6 +13,9 @@ namespace platform::desktop {
 
 namespace {
 
+/// No screen reaches further. What programs write into properties may be anything, and is reckoned with.
+constexpr int largestCoordinate = 0xFFFF;
+
 double distance(const QRect &rectangle, Point point) {
     const double dx = std::max({rectangle.left() - point.x, point.x - rectangle.right(), 0.0});
     const double dy = std::max({rectangle.top() - point.y, point.y - rectangle.bottom(), 0.0});
@@ -20,8 +23,19 @@ double distance(const QRect &rectangle, Point point) {
 }
 
 QRect rectFrom(const std::vector<std::uint32_t> &values, std::size_t index) {
-    const auto at = [&](std::size_t i) { return static_cast<int>(values[index + i]); };
+    const auto at = [&](std::size_t i) {
+        return std::clamp(static_cast<int>(values[index + i]), -largestCoordinate, largestCoordinate);
+    };
     return {at(0), at(1), at(2), at(3)};
+}
+
+/// The edges, and along each the whole length where there are no ranges behind them.
+std::array<int, 12> strutFrom(const std::vector<std::uint32_t> &values, std::ptrdiff_t count) {
+    constexpr int all = largestCoordinate;
+    std::array<int, 12> strut{0, 0, 0, 0, 0, all, 0, all, 0, all, 0, all};
+    std::transform(values.begin(), values.begin() + count, strut.begin(),
+                   [](std::uint32_t value) { return static_cast<int>(std::min<std::uint32_t>(value, all)); });
+    return strut;
 }
 
 /// What Qt draws with on the monitor that begins at this pixel. Qt keeps the corners of its screens where they are.
@@ -41,6 +55,10 @@ Rect toQt(const QRect &monitor, double scale, const Rect &pixels) {
             pixels.width / scale, pixels.height / scale};
 }
 
+qint64 area(const QRect &rectangle) {
+    return qint64{rectangle.width()} * rectangle.height();
+}
+
 Rect fromQRect(const QRect &rectangle) {
     return {static_cast<double>(rectangle.x()), static_cast<double>(rectangle.y()),
             static_cast<double>(rectangle.width()), static_cast<double>(rectangle.height())};
@@ -49,9 +67,9 @@ Rect fromQRect(const QRect &rectangle) {
 } // namespace
 
 X11Screens::X11Screens(X11Connection &connection)
-    : m_connection(connection), m_firstRandrEvent(connection.firstEvent(&xcb_randr_id)) {
-    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(connection.get(), connection.root(), XCB_CW_EVENT_MASK, &events);
+    : m_connection(connection), m_firstRandrEvent(connection.firstEvent(&xcb_randr_id)),
+      m_rootEvents(connection.selectEvents(connection.root(),
+                                           XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY)) {
     if (m_firstRandrEvent != 0) {
         (void)connection.reply(xcb_randr_query_version_reply, xcb_randr_query_version(connection.get(), 1, 5));
         xcb_randr_select_input(connection.get(), connection.root(),
@@ -145,16 +163,11 @@ std::vector<X11Screens::Strut> X11Screens::readStruts() {
     for (std::size_t i = 0; i + 1 < questions.size(); i += 2) {
         const auto ranges = m_connection.values(questions[i]);
         const auto edges = m_connection.values(questions[i + 1]);
-        constexpr int everywhere = 0xFFFF;
-        Strut strut{0, 0, 0, 0, 0, everywhere, 0, everywhere, 0, everywhere, 0, everywhere};
-        if (ranges.size() >= strut.size()) {
-            std::ranges::copy_n(ranges.begin(), 12, strut.begin());
+        if (ranges.size() >= 12) {
+            struts.push_back(strutFrom(ranges, 12));
         } else if (edges.size() >= 4) {
-            std::ranges::copy_n(edges.begin(), 4, strut.begin());
-        } else {
-            continue;
+            struts.push_back(strutFrom(edges, 4));
         }
-        struts.push_back(strut);
     }
     return struts;
 }
@@ -206,7 +219,7 @@ void X11Screens::reserveByWorkAreas() {
         QRect best;
         for (std::size_t i = 0; i + 3 < perMonitor.size(); i += 4) {
             const QRect inside = rectFrom(perMonitor, i) & monitor.pixels;
-            best = inside.width() * inside.height() > best.width() * best.height() ? inside : best;
+            best = area(inside) > area(best) ? inside : best;
         }
         if (best.isEmpty() && common.size() >= desktop * 4 + 4) {
             best = rectFrom(common, desktop * 4) & monitor.pixels;
@@ -224,13 +237,11 @@ void X11Screens::findMain() {
         m_connection.values(m_connection.askValues(m_connection.root(), m_connection.atom("_NET_ACTIVE_WINDOW")));
     m_activeWindow = active.empty() ? static_cast<xcb_window_t>(XCB_NONE) : active.front();
     if (m_activeWindow == XCB_NONE) {
+        m_activeWindowEvents.reset();
         return;
     }
     // To hear of its moves. A window that is gone by now answers with errors, which is no main screen.
-    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    if (m_activeWindow != m_connection.root()) {
-        xcb_change_window_attributes(m_connection.get(), m_activeWindow, XCB_CW_EVENT_MASK, &events);
-    }
+    m_activeWindowEvents = m_connection.selectEvents(m_activeWindow, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     const auto sizeQuestion = xcb_get_geometry(m_connection.get(), m_activeWindow);
     const auto placeQuestion = xcb_translate_coordinates(m_connection.get(), m_activeWindow, m_connection.root(), 0, 0);
     const auto size = m_connection.reply(xcb_get_geometry_reply, sizeQuestion);

@@ -13,9 +13,8 @@ namespace platform::desktop {
 
 /// The monitors of the X screen, and the one place where the kinds of coordinates meet:
 /// - pixels: of the root window, from the top left, y downwards; what X11 and the accessibility bus speak;
-/// - Qt's: device-independent; each monitor's top left corner stands where it stands in pixels, and from there
-/// distances
-///   are divided by the monitor's scale;
+/// - Qt's: device-independent; each monitor's top left corner stands where it stands in pixels, and distances from
+///   there are divided by the monitor's scale;
 /// - accessibility coordinates: Qt's, counted from the top left of the primary monitor;
 /// - screen coordinates: the same, y upwards from the primary monitor's bottom left.
 /// Kept up to date by events; asking waits for the X server only after something has changed. Main thread only.
@@ -68,6 +67,8 @@ class X11Screens final : public Screens {
     bool m_isMainStale = true;
     xcb_window_t m_activeWindow = XCB_NONE;
     std::uint8_t m_firstRandrEvent = 0;
+    RegistrationHandle m_rootEvents;
+    RegistrationHandle m_activeWindowEvents;
     RegistrationHandle m_events;
     QObject m_context;
 };

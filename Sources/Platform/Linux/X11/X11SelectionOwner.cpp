@@ -16,6 +16,8 @@ constexpr qsizetype portionBytes = 256LL * 1024;
 constexpr std::chrono::milliseconds longestStall{5000};
 /// Pairs of target and property in one request; real ones hold a handful.
 constexpr std::uint32_t maximumPairs = 256;
+/// Large contents that are on their way at once; real requestors fetch a handful.
+constexpr std::size_t maximumSendings = 64;
 
 } // namespace
 
@@ -178,8 +180,7 @@ bool X11SelectionOwner::convert(xcb_window_t requestor, xcb_atom_t target, xcb_a
     if (value == m_values.end()) {
         return false;
     }
-    send(requestor, property, *value);
-    return true;
+    return send(requestor, property, *value);
 }
 
 std::vector<xcb_atom_t> X11SelectionOwner::targets() {
@@ -189,22 +190,26 @@ std::vector<xcb_atom_t> X11SelectionOwner::targets() {
     return result;
 }
 
-void X11SelectionOwner::send(xcb_window_t requestor, xcb_atom_t property, const X11SelectionValue &value) {
+bool X11SelectionOwner::send(xcb_window_t requestor, xcb_atom_t property, const X11SelectionValue &value) {
     const qsizetype size = value.data.size();
     if (size <= portionBytes) {
         put(requestor, property, value, value.data.constData(), size);
-        return;
+        return true;
     }
-    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection.get(), requestor, XCB_CW_EVENT_MASK, &events);
+    std::erase_if(m_sending,
+                  [&](const Sending &old) { return old.requestor == requestor && old.property == property; });
+    if (m_sending.size() >= maximumSendings) {
+        return false;
+    }
+    auto listening =
+        m_connection.selectEvents(requestor, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     const auto announced = static_cast<std::uint32_t>(size);
     xcb_change_property(m_connection.get(), XCB_PROP_MODE_REPLACE, requestor, property, m_connection.atom("INCR"), 32,
                         1, &announced);
-    std::erase_if(m_sending,
-                  [&](const Sending &old) { return old.requestor == requestor && old.property == property; });
-    m_sending.push_back({requestor, property, value, 0, {}});
+    m_sending.push_back({requestor, property, value, 0, std::move(listening), {}});
     m_sending.back().sinceProgress.start();
     m_reaper.start();
+    return true;
 }
 
 void X11SelectionOwner::sendNext(xcb_window_t requestor, xcb_atom_t property) {
@@ -220,7 +225,6 @@ void X11SelectionOwner::sendNext(xcb_window_t requestor, xcb_atom_t property) {
     sending->sinceProgress.restart();
     if (size == 0) {
         m_sending.erase(sending);
-        stopListening(requestor);
     }
 }
 
@@ -236,26 +240,9 @@ void X11SelectionOwner::dropRequestor(xcb_window_t requestor) {
 }
 
 void X11SelectionOwner::dropStalled() {
-    std::vector<xcb_window_t> stalled;
-    for (const Sending &one : m_sending) {
-        if (one.sinceProgress.hasExpired(longestStall.count())) {
-            stalled.push_back(one.requestor);
-        }
-    }
-    for (const xcb_window_t requestor : stalled) {
-        dropRequestor(requestor);
-        stopListening(requestor);
-    }
+    std::erase_if(m_sending, [](const Sending &one) { return one.sinceProgress.hasExpired(longestStall.count()); });
     if (m_sending.empty()) {
         m_reaper.stop();
-    }
-}
-
-void X11SelectionOwner::stopListening(xcb_window_t requestor) {
-    const bool isBusy = std::ranges::find(m_sending, requestor, &Sending::requestor) != m_sending.end();
-    if (!isBusy) {
-        const std::uint32_t events = XCB_EVENT_MASK_NO_EVENT;
-        xcb_change_window_attributes(m_connection.get(), requestor, XCB_CW_EVENT_MASK, &events);
     }
 }
 

@@ -34,6 +34,7 @@ class X11SelectionOwner {
         xcb_atom_t property = XCB_NONE;
         X11SelectionValue value;
         qsizetype offset = 0;
+        RegistrationHandle listening;
         QElapsedTimer sinceProgress;
     };
 
@@ -43,11 +44,10 @@ class X11SelectionOwner {
     void answer(const xcb_selection_request_event_t &request, xcb_atom_t property);
     [[nodiscard]] bool convert(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
     [[nodiscard]] std::vector<xcb_atom_t> targets();
-    void send(xcb_window_t requestor, xcb_atom_t property, const X11SelectionValue &value);
+    [[nodiscard]] bool send(xcb_window_t requestor, xcb_atom_t property, const X11SelectionValue &value);
     void sendNext(xcb_window_t requestor, xcb_atom_t property);
     void dropRequestor(xcb_window_t requestor);
     void dropStalled();
-    void stopListening(xcb_window_t requestor);
     void put(xcb_window_t requestor, xcb_atom_t property, const X11SelectionValue &value, const char *data,
              qsizetype size);
 
