@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <numeric>
 
 using namespace platform;
 using namespace platform::desktop;
@@ -166,22 +167,25 @@ TEST_F(X11Clipboard, DoesNotWaitForAnOwnerThatHangsOrVanishes) {
 }
 
 TEST_F(X11Clipboard, KeepsTheTypesThatCameWhenOneNeverDoes) {
-    // An owner that names two types and delivers one.
+    // An owner that names two types, and many that do not exist, and delivers one.
     XClient &owner = client();
     X11Connection &other = owner.connection();
     const xcb_atom_t good = other.atom("text/good"), bad = other.atom("text/bad"), targets = other.atom("TARGETS");
+    std::vector<xcb_atom_t> offered(20'000);
+    std::iota(offered.begin(), offered.end(), 1'000'000);
+    offered[0] = bad;
+    offered[1] = good;
     const auto registration = other.onEvent([&](const xcb_generic_event_t &event) {
         if (eventType(event) != XCB_SELECTION_REQUEST) {
             return;
         }
         const auto &request = eventAs<xcb_selection_request_event_t>(event);
-        const xcb_atom_t both[] = {bad, good};
         if (request.target == bad) {
             return;
         }
         if (request.target == targets) {
             xcb_change_property(other.get(), XCB_PROP_MODE_REPLACE, request.requestor, request.property, XCB_ATOM_ATOM,
-                                32, 2, both);
+                                32, static_cast<std::uint32_t>(offered.size()), offered.data());
         } else {
             xcb_change_property(other.get(), XCB_PROP_MODE_REPLACE, request.requestor, request.property, good, 8, 4,
                                 "fine");
@@ -195,7 +199,9 @@ TEST_F(X11Clipboard, KeepsTheTypesThatCameWhenOneNeverDoes) {
     other.watch();
     xcb_set_selection_owner(other.get(), owner.window(), other.atom("CLIPBOARD"), XCB_CURRENT_TIME);
     other.sync();
+    const unsigned int before = xcb_no_operation(connection->get()).sequence;
     EXPECT_EQ(copy(), (Items{{{{QStringLiteral("text/good"), "fine"}}}}));
+    EXPECT_LT(xcb_no_operation(connection->get()).sequence - before, 1000U) << "requests, which take the main thread";
 }
 
 TEST_F(X11Clipboard, WorksWithTheToolkitsOwnClipboard) {
@@ -226,15 +232,39 @@ TEST_F(X11Clipboard, HandsTheUsersContentToAClipboardManagerAtTheEnd) {
                     })
                     .empty();
     };
-    pasteboard->writeObjects({{{{QStringLiteral("UTF8_STRING"), "the user's"}}}});
+    PasteboardItem content{{{QStringLiteral("UTF8_STRING"), "the user's"}}};
+    pasteboard->writeObjects({content});
     pasteboard.reset(); // a manager that does not answer is waited for a moment only
     client().connection().sync();
     EXPECT_TRUE(askedToSave());
+    content.representations.emplace_back(QStringLiteral("x-kde-passwordManagerHint"), "secret");
+    pasteboard = std::make_unique<X11Pasteboard>(*connection);
+    pasteboard->writeObjects({content});
+    pasteboard.reset();
+    client().connection().sync();
+    EXPECT_FALSE(askedToSave());
     pasteboard = std::make_unique<X11Pasteboard>(*connection);
     pasteboard->setString(QStringLiteral("a suggestion"));
     pasteboard.reset();
     client().connection().sync();
     EXPECT_FALSE(askedToSave());
+}
+
+TEST(X11ConnectionTest, MasksOfOneWindowDoNotUndoEachOther) {
+    const auto connection = X11Connection::open();
+    const auto mask = [&] {
+        const auto question = xcb_get_window_attributes(connection->get(), connection->root());
+        return connection->reply(xcb_get_window_attributes_reply, question)->your_event_mask;
+    };
+    auto moves = connection->selectEvents(connection->root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    {
+        const auto both = connection->selectEvents(connection->root(),
+                                                   XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+        EXPECT_EQ(mask(), XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    }
+    EXPECT_EQ(mask(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    moves.reset();
+    EXPECT_EQ(mask(), XCB_EVENT_MASK_NO_EVENT);
 }
 
 TEST(X11ConnectionTest, EndsTheProgramWhenTheServerGoesAway) {

@@ -18,6 +18,9 @@ constexpr std::array<QLatin1StringView, 4> utf8Targets{QLatin1StringView("UTF8_S
                                                        QLatin1StringView("text/plain;charset=utf-8"),
                                                        QLatin1StringView("text/plain"), QLatin1StringView("TEXT")};
 
+/// Marks content that nobody is to keep, with the value "secret".
+constexpr auto secretHint = "x-kde-passwordManagerHint";
+
 std::optional<QString> stringIn(const PasteboardItems &items) {
     for (const PasteboardItem &item : items) {
         for (const auto &[type, data] : item.representations) {
@@ -175,7 +178,7 @@ void X11Pasteboard::setString(const QString &text) {
     }
     values.back().type = utf8String; // "TEXT" leaves the encoding to the owner
     values.push_back({XCB_ATOM_STRING, XCB_ATOM_STRING, 8, text.toLatin1()});
-    const xcb_atom_t hint = m_connection.atom("x-kde-passwordManagerHint");
+    const xcb_atom_t hint = m_connection.atom(secretHint);
     values.push_back({hint, hint, 8, QByteArrayLiteral("secret")});
     m_holdsUserContent = false;
     write(std::move(values));
@@ -193,7 +196,9 @@ void X11Pasteboard::writeObjects(const PasteboardItems &items) {
         }
     }
     if (!values.empty()) {
-        m_holdsUserContent = true;
+        const xcb_atom_t hint = m_connection.atom(secretHint);
+        m_holdsUserContent = std::ranges::none_of(
+            values, [hint](const X11SelectionValue &value) { return value.target == hint && value.data == "secret"; });
         write(std::move(values));
     }
 }

@@ -10,7 +10,7 @@ namespace platform::desktop {
 class X11Pasteboard final : public Pasteboard {
   public:
     explicit X11Pasteboard(X11Connection &connection);
-    /// Hands the user's own content, if it is here, to the desktop's clipboard manager.
+    /// Hands the user's own content, if it is here and no secret, to the desktop's clipboard manager.
     ~X11Pasteboard() override;
     X11Pasteboard(const X11Pasteboard &) = delete;
     X11Pasteboard &operator=(const X11Pasteboard &) = delete;

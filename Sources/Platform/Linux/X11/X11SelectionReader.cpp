@@ -15,10 +15,11 @@ constexpr std::chrono::milliseconds longestReading{1500};
 constexpr std::chrono::milliseconds longestLargeReading{4000};
 /// A type that would take the content beyond this is left out.
 constexpr qsizetype maximumBytes = 256LL * 1024 * 1024;
-/// What is made room for when an owner announces portions without a size.
-constexpr qsizetype unsaidBytes = 32LL * 1024 * 1024;
-/// Programs offer a dozen types, some toolkits forty image formats.
+/// The most that is made room for on an owner's word; what is larger grows as it comes.
+constexpr qsizetype largestReservation = 32LL * 1024 * 1024;
+/// Programs offer a dozen types, some toolkits forty image formats, along with some that are no content.
 constexpr std::size_t maximumTypes = 128;
+constexpr std::uint32_t maximumOffers = 256;
 /// Read in pieces, so that no single answer keeps the main thread for long.
 constexpr std::uint32_t pieceBytes = 256 * 1024;
 /// A clipboard that changes hands more often than this while it is read is not worth chasing.
@@ -30,12 +31,15 @@ constexpr std::array<QLatin1StringView, 7> notContent{
     QLatin1StringView("SAVE_TARGETS"),   QLatin1StringView("DELETE"),    QLatin1StringView("INSERT_SELECTION"),
     QLatin1StringView("INSERT_PROPERTY")};
 
-/// The room to make before portions arrive. Growing bit by bit would move what is there again and again; memory that is
-/// not touched costs nothing.
+/// The room to make before portions arrive. Growing bit by bit would move what is there again and again.
 qsizetype announcedSize(const xcb_get_property_reply_t &announcement) {
     const bool isSizeSaid = announcement.format == 32 && announcement.value_len == 1;
     const qsizetype said = isSizeSaid ? *static_cast<const std::uint32_t *>(xcb_get_property_value(&announcement)) : 0;
-    return said > 0 ? said : unsaidBytes;
+    return said > 0 ? said : largestReservation;
+}
+
+bool isContent(const QString &target) {
+    return !target.isEmpty() && std::ranges::find(notContent, target) == notContent.end();
 }
 
 } // namespace
@@ -60,7 +64,7 @@ void X11SelectionReader::start() {
     ++m_attempts;
     m_attempt = std::make_shared<int>(m_attempts);
     m_transfers.clear();
-    m_total = 0;
+    m_total = m_reserved = 0;
     if (m_window != XCB_NONE) {
         xcb_destroy_window(m_connection.get(), m_window);
     }
@@ -120,7 +124,7 @@ void X11SelectionReader::handleNotify(const xcb_selection_notify_event_t &notify
             return;
         }
         const auto cookie = xcb_get_property(m_connection.get(), 1, m_window, notify.property,
-                                             XCB_GET_PROPERTY_TYPE_ANY, 0, pieceBytes / 4);
+                                             XCB_GET_PROPERTY_TYPE_ANY, 0, maximumOffers);
         m_connection.whenReplied(cookie, [this, attempt = std::weak_ptr(m_attempt)](auto answer) {
             if (!attempt.expired()) {
                 handleTargets(std::move(answer));
@@ -139,21 +143,16 @@ void X11SelectionReader::handleTargets(X11Reply<xcb_get_property_reply_t> answer
 }
 
 void X11SelectionReader::askForAll(const std::vector<xcb_atom_t> &targets) {
-    (void)m_connection.atomNames(targets); // one round trip for all
-    for (const xcb_atom_t target : targets) {
-        if (m_transfers.size() < maximumTypes && isContent(target) && transfer(target) == nullptr) {
-            m_transfers.emplace_back().value.target = target;
-            askFor(target);
+    const std::vector<QString> names = m_connection.atomNames(targets); // one round trip for all
+    for (std::size_t i = 0; i < targets.size() && m_transfers.size() < maximumTypes; ++i) {
+        if (isContent(names[i]) && transfer(targets[i]) == nullptr) {
+            m_transfers.emplace_back().value.target = targets[i];
+            askFor(targets[i]);
         }
     }
     if (m_transfers.empty()) {
         finish(true);
     }
-}
-
-bool X11SelectionReader::isContent(xcb_atom_t target) {
-    const QString name = m_connection.atomNames({target}).front();
-    return !name.isEmpty() && std::ranges::find(notContent, name) == notContent.end();
 }
 
 X11SelectionReader::Transfer *X11SelectionReader::transfer(xcb_atom_t target) {
@@ -177,11 +176,18 @@ void X11SelectionReader::fetch(const Transfer &transfer) {
     });
 }
 
+/// Believes the owner within limits: many types may be announced large at once.
+void X11SelectionReader::makeRoom(QByteArray &data, qsizetype wanted) {
+    const qsizetype room = std::min({wanted, largestReservation, maximumBytes - m_reserved});
+    m_reserved += room;
+    data.reserve(room);
+}
+
 void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_reply_t &answer) {
     X11SelectionValue &value = transfer.value;
     if (transfer.stage == Stage::asked && answer.type == m_connection.atom("INCR")) {
         transfer.stage = Stage::incremental;
-        value.data.reserve(std::min(announcedSize(answer), maximumBytes - m_total));
+        makeRoom(value.data, announcedSize(answer));
         return;
     }
     if (answer.type == XCB_NONE) {
@@ -202,8 +208,8 @@ void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
     }
     value.type = answer.type;
     value.format = answer.format;
-    if (value.data.isEmpty()) {
-        value.data.reserve(std::max<qsizetype>(value.data.capacity(), length + qsizetype{answer.bytes_after}));
+    if (transfer.stage == Stage::asked && transfer.offset == 0) {
+        makeRoom(value.data, length + qsizetype{answer.bytes_after});
     }
     value.data.append(static_cast<const char *>(xcb_get_property_value(&answer)), length);
     const bool isEnd = length == 0 && transfer.offset == 0;

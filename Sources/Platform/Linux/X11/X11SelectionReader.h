@@ -49,9 +49,9 @@ class X11SelectionReader {
     void handleNotify(const xcb_selection_notify_event_t &notify);
     void handleTargets(X11Reply<xcb_get_property_reply_t> answer);
     void askForAll(const std::vector<xcb_atom_t> &targets);
-    [[nodiscard]] bool isContent(xcb_atom_t target);
     [[nodiscard]] Transfer *transfer(xcb_atom_t target);
     void fetch(const Transfer &transfer);
+    void makeRoom(QByteArray &data, qsizetype wanted);
     void receive(Transfer &transfer, const xcb_get_property_reply_t &answer);
     void settle(Transfer &transfer, Stage stage);
     void handleDeadline();
@@ -64,6 +64,8 @@ class X11SelectionReader {
     xcb_window_t m_window = XCB_NONE;
     std::vector<Transfer> m_transfers;
     qsizetype m_total = 0;
+    /// The room that was made for what is still to come.
+    qsizetype m_reserved = 0;
     int m_attempts = 0;
     bool m_isExtended = false;
     QTimer m_stall;
