@@ -13,6 +13,10 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <sched.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace quillory::test {
 
@@ -97,6 +101,36 @@ TEST(Applications, ProcessesAreRecognised) {
     for (const qint32 nobody : {0, -1, 0x7fffffff}) {
         EXPECT_FALSE(workspace.runningApplication(nobody)) << nobody;
     }
+}
+
+TEST(Applications, SandboxesTellWhoIsInThem) {
+    const QTemporaryDir root;
+    const pid_t sandboxed = ::fork();
+    if (sandboxed == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        const bool mayChangeRoot = ::geteuid() == 0 || ::unshare(CLONE_NEWUSER) == 0;
+        ::_exit(mayChangeRoot && ::chroot(root.path().toLocal8Bit().constData()) == 0 ? ::pause() : 1);
+    }
+    const auto link = u"/proc/%1/root"_qs.arg(sandboxed);
+    if (!waitUntil([&] { return QFile::symLinkTarget(link) == QFileInfo(root.path()).canonicalFilePath(); }, 2000)) {
+        GTEST_SKIP() << "this user may not change the root of a process";
+    }
+    const auto identifierNow = [sandboxed] {
+        LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), DesktopEntries(QStringList()));
+        return identifier(workspace, sandboxed).toStdString();
+    };
+    const std::pair<const char *, const char *> cases[]{
+        {"org.mozilla.firefox", "org.mozilla.firefox"}, {"org.chromium.Chromium", "org.chromium.Chromium"},
+        {"com.google.Chrome", "com.google.Chrome"},     {"com.microsoft.Edge", "com.microsoft.edgemac"},
+        {"com.brave.Browser", "com.brave.Browser"},     {"com.vivaldi.Vivaldi", "com.vivaldi.Vivaldi"},
+        {"com.opera.Opera", "com.operasoftware.Opera"}, {"com.rtosta.zapzap", "net.whatsapp.zapzap"}};
+    for (const auto &[name, identifier] : cases) {
+        put(root, u".flatpak-info"_qs, "[Application]\nname=" + QByteArray(name) + "\nruntime=runtime/a/b/c\n");
+        EXPECT_EQ(identifierNow(), identifier);
+    }
+    QFile::remove(root.filePath(u".flatpak-info"_qs));
+    ASSERT_EQ(::mkfifo(root.filePath(u".flatpak-info"_qs).toLocal8Bit().constData(), 0600), 0);
+    EXPECT_EQ(identifierNow(), "(none)") << "a pipe must not be waited for";
 }
 
 TEST(Applications, AProcessThatChangesIsSeenAnew) {

@@ -9,6 +9,7 @@
 #include <array>
 #include <climits>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace platform::desktop::processes {
@@ -16,9 +17,16 @@ namespace platform::desktop::processes {
 namespace {
 constexpr qint64 longestFile = 1 << 18;
 
+/// A process may have put what it likes into a root of its own; a pipe that nobody writes to must not be waited for.
 QByteArray contentOf(qint32 pid, const char *name) {
-    QFile file(QStringLiteral("/proc/%1/%2").arg(pid).arg(QLatin1StringView(name)));
-    return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ? file.read(longestFile) : QByteArray();
+    const QByteArray path = "/proc/" + QByteArray::number(pid) + '/' + name;
+    constexpr int withoutWaiting = O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
+    const FileDescriptor descriptor(::open(path.constData(), O_RDONLY | O_CLOEXEC | withoutWaiting));
+    struct stat status {};
+    const bool isFile = descriptor && ::fstat(descriptor.get(), &status) == 0 && S_ISREG(status.st_mode);
+    QFile file;
+    const bool isOpen = isFile && file.open(descriptor.get(), QIODevice::ReadOnly | QIODevice::Unbuffered);
+    return isOpen ? file.read(longestFile) : QByteArray();
 }
 
 /// Without the room that the other files may need: this one is read again and again.
