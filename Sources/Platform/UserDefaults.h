@@ -24,9 +24,10 @@ class UserDefaults {
     /// 0 when there is no value.
     [[nodiscard]] virtual qint64 integer(const QString &key) const = 0;
     [[nodiscard]] virtual std::optional<QByteArray> data(const QString &key) const = 0;
-    /// Stores a value; false when it could not be saved to disk (it holds in memory all the same).
+    /// Stores a value; false when it is known not to have been saved to disk (it holds in memory all the same).
     virtual bool set(const QString &key, const DefaultsValue &value) = 0;
-    /// Forgets a stored value, so that the registered default shows again; false when that could not be saved.
+    /// Forgets a stored value, so that the registered default shows again; false when that is known not to have
+    /// been saved.
     virtual bool remove(const QString &key) = 0;
 };
 

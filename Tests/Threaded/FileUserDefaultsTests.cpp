@@ -17,6 +17,7 @@
 namespace quillory::test {
 
 using platform::desktop::FileUserDefaults;
+using platform::desktop::Saving;
 using testing::internal::CaptureStderr;
 using testing::internal::GetCapturedStderr;
 
@@ -237,6 +238,40 @@ TEST_F(FileUserDefaultsTest, WhatCannotBeSavedHoldsInMemory) {
     FileUserDefaults later(folder);
     EXPECT_EQ(later.integer(u"minChars"_qs), 3);
     EXPECT_EQ(later.string(u"businessProfile"_qs).value_or(QString()).size(), 5000);
+}
+
+TEST_F(FileUserDefaultsTest, TheProgramDoesNotWaitForTheDisk) {
+    QDir().mkpath(folder);
+    {
+        QFile lock(path + u".lock"_qs); // of another writer, which hangs
+        ASSERT_TRUE(lock.open(QIODevice::ReadWrite));
+        ASSERT_EQ(::flock(lock.handle(), LOCK_EX | LOCK_NB), 0);
+        CaptureStderr();
+        {
+            FileUserDefaults store(folder, Saving::inBackground);
+            EXPECT_TRUE(store.set(u"tone"_qs, u"Concise"_qs));
+            EXPECT_EQ(store.string(u"tone"_qs), u"Concise"_qs);
+        }
+        EXPECT_EQ(QByteArray::fromStdString(GetCapturedStderr()).count('\n'), 1) << "the end is not waited for long";
+    }
+    putOnDisk("{\"tone\": ");
+    qint64 last = 0;
+    CaptureStderr();
+    {
+        FileUserDefaults store(folder, Saving::inBackground);
+        EXPECT_EQ(store.string(u"tone"_qs), std::nullopt);
+        QByteArray seen = onDisk();
+        for (int saves = 0; saves < 5; ++last) { // most while the one before is being saved
+            EXPECT_TRUE(store.set(u"minChars"_qs, last));
+            const QByteArray now = onDisk();
+            EXPECT_EQ(store.integer(u"minChars"_qs), last);
+            saves += std::exchange(seen, now) != now ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(QByteArray::fromStdString(GetCapturedStderr()).count('\n'), 1);
+    ASSERT_EQ(keptAside().size(), 1);
+    EXPECT_EQ(onDisk(keptAside().first()), "{\"tone\": ");
+    EXPECT_EQ(FileUserDefaults(folder).integer(u"minChars"_qs), last - 1);
 }
 
 TEST_F(FileUserDefaultsTest, LinksStay) {

@@ -29,7 +29,7 @@ struct LinuxPlatform::Private {
 
     QtMainQueue mainQueue;
     LinuxProcess process;
-    FileUserDefaults userDefaults;
+    FileUserDefaults userDefaults{folders::configuration(), Saving::inBackground};
     CurlURLSession urlSession;
     std::unique_ptr<X11Connection> connection;
     X11Screens screens{*connection};

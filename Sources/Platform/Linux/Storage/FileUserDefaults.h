@@ -2,10 +2,8 @@
 #pragma once
 
 #include "Platform/Linux/Folders.h"
-#include "Platform/Linux/Storage/SettingsDocument.h"
-#include "Platform/Linux/Storage/SettingsFile.h"
+#include "Platform/Linux/Storage/StoredSettings.h"
 
-#include <chrono>
 #include <mutex>
 
 namespace platform::desktop {
@@ -14,11 +12,12 @@ namespace platform::desktop {
 /// write changes its own key on top of what is on disk at that moment, and a read sees what others wrote, since it
 /// looks at the file's stamp first (2 microseconds). What cannot be saved holds in memory and is saved with the
 /// next write that succeeds. A file that is no settings document is renamed, with a line on standard error, and never
-/// overwritten.
+/// overwritten. The running program saves in the background, so that neither a read nor a write waits; a command, whose
+/// exit status tells whether a value was saved, does so at once.
 class FileUserDefaults final : public UserDefaults {
   public:
     /// Reads the file in this folder at once; the folder is made with the first write.
-    explicit FileUserDefaults(const QString &folder = folders::configuration());
+    explicit FileUserDefaults(const QString &folder = folders::configuration(), Saving saving = Saving::atOnce);
 
     void registerDefaults(const std::map<QString, DefaultsValue> &defaults) override;
     [[nodiscard]] std::optional<QString> string(const QString &key) const override;
@@ -29,41 +28,10 @@ class FileUserDefaults final : public UserDefaults {
     bool remove(const QString &key) override;
 
   private:
-    /// What is known of the file. Everything in it is used under the mutex.
-    class Cache {
-      public:
-        explicit Cache(const QString &folder);
-        /// The stored value; absent where there is none. A value that is not of the wanted type is one.
-        [[nodiscard]] const DefaultsValue *find(const QString &key) const;
-        /// Catches up with what others wrote.
-        void refresh();
-        /// Takes a change and saves all that are unsaved, waiting so long for another writer.
-        bool change(const QString &key, const std::optional<DefaultsValue> &value);
-
-      private:
-        bool save(std::chrono::milliseconds longestWait);
-        void load();
-        void adopt(settingsDocument::Values values, const std::optional<FileStamp> &stamp);
-        bool keepAside(const SettingsFile::Lock &lock);
-        void complain(const std::optional<FileStamp> &stamp, const std::optional<QString> &newPath);
-        [[nodiscard]] bool mayBecomeWhole(const SettingsFile::Content &content) const;
-
-        SettingsFile m_file;
-        settingsDocument::Values m_onDisk;
-        settingsDocument::Changes m_unsaved;
-        std::chrono::steady_clock::time_point m_nextTry;
-        /// Of the content in m_onDisk.
-        std::optional<FileStamp> m_stamp;
-        /// Whether m_stamp may also be that of a later content.
-        bool m_stampIsFresh = false;
-        bool m_hadContent = false;
-        bool m_hasComplained = false;
-    };
-
     template <typename T> std::optional<T> value(const QString &key) const;
 
+    mutable StoredSettings m_stored;
     mutable std::mutex m_mutex;
-    mutable Cache m_cache;
     settingsDocument::Values m_registered;
 };
 

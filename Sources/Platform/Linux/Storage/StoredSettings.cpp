@@ -1,0 +1,198 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Storage/StoredSettings.h"
+
+#include "Platform/Linux/StandardError.h"
+
+#include <utility>
+
+namespace platform::desktop {
+
+namespace {
+using Content = SettingsFile::Content;
+using namespace std::chrono_literals;
+
+/// File times move in steps of some milliseconds: two states within one step can look the same.
+constexpr auto coarsestFileTime = 50ms;
+/// An editor may write a file in several pieces; for so long a broken one may still become whole.
+constexpr auto longestPartialWrite = 2s;
+constexpr auto longestWaitOfAWrite = 200ms;
+constexpr auto pauseBetweenTries = 5s;
+
+std::chrono::nanoseconds age(const FileStamp &stamp) {
+    return std::chrono::abs(std::chrono::system_clock::now().time_since_epoch() -
+                            std::chrono::nanoseconds(stamp.modified));
+}
+
+/// The values of a file; none for a file that is not there, absent for one that can't be taken for settings.
+std::optional<settingsDocument::Values> valuesOf(const Content &content) {
+    switch (content.state) {
+    case Content::State::absent:
+        return settingsDocument::Values();
+    case Content::State::readable:
+        return settingsDocument::values(content.bytes);
+    default:
+        return std::nullopt;
+    }
+}
+
+/// What a file holds after changes on top of its content; absent when that failed.
+std::optional<Content> written(const SettingsFile &file, const Content &content,
+                               const settingsDocument::Changes &changes, const SettingsFile::Lock &lock) {
+    if (changes.empty()) {
+        return content;
+    }
+    if (!lock) {
+        return std::nullopt;
+    }
+    const QByteArray merged = settingsDocument::merged(content.bytes, changes);
+    const std::optional<FileStamp> stamp = merged == content.bytes ? content.stamp : file.replace(merged, lock);
+    return stamp ? std::optional(Content{Content::State::readable, merged, stamp}) : std::nullopt;
+}
+} // namespace
+
+StoredSettings::StoredSettings(const QString &folder, Saving saving) : m_file(folder), m_saving(saving) {
+    load();
+    if (saving == Saving::inBackground) {
+        m_saver = std::jthread([this](const std::stop_token &stop) { saveInBackground(stop); });
+    }
+}
+
+std::optional<DefaultsValue> StoredSettings::value(const QString &key) {
+    std::unique_lock lock(m_mutex);
+    if (m_stampIsFresh || m_file.stamp() != m_stamp) {
+        load();
+    }
+    if (m_isBroken && m_saving == Saving::inBackground) {
+        m_work.notify_one();
+    } else if (m_isBroken) {
+        lock.unlock();
+        save();
+        lock.lock();
+    }
+    if (const auto unsaved = m_unsaved.find(key); unsaved != m_unsaved.end()) {
+        return unsaved->second;
+    }
+    const auto found = m_onDisk.find(key);
+    return found == m_onDisk.end() ? std::nullopt : std::optional(found->second);
+}
+
+bool StoredSettings::change(const QString &key, const std::optional<DefaultsValue> &value) {
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_unsaved.insert_or_assign(key, value);
+    }
+    if (m_saving == Saving::atOnce) {
+        return save();
+    }
+    m_work.notify_one();
+    return true;
+}
+
+void StoredSettings::load() {
+    const Content content = m_file.read();
+    if (auto values = valuesOf(content)) {
+        adopt(*std::move(values), content.stamp);
+    } else if (mayBecomeWhole(content)) {
+        m_stampIsFresh = true;
+    } else {
+        forget(content.stamp);
+        m_isBroken = true;
+    }
+}
+
+bool StoredSettings::mayBecomeWhole(const Content &content) const {
+    return m_hadContent && content.stamp && age(*content.stamp) < longestPartialWrite;
+}
+
+void StoredSettings::adopt(settingsDocument::Values values, const std::optional<FileStamp> &stamp) {
+    m_onDisk = std::move(values);
+    m_stamp = stamp;
+    m_stampIsFresh = stamp && age(*stamp) < coarsestFileTime;
+    m_hadContent = stamp.has_value();
+    m_isBroken = false;
+}
+
+/// Lets the defaults hold for as long as the file looks like this.
+void StoredSettings::forget(const std::optional<FileStamp> &stamp) {
+    m_onDisk.clear();
+    m_stamp = stamp;
+    m_stampIsFresh = false;
+    m_hadContent = false;
+    m_isBroken = false;
+}
+
+/// Saves all that is unsaved on top of what is on disk now, after a broken file has been got out of the way.
+bool StoredSettings::save() {
+    const std::scoped_lock oneAtATime(m_saveMutex);
+    const auto changes = [this] {
+        const std::scoped_lock lock(m_mutex);
+        return m_unsaved;
+    }();
+    const SettingsFile::Lock fileLock(m_file, longestWaitOfAWrite);
+    Content content = m_file.read();
+    if (!valuesOf(content)) {
+        if (!moveAside(content, fileLock)) {
+            return false;
+        }
+        content = {};
+    }
+    const std::optional<Content> saved = written(m_file, content, changes, fileLock);
+    if (!saved) {
+        return false;
+    }
+    const std::scoped_lock lock(m_mutex);
+    std::erase_if(m_unsaved, [&changes](const auto &unsaved) { // what came meanwhile is still to be saved
+        const auto done = changes.find(unsaved.first);
+        return done != changes.end() && done->second == unsaved.second;
+    });
+    adopt(valuesOf(*saved).value_or(settingsDocument::Values()), saved->stamp);
+    return true;
+}
+
+/// Gets a file out of the way that can't be taken for settings, and lets the defaults hold. False when it stays: it
+/// must not be written to then.
+bool StoredSettings::moveAside(const Content &content, const SettingsFile::Lock &fileLock) {
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (mayBecomeWhole(content)) {
+            return false;
+        }
+    }
+    const bool isMovable = fileLock && content.state != Content::State::unreadable;
+    const std::optional<QString> newPath = isMovable ? m_file.moveAside(fileLock) : std::nullopt;
+    {
+        const std::scoped_lock lock(m_mutex);
+        forget(newPath ? std::nullopt : content.stamp);
+    }
+    if (!std::exchange(m_hasComplained, !newPath) || content.stamp != m_complainedOf) {
+        sayOnStandardError(
+            QStringLiteral("the settings in %1 cannot be read, so the defaults apply; %2")
+                .arg(m_file.path(), newPath ? QStringLiteral("the file was kept as %1").arg(*newPath)
+                                            : QStringLiteral("the file was left as it is, and no setting can be "
+                                                             "saved")));
+    }
+    m_complainedOf = content.stamp;
+    return newPath.has_value();
+}
+
+void StoredSettings::saveInBackground(const std::stop_token &stop) {
+    bool hasFailed = false;
+    std::unique_lock lock(m_mutex);
+    while (m_work.wait(lock, stop, [this] { return m_isBroken || !m_unsaved.empty(); })) {
+        const bool isLast = stop.stop_requested();
+        lock.unlock();
+        const bool isSaved = save();
+        if (!std::exchange(hasFailed, !isSaved) && !isSaved && !m_hasComplained) {
+            sayOnStandardError(QStringLiteral("the settings in %1 could not be saved yet").arg(m_file.path()));
+        }
+        lock.lock();
+        if (!isSaved && isLast) {
+            return;
+        }
+        if (!isSaved) {
+            m_work.wait_for(lock, stop, pauseBetweenTries, [] { return false; });
+        }
+    }
+}
+
+} // namespace platform::desktop
