@@ -4,15 +4,15 @@
 namespace platform::desktop::atspi {
 
 namespace {
+using namespace std::chrono_literals;
 constexpr auto noTimeout = static_cast<std::uint64_t>(-1);
 // The bus keeps a bounded list of replies that a connection waits for, and an application a bounded queue.
 constexpr std::size_t callsInFlight = 1000;
 constexpr const char *busName = "org.freedesktop.DBus";
-
-std::uint64_t microsecondsUntil(Deadline deadline) {
-    const auto left = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
-    return left > 0 ? static_cast<std::uint64_t>(left) : 0;
-}
+// Signals can come faster than they are handled; the clock and other work get their turn in between.
+constexpr int messagesInOneGo = 200;
+// Who had less time than this to answer may only be busy.
+constexpr auto shortestSilence = 100ms;
 
 int runHandler(sd_bus_message *message, void *userdata, sd_bus_error *) {
     (*static_cast<Connection::SignalHandler *>(userdata))(message);
@@ -53,7 +53,7 @@ struct Connection::Ping {
     }
 };
 
-Connection::Connection(const std::string &address) {
+Connection::Connection(const std::string &address, const StopSignal &stop) : m_stop(stop) {
     sd_bus *bus = nullptr;
     if (sd_bus_new(&bus) < 0) {
         return;
@@ -77,29 +77,35 @@ Connection::Connection(const std::string &address) {
 Connection::~Connection() = default;
 
 bool Connection::isOpen() const {
-    return m_bus != nullptr && sd_bus_is_open(m_bus.get()) > 0;
+    return m_bus != nullptr && !m_stop.isRequested() && sd_bus_is_open(m_bus.get()) > 0;
 }
 
 bool Connection::process() {
-    if (!isOpen()) {
-        return false;
-    }
-    int handled = 0;
-    while ((handled = sd_bus_process(m_bus.get(), nullptr)) > 0) {
-    }
+    const bool isWell = handleArrived();
     for (const auto &name : std::exchange(m_answering, {})) {
         m_silent.erase(name);
     }
-    return handled >= 0 && isOpen();
+    return isWell && isOpen();
 }
 
-bool Connection::waitFor(Deadline deadline) {
-    const int handled = isOpen() ? sd_bus_process(m_bus.get(), nullptr) : -1;
-    if (handled != 0) {
-        return handled > 0;
+bool Connection::handleArrived() {
+    int handled = isOpen() ? 1 : -1;
+    for (int i = 0; i < messagesInOneGo && handled > 0; ++i) {
+        handled = sd_bus_process(m_bus.get(), nullptr);
     }
-    const auto left = microsecondsUntil(deadline);
-    return left > 0 && sd_bus_wait(m_bus.get(), left) > 0;
+    return handled >= 0;
+}
+
+// Handles a message, or waits for one. False when the time is up or the connection is lost.
+bool Connection::waitFor(Deadline deadline) {
+    if (!isOpen() || Clock::now() >= deadline) {
+        return false;
+    }
+    const int handled = sd_bus_process(m_bus.get(), nullptr);
+    if (handled == 0) {
+        waitForActivity({m_bus.get()}, m_stop.descriptor(), deadline);
+    }
+    return handled >= 0;
 }
 
 MessagePtr Connection::build(const Call &call) const {
@@ -130,7 +136,8 @@ void Connection::sendPart(const Call &call, Batch &batch, std::size_t index) {
 
 std::vector<Reply> Connection::callAll(const std::vector<Call> &calls, Deadline deadline) {
     std::vector<Reply> replies(calls.size());
-    if (!isOpen() || calls.empty()) {
+    const auto begin = Clock::now();
+    if (!isOpen() || calls.empty() || begin >= deadline) {
         return replies;
     }
     Batch batch(calls.size());
@@ -140,12 +147,20 @@ std::vector<Reply> Connection::callAll(const std::vector<Call> &calls, Deadline 
         while (inTime && batch.outstanding >= callsInFlight) {
             inTime = waitFor(deadline);
         }
-        sendPart(calls[i], batch, i);
+        if (inTime) {
+            sendPart(calls[i], batch, i);
+        }
     }
     while (inTime && batch.outstanding > 0) {
         inTime = waitFor(deadline);
     }
-    leaveSilentOnesAlone(calls, batch);
+    if (batch.outstanding > 0) {
+        // What came while this thread had no turn came in time.
+        handleArrived();
+    }
+    if (Clock::now() - begin >= shortestSilence) {
+        leaveSilentOnesAlone(calls, batch);
+    }
     for (std::size_t i = 0; i < calls.size(); ++i) {
         replies[i] = std::move(batch.parts[i].reply);
     }

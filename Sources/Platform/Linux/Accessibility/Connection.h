@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
-#include "Platform/Linux/Accessibility/Message.h"
+#include "Platform/Linux/Accessibility/Waiting.h"
 
 #include <functional>
 #include <map>
@@ -16,8 +16,9 @@ class Connection {
   public:
     using SignalHandler = std::function<void(sd_bus_message *)>;
 
-    /// Connects to a bus address; whether that worked shows in isOpen() and in the answers.
-    explicit Connection(const std::string &address);
+    /// Connects to a bus address; whether that worked shows in isOpen() and in the answers. stop ends every wait; from
+    /// then on the connection counts as closed.
+    Connection(const std::string &address, const StopSignal &stop);
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
     ~Connection();
@@ -25,11 +26,11 @@ class Connection {
     [[nodiscard]] bool isOpen() const;
     /// For waiting on activity together with others.
     [[nodiscard]] sd_bus *bus() const { return m_bus.get(); }
-    /// Handles what has arrived, without waiting; false once the connection is lost.
+    /// Handles what has arrived, without waiting, and a bounded part of it; false once the connection is lost.
     bool process();
 
     /// Sends all the calls, then waits for their answers until the deadline. An answer per call, in their order; an
-    /// empty one where nothing came.
+    /// empty one where nothing came. After the deadline nothing is sent.
     std::vector<Reply> callAll(const std::vector<Call> &calls, Deadline deadline);
     Reply call(Call call, Deadline deadline);
     /// Sends a call whose answer nobody waits for.
@@ -53,6 +54,7 @@ class Connection {
   private:
     struct Batch;
     struct Ping;
+    bool handleArrived();
     bool waitFor(Deadline deadline);
     void sendPart(const Call &call, Batch &batch, std::size_t index);
     void leaveSilentOnesAlone(const std::vector<Call> &calls, const Batch &batch);
@@ -60,6 +62,7 @@ class Connection {
     void forget(const std::string &name);
     [[nodiscard]] MessagePtr build(const Call &call) const;
 
+    const StopSignal &m_stop;
     BusPtr m_bus;
     std::vector<SlotPtr> m_matches;
     std::vector<std::unique_ptr<SignalHandler>> m_handlers;

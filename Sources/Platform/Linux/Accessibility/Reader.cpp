@@ -2,9 +2,7 @@
 #include "Platform/Linux/Accessibility/Reader.h"
 
 #include <algorithm>
-#include <poll.h>
 #include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace platform::desktop::atspi {
 
@@ -32,16 +30,13 @@ void WaitBudget::spend(Clock::time_point from, Clock::time_point to) {
 }
 
 Reader::Reader(std::string sessionBusAddress, qint32 ownPid) : m_wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    m_thread = std::jthread([this, address = std::move(sessionBusAddress), ownPid](const std::stop_token &stop) {
-        run(stop, address, ownPid);
-    });
+    m_thread = std::jthread([this, address = std::move(sessionBusAddress), ownPid] { run(address, ownPid); });
 }
 
 Reader::~Reader() {
-    m_thread.request_stop();
+    m_stop.request();
     wake();
     m_thread.join();
-    close(m_wakeUp);
 }
 
 void Reader::post(std::function<void(Session &)> work) {
@@ -53,41 +48,28 @@ void Reader::post(std::function<void(Session &)> work) {
 }
 
 void Reader::wake() const {
-    eventfd_write(m_wakeUp, 1);
+    eventfd_write(m_wakeUp.get(), 1);
 }
 
 std::deque<std::function<void(Session &)>> Reader::takeJobs() {
     eventfd_t count = 0;
-    eventfd_read(m_wakeUp, &count);
+    eventfd_read(m_wakeUp.get(), &count);
     const std::scoped_lock lock(m_mutex);
     return std::exchange(m_jobs, {});
 }
 
-void Reader::run(const std::stop_token &stop, std::string sessionBusAddress, qint32 ownPid) {
-    Session session(std::move(sessionBusAddress), ownPid, m_board);
-    while (!stop.stop_requested()) {
+void Reader::run(std::string sessionBusAddress, qint32 ownPid) {
+    Session session(std::move(sessionBusAddress), ownPid, m_board, m_stop);
+    while (!m_stop.isRequested()) {
         for (const auto &job : takeJobs()) {
+            if (m_stop.isRequested()) {
+                return;
+            }
             job(session);
         }
         session.process();
-        waitForActivity(session);
+        waitForActivity(session.buses(), m_wakeUp.get(), session.nextWake());
     }
-}
-
-void Reader::waitForActivity(const Session &session) const {
-    std::vector<pollfd> activities{{m_wakeUp, POLLIN, 0}};
-    auto until = session.nextWake();
-    for (auto *bus : session.buses()) {
-        const int events = sd_bus_get_events(bus);
-        activities.push_back({sd_bus_get_fd(bus), static_cast<short>(std::max(events, 0)), 0});
-        std::uint64_t due = 0;
-        if (sd_bus_get_timeout(bus, &due) >= 0 && due != static_cast<std::uint64_t>(-1)) {
-            // The library counts on the same monotonic clock, in microseconds.
-            until = std::min(until, Clock::time_point(std::chrono::microseconds(due)));
-        }
-    }
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
-    poll(activities.data(), activities.size(), static_cast<int>(std::clamp<long long>(left, 0, 60'000)));
 }
 
 } // namespace platform::desktop::atspi

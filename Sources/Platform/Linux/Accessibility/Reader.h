@@ -84,16 +84,16 @@ class Reader {
     [[nodiscard]] const Board &board() const { return m_board; }
 
   private:
-    void run(const std::stop_token &stop, std::string sessionBusAddress, qint32 ownPid);
+    void run(std::string sessionBusAddress, qint32 ownPid);
     [[nodiscard]] std::deque<std::function<void(Session &)>> takeJobs();
-    void waitForActivity(const Session &session) const;
     void wake() const;
 
     Board m_board;
     WaitBudget m_budget;
     std::mutex m_mutex;
     std::deque<std::function<void(Session &)>> m_jobs;
-    int m_wakeUp = -1;
+    FileDescriptor m_wakeUp;
+    StopSignal m_stop;
     std::jthread m_thread;
 };
 

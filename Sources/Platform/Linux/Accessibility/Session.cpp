@@ -14,8 +14,9 @@ const ElementRef service{"org.a11y.Bus", "/org/a11y/bus"};
 constexpr const char *statusInterface = "org.a11y.Status";
 } // namespace
 
-Session::Session(std::string sessionBusAddress, qint32 ownPid, Board &board)
-    : m_sessionBusAddress(std::move(sessionBusAddress)), m_ownPid(ownPid), m_board(board), m_retryAt(Clock::now()) {}
+Session::Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop)
+    : m_sessionBusAddress(std::move(sessionBusAddress)), m_ownPid(ownPid), m_board(board), m_stop(stop),
+      m_retryAt(Clock::now()) {}
 
 void Session::process() {
     if (m_session != nullptr && !m_session->process()) {
@@ -60,7 +61,7 @@ void Session::connectSession() {
     if (m_session != nullptr) {
         return;
     }
-    auto session = std::make_unique<Connection>(m_sessionBusAddress);
+    auto session = std::make_unique<Connection>(m_sessionBusAddress, m_stop);
     if (!session->isOpen()) {
         return;
     }
@@ -81,7 +82,7 @@ void Session::connectAccessibility() {
     if (!address || address->isEmpty()) {
         return;
     }
-    auto bus = std::make_unique<Connection>(address->toStdString());
+    auto bus = std::make_unique<Connection>(address->toStdString(), m_stop);
     const auto answer =
         bus->call(calls::method({"org.freedesktop.DBus", "/org/freedesktop/DBus"}, "org.freedesktop.DBus", "GetId"),
                   Clock::now() + serviceTime);

@@ -35,7 +35,8 @@ class Board {
 /// when it is lost.
 class Session {
   public:
-    Session(std::string sessionBusAddress, qint32 ownPid, Board &board);
+    /// stop ends every wait.
+    Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop);
 
     /// Handles what has arrived and does what is due.
     void process();
@@ -61,6 +62,7 @@ class Session {
     std::string m_sessionBusAddress;
     qint32 m_ownPid;
     Board &m_board;
+    const StopSignal &m_stop;
     std::unique_ptr<Connection> m_session;
     std::unique_ptr<Connection> m_bus;
     std::unique_ptr<FocusTracker> m_focus;
