@@ -7,8 +7,9 @@ namespace {
 using namespace std::chrono_literals;
 constexpr auto retryPause = 1s;
 constexpr auto serviceTime = 500ms;
-// The first question may have to start the service.
+// For a question that may have to start the service first.
 constexpr auto startTime = 2s;
+constexpr auto startPause = 1min;
 
 const ElementRef service{"org.a11y.Bus", "/org/a11y/bus"};
 constexpr const char *statusInterface = "org.a11y.Status";
@@ -23,16 +24,10 @@ void Session::process() {
         m_session.reset();
     }
     if (m_bus != nullptr && !m_bus->process()) {
-        m_focus.reset();
-        m_bus.reset();
-        m_board.setFocus({});
-        m_retryAt = Clock::now() + retryPause;
+        loseAccessibility();
     }
     if ((m_session == nullptr || m_bus == nullptr) && Clock::now() >= m_retryAt) {
-        m_retryAt = Clock::now() + retryPause;
-        connectSession();
-        connectAccessibility();
-        m_isFirstAttempt = false;
+        connect();
     }
     if (m_session != nullptr && std::exchange(m_mustReadEnabled, false)) {
         readEnabled(false);
@@ -57,7 +52,26 @@ std::vector<sd_bus *> Session::buses() const {
     return buses;
 }
 
-void Session::connectSession() {
+void Session::connect() {
+    const bool mayStart = Clock::now() >= m_startAt;
+    connectSession(mayStart);
+    connectAccessibility(mayStart);
+    if (mayStart && m_session != nullptr) {
+        m_startAt = Clock::now() + startPause;
+    }
+    m_retryAt = Clock::now() + retryPause;
+}
+
+// Another bus hands out the same names again: nothing that is known by them may outlive this one.
+void Session::loseAccessibility() {
+    m_focus.reset();
+    m_bus.reset();
+    m_subtrees = {};
+    m_board.setFocus({});
+    m_retryAt = Clock::now() + retryPause;
+}
+
+void Session::connectSession(bool mayStart) {
     if (m_session != nullptr) {
         return;
     }
@@ -68,17 +82,17 @@ void Session::connectSession() {
     m_session = std::move(session);
     m_session->match("type='signal',path='/org/a11y/bus',member='PropertiesChanged',arg0='org.a11y.Status'",
                      [this](sd_bus_message *) { m_mustReadEnabled = true; });
-    readEnabled(m_isFirstAttempt);
+    readEnabled(mayStart);
 }
 
-void Session::connectAccessibility() {
+void Session::connectAccessibility(bool mayStart) {
     if (m_session == nullptr || m_bus != nullptr) {
         return;
     }
     auto question = calls::method(service, "org.a11y.Bus", "GetAddress");
-    question.mayStart = m_isFirstAttempt;
+    question.mayStart = mayStart;
     const auto address =
-        m_session->call(std::move(question), Clock::now() + (m_isFirstAttempt ? startTime : serviceTime)).string();
+        m_session->call(std::move(question), Clock::now() + (mayStart ? startTime : serviceTime)).string();
     if (!address || address->isEmpty()) {
         return;
     }
@@ -103,12 +117,11 @@ void Session::readEnabled(bool mayStart) {
 
 void Session::decide() {
     m_board.isTrusted = m_bus != nullptr && m_isEnabled;
-    m_board.isDecided = true;
 }
 
 void Session::enable() {
     if (m_session == nullptr) {
-        connectSession();
+        connectSession(true);
     }
     if (m_session == nullptr) {
         return;

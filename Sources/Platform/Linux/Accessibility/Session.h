@@ -21,9 +21,8 @@ class Board {
         m_focus = focus;
     }
 
-    /// Whether the bus answers and accessibility is on for the session; and whether that has been found out yet.
+    /// Whether the bus answers and accessibility is on for the session.
     std::atomic<bool> isTrusted = false;
-    std::atomic<bool> isDecided = false;
 
   private:
     mutable std::mutex m_mutex;
@@ -31,8 +30,8 @@ class Board {
 };
 
 /// Everything that lives on the reader's thread: the two connections and what is known through them. Finds the
-/// accessibility bus by way of the session bus, tries again about once a second while there is none, and starts anew
-/// when it is lost.
+/// accessibility bus by way of the session bus, tries again about once a second while there is none (and has it started
+/// at most once a minute), and starts anew when it is lost.
 class Session {
   public:
     /// stop ends every wait.
@@ -54,8 +53,10 @@ class Session {
     void enable();
 
   private:
-    void connectSession();
-    void connectAccessibility();
+    void connect();
+    void connectSession(bool mayStart);
+    void connectAccessibility(bool mayStart);
+    void loseAccessibility();
     void readEnabled(bool mayStart);
     void decide();
 
@@ -68,7 +69,8 @@ class Session {
     std::unique_ptr<FocusTracker> m_focus;
     SubtreeReader m_subtrees;
     Clock::time_point m_retryAt;
-    bool m_isFirstAttempt = true;
+    /// When the bus may be asked to start the service, again.
+    Clock::time_point m_startAt;
     bool m_isEnabled = false;
     bool m_mustReadEnabled = true;
 };
