@@ -86,7 +86,7 @@ const FieldSnapshot *AccessibilityCore::snapshot(const Handle &element, TextWant
         noteWanted(wanted);
     }
     const bool isRecent = m_recent != nullptr && m_recent->element.ref == element.ref && Clock::now() < m_recentUntil &&
-                          m_recent->wanted >= wanted;
+                          m_recent->covers(wanted);
     if (isRecent) {
         return m_recent.get();
     }

@@ -34,9 +34,7 @@ std::optional<FieldSnapshot> read(Session &session, const Handle &element, TextW
     if (focused && focused->ref == element.ref) {
         const auto askedAt = Clock::now();
         const auto snapshot = session.focus()->refresh(wanted).snapshot;
-        const bool isWhole = snapshot != nullptr && snapshot->takenAt >= askedAt &&
-                             (snapshot->characters || wanted != TextWanted::value || snapshot->value);
-        if (isWhole) {
+        if (snapshot != nullptr && snapshot->takenAt >= askedAt && snapshot->covers(wanted)) {
             return *snapshot;
         }
     }
@@ -126,7 +124,7 @@ std::optional<Handle> focusedWindow(Session &session, qint32 pid) {
     }
     const auto replies = session.connection()->callAll(questions, soon());
     for (std::size_t i = 0; i < windows->size(); ++i) {
-        if (replies[i].states().value_or(States()).has(State::active)) {
+        if (isActiveWindow(replies[i].states().value_or(States()))) {
             return (*windows)[i];
         }
     }

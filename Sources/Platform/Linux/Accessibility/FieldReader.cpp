@@ -12,17 +12,21 @@ constexpr auto factsLifetime = 1s;
 constexpr int countedTextLimit = 8'000;
 } // namespace
 
-void FieldReader::askFacts(Questions &questions) {
-    const auto &ref = m_element.ref;
-    questions.ask(calls::role(ref), [this](const Reply &reply) {
+void FieldReader::askRole(Questions &questions) {
+    questions.ask(calls::role(m_element.ref), [this](const Reply &reply) {
         if (const auto role = reply.number()) {
             m_kind.role = static_cast<Role>(*role);
             m_hasFacts = true;
-            m_factsAt = Clock::now();
         }
     });
-    questions.ask(calls::attributes(ref),
-                  [this](const Reply &reply) { m_kind.attributes = reply.attributes().value_or(Attributes()); });
+}
+
+void FieldReader::askFacts(Questions &questions) {
+    const auto &ref = m_element.ref;
+    questions.ask(calls::attributes(ref), [this](const Reply &reply) {
+        m_kind.attributes = reply.attributes().value_or(Attributes());
+        m_factsAt = reply.isAnswered() ? Clock::now() : m_factsAt;
+    });
     questions.ask(calls::interfaces(ref),
                   [this](const Reply &reply) { m_interfaces = reply.strings().value_or(std::vector<std::string>()); });
     questions.ask(calls::property(ref, accessibleInterface, "ChildCount"),
@@ -34,6 +38,7 @@ FieldSnapshot FieldReader::read(Connection &connection, TextWanted wanted, const
                                 Deadline deadline) {
     FieldSnapshot snapshot{.element = m_element, .takenAt = Clock::now(), .wanted = wanted};
     Questions questions;
+    askRole(questions);
     if (!m_hasFacts || snapshot.takenAt - m_factsAt > factsLifetime) {
         askFacts(questions);
     }
@@ -41,7 +46,8 @@ FieldSnapshot FieldReader::read(Connection &connection, TextWanted wanted, const
         const auto states = reply.states();
         snapshot.isAnswered = states.has_value();
         snapshot.kind.states = states.value_or(States());
-        snapshot.isGone = reply.isGone() || snapshot.kind.states.has(State::defunct);
+        // Some toolkits name a removed element an unknown object, others an unknown method.
+        snapshot.isGone = reply.isError() || snapshot.kind.states.has(State::defunct);
     });
     if (!window.isNull()) {
         questions.ask(calls::states(window), [&](const Reply &reply) { snapshot.windowStates = reply.states(); });
@@ -65,6 +71,10 @@ void FieldReader::readText(Connection &connection, FieldSnapshot &snapshot, Ques
     }
     questions.run(connection, deadline);
     m_kind.states = snapshot.kind.states;
+    if (m_kind.role == Role::passwordText) {
+        // The user hid what is typed. What was asked along just now is dropped unseen; nothing more is asked.
+        m_text.reset();
+    }
     if (snapshot.wanted == TextWanted::nothing || !m_hasFacts || !hasValue()) {
         return;
     }

@@ -27,6 +27,11 @@ struct FieldSnapshot {
     std::optional<QString> placeholder = {};
     std::optional<QString> name = {};
     bool isValueSettable = false;
+
+    /// Whether it has all there is of what is asked for. A long text is counted, but not copied.
+    [[nodiscard]] bool covers(TextWanted text) const {
+        return wanted >= text && (text != TextWanted::value || value || !characters);
+    }
 };
 
 /// Reads one element again and again. What hardly ever changes is remembered for a second, so a read of an element
@@ -42,6 +47,7 @@ class FieldReader {
     void setTextLimit(int characters) { m_textLimit = characters; }
 
   private:
+    void askRole(Questions &questions);
     void askFacts(Questions &questions);
     void readText(Connection &connection, FieldSnapshot &snapshot, Questions &questions, Deadline deadline);
     [[nodiscard]] bool hasValue() const;

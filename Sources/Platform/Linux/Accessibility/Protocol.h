@@ -96,6 +96,11 @@ class States {
     std::uint64_t m_bits = 0;
 };
 
+/// Whether these states are those of an active window. A minimised window of Chromium still calls itself active.
+[[nodiscard]] inline bool isActiveWindow(const States &states) {
+    return states.has(State::active) && !states.has(State::iconified);
+}
+
 using Attributes = std::map<std::string, std::string, std::less<>>;
 
 inline constexpr const char *registryName = "org.a11y.atspi.Registry";

@@ -11,11 +11,18 @@ namespace {
 using namespace std::chrono_literals;
 // Even what seems unchanged is read anew after this time.
 constexpr auto knownLifetime = 5s;
+// How soon after it was left a read goes on without asking again what it knows.
+constexpr auto patience = 1s;
 
 // Whether it is one by its role; the states may yet say that it is a field.
 bool mayBeStaticText(const Kind &kind) {
     const bool isText = kind.role == Role::staticText || kind.role == Role::label || kind.role == Role::text;
     return isText && !kind.hasChildren;
+}
+
+// Nobody reads passwords, nor the leaves that stand for one's characters.
+bool isSecret(const Kind &kind) {
+    return kind.role == Role::passwordText;
 }
 
 bool namesDependOnStates(Role role) {
@@ -28,11 +35,16 @@ bool namesDependOnStates(Role role) {
 struct SubtreeReader::Walk {
     const Tree &tree;
     AXSubtreeLimits limits;
+    bool foldsText;
     std::vector<Step> steps;
     std::vector<ElementRef> unknown;
     std::unordered_set<ElementRef, ElementRefHash> seen;
 
     [[nodiscard]] bool isFull() const { return std::ssize(steps) >= limits.maxNodes; }
+    [[nodiscard]] bool isComplete(const Info &info, int depth) const {
+        const bool needsRuns = foldsText && depth < limits.maxDepth && !isSecret(info.kind);
+        return info.isKnown && info.hasKnownChildren && (info.hasKnownRuns || !needsRuns);
+    }
 
     void visit(const ElementRef &ref, int depth) {
         if (isFull() || depth > limits.maxDepth || !seen.insert(ref).second) {
@@ -44,10 +56,10 @@ struct SubtreeReader::Walk {
             return;
         }
         steps.push_back({depth, ref, nullptr});
-        if (!isKnown || (!found->second.hasKnownChildren && depth < limits.maxDepth)) {
+        if (!isKnown || !isComplete(found->second, depth)) {
             unknown.push_back(ref);
         }
-        if (isKnown) {
+        if (isKnown && !isSecret(found->second.kind)) {
             visitContent(found->second, ref, depth + 1);
         }
     }
@@ -72,46 +84,54 @@ std::vector<SubtreeItem> SubtreeReader::read(Connection &connection, const Eleme
     if (limits.maxNodes <= 0 || limits.maxDepth < 0) {
         return {};
     }
+    Request request{root, limits};
     const QString kindOfToolkit = toolkit(connection, root.bus, deadline);
-    const bool isListed = kindOfToolkit == QLatin1StringView("Chromium");
-    const auto listing = isListed ? list(connection, root, limits.maxNodes, deadline) : Listing();
-    auto tree = begin(connection, root, listing, deadline);
-    while (Clock::now() < deadline && !connection.isSilent(root.bus)) {
-        Walk walk{tree, limits, {}, {}, {}};
+    request.foldsText = kindOfToolkit == QLatin1StringView("Gecko");
+    if (kindOfToolkit == QLatin1StringView("Chromium")) {
+        request.listing = list(connection, root, limits.maxNodes, deadline);
+    }
+    if (Clock::now() >= deadline || connection.isSilent(root.bus)) {
+        return {};
+    }
+    auto tree = begin(connection, request, deadline);
+    auto items = refine(connection, request, tree, deadline);
+    m_known.request = std::move(request);
+    m_known.isWhole = !items.empty();
+    m_known.leftAt = Clock::now();
+    m_known.tree = std::move(tree);
+    return items;
+}
+
+std::vector<SubtreeItem> SubtreeReader::refine(Connection &connection, const Request &request, Tree &tree,
+                                               Deadline deadline) {
+    const auto &root = request.root;
+    while (Clock::now() < deadline && connection.isOpen() && !connection.isSilent(root.bus)) {
+        Walk walk{tree, request.limits, request.foldsText, {}, {}, {}};
         walk.visit(root, 0);
         if (walk.unknown.empty()) {
-            walk.unknown = doubtfulLeaves(walk, listing.texts);
+            walk.unknown = doubtfulLeaves(walk, request.listing.texts);
         }
         if (walk.unknown.empty()) {
             askTexts(connection, tree, walk.steps, deadline);
             walk.unknown = leavesWithChildren(tree, walk.steps);
         }
         if (walk.unknown.empty()) {
-            auto items = finish(connection, tree, walk.steps, deadline);
-            m_known.listing = listing;
-            m_known.tree = std::move(tree);
-            return items;
+            return finish(connection, tree, walk.steps, deadline);
         }
-        Questions questions;
-        askUnknown(questions, tree, walk.unknown, static_cast<std::size_t>(limits.maxNodes),
-                   kindOfToolkit == QLatin1StringView("Gecko"));
-        questions.run(connection, deadline);
+        askUnknown(connection, request, tree, walk.unknown, deadline);
     }
     return {};
 }
 
 QString SubtreeReader::toolkit(Connection &connection, const std::string &bus, Deadline deadline) {
-    const auto known = m_toolkits.find(bus);
-    if (known != m_toolkits.end()) {
-        return known->second;
+    if (bus != m_toolkitOf) {
+        const auto name =
+            connection.call(calls::property({bus, rootPath}, "org.a11y.atspi.Application", "ToolkitName"), deadline)
+                .stringProperty();
+        m_toolkitOf = name ? bus : std::string();
+        m_toolkit = name.value_or(QString());
     }
-    const auto name =
-        connection.call(calls::property({bus, rootPath}, "org.a11y.atspi.Application", "ToolkitName"), deadline)
-            .stringProperty();
-    if (name) {
-        m_toolkits[bus] = *name;
-    }
-    return name.value_or(QString());
+    return m_toolkit;
 }
 
 SubtreeReader::Listing SubtreeReader::list(Connection &connection, const ElementRef &root, int limit,
@@ -124,23 +144,27 @@ SubtreeReader::Listing SubtreeReader::list(Connection &connection, const Element
 }
 
 // What is known before the first question about a single element. If the same elements stand in the same order as a
-// moment ago, nothing has moved between them; only their texts can have changed.
-SubtreeReader::Tree SubtreeReader::begin(Connection &connection, const ElementRef &root, const Listing &listing,
-                                         Deadline deadline) {
-    const bool isSame = m_known.root == root && !listing.all.empty() && m_known.listing == listing &&
-                        Clock::now() - m_known.readAt < knownLifetime;
-    if (isSame) {
+// moment ago, nothing has moved between them; only their texts can have changed. A read that ran out of time goes on.
+SubtreeReader::Tree SubtreeReader::begin(Connection &connection, const Request &request, Deadline deadline) {
+    const auto now = Clock::now();
+    const auto &last = m_known.request;
+    const bool isSame = last.root == request.root && last.listing == request.listing &&
+                        (!last.listing.all.empty() || last.limits == request.limits);
+    if (isSame && !m_known.isWhole && now - m_known.leftAt < patience) {
+        return std::exchange(m_known.tree, {});
+    }
+    if (isSame && !last.listing.all.empty() && now - m_known.begunAt < knownLifetime) {
         auto tree = std::exchange(m_known.tree, {});
-        std::unordered_set<ElementRef, ElementRefHash> listed(listing.all.begin(), listing.all.end());
-        listed.insert(root);
+        std::unordered_set<ElementRef, ElementRefHash> listed(last.listing.all.begin(), last.listing.all.end());
+        listed.insert(request.root);
         std::erase_if(tree, [&](const auto &entry) { return !listed.contains(entry.first); });
         doubtTexts(connection, tree, deadline);
         return tree;
     }
-    m_known = {root, Clock::now(), {}, {}};
+    m_known.begunAt = now;
     // Most elements of a page are text leaves. That the application names them spares two questions about each.
     Tree tree;
-    for (const auto &ref : listing.texts) {
+    for (const auto &ref : request.listing.texts) {
         auto &info = tree[ref];
         info.isKnown = true;
         info.hasKnownChildren = true;
@@ -213,32 +237,54 @@ std::vector<ElementRef> SubtreeReader::doubtfulLeaves(const Walk &walk, const st
     return doubtful;
 }
 
-void SubtreeReader::askUnknown(Questions &questions, Tree &tree, const std::vector<ElementRef> &unknown,
-                               std::size_t maxChildren, bool foldsText) {
+// Text is asked for a round later than the role, when it cannot be a password any more; that is along with the
+// questions about the level below. What is not answered in time stays unknown.
+void SubtreeReader::askUnknown(Connection &connection, const Request &request, Tree &tree,
+                               const std::vector<ElementRef> &unknown, Deadline deadline) {
+    Questions questions;
     for (const auto &ref : unknown) {
         auto &info = tree[ref];
-        info.isKnown = true;
-        info.hasKnownChildren = true;
-        info.isTakenForLeaf = false;
-        questions.ask(calls::role(ref), [&info](const Reply &reply) {
-            info.kind.role = static_cast<Role>(reply.number().value_or(static_cast<std::uint32_t>(Role::unknown)));
-            info.isGone = reply.isGone();
-        });
-        questions.ask(calls::children(ref), [&info, maxChildren](const Reply &reply) {
-            info.children = reply.references(maxChildren).value_or(std::vector<ElementRef>());
-            info.kind.hasChildren = !info.children.empty();
-        });
-        if (foldsText) {
-            questions.ask(calls::text(ref, 0, -1),
-                          [&info](const Reply &reply) { info.runs = textRuns(reply.string().value_or(QString())); });
+        if (std::exchange(info.isTakenForLeaf, false)) {
+            info.isKnown = false;
+            info.hasKnownChildren = false;
+        }
+        if (connection.isSilent(ref.bus)) {
+            info.isKnown = true;
+            info.isGone = true;
+            continue;
+        }
+        if (info.isKnown && request.foldsText && !info.hasKnownRuns && !isSecret(info.kind)) {
+            questions.ask(calls::text(ref, 0, -1), [&info](const Reply &reply) {
+                info.hasKnownRuns = reply.isAnswered();
+                info.runs = textRuns(reply.string().value_or(QString()));
+            });
+        }
+        if (!info.isKnown) {
+            questions.ask(calls::role(ref), [&info](const Reply &reply) {
+                info.isKnown = reply.isAnswered();
+                info.kind.role = static_cast<Role>(reply.number().value_or(static_cast<std::uint32_t>(Role::unknown)));
+                info.isGone = reply.isError();
+            });
+        }
+        if (!info.hasKnownChildren) {
+            const auto most = static_cast<std::size_t>(request.limits.maxNodes);
+            questions.ask(calls::children(ref), [&info, most](const Reply &reply) {
+                info.hasKnownChildren = reply.isAnswered();
+                info.children = reply.references(most).value_or(std::vector<ElementRef>());
+                info.kind.hasChildren = !info.children.empty();
+            });
         }
     }
+    questions.run(connection, deadline);
 }
 
 namespace {
 // What the names of some roles depend on, for the few elements of these roles.
-void askDetails(Questions &questions, const ElementRef &ref, Kind &kind) {
-    questions.ask(calls::states(ref), [&kind](const Reply &reply) { kind.states = reply.states().value_or(States()); });
+void askDetails(Questions &questions, const ElementRef &ref, Kind &kind, bool &isAnswered) {
+    questions.ask(calls::states(ref), [&kind, &isAnswered](const Reply &reply) {
+        kind.states = reply.states().value_or(States());
+        isAnswered = reply.isAnswered();
+    });
     questions.ask(calls::attributes(ref),
                   [&kind](const Reply &reply) { kind.attributes = reply.attributes().value_or(Attributes()); });
 }
@@ -254,15 +300,16 @@ void SubtreeReader::askTexts(Connection &connection, Tree &tree, const std::vect
     Questions texts;
     for (const auto &step : steps) {
         auto &info = tree[step.ref];
-        if (step.run != nullptr || info.text) {
+        if (step.run != nullptr || (info.text && info.hasKnownDetails)) {
             continue;
         }
         if (namesDependOnStates(info.kind.role)) {
-            askDetails(texts, step.ref, info.kind);
+            askDetails(texts, step.ref, info.kind, info.hasKnownDetails);
         }
-        if (mayBeStaticText(info.kind)) {
-            texts.ask(calls::text(step.ref, 0, -1),
-                      [&info](const Reply &reply) { info.text = reply.string().value_or(QString()); });
+        if (mayBeStaticText(info.kind) && !info.text) {
+            texts.ask(calls::text(step.ref, 0, -1), [&info](const Reply &reply) {
+                info.text = reply.isAnswered() ? std::optional(reply.string().value_or(QString())) : std::nullopt;
+            });
         }
     }
     texts.run(connection, deadline);

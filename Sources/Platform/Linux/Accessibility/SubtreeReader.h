@@ -6,7 +6,6 @@
 #include "Platform/Linux/Accessibility/Roles.h"
 #include "Platform/Linux/Accessibility/TextRuns.h"
 
-#include <map>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -25,7 +24,7 @@ struct SubtreeItem {
 /// asks about much more than the limits let through, and what it gives is what the walk would have met.
 class SubtreeReader {
   public:
-    /// Empty when it could not all be read in time.
+    /// Empty when it could not all be read in time; what was read is kept, and the next read goes on from there.
     std::vector<SubtreeItem> read(Connection &connection, const ElementRef &root, AXSubtreeLimits limits,
                                   Deadline deadline);
 
@@ -33,6 +32,8 @@ class SubtreeReader {
     struct Info {
         bool isKnown = false;
         bool hasKnownChildren = false;
+        bool hasKnownRuns = false;
+        bool hasKnownDetails = false;
         bool isGone = false;
         /// Named as a text by the application's own search; taken for one without children until it turns out to
         /// have some.
@@ -52,29 +53,41 @@ class SubtreeReader {
     using Tree = std::unordered_map<ElementRef, Info, ElementRefHash>;
     struct Walk;
 
-    [[nodiscard]] QString toolkit(Connection &connection, const std::string &bus, Deadline deadline);
     /// What an application's own search tells of a subtree, in the order of a walk.
     struct Listing {
         std::vector<ElementRef> all;
         std::vector<ElementRef> texts;
         friend bool operator==(const Listing &, const Listing &) = default;
     };
-    /// The last read of a subtree that could be listed.
-    struct Known {
+    /// What is to be read.
+    struct Request {
         ElementRef root;
-        Clock::time_point readAt;
-        Listing listing;
+        AXSubtreeLimits limits;
+        /// Empty where the application cannot search.
+        Listing listing = {};
+        /// The texts of a block stand in the block's own.
+        bool foldsText = false;
+    };
+    /// The last read: whether it came to its end, when it began, and when it was left.
+    struct Known {
+        Request request;
+        bool isWhole = false;
+        Clock::time_point begunAt;
+        Clock::time_point leftAt;
         Tree tree;
     };
 
-    [[nodiscard]] Tree begin(Connection &connection, const ElementRef &root, const Listing &listing, Deadline deadline);
+    [[nodiscard]] QString toolkit(Connection &connection, const std::string &bus, Deadline deadline);
+    [[nodiscard]] Tree begin(Connection &connection, const Request &request, Deadline deadline);
+    static std::vector<SubtreeItem> refine(Connection &connection, const Request &request, Tree &tree,
+                                           Deadline deadline);
     static Listing list(Connection &connection, const ElementRef &root, int limit, Deadline deadline);
     static void doubtTexts(Connection &connection, Tree &tree, Deadline deadline);
     static QString expectedText(const Tree &tree, const Info &info);
     static void forgetTexts(Tree &tree, const Info &info);
     static std::vector<ElementRef> doubtfulLeaves(const Walk &walk, const std::vector<ElementRef> &texts);
-    static void askUnknown(Questions &questions, Tree &tree, const std::vector<ElementRef> &unknown,
-                           std::size_t maxChildren, bool foldsText);
+    static void askUnknown(Connection &connection, const Request &request, Tree &tree,
+                           const std::vector<ElementRef> &unknown, Deadline deadline);
     static void askTexts(Connection &connection, Tree &tree, const std::vector<Step> &steps, Deadline deadline);
     static std::vector<ElementRef> leavesWithChildren(const Tree &tree, const std::vector<Step> &steps);
     static std::vector<SubtreeItem> finish(Connection &connection, Tree &tree, const std::vector<Step> &steps,
@@ -82,7 +95,9 @@ class SubtreeReader {
     static void askFrames(Connection &connection, const std::vector<Step> &steps, std::vector<SubtreeItem> &items,
                           Deadline deadline);
 
-    std::map<std::string, QString, std::less<>> m_toolkits;
+    /// Of the application that was read last.
+    std::string m_toolkitOf;
+    QString m_toolkit;
     Known m_known;
 };
 
