@@ -8,6 +8,8 @@ namespace platform::desktop::atspi {
 namespace {
 // The program looks at thirty ancestors; real pages nest up to about forty.
 constexpr std::size_t maxLevels = 64;
+// An application that takes longer for one level is left alone until it answers again.
+constexpr auto levelTime = std::chrono::milliseconds(120);
 
 // Chromium gives a page's address as URI, Firefox as DocURL, and each leaves the other empty.
 void askAddress(Questions &questions, Ancestry::Level &level) {
@@ -22,7 +24,7 @@ void askAddress(Questions &questions, Ancestry::Level &level) {
     }
 }
 
-void askLevel(Questions &questions, Ancestry::Level &level, std::optional<ElementRef> &parent, bool &isAnswered) {
+void askLevel(Questions &questions, Ancestry::Level &level, std::optional<ElementRef> &parent, bool &isThere) {
     const auto &ref = level.element.ref;
     questions.ask(calls::parent(ref), [&parent](const Reply &reply) { parent = reply.referenceProperty(); });
     questions.ask(calls::states(ref),
@@ -31,14 +33,14 @@ void askLevel(Questions &questions, Ancestry::Level &level, std::optional<Elemen
                   [&level](const Reply &reply) { level.kind.attributes = reply.attributes().value_or(Attributes()); });
     questions.ask(calls::name(ref),
                   [&level](const Reply &reply) { level.name = reply.stringProperty().value_or(QString()); });
-    questions.ask(calls::role(ref), [&level, &isAnswered](const Reply &reply) {
+    questions.ask(calls::role(ref), [&level, &isThere](const Reply &reply) {
         const auto role = reply.number();
-        isAnswered = role.has_value();
+        isThere = role.has_value();
         level.kind.role = static_cast<Role>(role.value_or(static_cast<std::uint32_t>(Role::unknown)));
     });
 }
 
-void askAddresses(Connection &connection, Ancestry &ancestry, Deadline deadline) {
+bool askAddresses(Connection &connection, Ancestry &ancestry, Deadline deadline) {
     Questions questions;
     for (auto &level : ancestry.levels) {
         if (level.kind.role == Role::documentWeb) {
@@ -46,11 +48,7 @@ void askAddresses(Connection &connection, Ancestry &ancestry, Deadline deadline)
             askAddress(questions, level);
         }
     }
-    questions.run(connection, deadline);
-}
-
-bool isKnown(const Ancestry &ancestry, const ElementRef &ref) {
-    return ref == ancestry.element.ref || ancestry.find(ref) != nullptr;
+    return questions.run(connection, deadline);
 }
 } // namespace
 
@@ -66,31 +64,50 @@ const Ancestry::Level *Ancestry::window() const {
     return top != levels.rend() ? &*top : nullptr;
 }
 
+bool Climb::isKnown(const ElementRef &ref) const {
+    return ref == m_ancestry.element.ref || m_ancestry.find(ref) != nullptr;
+}
+
+Climb::Outcome Climb::proceed(Connection &connection, Deadline deadline) {
+    if (!m_hasBegun) {
+        const auto first = connection.call(calls::parent(m_ancestry.element.ref), deadline);
+        if (!first.isAnswered()) {
+            return Outcome::outOfTime;
+        }
+        m_hasBegun = true;
+        m_next = first.referenceProperty();
+    }
+    while (m_next && m_ancestry.levels.size() < maxLevels && !isKnown(*m_next)) {
+        const auto outcome = climbLevel(connection, std::min(deadline, Clock::now() + levelTime));
+        if (outcome != Outcome::arrived) {
+            return outcome;
+        }
+    }
+    m_next.reset();
+    return askAddresses(connection, m_ancestry, deadline) ? Outcome::arrived : Outcome::outOfTime;
+}
+
+Climb::Outcome Climb::climbLevel(Connection &connection, Deadline deadline) {
+    Ancestry::Level level{connection.handles({*m_next}, deadline).front(), {}, {}, {}};
+    std::optional<ElementRef> next;
+    bool isThere = false;
+    Questions questions;
+    askLevel(questions, level, next, isThere);
+    if (!questions.run(connection, deadline)) {
+        return Outcome::outOfTime;
+    }
+    if (!isThere) {
+        return Outcome::brokenOff;
+    }
+    m_next = level.kind.role == Role::application ? std::nullopt : std::move(next);
+    m_ancestry.levels.push_back(std::move(level));
+    return Outcome::arrived;
+}
+
 std::optional<Ancestry> readAncestry(Connection &connection, const Handle &element, Deadline deadline) {
-    Ancestry ancestry{element, Clock::now(), {}};
-    const auto first = connection.call(calls::parent(element.ref), deadline);
-    if (!first.isAnswered()) {
-        return std::nullopt;
-    }
-    auto next = first.referenceProperty();
-    while (next && ancestry.levels.size() < maxLevels && !isKnown(ancestry, *next)) {
-        Ancestry::Level level{connection.handles({*next}, deadline).front(), {}, {}, {}};
-        next.reset();
-        bool isAnswered = false;
-        Questions questions;
-        askLevel(questions, level, next, isAnswered);
-        questions.run(connection, deadline);
-        if (!isAnswered) {
-            return std::nullopt;
-        }
-        const bool isTop = level.kind.role == Role::application;
-        ancestry.levels.push_back(std::move(level));
-        if (isTop) {
-            break;
-        }
-    }
-    askAddresses(connection, ancestry, deadline);
-    return ancestry;
+    Climb climb(element);
+    const bool hasArrived = climb.proceed(connection, deadline) == Climb::Outcome::arrived;
+    return hasArrived ? std::optional(climb.ancestry()) : std::nullopt;
 }
 
 bool refreshAncestry(Connection &connection, Ancestry &ancestry, Deadline deadline) {

@@ -27,7 +27,27 @@ struct Ancestry {
     [[nodiscard]] const Level *window() const;
 };
 
-/// Climbs from an element to its application, one round trip a level. Absent when the climb broke off.
+/// A climb from an element to its application, one round trip a level. A slow application may take longer than anybody
+/// waits in one go, so a climb that ran out of time is taken up again where it was left.
+class Climb {
+  public:
+    enum class Outcome { arrived, brokenOff, outOfTime };
+
+    explicit Climb(Handle element) : m_ancestry{std::move(element), Clock::now(), {}} {}
+    Outcome proceed(Connection &connection, Deadline deadline);
+    /// What has been climbed so far.
+    [[nodiscard]] const Ancestry &ancestry() const { return m_ancestry; }
+
+  private:
+    Outcome climbLevel(Connection &connection, Deadline deadline);
+    [[nodiscard]] bool isKnown(const ElementRef &ref) const;
+
+    Ancestry m_ancestry;
+    bool m_hasBegun = false;
+    std::optional<ElementRef> m_next;
+};
+
+/// A whole climb. Absent when it broke off or took too long.
 [[nodiscard]] std::optional<Ancestry> readAncestry(Connection &connection, const Handle &element, Deadline deadline);
 /// Asks a known chain whether it still holds, in one round trip. False when it must be climbed anew.
 [[nodiscard]] bool refreshAncestry(Connection &connection, Ancestry &ancestry, Deadline deadline);

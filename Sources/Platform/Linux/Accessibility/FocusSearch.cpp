@@ -7,7 +7,9 @@ namespace platform::desktop::atspi {
 
 namespace {
 using namespace std::chrono_literals;
-constexpr auto lookTime = 200ms;
+// For each step of its own: what a hung application uses up is not taken from the others.
+constexpr auto stepTime = 120ms;
+constexpr auto searchTime = 200ms;
 // While nothing has the focus; while one of our own windows has it; while what has it says so whenever it is asked.
 constexpr std::chrono::milliseconds searchPause = 5s;
 constexpr std::chrono::milliseconds ownPause = 1s;
@@ -18,8 +20,8 @@ constexpr std::size_t searchedElements = 3000;
 constexpr std::size_t maxApplications = 500;
 constexpr std::size_t maxWindows = 200;
 
-bool isActive(const States &states) {
-    return states.has(State::active) && !states.has(State::iconified);
+Deadline step() {
+    return Clock::now() + stepTime;
 }
 } // namespace
 
@@ -27,24 +29,35 @@ bool isActive(const States &states) {
 // this program started, focus that a script set, events that were lost.
 void FocusTracker::look() {
     const auto begin = Clock::now();
-    const bool isOwn = m_focus.element && m_focus.element->pid == m_ownPid;
-    if (m_focus.element && !isOwn && m_focus.snapshot->kind.states.has(State::editable)) {
+    const auto isConfirmed = [&] { return m_focus.element && m_focus.confirmedAt >= begin; };
+    refresh(m_focus.snapshot != nullptr ? m_focus.snapshot->wanted : TextWanted::nothing);
+    if (isConfirmed() && m_focus.snapshot->kind.states.has(State::editable)) {
         m_lookAt = begin + longestPause;
         return;
     }
-    if (const auto window = activeWindow(begin + lookTime)) {
-        wake(*window);
-        m_windows[window->bus] = *window;
-        const auto focused = focusedBelow(*window, begin + lookTime);
-        if (focused && (!m_focus.element || m_focus.element->ref != *focused)) {
-            adopt(*focused);
-        }
-    }
-    const auto longest = m_focus.element && !isOwn ? longestPause : isOwn ? ownPause : searchPause;
+    const bool isOwn = m_focus.element && m_focus.element->pid == m_ownPid;
+    const auto searched = lookInActiveWindow();
+    const auto longest = isOwn ? ownPause : isConfirmed() ? longestPause : searchPause;
     m_lookPause = std::min<std::chrono::milliseconds>(2 * m_lookPause, longest);
     // A search goes through all of a long page; it must not keep its browser busy.
+    m_lookAt = Clock::now() + std::max<Clock::duration>(m_lookPause, searchShare * searched);
+}
+
+// How long its application was kept busy with the search.
+Clock::duration FocusTracker::lookInActiveWindow() {
+    const auto window = activeWindow();
+    if (!window) {
+        return {};
+    }
+    wake(*window);
+    m_windows[window->bus] = *window;
+    const auto begin = Clock::now();
+    const auto focused = focusedBelow(*window, begin + searchTime);
     const auto end = Clock::now();
-    m_lookAt = end + std::max<Clock::duration>(m_lookPause, searchShare * (end - begin));
+    if (focused && m_candidate.ref != *focused) {
+        adopt(*focused);
+    }
+    return m_connection.isSilent(window->bus) ? Clock::duration() : end - begin;
 }
 
 // Chromium shows two elements of a window until somebody asks its frame for its attributes; then it builds them all.
@@ -54,17 +67,17 @@ void FocusTracker::wake(const ElementRef &window) {
     }
 }
 
-std::optional<ElementRef> FocusTracker::activeWindow(Deadline deadline) {
-    auto windows = otherWindows(deadline);
+std::optional<ElementRef> FocusTracker::activeWindow() {
+    auto windows = otherWindows();
     std::vector<Call> questions;
     questions.reserve(windows.size());
     for (const auto &window : windows) {
         questions.push_back(calls::states(window));
     }
-    const auto replies = m_connection.callAll(questions, deadline);
+    const auto replies = m_connection.callAll(questions, step());
     for (std::size_t i = 0; i < windows.size(); ++i) {
         const auto states = replies[i].states();
-        if (states && isActive(*states)) {
+        if (states && isActiveWindow(*states)) {
             return windows[i];
         }
     }
@@ -72,17 +85,17 @@ std::optional<ElementRef> FocusTracker::activeWindow(Deadline deadline) {
 }
 
 // The windows of all applications but our own, which must not be asked: it would wait for itself.
-std::vector<ElementRef> FocusTracker::otherWindows(Deadline deadline) {
-    auto roots = m_connection.call(calls::children({registryName, rootPath}), deadline).references(maxApplications);
+std::vector<ElementRef> FocusTracker::otherWindows() {
+    auto roots = m_connection.call(calls::children({registryName, rootPath}), step()).references(maxApplications);
     std::vector<Call> questions;
     questions.reserve(roots ? roots->size() : 0);
-    for (const auto &root : m_connection.handles(roots.value_or(std::vector<ElementRef>()), deadline)) {
+    for (const auto &root : m_connection.handles(roots.value_or(std::vector<ElementRef>()), step())) {
         if (root.pid != 0 && root.pid != m_ownPid) {
             questions.push_back(calls::children(root.ref));
         }
     }
     std::vector<ElementRef> windows;
-    for (const auto &reply : m_connection.callAll(questions, deadline)) {
+    for (const auto &reply : m_connection.callAll(questions, step())) {
         auto found = reply.references(maxWindows).value_or(std::vector<ElementRef>());
         windows.insert(windows.end(), found.begin(), found.end());
     }

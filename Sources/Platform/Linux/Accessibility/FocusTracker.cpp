@@ -12,6 +12,10 @@ using namespace std::chrono_literals;
 // An application that is not hung answers within a few milliseconds, a busy browser within some tens.
 constexpr auto readTime = 120ms;
 constexpr auto climbTime = 300ms;
+// What was climbed longer ago may have moved.
+constexpr auto climbLifetime = 5s;
+constexpr auto firstAdoptPause = 100ms;
+constexpr int mostAttempts = 5;
 // A window that lends the keyboard away for a moment (a key grab, a popup closing) gets it back within this time.
 constexpr auto grace = 150ms;
 constexpr auto firstPause = 150ms;
@@ -60,8 +64,8 @@ void FocusTracker::onStateChanged(sd_bus_message *message) {
         return;
     }
     const auto source = sourceOf(message);
-    if (isSet != 0) {
-        m_candidate = source;
+    if (isSet != 0 && m_candidate.ref != source) {
+        m_candidate = {source, 0, {}};
     } else if (m_focus.element && m_focus.element->ref == source) {
         m_mustConfirm = true;
     }
@@ -102,7 +106,7 @@ void FocusTracker::forgetVanished() {
         if (m_window.bus == name) {
             m_window = {};
         }
-        if (m_candidate.bus == name) {
+        if (m_candidate.ref.bus == name) {
             m_candidate = {};
         }
         if (m_focus.element && m_focus.element->ref.bus == name) {
@@ -122,13 +126,20 @@ void FocusTracker::lookSoon() {
 }
 
 Clock::time_point FocusTracker::nextLook() const {
-    return m_lostSince ? std::min(m_lookAt, *m_lostSince + grace) : m_lookAt;
+    auto next = m_lostSince ? std::min(m_lookAt, *m_lostSince + grace) : m_lookAt;
+    return isReady(m_candidate) ? std::min(next, m_candidate.due) : next;
+}
+
+// A silent application is waited for; that it answers again is an event.
+bool FocusTracker::isReady(const Candidate &candidate) const {
+    return !candidate.ref.isNull() && !m_connection.isSilent(candidate.ref.bus);
 }
 
 void FocusTracker::settle() {
     forgetVanished();
-    if (!m_candidate.isNull() && !m_connection.isSilent(m_candidate.bus)) {
-        adopt(std::exchange(m_candidate, {}));
+    if (isReady(m_candidate) && Clock::now() >= m_candidate.due) {
+        const auto candidate = std::exchange(m_candidate, {});
+        adopt(candidate.ref, candidate.attempts);
     }
     const auto now = Clock::now();
     if (std::exchange(m_mustConfirm, false) || (m_lostSince && now >= *m_lostSince + grace)) {
@@ -140,20 +151,19 @@ void FocusTracker::settle() {
 }
 
 bool FocusTracker::isWindowActive(const ElementRef &window, const std::optional<States> &states) const {
-    // A minimised window of Chromium still calls itself active.
-    return !states || (!states->has(State::iconified) && (states->has(State::active) || window == m_window));
+    return !states || isActiveWindow(*states) || (window == m_window && !states->has(State::iconified));
 }
 
 void FocusTracker::adoptOwn(const Handle &element) {
     m_reader.reset();
-    m_focus = {element, nullptr, nullptr};
+    m_focus = {element, nullptr, nullptr, {}};
     m_lostSince.reset();
     m_lookPause = otherWindowPause;
     m_lookAt = Clock::now() + m_lookPause;
     publish();
 }
 
-void FocusTracker::adopt(const ElementRef &ref) {
+void FocusTracker::adopt(const ElementRef &ref, int attempts) {
     if (m_focus.element && m_focus.element->ref == ref) {
         m_mustConfirm = true;
         return;
@@ -166,44 +176,76 @@ void FocusTracker::adopt(const ElementRef &ref) {
         adoptOwn(handle);
         return;
     }
-    auto reader = std::make_unique<FieldReader>(handle);
-    auto ancestry = readAncestry(m_connection, handle, Clock::now() + climbTime);
-    auto snapshot = reader->read(m_connection, TextWanted::value, {}, Clock::now() + readTime);
-    if (!ancestry || !snapshot.isAnswered) {
-        // Hung applications are asked again once they answer; the focus has left the other one all the same.
-        if (m_connection.isSilent(ref.bus)) {
-            m_candidate = ref;
-            drop();
-        }
+    const auto outcome = climbFrom(handle);
+    if (outcome == Climb::Outcome::outOfTime) {
+        adoptLater(ref, attempts);
+    } else if (outcome == Climb::Outcome::arrived) {
+        adoptWithin(std::make_shared<const Ancestry>(m_climb->ancestry()), attempts);
+    }
+}
+
+// Only what still has the focus after all the questions about its surroundings is given out.
+void FocusTracker::adoptWithin(std::shared_ptr<const Ancestry> ancestry, int attempts) {
+    const auto element = ancestry->element;
+    const auto *level = ancestry->window();
+    const auto window = level != nullptr ? level->element.ref : ElementRef{};
+    auto reader = std::make_unique<FieldReader>(element);
+    auto snapshot = reader->read(m_connection, TextWanted::value, window, Clock::now() + readTime);
+    if (!snapshot.isAnswered && !snapshot.isGone) {
+        adoptLater(element.ref, attempts);
         return;
     }
-    const auto *window = ancestry->window();
-    if (!snapshot.kind.states.has(State::focused) ||
-        (window != nullptr && !isWindowActive(window->element.ref, window->kind.states))) {
+    m_climb.reset();
+    if (snapshot.isGone || !hasFocus(snapshot, window)) {
         m_mustConfirm = true;
         return;
     }
-    if (window != nullptr) {
-        m_windows[ref.bus] = window->element.ref;
-        wake(window->element.ref);
+    if (!window.isNull()) {
+        m_windows[window.bus] = window;
+        wake(window);
     }
     m_reader = std::move(reader);
-    m_focus = {handle, std::make_shared<const FieldSnapshot>(std::move(snapshot)),
-               std::make_shared<const Ancestry>(std::move(*ancestry))};
+    const auto askedAt = snapshot.takenAt;
+    m_focus = {element, std::make_shared<const FieldSnapshot>(std::move(snapshot)), std::move(ancestry), askedAt};
     m_lostSince.reset();
     m_lookPause = newElementPause;
     m_lookAt = Clock::now() + m_lookPause;
     publish();
 }
 
+// A slow application is tried again after a pause, a hung one once it answers. Within one application the focus has
+// left what had it all the same; what another one shows says so itself.
+void FocusTracker::adoptLater(const ElementRef &ref, int attempts) {
+    if (m_candidate.ref.isNull() && attempts < mostAttempts) {
+        m_candidate = {ref, attempts + 1, Clock::now() + firstAdoptPause * (1 << attempts)};
+    }
+    if (m_focus.element && m_focus.element->ref.bus == ref.bus) {
+        drop();
+    }
+    m_mustConfirm = true;
+}
+
+Climb::Outcome FocusTracker::climbFrom(const Handle &element) {
+    const bool isBegun = m_climb && m_climb->ancestry().element.ref == element.ref &&
+                         Clock::now() - m_climb->ancestry().takenAt < climbLifetime;
+    if (!isBegun) {
+        m_climb.emplace(element);
+    }
+    const auto outcome = m_climb->proceed(m_connection, Clock::now() + climbTime);
+    if (outcome == Climb::Outcome::brokenOff) {
+        m_climb.reset();
+    }
+    return outcome;
+}
+
 const Focus &FocusTracker::refresh(TextWanted wanted) {
     if (m_reader == nullptr) {
         return m_focus;
     }
-    const auto *window = m_focus.ancestry->window();
-    auto snapshot = m_reader->read(m_connection, wanted, window != nullptr ? window->element.ref : ElementRef{},
-                                   Clock::now() + readTime);
-    judge(snapshot);
+    const auto *level = m_focus.ancestry->window();
+    const auto window = level != nullptr ? level->element.ref : ElementRef{};
+    auto snapshot = m_reader->read(m_connection, wanted, window, Clock::now() + readTime);
+    judge(snapshot, window);
     if (m_focus.element && snapshot.isAnswered) {
         m_focus.snapshot = std::make_shared<const FieldSnapshot>(std::move(snapshot));
         publish();
@@ -211,25 +253,20 @@ const Focus &FocusTracker::refresh(TextWanted wanted) {
     return m_focus;
 }
 
-// Whether the element still has the focus, by what was just read of it. Without an answer nothing changes.
-void FocusTracker::judge(const FieldSnapshot &snapshot) {
-    if (snapshot.isGone) {
+bool FocusTracker::hasFocus(const FieldSnapshot &snapshot, const ElementRef &window) const {
+    return snapshot.kind.states.has(State::focused) &&
+           (window.isNull() || isWindowActive(window, snapshot.windowStates));
+}
+
+// Whether the element still has the focus, by what was just read of it. Without an answer what was said last holds.
+void FocusTracker::judge(const FieldSnapshot &snapshot, const ElementRef &window) {
+    if (snapshot.isAnswered && hasFocus(snapshot, window)) {
+        m_focus.confirmedAt = snapshot.takenAt;
+        m_lostSince.reset();
+    } else if (snapshot.isGone || (m_lostSince && Clock::now() - *m_lostSince >= grace)) {
         drop();
-        return;
-    }
-    if (!snapshot.isAnswered) {
-        m_lostSince.reset();
-        return;
-    }
-    const auto *window = m_focus.ancestry->window();
-    const bool isFocused = snapshot.kind.states.has(State::focused) &&
-                           (window == nullptr || isWindowActive(window->element.ref, snapshot.windowStates));
-    if (isFocused) {
-        m_lostSince.reset();
-    } else if (!m_lostSince) {
+    } else if (snapshot.isAnswered && !m_lostSince) {
         m_lostSince = Clock::now();
-    } else if (Clock::now() - *m_lostSince >= grace) {
-        drop();
     }
 }
 
@@ -248,14 +285,15 @@ std::shared_ptr<const Ancestry> FocusTracker::ancestryOf(const ElementRef &ref) 
     if (Clock::now() - m_focus.ancestry->takenAt < ancestryLifetime) {
         return m_focus.ancestry;
     }
-    auto ancestry = std::optional(*m_focus.ancestry);
-    if (!refreshAncestry(m_connection, *ancestry, Clock::now() + readTime)) {
-        ancestry = readAncestry(m_connection, m_focus.ancestry->element, Clock::now() + climbTime);
+    auto ancestry = *m_focus.ancestry;
+    if (!refreshAncestry(m_connection, ancestry, Clock::now() + readTime)) {
+        if (climbFrom(ancestry.element) != Climb::Outcome::arrived) {
+            return nullptr;
+        }
+        ancestry = m_climb->ancestry();
+        m_climb.reset();
     }
-    if (!ancestry) {
-        return nullptr;
-    }
-    m_focus.ancestry = std::make_shared<const Ancestry>(std::move(*ancestry));
+    m_focus.ancestry = std::make_shared<const Ancestry>(std::move(ancestry));
     publish();
     return m_focus.ancestry;
 }

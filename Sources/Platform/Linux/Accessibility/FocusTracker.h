@@ -14,6 +14,8 @@ struct Focus {
     std::optional<Handle> element;
     std::shared_ptr<const FieldSnapshot> snapshot;
     std::shared_ptr<const Ancestry> ancestry;
+    /// When it was asked last with the answer that it has the focus.
+    Clock::time_point confirmedAt;
 };
 
 /// Follows the keyboard focus of the desktop through the applications' events, and looks for it where no event came.
@@ -45,16 +47,28 @@ class FocusTracker {
     void forgetVanished();
     void noteActivation(const ElementRef &window);
 
-    void adopt(const ElementRef &ref);
+    /// An element that is said to have the focus, and how often it was tried to read its surroundings.
+    struct Candidate {
+        ElementRef ref;
+        int attempts = 0;
+        Clock::time_point due;
+    };
+    [[nodiscard]] bool isReady(const Candidate &candidate) const;
+    void adopt(const ElementRef &ref, int attempts = 0);
     void adoptOwn(const Handle &element);
+    void adoptWithin(std::shared_ptr<const Ancestry> ancestry, int attempts);
+    void adoptLater(const ElementRef &ref, int attempts);
+    Climb::Outcome climbFrom(const Handle &element);
     [[nodiscard]] bool isWindowActive(const ElementRef &window, const std::optional<States> &states) const;
-    void judge(const FieldSnapshot &snapshot);
+    [[nodiscard]] bool hasFocus(const FieldSnapshot &snapshot, const ElementRef &window) const;
+    void judge(const FieldSnapshot &snapshot, const ElementRef &window);
     void drop();
     void publish() const { m_publish(m_focus); }
 
     void look();
-    [[nodiscard]] std::optional<ElementRef> activeWindow(Deadline deadline);
-    [[nodiscard]] std::vector<ElementRef> otherWindows(Deadline deadline);
+    Clock::duration lookInActiveWindow();
+    [[nodiscard]] std::optional<ElementRef> activeWindow();
+    [[nodiscard]] std::vector<ElementRef> otherWindows();
     [[nodiscard]] std::optional<ElementRef> focusedBelow(const ElementRef &window, Deadline deadline);
     [[nodiscard]] std::optional<ElementRef> searchBelow(const ElementRef &window, Deadline deadline);
     void wake(const ElementRef &window);
@@ -65,7 +79,8 @@ class FocusTracker {
     Publish m_publish;
     Focus m_focus;
     std::unique_ptr<FieldReader> m_reader;
-    ElementRef m_candidate;
+    Candidate m_candidate;
+    std::optional<Climb> m_climb;
     /// The window that was activated last, by its application's word.
     ElementRef m_window;
     std::map<std::string, ElementRef, std::less<>> m_windows;

@@ -129,19 +129,6 @@ bool Reply::isError() const {
     return m_message != nullptr && sd_bus_message_is_method_error(m_message.get(), nullptr) > 0;
 }
 
-bool Reply::isGone() const {
-    if (!isError()) {
-        return false;
-    }
-    for (const char *name : {SD_BUS_ERROR_UNKNOWN_OBJECT, SD_BUS_ERROR_SERVICE_UNKNOWN, SD_BUS_ERROR_NAME_HAS_NO_OWNER,
-                             SD_BUS_ERROR_NO_REPLY, SD_BUS_ERROR_DISCONNECTED}) {
-        if (sd_bus_message_is_method_error(m_message.get(), name) > 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
 sd_bus_message *Reply::at(const char *signature) const {
     if (m_message == nullptr || isError() || sd_bus_message_rewind(m_message.get(), 1) < 0) {
         return nullptr;

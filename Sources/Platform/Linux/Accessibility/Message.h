@@ -74,8 +74,6 @@ class Reply {
     /// Anything came, be it an error.
     [[nodiscard]] bool isAnswered() const { return m_message != nullptr; }
     [[nodiscard]] bool isError() const;
-    /// The object or its application is no more.
-    [[nodiscard]] bool isGone() const;
 
     [[nodiscard]] std::optional<std::uint32_t> number() const;
     [[nodiscard]] std::optional<bool> flag() const;

@@ -15,14 +15,18 @@ class Questions {
         m_takers.push_back(std::move(taker));
     }
     [[nodiscard]] bool isEmpty() const { return m_calls.empty(); }
-    /// Asks, waits, and hands every answer (an empty one where none came) to its taker; then starts anew.
-    void run(Connection &connection, Deadline deadline) {
+    /// Asks, waits, and hands every answer (an empty one where none came) to its taker; then starts anew. Whether all
+    /// answers came.
+    bool run(Connection &connection, Deadline deadline) {
         const auto calls = std::exchange(m_calls, {});
         const auto takers = std::exchange(m_takers, {});
         const auto replies = connection.callAll(calls, deadline);
+        bool isWhole = true;
         for (std::size_t i = 0; i < replies.size(); ++i) {
             takers[i](replies[i]);
+            isWhole = isWhole && replies[i].isAnswered();
         }
+        return isWhole;
     }
 
   private:
