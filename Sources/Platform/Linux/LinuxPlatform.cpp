@@ -8,6 +8,7 @@
 #include "Platform/Linux/Storage/FileUserDefaults.h"
 #include "Platform/Linux/Storage/LinuxProcess.h"
 #include "Platform/Linux/X11/QtPanelWindow.h"
+#include "Platform/Linux/X11/X11ActiveWindow.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11EventTaps.h"
 #include "Platform/Linux/X11/X11KeyPoster.h"
@@ -24,6 +25,7 @@ struct LinuxPlatform::Private {
     [[nodiscard]] AtspiAccessibility::Options accessibilityOptions() {
         AtspiAccessibility::Options options;
         options.inPoints = [this](const Rect &pixels) { return screens.accessibilityRect(pixels); };
+        options.activeWindow = [this] { return activeWindow.ask(); };
         return options;
     }
 
@@ -33,6 +35,7 @@ struct LinuxPlatform::Private {
     CurlURLSession urlSession;
     std::unique_ptr<X11Connection> connection;
     X11Screens screens{*connection};
+    X11ActiveWindow activeWindow{*connection};
     AtspiAccessibility accessibility{mainQueue, accessibilityOptions()};
     LinuxWorkspace workspace{connection->get()};
     X11Keyboard keyboard{*connection};

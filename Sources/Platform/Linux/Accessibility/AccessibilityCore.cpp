@@ -21,12 +21,16 @@ constexpr auto oldestBulkRead = 500ms;
 constexpr auto sameMoment = 40ms;
 // How old an answer may be when its application is too busy for a new one.
 constexpr auto oldestAnswer = 1s;
+// An element that was not named the last time is asked about at once, and what cannot be answered then is taken for no.
+constexpr auto oldestConfirmation = 300ms;
 constexpr auto wantedFor = 1s;
 constexpr auto ancestryLifetime = 1s;
 } // namespace
 
-AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints)
-    : m_ownPid(ownPid), m_inPoints(std::move(inPoints)), m_reader(std::move(sessionBusAddress), ownPid) {}
+AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints,
+                                     AskActiveWindow activeWindow)
+    : m_ownPid(ownPid), m_inPoints(std::move(inPoints)), m_activeWindow(std::move(activeWindow)),
+      m_reader(std::move(sessionBusAddress), ownPid) {}
 
 AXUIElement AccessibilityCore::element(const Handle &handle) {
     return AXUIElement(std::make_shared<AtspiElement>(shared_from_this(), handle));
@@ -52,6 +56,7 @@ void AccessibilityCore::noteWanted(TextWanted wanted) {
 
 // The first question of a tick: reads the focused element once more, and with it what the tick will ask next.
 std::optional<AXUIElement> AccessibilityCore::focusedElement() {
+    const auto askedAt = Clock::now();
     // A refresh that is under way still belongs to an application that is busy: its frame was spent already.
     if (m_refresh == nullptr || m_refresh->isFinished()) {
         const auto wanted = m_told.element ? wantedNow(m_told.element->ref) : TextWanted::value;
@@ -63,7 +68,7 @@ std::optional<AXUIElement> AccessibilityCore::focusedElement() {
         });
         m_reader.await(*m_refresh, tickWait);
     }
-    auto focus = m_reader.board().focus();
+    auto focus = focusInFront(askedAt);
     const auto now = Clock::now();
     if (!m_told.element || !focus.element || m_told.element->ref != focus.element->ref) {
         m_wantedUntil = {};
@@ -79,6 +84,43 @@ std::optional<AXUIElement> AccessibilityCore::focusedElement() {
             FieldSnapshot{.element = *focus.element, .wanted = TextWanted::value});
     }
     return element(*focus.element);
+}
+
+// An application that is left says so a little late, and a hung one not at all; keys go to the active window meanwhile.
+// Where no window is active, or nobody tells, the application's word counts.
+Focus AccessibilityCore::focusInFront(Clock::time_point askedAt) {
+    auto focus = m_reader.board().focus();
+    if (!focus.element || focus.element->pid == m_ownPid) {
+        return focus;
+    }
+    const bool isNew = !m_told.element || m_told.element->ref != focus.element->ref;
+    if (isNew && askedAt - focus.confirmedAt > oldestConfirmation) {
+        return {};
+    }
+    const auto active = m_activeWindow();
+    if (!active || isInFront(focus, *active, askedAt)) {
+        return focus;
+    }
+    Focus own;
+    if (active->pid == m_ownPid) {
+        own.element = Handle{{}, m_ownPid};
+    }
+    return own;
+}
+
+// On the bus an application in a sandbox has another number than its windows give.
+bool AccessibilityCore::isInFront(const Focus &focus, const ActiveWindow &active, Clock::time_point askedAt) {
+    if (active.pid == focus.element->pid) {
+        m_knownByItsWindow = active.pid;
+        return true;
+    }
+    if (focus.element->pid == m_knownByItsWindow) {
+        return false;
+    }
+    if (focus.confirmedAt >= askedAt || m_place.element != focus.element->ref) {
+        m_place = {focus.element->ref, active.id};
+    }
+    return m_place.window == active.id;
 }
 
 const FieldSnapshot *AccessibilityCore::snapshot(const Handle &element, TextWanted wanted) {

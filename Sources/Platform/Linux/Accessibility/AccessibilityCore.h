@@ -4,6 +4,7 @@
 #include "Platform/Accessibility.h"
 #include "Platform/Linux/Accessibility/ElementQueries.h"
 #include "Platform/Linux/Accessibility/Reader.h"
+#include "Platform/Linux/ActiveWindow.h"
 
 namespace platform::desktop::atspi {
 
@@ -12,9 +13,11 @@ namespace platform::desktop::atspi {
 class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore> {
   public:
     using Conversion = std::function<Rect(const Rect &)>;
+    using AskActiveWindow = std::function<std::optional<ActiveWindow>()>;
 
     /// inPoints: turns a rectangle of the screen's pixels into points, asked whenever coordinates are given out.
-    AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints);
+    /// activeWindow: the desktop's word on which window is active, asked whenever the focused element is.
+    AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints, AskActiveWindow activeWindow);
 
     [[nodiscard]] Reader &reader() { return m_reader; }
     [[nodiscard]] qint32 ownPid() const { return m_ownPid; }
@@ -29,6 +32,8 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     [[nodiscard]] std::optional<AXValue> applicationAttribute(qint32 pid, QLatin1StringView name);
 
   private:
+    [[nodiscard]] Focus focusInFront(Clock::time_point askedAt);
+    [[nodiscard]] bool isInFront(const Focus &focus, const ActiveWindow &active, Clock::time_point askedAt);
     [[nodiscard]] TextWanted wantedNow(const ElementRef &ref) const;
     void noteWanted(TextWanted wanted);
     [[nodiscard]] const FieldSnapshot *snapshot(const Handle &element, TextWanted wanted);
@@ -41,7 +46,16 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
 
     qint32 m_ownPid;
     Conversion m_inPoints;
+    AskActiveWindow m_activeWindow;
     Reader m_reader;
+    /// The application that was seen to have the active window, under the number that its window gives.
+    qint32 m_knownByItsWindow = 0;
+    /// For the others: the window that was active when the element had the focus for sure.
+    struct Place {
+        ElementRef element;
+        std::uint32_t window = 0;
+    };
+    Place m_place;
     /// What was read last, and until when it answers further questions of the same moment.
     std::shared_ptr<const FieldSnapshot> m_recent;
     Clock::time_point m_recentUntil;

@@ -33,7 +33,7 @@ AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue, Options options)
       m_core(std::make_shared<atspi::AccessibilityCore>(
           options.sessionBusAddress.empty() ? sessionBusFromEnvironment() : options.sessionBusAddress,
           options.ownPid != 0 ? options.ownPid : static_cast<qint32>(QCoreApplication::applicationPid()),
-          std::move(options.inPoints))) {
+          std::move(options.inPoints), std::move(options.activeWindow))) {
     m_core->reader().ask(firstWord, [](atspi::Session &session) {
         session.process();
         return true;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Platform/Linux/ActiveWindow.h"
 #include "Platform/MainQueue.h"
 
 #include <functional>
@@ -21,6 +22,9 @@ class AtspiAccessibility final : public Accessibility {
     struct Options {
         /// Turns a rectangle of the screen's pixels into points, from the top left of the primary monitor.
         std::function<Rect(const Rect &)> inPoints = [](const Rect &pixels) { return pixels; };
+        /// Which window is active by the desktop's word, absent where it has none. Asked on the main thread whenever
+        /// the focused element is.
+        std::function<std::optional<ActiveWindow>()> activeWindow = [] { return std::nullopt; };
         /// Where the session bus is; by default where the environment says.
         std::string sessionBusAddress;
         /// The process whose elements are never asked anything; by default this one. For tests, whose applications
