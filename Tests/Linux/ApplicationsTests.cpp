@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 #include "Platform/Linux/Storage/LinuxProcess.h"
+#include "Platform/Linux/X11/X11ActiveWindow.h"
 #include "RealDesktop/ChildProcess.h"
 
 #include <QDir>
@@ -25,6 +26,8 @@ using platform::desktop::DesktopEntries;
 using platform::desktop::LinuxProcess;
 using platform::desktop::LinuxWorkspace;
 using platform::desktop::nameInDesktopEntry;
+using platform::desktop::X11ActiveWindow;
+using platform::desktop::X11Connection;
 
 namespace {
 QString put(const QTemporaryDir &folder, const QString &name, const QByteArray &content) {
@@ -214,8 +217,12 @@ TEST(Applications, ActivationBringsTheProcessToTheFront) {
     ASSERT_TRUE(waitUntil([&] { return display.active() == second; }));
     LinuxWorkspace workspace(display.connection);
     workspace.activate(333);
+    const auto connection = X11Connection::open();
+    X11ActiveWindow activeWindow(*connection);
+    EXPECT_EQ(activeWindow.ask()->pid, 222);
     workspace.activate(111);
     EXPECT_TRUE(waitUntil([&] { return display.active() == first; }));
+    EXPECT_EQ(activeWindow.ask()->pid, 111);
 }
 
 TEST(Applications, AddressesOpenWithTheDesktopsProgram) {

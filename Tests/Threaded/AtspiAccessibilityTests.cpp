@@ -3,9 +3,14 @@
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/QtMainQueue.h"
 
+#include <QTemporaryDir>
+
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <random>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace {
@@ -21,6 +26,7 @@ constexpr unsigned focusable = 11;
 constexpr unsigned multiLine = 17;
 constexpr unsigned frameRole = 23;
 constexpr unsigned panelRole = 39;
+constexpr unsigned passwordRole = 40;
 constexpr unsigned entryRole = 79;
 constexpr unsigned pageRole = 95;
 constexpr unsigned staticRole = 116;
@@ -41,11 +47,14 @@ struct AtspiAccessibility : testing::Test {
                                          .attributes = {{"placeholder-text", "Type here"}}});
     desktop::QtMainQueue queue;
     std::unique_ptr<desktop::AtspiAccessibility> accessibility;
+    std::optional<desktop::ActiveWindow> activeWindow;
 
     // The application lives in this process: another process is named as the one not to be asked.
     void start(qint32 ownPid = 1) {
         accessibility = std::make_unique<desktop::AtspiAccessibility>(
-            queue, desktop::AtspiAccessibility::Options{.sessionBusAddress = bus.address(), .ownPid = ownPid});
+            queue, desktop::AtspiAccessibility::Options{.activeWindow = [this] { return activeWindow; },
+                                                        .sessionBusAddress = bus.address(),
+                                                        .ownPid = ownPid});
     }
     std::optional<AXUIElement> focused() {
         return read<AXUIElement>(accessibility->createSystemWide(), axAttribute::focusedUIElement);
@@ -90,6 +99,51 @@ TEST_F(AtspiAccessibility, WritesAndReadsBackAfresh) {
     EXPECT_EQ(read<QString>(element, axAttribute::value), text);
     EXPECT_TRUE(element.setAttributeValue(axAttribute::selectedTextRange, AXRange{text.size(), 0}));
     EXPECT_EQ(bus.caret(), 5) << "the bus counts code points";
+    // More than is copied along with every tick.
+    const QString longText(25'000, QLatin1Char('x'));
+    EXPECT_TRUE(element.setAttributeValue(axAttribute::value, longText));
+    EXPECT_TRUE(waitUntil([&] { return focusedValue() == longText; }));
+}
+
+TEST_F(AtspiAccessibility, LeavesATextAloneThatBecameAPassword) {
+    bus.focus(field);
+    start();
+    ASSERT_TRUE(waitForValue("helo"));
+    bus.change(field, [](FakeElement &element) { element.role = passwordRole; });
+    ASSERT_TRUE(waitUntil([&] { return !focusedValue(); }));
+    const int asked = bus.callsOf("GetText");
+    EXPECT_FALSE(read<double>(focused(), axAttribute::numberOfCharacters));
+    EXPECT_EQ(bus.callsOf("GetText"), asked);
+}
+
+// The application says all the time that its window is active, or nothing at all.
+TEST_F(AtspiAccessibility, NamesNothingInAWindowThatTheDesktopCallsInactive) {
+    bus.focus(field);
+    start();
+    const qint32 inSandbox = 3;
+    const auto processNamed = [&](std::optional<desktop::ActiveWindow> shownNow) {
+        activeWindow = shownNow;
+        const auto element = focused();
+        return element ? element->pid() : 0;
+    };
+    for (const qint32 shown : {inSandbox, static_cast<qint32>(getpid())}) {
+        for (const bool hangs : {false, true}) {
+            const auto text = std::to_string(shown) + (hangs ? "hangs" : "answers");
+            bus.hang(false);
+            bus.change(field, [&](FakeElement &element) { element.text = text; });
+            activeWindow = {100, shown};
+            ASSERT_TRUE(waitForValue(text.c_str()));
+            bus.hang(hangs);
+            EXPECT_EQ(processNamed({}), getpid()) << text;
+            EXPECT_EQ(processNamed({{100, shown}}), getpid()) << text;
+            if (hangs || shown != inSandbox) {
+                EXPECT_EQ(processNamed({{300, 1}}), 1) << text << ": our own window";
+                EXPECT_EQ(processNamed({{200, 4}}), 0) << text;
+                waitUntil([] { return false; }, 350);
+                EXPECT_EQ(processNamed({{100, shown}}), hangs ? 0 : getpid()) << text << ": back again";
+            }
+        }
+    }
 }
 
 TEST_F(AtspiAccessibility, PutsARichTextBoxTogether) {
@@ -131,9 +185,36 @@ TEST_F(AtspiAccessibility, OutlivesAnApplicationThatHangs) {
     EXPECT_TRUE(waitForValue("awake"));
 }
 
-TEST_F(AtspiAccessibility, ForgetsWhatIsGone) {
-    bus.focus(field);
+TEST_F(AtspiAccessibility, FindsTheFocusBesideAnApplicationThatHangs) {
+    bus.addHungApplication();
+    bus.focus(field, false);
     start();
+    EXPECT_TRUE(waitUntil([&] { return focusedValue() == QStringLiteral("helo"); }, 4'000));
+}
+
+TEST_F(AtspiAccessibility, QuitsAtOnceWhateverHangs) {
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("bus")).toStdString();
+    const int mute = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un name{.sun_family = AF_UNIX, .sun_path = {}};
+    path.copy(name.sun_path, sizeof name.sun_path - 1);
+    ASSERT_EQ(bind(mute, reinterpret_cast<sockaddr *>(&name), sizeof name), 0);
+    ASSERT_EQ(listen(mute, 1), 0);
+    const desktop::AtspiAccessibility::Options muteBus{.sessionBusAddress = "unix:path=" + path};
+    const auto begin = millisecondsNow();
+    EXPECT_FALSE(desktop::AtspiAccessibility(queue, muteBus).isProcessTrusted());
+    EXPECT_LT(millisecondsNow() - begin, 1'000);
+    close(mute);
+}
+
+TEST_F(AtspiAccessibility, ForgetsWhatIsGone) {
+    const auto other = bus.add(window, {.role = entryRole, .text = "other", .states = {editable, focusable, 25, 30}});
+    bus.focus(other);
+    start();
+    ASSERT_TRUE(waitForValue("other"));
+    bus.remove(other);
+    EXPECT_TRUE(waitUntil([&] { return !focused(); }));
+    bus.focus(field);
     ASSERT_TRUE(waitForValue("helo"));
     const auto element = *focused();
     bus.quit();
@@ -141,7 +222,6 @@ TEST_F(AtspiAccessibility, ForgetsWhatIsGone) {
     EXPECT_FALSE(element.copyAttributeValue(axAttribute::value));
     EXPECT_THAT(element.copySubtree({21, 2500}), IsEmpty());
 }
-
 TEST_F(AtspiAccessibility, TakesAnswersOfWrongTypesForNone) {
     bus.focus(field);
     start();
@@ -287,15 +367,41 @@ TEST_F(BulkRead, EndsOnCyclesAndOnAbsurdNumbersOfChildren) {
     EXPECT_LT(bus.callsOf("GetChildren"), 5'000) << "far more was fetched than the limits let through";
 }
 
+// A whole climb and a whole read take longer than is waited for in one go.
+TEST_F(BulkRead, GoesOnWhereASlowApplicationMadeItStop) {
+    for (int i = 0; i < 25; ++i) {
+        page = bus.add(page, {.role = panelRole});
+    }
+    for (int i = 0; i < 100; ++i) {
+        bus.add(page, {.role = staticRole, .text = "text " + std::to_string(i)});
+    }
+    bus.setAnswer([](const std::string &, const std::string &member, sd_bus_message *) {
+        const bool isReading = member == "GetChildren" || member == "GetText";
+        const int milliseconds = member == "GetAttributes" ? 20 : isReading ? 3 : 0;
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        return false;
+    });
+    bus.setSearch(FakeAccessibilityBus::Search::whole);
+    for (const char *toolkit : {"Fake", "Chromium"}) {
+        bus.setToolkit(toolkit);
+        start();
+        expectWalk({21, 2500});
+    }
+}
+
 TEST_F(BulkRead, TakesFoldedTextApart) {
     bus.setToolkit("Gecko");
     const auto row = bus.add(page, {.role = 85, .text = "Hi there \uFFFC12:45"});
     bus.add(row, {.role = 88, .text = "link"});
-    bus.setAnswer([](const std::string &, const std::string &member, sd_bus_message *reply) {
+    const auto secret = bus.add(page, {.role = passwordRole, .text = "secret"});
+    std::atomic<bool> isTold = false;
+    bus.setAnswer([&](const std::string &path, const std::string &member, sd_bus_message *reply) {
+        isTold = isTold || (path == secret && member == "GetText");
         return member == "GetRangeExtents" && sd_bus_message_append(reply, "iiii", 1, 2, 3, 4) >= 0;
     });
     start();
-    EXPECT_THAT(readPage({21, 2500}), ElementsAre("0 ", "1 ", "2 Hi there ", "2 ", "3 link", "2 12:45"));
+    EXPECT_THAT(readPage({21, 2500}), ElementsAre("0 ", "1 ", "2 Hi there ", "2 ", "3 link", "2 12:45", "1 "));
+    EXPECT_FALSE(isTold);
 }
 
 } // namespace

@@ -76,7 +76,9 @@ FakeAccessibilityBus::FakeAccessibilityBus() {
     waitUntil([this] { return m_ready == 2; });
 }
 
-FakeAccessibilityBus::~FakeAccessibilityBus() = default;
+FakeAccessibilityBus::~FakeAccessibilityBus() {
+    sd_bus_close_unref(m_hung);
+}
 
 std::string FakeAccessibilityBus::add(const std::string &parent, FakeElement element) {
     const std::scoped_lock lock(m_mutex);
@@ -95,6 +97,20 @@ void FakeAccessibilityBus::change(const std::string &path, const std::function<v
 FakeElement FakeAccessibilityBus::element(const std::string &path) {
     const std::scoped_lock lock(m_mutex);
     return m_elements[path];
+}
+
+void FakeAccessibilityBus::remove(const std::string &path) {
+    const std::scoped_lock lock(m_mutex);
+    std::erase(m_elements[m_elements[path].parent].children, path);
+    m_elements.erase(path);
+}
+
+void FakeAccessibilityBus::addHungApplication() {
+    const char *name = nullptr;
+    m_hung = connectTo(m_address);
+    sd_bus_get_unique_name(m_hung, &name);
+    const std::scoped_lock lock(m_mutex);
+    m_hungName = name;
 }
 
 void FakeAccessibilityBus::focus(const std::string &path, bool tell) {
@@ -162,6 +178,9 @@ int FakeAccessibilityBus::onServiceCall(sd_bus_message *call, void *self, sd_bus
     const std::string_view member = sd_bus_message_get_member(call);
     if (member == "GetAddress") {
         return sd_bus_reply_method_return(call, "s", fake.m_address.c_str());
+    }
+    if (member == "GetChildren" && !fake.m_hungName.empty()) {
+        return sd_bus_reply_method_return(call, "a(so)", 2, fake.m_hungName.c_str(), root, fake.m_name.c_str(), root);
     }
     if (member == "GetChildren" && !fake.m_name.empty()) {
         return sd_bus_reply_method_return(call, "a(so)", 1, fake.m_name.c_str(), root);

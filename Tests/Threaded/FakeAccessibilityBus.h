@@ -49,6 +49,9 @@ class FakeAccessibilityBus {
     std::string add(const std::string &parent, FakeElement element);
     void change(const std::string &path, const std::function<void(FakeElement &)> &change);
     [[nodiscard]] FakeElement element(const std::string &path);
+    void remove(const std::string &path);
+    /// Lists another application before the others, one that never answers.
+    void addHungApplication();
     /// Gives an element the focus, with or without telling anybody.
     void focus(const std::string &path, bool tell = true);
     void setSearch(Search search) { m_search = search; }
@@ -78,6 +81,8 @@ class FakeAccessibilityBus {
     std::recursive_mutex m_mutex;
     std::map<std::string, FakeElement> m_elements;
     std::string m_name;
+    std::string m_hungName;
+    sd_bus *m_hung = nullptr;
     std::string m_toolkit = "Fake";
     std::vector<std::string> m_pendingSignals;
     Answer m_answer;
