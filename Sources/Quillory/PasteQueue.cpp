@@ -99,24 +99,29 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
         actions.push_back({[self] { return self->focusIsThere(); }, 0ms, focusRetries, Attempt::failed});
         runInOrder(std::move(actions), [self](bool isThere) {
             if (isThere) {
-                self->typeAndRestore();
+                self->ifTextIsThere([self](bool isOurs) { self->typeAndRestore(isOurs); });
             } else {
-                FileLog::log(QStringLiteral("focus left the field, not pasting"));
-                self->finish();
+                self->giveUp("focus left the field");
             }
         });
     }
 
-    void typeAndRestore() {
-        ifTextIsThere([self = shared_from_this()](bool isThere) {
-            if (!isThere) {
-                FileLog::log(QStringLiteral("pasteboard was taken by another program, not pasting"));
-                self->finish();
-                return;
-            }
+    // Finding out about the text may have taken a moment, so the focus is looked at once more.
+    void typeAndRestore(bool textIsThere) {
+        if (!textIsThere) {
+            giveUp("pasteboard was taken by another program");
+        } else if (focusIsThere() != Attempt::succeeded) {
+            giveUp("focus left the field");
+        } else {
             postKeys();
-            platform::current().mainQueue.postAfter(pauseBeforeRestore, [self] { self->finish(); });
-        });
+            platform::current().mainQueue.postAfter(pauseBeforeRestore,
+                                                    [self = shared_from_this()] { self->finish(); });
+        }
+    }
+
+    void giveUp(const char *reason) {
+        FileLog::log(QLatin1StringView(reason) + QStringLiteral(", not pasting"));
+        finish();
     }
 
     // Tells whether a paste would still give our text. A clipboard manager may have taken it over with the text in it.
