@@ -61,10 +61,12 @@ bool AtspiAccessibility::isProcessTrustedWithPrompt() {
 }
 
 void AtspiAccessibility::showPrompt() {
-    if (m_prompt == nullptr) {
-        m_prompt = std::make_unique<atspi::TrustDialog>(
-            [this] { m_core->reader().post([](atspi::Session &session) { session.enable(); }); });
+    std::function<void()> enable;
+    if (m_core->reader().board().hasBus) {
+        enable = [this] { m_core->reader().post([](atspi::Session &session) { session.enable(); }); };
     }
+    // Made anew each time, since the service may have come or gone.
+    m_prompt = std::make_unique<atspi::TrustDialog>(std::move(enable));
     m_prompt->show();
 }
 

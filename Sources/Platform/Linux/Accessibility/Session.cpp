@@ -116,6 +116,7 @@ void Session::readEnabled(bool mayStart) {
 }
 
 void Session::decide() {
+    m_board.hasBus = m_bus != nullptr;
     m_board.isTrusted = m_bus != nullptr && m_isEnabled;
 }
 

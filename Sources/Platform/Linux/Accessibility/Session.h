@@ -23,6 +23,8 @@ class Board {
 
     /// Whether the bus answers and accessibility is on for the session.
     std::atomic<bool> isTrusted = false;
+    /// Whether the bus answers, so that accessibility can be switched on.
+    std::atomic<bool> hasBus = false;
 
   private:
     mutable std::mutex m_mutex;

@@ -8,9 +8,11 @@ class QMessageBox;
 
 namespace platform::desktop::atspi {
 
-/// Offers to switch accessibility on for the session. Does not block: the answer arrives in the callback.
+/// Says that accessibility is off, and offers to switch it on for the session; where there is no service to switch on,
+/// says what is missing. Does not block: the answer arrives in the callback.
 class TrustDialog {
   public:
+    /// enable: empty where there is no service.
     explicit TrustDialog(std::function<void()> enable);
     ~TrustDialog();
     TrustDialog(const TrustDialog &) = delete;
