@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "BrowserPage.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <stdexcept>
@@ -14,18 +15,24 @@ using platform::AXUIElement;
 
 namespace {
 
-QByteArray pageSource(int bubbles) {
+QByteArray pageSource(const BrowserPage::Chat &chat) {
     QByteArray page("<!doctype html><meta charset=utf-8><title>Chat</title><style>body{margin:0}"
                     "#log{height:500px;overflow:auto}.o{text-align:right}i{font-size:10px}</style><div id=log>");
-    for (int i = 0; i < bubbles; ++i) {
+    for (int i = 0; i < chat.bubbles; ++i) {
         page += i % 2 == 0 ? "<div><span>" : "<div class=o><span>";
         page += "Message number " + QByteArray::number(i) + " of this chat</span> <i>12:45 PM</i></div>";
     }
-    return page + "</div><div id=box contenteditable role=textbox aria-multiline=true>"
-                  "<p>helo can u send me the price list</p></div><script>box.focus()</script>";
+    page += "</div><div id=box contenteditable role=textbox aria-multiline=true>"
+            "<p>helo can u send me the price list</p></div><script>box.focus()</script>";
+    if (chat.millisecondsBetweenMessages > 0) {
+        page += "<script>let n=0;setInterval(()=>{const d=document.createElement('div');"
+                "d.innerHTML='<span>New message '+(++n)+'</span> <i>12:46 PM</i>';log.append(d)}," +
+                QByteArray::number(chat.millisecondsBetweenMessages) + ")</script>";
+    }
+    return page;
 }
 
-std::vector<std::string> browserCommand(const QString &folder) {
+std::vector<std::string> chromiumCommand(const std::string &folder) {
     return {"chromium",
             "--no-sandbox",
             "--test-type",
@@ -35,8 +42,44 @@ std::vector<std::string> browserCommand(const QString &folder) {
             "--disable-background-networking",
             "--disable-component-update",
             "--disable-sync",
-            "--user-data-dir=" + folder.toStdString() + "/profile",
-            "--app=file://" + folder.toStdString() + "/page.html"};
+            "--user-data-dir=" + folder + "/profile",
+            "--app=file://" + folder + "/page.html"};
+}
+
+// No page of its own comes before the one that is asked for.
+constexpr char firefoxSettings[] = R"(
+user_pref("network.captive-portal-service.enabled", false);
+user_pref("network.connectivity-service.enabled", false);
+user_pref("browser.shell.checkDefaultBrowser", false);
+user_pref("browser.aboutwelcome.enabled", false);
+user_pref("browser.preonboarding.enabled", false);
+user_pref("browser.startup.homepage_override.mstone", "ignore");
+user_pref("termsofuse.bypassNotification", true);
+user_pref("datareporting.policy.dataSubmissionEnabled", false);
+user_pref("datareporting.policy.firstRunURL", "");
+user_pref("browser.sessionstore.resume_from_crash", false);
+user_pref("app.update.enabled", false);
+)";
+
+void write(const QString &path, const QByteArray &content) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) < 0) {
+        throw std::runtime_error("the page or its browser's profile cannot be written");
+    }
+}
+
+std::vector<std::string> firefoxCommand(const QString &folder) {
+    const QString profile = folder + QStringLiteral("/profile");
+    QDir().mkpath(profile);
+    write(profile + QStringLiteral("/user.js"), firefoxSettings);
+    return {"env",
+            "GNOME_ACCESSIBILITY=1",
+            "MOZ_CRASHREPORTER_DISABLE=1",
+            "firefox-esr",
+            "--no-remote",
+            "--profile",
+            profile.toStdString(),
+            "file://" + folder.toStdString() + "/page.html"};
 }
 
 template <class T> std::optional<T> read(const AXUIElement &element, QLatin1StringView name) {
@@ -47,13 +90,11 @@ template <class T> std::optional<T> read(const AXUIElement &element, QLatin1Stri
 
 } // namespace
 
-BrowserPage::BrowserPage(int bubbles) {
-    QFile page(m_folder.filePath(QStringLiteral("page.html")));
-    if (!page.open(QIODevice::WriteOnly) || page.write(pageSource(bubbles)) < 0) {
-        throw std::runtime_error("the page cannot be written");
-    }
-    page.close();
-    m_browser = test::ChildProcess(browserCommand(m_folder.path()), test::Output::dropped);
+BrowserPage::BrowserPage(Browser browser, Chat chat) {
+    write(m_folder.filePath(QStringLiteral("page.html")), pageSource(chat));
+    const auto command =
+        browser == Browser::chromium ? chromiumCommand(m_folder.path().toStdString()) : firefoxCommand(m_folder.path());
+    m_browser = test::ChildProcess(command, test::Output::dropped);
 }
 
 AXUIElement BrowserPage::waitForBox(platform::Accessibility &accessibility) {

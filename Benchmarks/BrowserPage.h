@@ -11,10 +11,16 @@
 
 namespace quillory::bench {
 
-/// A page of a chat in a real Chromium: bubbles with a time each, and a message box that has the focus.
+/// A page of a chat in a real browser: bubbles with a time each, and a message box that has the focus.
 class BrowserPage {
   public:
-    explicit BrowserPage(int bubbles);
+    enum class Browser { chromium, firefox };
+    struct Chat {
+        int bubbles = 245;
+        /// How often another message comes; never by default.
+        int millisecondsBetweenMessages = 0;
+    };
+    BrowserPage(Browser browser, Chat chat);
 
     /// Asks until the message box of the page has the focus. Throws std::runtime_error when it never gets it.
     [[nodiscard]] platform::AXUIElement waitForBox(platform::Accessibility &accessibility);

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <string_view>
 #include <vector>
 
 // Its headers use GLib's macros, which do not pass this project's warnings.
@@ -114,7 +115,9 @@ int main(int argc, char **argv) {
     const QCoreApplication application(argc, argv);
     platform::desktop::QtMainQueue mainQueue;
     platform::desktop::AtspiAccessibility accessibility(mainQueue);
-    bench::BrowserPage browser(bubbles);
+    const bool isFirefox = argc > 1 && std::string_view(argv[1]) == "firefox";
+    bench::BrowserPage browser(isFirefox ? bench::BrowserPage::Browser::firefox : bench::BrowserPage::Browser::chromium,
+                               {bubbles});
     const auto page = bench::pageAround(browser.waitForBox(accessibility));
     atspi_init();
     AtspiAccessible *everything = atspi_get_desktop(0);

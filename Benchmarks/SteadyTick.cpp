@@ -50,7 +50,7 @@ int main(int argc, char **argv) {
     const QCoreApplication application(argc, argv);
     platform::desktop::QtMainQueue mainQueue;
     platform::desktop::AtspiAccessibility accessibility(mainQueue);
-    bench::BrowserPage browser(245);
+    bench::BrowserPage browser(bench::BrowserPage::Browser::chromium, {});
     const auto box = browser.waitForBox(accessibility);
     test::waitUntil([&] { return tick(accessibility); });
 

@@ -395,13 +395,21 @@ TEST_F(BulkRead, TakesFoldedTextApart) {
     bus.add(row, {.role = 88, .text = "link"});
     const auto secret = bus.add(page, {.role = passwordRole, .text = "secret"});
     std::atomic<bool> isTold = false;
+    // Where a text stands is not known when it is asked for the first time.
+    std::map<std::string, int> asked;
     bus.setAnswer([&](const std::string &path, const std::string &member, sd_bus_message *reply) {
         isTold = isTold || (path == secret && member == "GetText");
-        return member == "GetRangeExtents" && sd_bus_message_append(reply, "iiii", 1, 2, 3, 4) >= 0;
+        if (member == "GetAttributeRun") {
+            return sd_bus_message_append(reply, "a{ss}ii", 0, 0, 99) >= 0;
+        }
+        const bool isPlaced = member == "GetRangeExtents" && ++asked[path] > 4;
+        return member == "GetRangeExtents" && sd_bus_message_append(reply, "iiii", isPlaced, 2, 3 * isPlaced, 0) >= 0;
     });
     start();
     EXPECT_THAT(readPage({21, 2500}), ElementsAre("0 ", "1 ", "2 Hi there ", "2 ", "3 link", "2 12:45", "1 "));
     EXPECT_FALSE(isTold);
+    EXPECT_THAT(focused()->copySubtree({21, 2500}),
+                testing::Contains(testing::Field(&AXSubtreeNode::frame, Rect{1, 2, 3, 0})).Times(3));
 }
 
 } // namespace

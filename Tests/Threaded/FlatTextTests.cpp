@@ -52,15 +52,51 @@ TEST(FlatText, CountsInCodePointsAndInUnits) {
     EXPECT_EQ(cleanText(QStringLiteral("\U0001F600\uFEFF x\uFEFF")), QStringLiteral("\U0001F600 x\uFEFF"));
 }
 
-TEST(TextRuns, StandBetweenTheChildren) {
-    const auto runs = textRuns(QStringLiteral("\U0001F600 a\uFFFC \uFFFCb"));
-    ASSERT_EQ(runs.size(), 2U);
-    EXPECT_EQ(runs[0].from, 0);
-    EXPECT_EQ(runs[0].to, 3);
-    EXPECT_EQ(runs[0].childrenBefore, 0U);
-    EXPECT_EQ(runs[1].from, 6);
-    EXPECT_EQ(runs[1].to, 7);
-    EXPECT_EQ(runs[1].childrenBefore, 2U);
+// Each style is given by where it ends and by its size; what comes out is one line for each run, with its ranges.
+TEST(FoldedText, ComesApartIntoLines) {
+    using Styles = std::vector<std::pair<int, std::string>>;
+    const struct {
+        const char *text;
+        Styles styles;
+        const char *lines;
+    } cases[] = {
+        {"", {}, ""},
+        {"\uFFFC\uFFFC \uFFFC", {}, ""},
+        {"\U0001F600 a\uFFFC \uFFFCb", {{3, ""}, {7, ""}}, "0:\U0001F600 a[0-3]|2:b[6-7]"},
+        {"Is it in stock?12:45 PM", {{15, ""}, {23, "8"}}, "0:Is it in stock?[0-15]|0:12:45 PM[15-23]"},
+        {"Mariamonline", {{6, ""}, {12, ""}}, "0:Mariam[0-6]|0:online[6-12]"},
+        {"Hi \U0001F389\uFEFF12:48", {{5, ""}, {10, "8"}}, "0:Hi \U0001F389[0-4]|0:12:48[5-10]"},
+        {"a bold word, (and) another12:48",
+         {{2, ""}, {6, ""}, {11, ""}, {14, ""}, {17, ""}, {26, ""}, {31, ""}},
+         "0:a bold word, (and) another[0-26]|0:12:48[26-31]"},
+        {"here: \uFFFC 12:48", {{6, ""}, {13, "8"}}, "0:here: [0-5]|1: 12:48[8-13]"},
+        {"line\nline12:48", {{9, ""}, {14, "8"}}, "0:line\nline[0-9]|0:12:48[9-14]"},
+        {"one two", {{4, ""}, {2, "9"}}, "0:one [0-3]|0:two[4-7]"},
+        {"one two", {{-1, ""}}, "0:one two[0-7]"},
+        {"ok! \u0645\u0631 5 \u062F", {{99, ""}}, "0:ok! \u0645\u0631 5 \u062F[0-3][4-10]"},
+    };
+    for (const auto &test : cases) {
+        FoldedText folded(QString::fromUtf8(test.text));
+        for (const auto &[to, size] : test.styles) {
+            ASSERT_TRUE(folded.unknownStyle()) << test.text;
+            folded.addStyle(to, size);
+        }
+        EXPECT_FALSE(folded.unknownStyle()) << test.text;
+        QStringList lines;
+        for (const auto &run : folded.runs()) {
+            lines += QString::number(run.childrenBefore) + u':' + run.text;
+            for (const auto &range : run.measured) {
+                lines.back() += QStringLiteral("[%1-%2]").arg(range.from).arg(range.to);
+            }
+        }
+        EXPECT_EQ(lines.join(u'|'), QString::fromUtf8(test.lines));
+    }
+    FoldedText letters(QString(5'000, u'x'));
+    int asked = 0;
+    for (; letters.unknownStyle(); ++asked) {
+        letters.addStyle(*letters.unknownStyle() + 1, std::to_string(asked));
+    }
+    EXPECT_LT(asked, 30) << "a text painted letter by letter is asked about without end";
 }
 
 TEST(Roles, HaveTheProgramsNames) {

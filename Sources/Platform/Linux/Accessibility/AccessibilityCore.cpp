@@ -333,8 +333,9 @@ void AccessibilityCore::startBulkRead(const ElementRef &root, AXSubtreeLimits li
     m_bulkRead = {root, limits, now, m_reader.start([root, limits](Session &session) {
                       return session.connection() == nullptr
                                  ? std::vector<SubtreeItem>()
-                                 : session.subtrees().read(*session.connection(), root, limits,
-                                                           Clock::now() + subtreeTime);
+                                 : session.subtrees()
+                                       .read({*session.connection(), Clock::now() + subtreeTime}, root, limits)
+                                       .items;
                   })};
 }
 

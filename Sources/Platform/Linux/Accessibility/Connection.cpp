@@ -199,10 +199,21 @@ void Connection::send(const Call &call) {
 }
 
 void Connection::match(const char *rule, SignalHandler handler) {
-    m_handlers.push_back(std::make_unique<SignalHandler>(std::move(handler)));
+    m_matches.push_back(subscribe(rule, std::move(handler)));
+}
+
+Connection::Subscription Connection::subscribe(const std::string &rule, SignalHandler handler) {
+    Subscription subscription{std::make_unique<SignalHandler>(std::move(handler)), nullptr};
     sd_bus_slot *slot = nullptr;
-    if (sd_bus_add_match_async(m_bus.get(), &slot, rule, runHandler, nullptr, m_handlers.back().get()) >= 0) {
-        m_matches.emplace_back(slot);
+    if (m_bus != nullptr && sd_bus_add_match_async(m_bus.get(), &slot, rule.c_str(), runHandler, nullptr,
+                                                   subscription.handler.get()) >= 0) {
+        subscription.slot.reset(slot);
+    }
+    return subscription;
+}
+
+void Connection::idle(Deadline until) {
+    while (waitFor(until)) {
     }
 }
 

@@ -16,6 +16,12 @@ class Connection {
   public:
     using SignalHandler = std::function<void(sd_bus_message *)>;
 
+    /// Hears signals for as long as it lives, which must not be longer than the connection.
+    struct Subscription {
+        std::unique_ptr<SignalHandler> handler;
+        SlotPtr slot;
+    };
+
     /// Connects to a bus address; whether that worked shows in isOpen() and in the answers. stop ends every wait; from
     /// then on the connection counts as closed.
     Connection(const std::string &address, const StopSignal &stop);
@@ -37,6 +43,10 @@ class Connection {
     void send(const Call &call);
     /// Calls the handler for every signal that matches the rule, while process() or callAll() runs.
     void match(const char *rule, SignalHandler handler);
+    /// The same until the subscription ends.
+    [[nodiscard]] Subscription subscribe(const std::string &rule, SignalHandler handler);
+    /// Handles what arrives until then.
+    void idle(Deadline until);
 
     /// Whether an application is being left alone.
     [[nodiscard]] bool isSilent(const std::string &name) const { return m_silent.contains(name); }
@@ -64,8 +74,7 @@ class Connection {
 
     const StopSignal &m_stop;
     BusPtr m_bus;
-    std::vector<SlotPtr> m_matches;
-    std::vector<std::unique_ptr<SignalHandler>> m_handlers;
+    std::vector<Subscription> m_matches;
     std::map<std::string, std::unique_ptr<Ping>, std::less<>> m_silent;
     std::set<std::string, std::less<>> m_answering;
     std::map<std::string, qint32, std::less<>> m_pids;

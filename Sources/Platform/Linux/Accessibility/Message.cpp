@@ -7,6 +7,10 @@ namespace platform::desktop::atspi {
 
 namespace calls {
 
+namespace {
+constexpr std::uint32_t screenCoordinates = 0;
+}
+
 Call method(ElementRef target, const char *interface, const char *member) {
     return {std::move(target), interface, member, {}, false};
 }
@@ -66,13 +70,23 @@ Call text(const ElementRef &target, int from, int to) {
             [from, to](sd_bus_message *message) { return sd_bus_message_append(message, "ii", from, to); }};
 }
 
+Call attributeRun(const ElementRef &target, int offset) {
+    return {target, textInterface, "GetAttributeRun",
+            [offset](sd_bus_message *message) { return sd_bus_message_append(message, "ib", offset, 0); }};
+}
+
+Call rangeExtents(const ElementRef &target, int from, int to) {
+    return {target, textInterface, "GetRangeExtents", [from, to](sd_bus_message *message) {
+                return sd_bus_message_append(message, "iiu", from, to, screenCoordinates);
+            }};
+}
+
 Call characterCount(const ElementRef &target) {
     return property(target, textInterface, "CharacterCount");
 }
 
 Call extents(const ElementRef &target) {
     return {target, componentInterface, "GetExtents", [](sd_bus_message *message) {
-                static constexpr std::uint32_t screenCoordinates = 0;
                 return sd_bus_message_append_basic(message, SD_BUS_TYPE_UINT32, &screenCoordinates);
             }};
 }
@@ -187,7 +201,22 @@ std::optional<States> Reply::states() const {
 
 std::optional<Attributes> Reply::attributes() const {
     auto *message = at("a{ss}");
-    if (message == nullptr || sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "{ss}") < 0) {
+    return message != nullptr ? readAttributes(message) : std::nullopt;
+}
+
+std::optional<std::pair<Attributes, int>> Reply::attributeRun() const {
+    int from = 0;
+    int to = 0;
+    auto *message = at("a{ss}ii");
+    auto style = message != nullptr ? readAttributes(message) : std::nullopt;
+    if (!style || sd_bus_message_exit_container(message) < 0 || sd_bus_message_read(message, "ii", &from, &to) <= 0) {
+        return std::nullopt;
+    }
+    return std::pair(*std::move(style), to);
+}
+
+std::optional<Attributes> Reply::readAttributes(sd_bus_message *message) {
+    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "{ss}") < 0) {
         return std::nullopt;
     }
     Attributes attributes;

@@ -54,6 +54,9 @@ namespace calls {
 [[nodiscard]] Call name(const ElementRef &target);
 [[nodiscard]] Call parent(const ElementRef &target);
 [[nodiscard]] Call text(const ElementRef &target, int from, int to);
+/// The style of a character, as far as it differs from the document's.
+[[nodiscard]] Call attributeRun(const ElementRef &target, int offset);
+[[nodiscard]] Call rangeExtents(const ElementRef &target, int from, int to);
 [[nodiscard]] Call characterCount(const ElementRef &target);
 /// In coordinates of the screen.
 [[nodiscard]] Call extents(const ElementRef &target);
@@ -84,6 +87,8 @@ class Reply {
     /// The rectangle; (-1, -1, -1, -1), which stands for an element that is not on the screen, is absent.
     [[nodiscard]] std::optional<PixelRect> extents() const;
     [[nodiscard]] std::optional<std::pair<int, int>> pairOfNumbers() const;
+    /// A style and where it ends.
+    [[nodiscard]] std::optional<std::pair<Attributes, int>> attributeRun() const;
     /// The objects, at most the limit of them; null references are left out.
     [[nodiscard]] std::optional<std::vector<ElementRef>> references(std::size_t limit) const;
     /// The values of properties.
@@ -97,6 +102,7 @@ class Reply {
   private:
     [[nodiscard]] sd_bus_message *at(const char *signature) const;
     [[nodiscard]] sd_bus_message *insideProperty(const char *signature) const;
+    [[nodiscard]] static std::optional<Attributes> readAttributes(sd_bus_message *message);
     MessagePtr m_message;
 };
 

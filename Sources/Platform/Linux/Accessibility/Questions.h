@@ -3,7 +3,16 @@
 
 #include "Platform/Linux/Accessibility/Connection.h"
 
+#include <algorithm>
+
 namespace platform::desktop::atspi {
+
+/// How a long reading asks: on which connection and until when, and what lets others have their turn in between.
+struct Asking {
+    Connection &connection;
+    Deadline deadline;
+    std::function<void()> giveWay = [] {};
+};
 
 /// Questions that are asked together in one round trip, each with what to do with its answer.
 class Questions {
@@ -29,7 +38,26 @@ class Questions {
         return isWhole;
     }
 
+    /// The same in parts: who wants an answer of the same application meanwhile waits for one of them at most.
+    bool run(const Asking &asking) {
+        auto calls = std::exchange(m_calls, {});
+        auto takers = std::exchange(m_takers, {});
+        bool isWhole = true;
+        for (std::size_t from = 0; from < calls.size(); from += inOnePart) {
+            const auto to = std::min(from + inOnePart, calls.size());
+            for (auto i = from; i < to; ++i) {
+                ask(std::move(calls[i]), std::move(takers[i]));
+            }
+            isWhole = run(asking.connection, asking.deadline) && isWhole;
+            asking.giveWay();
+        }
+        return isWhole;
+    }
+
   private:
+    // A few milliseconds of an application's time.
+    static constexpr std::size_t inOnePart = 150;
+
     std::vector<Call> m_calls;
     std::vector<Taker> m_takers;
 };

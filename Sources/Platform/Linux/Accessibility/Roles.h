@@ -18,6 +18,11 @@ struct Kind {
 /// The one translation of the bus's roles into the program's role names.
 [[nodiscard]] QString axRoleName(const Kind &kind);
 
+/// Nobody reads passwords, nor the leaves that stand for one's characters.
+[[nodiscard]] inline bool isSecret(const Kind &kind) {
+    return kind.role == Role::passwordText;
+}
+
 /// Whether an element's text stands in a line of its own in what surrounds it.
 [[nodiscard]] bool isBlock(Role role);
 

@@ -24,15 +24,21 @@ struct SubtreeItem {
 /// asks about much more than the limits let through, and what it gives is what the walk would have met.
 class SubtreeReader {
   public:
-    /// Empty when it could not all be read in time; what was read is kept, and the next read goes on from there.
-    std::vector<SubtreeItem> read(Connection &connection, const ElementRef &root, AXSubtreeLimits limits,
-                                  Deadline deadline);
+    struct Outcome {
+        std::vector<SubtreeItem> items;
+        /// When the first of the questions was asked that it rests on.
+        Clock::time_point begunAt = {};
+    };
+    /// Without items when it could not all be read in time. What was read is kept, and the next read goes on from
+    /// there if it may.
+    Outcome read(const Asking &asking, const ElementRef &root, AXSubtreeLimits limits, bool mayGoOn = true);
+    /// Whether the last read met an element.
+    [[nodiscard]] bool knows(const ElementRef &ref) const { return m_known.tree.contains(ref); }
 
   private:
     struct Info {
         bool isKnown = false;
         bool hasKnownChildren = false;
-        bool hasKnownRuns = false;
         bool hasKnownDetails = false;
         bool isGone = false;
         /// Named as a text by the application's own search; taken for one without children until it turns out to
@@ -40,7 +46,10 @@ class SubtreeReader {
         bool isTakenForLeaf = false;
         Kind kind;
         std::vector<ElementRef> children;
-        std::vector<TextRun> runs;
+        /// The element's own text where the texts of a page are folded, once it was asked for.
+        std::optional<FoldedText> folded;
+        /// What it was in the last read.
+        std::optional<FoldedText> former;
         /// A static text's own, once it was asked for.
         std::optional<QString> text;
     };
@@ -67,38 +76,48 @@ class SubtreeReader {
         Listing listing = {};
         /// The texts of a block stand in the block's own.
         bool foldsText = false;
+
+        [[nodiscard]] bool isLike(const Request &other) const {
+            return root == other.root && limits == other.limits && foldsText == other.foldsText;
+        }
     };
-    /// The last read: whether it came to its end, when it began, and when it was left.
+    /// The last read: whether it came to its end, when it began, and when it was left. What it did not ask about goes
+    /// back to the last walk.
     struct Known {
         Request request;
         bool isWhole = false;
         Clock::time_point begunAt;
+        Clock::time_point walkedAt;
         Clock::time_point leftAt;
         Tree tree;
     };
 
-    [[nodiscard]] QString toolkit(Connection &connection, const std::string &bus, Deadline deadline);
-    [[nodiscard]] Tree begin(Connection &connection, const Request &request, Deadline deadline);
-    static std::vector<SubtreeItem> refine(Connection &connection, const Request &request, Tree &tree,
-                                           Deadline deadline);
-    static Listing list(Connection &connection, const ElementRef &root, int limit, Deadline deadline);
-    static void doubtTexts(Connection &connection, Tree &tree, Deadline deadline);
+    [[nodiscard]] QString toolkit(const Asking &asking, const std::string &bus);
+    [[nodiscard]] Tree begin(const Asking &asking, const Request &request, bool isSame);
+    std::vector<SubtreeItem> refine(const Asking &asking, const Request &request, Tree &tree);
+    static Listing list(const Asking &asking, const ElementRef &root, int limit);
+    static void doubtAll(const Asking &asking, const Request &request, Tree &tree);
+    static void doubtTexts(const Asking &asking, Tree &tree);
     static QString expectedText(const Tree &tree, const Info &info);
     static void forgetTexts(Tree &tree, const Info &info);
     static std::vector<ElementRef> doubtfulLeaves(const Walk &walk, const std::vector<ElementRef> &texts);
-    static void askUnknown(Connection &connection, const Request &request, Tree &tree,
-                           const std::vector<ElementRef> &unknown, Deadline deadline);
-    static void askTexts(Connection &connection, Tree &tree, const std::vector<Step> &steps, Deadline deadline);
+    static void askUnknown(const Asking &asking, const Request &request, Tree &tree,
+                           const std::vector<ElementRef> &unknown);
+    static void askFolded(Questions &questions, const ElementRef &ref, Info &info);
+    static void askTexts(const Asking &asking, Tree &tree, const std::vector<Step> &steps);
     static std::vector<ElementRef> leavesWithChildren(const Tree &tree, const std::vector<Step> &steps);
-    static std::vector<SubtreeItem> finish(Connection &connection, Tree &tree, const std::vector<Step> &steps,
-                                           Deadline deadline);
-    static void askFrames(Connection &connection, const std::vector<Step> &steps, std::vector<SubtreeItem> &items,
-                          Deadline deadline);
+    std::vector<SubtreeItem> finish(const Asking &asking, Tree &tree, const std::vector<Step> &steps);
+    static void askFrames(const Asking &asking, const std::vector<Step> &steps, const std::vector<std::size_t> &which,
+                          std::vector<SubtreeItem> &items);
+    bool waitForPlaces(const Asking &asking, const std::vector<Step> &steps, std::vector<std::size_t> which,
+                       std::vector<SubtreeItem> &items);
 
     /// Of the application that was read last.
     std::string m_toolkitOf;
     QString m_toolkit;
     Known m_known;
+    /// Since when there are texts that their application cannot place.
+    std::optional<Clock::time_point> m_unplacedSince;
 };
 
 } // namespace platform::desktop::atspi
