@@ -1,13 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "MonitorStory.h"
 #include "Quillory/ChoiceStats.h"
 #include "Quillory/DraftRules.h"
-#include "Quillory/TypingMonitor.h"
-#include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <QFile>
-#include <QRegularExpression>
-
-#include <gmock/gmock.h>
 
 namespace quillory {
 
@@ -15,85 +11,28 @@ namespace {
 
 using platform::Rect;
 using test::Node;
+using test::text;
 using testing::ElementsAre;
 using testing::IsEmpty;
 namespace axAttribute = platform::axAttribute;
 namespace axRole = platform::axRole;
 namespace keyCode = platform::keyCode;
 
-QString text(const char *utf8) {
-    return QString::fromUtf8(utf8);
-}
-
 const QString draft = text("helo can u send me the price list");
 const QString rewrite = text("Hello, can you send me the price list?");
 const SuggestionCardData waitingCard{text("Suggested rewrite"), {}, false, {}, false};
-constexpr qint32 browserPid = 1;
 
-// A user in front of the web client, with the program running.
-struct MonitorStory : testing::Test {
-    test::SimulatedDesktop desktop;
-    test::SimulatedCards cards;
-    Node browser =
-        desktop.applications.launch({browserPid, text("org.chromium.Chromium"), text("Chromium")}, text("WhatsApp"));
-    Node page = browser->add(axRole::webArea);
+struct RewriteStory : test::MonitorStory {
     Node message = page->addText(text("do you have it in blue?"), {300, 700, 150, 20});
-    Node box = page->add(axRole::textArea, {300, 800, 400, 40});
-    std::shared_ptr<TypingMonitor> monitor = std::make_shared<TypingMonitor>(cards.maker());
 
     void SetUp() override {
-        desktop.userDefaults.set(settingsKey::openRouterAPIKey, text("key"));
-        page->set(axAttribute::url, QUrl(text("https://web.whatsapp.com/")));
-        box->setValue({});
-        focus(box);
-        monitor->start();
-        desktop.advance(100);
-        m_logRead = desktop.log().size();
+        MonitorStory::SetUp();
+        desktop.userDefaults.set(settingsKey::assistantMode, false);
+        start();
     }
-
-    void focus(const Node &node) { desktop.applications.focused = node; }
-    // The text is there by the next tick, which the given time starts with.
-    void type(const QString &value, int thenMilliseconds) {
-        box->setValue(value);
-        desktop.advance(100 + thenMilliseconds);
-    }
-    // What was logged since this was last asked.
-    QStringList newLog() {
-        QStringList lines = desktop.log().mid(m_logRead);
-        m_logRead += lines.size();
-        return lines;
-    }
-    bool runUntil(const std::function<bool()> &condition) { return desktop.mainQueue.runUntil(condition); }
-    bool runUntilLogged(const QString &start) {
-        return runUntil([&] {
-            const QStringList lines = desktop.log().mid(m_logRead);
-            return std::any_of(lines.begin(), lines.end(), [&](const QString &line) { return line.startsWith(start); });
-        });
-    }
-    bool runUntilShown(int card, const QString &cardText) {
-        return runUntil([&] { return card < cards.shown.size() && cards.shown[card].text == cardText; });
-    }
-    void finish(int request, const QString &answer) {
-        const QString label = modelName(request);
-        desktop.urlSession.exchange(request)->answer({answer});
-        ASSERT_TRUE(runUntilLogged(label + text(" complete")));
-    }
-    QString modelName(int request) {
-        const auto model = desktop.urlSession.exchange(request)->json()[text("model")].toString();
-        return model.startsWith(text("google")) ? text("Gemini 2.5 Flash Lite") : text("Claude Haiku 4.5");
-    }
-    // How often models were asked; the requests themselves come from threads of their own, a little later.
-    qsizetype requests() {
-        static const QRegularExpression asked(text("^(prefetch started|rewrite requested)"));
-        return desktop.log().filter(asked).size();
-    }
-    bool panelVisible() { return desktop.panelWindows.visible; }
-
-  private:
-    qsizetype m_logRead = 0;
 };
 
-TEST_F(MonitorStory, ADraftBecomesBetterFromTypingToTab) {
+TEST_F(RewriteStory, ADraftBecomesBetterFromTypingToTab) {
     desktop.pasteboard.copy(text("the user's own"));
     type(draft, 300);
     EXPECT_THAT(newLog(), ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5)")));
@@ -126,7 +65,7 @@ TEST_F(MonitorStory, ADraftBecomesBetterFromTypingToTab) {
                                       text("web field, inserting via paste")));
 }
 
-TEST_F(MonitorStory, APrefetchedAnswerIsShownAsSoonAsItIsReady) {
+TEST_F(RewriteStory, APrefetchedAnswerIsShownAsSoonAsItIsReady) {
     type(draft, 300);
     finish(0, rewrite);
     EXPECT_TRUE(panelVisible());
@@ -142,7 +81,7 @@ TEST_F(MonitorStory, APrefetchedAnswerIsShownAsSoonAsItIsReady) {
     EXPECT_EQ(box->value(), rewrite);
 }
 
-TEST_F(MonitorStory, TypingOnHidesTheCardsAndEndsTheRequest) {
+TEST_F(RewriteStory, TypingOnHidesTheCardsAndEndsTheRequest) {
     type(draft, 600);
     const auto first = desktop.urlSession.exchange(0);
     first->piece(text("Hello"));
@@ -160,7 +99,7 @@ TEST_F(MonitorStory, TypingOnHidesTheCardsAndEndsTheRequest) {
                             text("prefetch started (37 chars, Claude Haiku 4.5)"), text("panel visible (1 cards)")));
 }
 
-TEST_F(MonitorStory, AnAnswerThatComesTooLateIsDropped) {
+TEST_F(RewriteStory, AnAnswerThatComesTooLateIsDropped) {
     type(draft, 600);
     newLog();
     // Esc is on its way through the main queue when the answer ends.
@@ -172,7 +111,7 @@ TEST_F(MonitorStory, AnAnswerThatComesTooLateIsDropped) {
     EXPECT_THAT(newLog(), IsEmpty());
 }
 
-TEST_F(MonitorStory, EscDropsTheSuggestionForThisDraft) {
+TEST_F(RewriteStory, EscDropsTheSuggestionForThisDraft) {
     type(draft, 600);
     EXPECT_FALSE(desktop.press(keyCode::escape));
     EXPECT_FALSE(panelVisible());
@@ -185,7 +124,7 @@ TEST_F(MonitorStory, EscDropsTheSuggestionForThisDraft) {
     EXPECT_EQ(requests(), 2);
 }
 
-TEST_F(MonitorStory, ChunksAreShownAtMostEveryEightyMilliseconds) {
+TEST_F(RewriteStory, ChunksAreShownAtMostEveryEightyMilliseconds) {
     type(draft, 600);
     const auto request = desktop.urlSession.exchange(0);
     const auto send = [&](const char *piece, int milliseconds) {
@@ -200,7 +139,7 @@ TEST_F(MonitorStory, ChunksAreShownAtMostEveryEightyMilliseconds) {
     EXPECT_EQ(send(" three", 40), text("one two three"));
 }
 
-TEST_F(MonitorStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
+TEST_F(RewriteStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
     const Node window = desktop.applications.launch({2, text("net.whatsapp.desktop"), text("WhatsApp")}, text("Chats"));
     box = window->add(axRole::textArea, {300, 800, 400, 40});
     box->settable = true;
@@ -222,7 +161,7 @@ TEST_F(MonitorStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
     EXPECT_EQ(requests(), 2) << "what was accepted is not asked about again";
 }
 
-TEST_F(MonitorStory, NothingIsAskedOutsideAMessageBox) {
+TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
     const Node otherPage = browser->add(axRole::webArea);
     otherPage->set(axAttribute::url, QUrl(text("https://example.com/")));
     const Node editor = desktop.applications.launch({3, text("org.example.editor"), std::nullopt}, text("Notes"));
@@ -253,7 +192,7 @@ TEST_F(MonitorStory, NothingIsAskedOutsideAMessageBox) {
     EXPECT_EQ(desktop.urlSession.requestCount(), 0);
 }
 
-TEST_F(MonitorStory, ABoxThatIsEmptyOrTooLongIsNotAskedAbout) {
+TEST_F(RewriteStory, ABoxThatIsEmptyOrTooLongIsNotAskedAbout) {
     box->set(axAttribute::placeholderValue, text("Type a message"));
     type(text("Type a message\n"), 1000);
     type(text("  \n  "), 1000);
@@ -269,7 +208,7 @@ TEST_F(MonitorStory, ABoxThatIsEmptyOrTooLongIsNotAskedAbout) {
     EXPECT_FALSE(panelVisible());
 }
 
-TEST_F(MonitorStory, TheFocusMayLeaveForAMoment) {
+TEST_F(RewriteStory, TheFocusMayLeaveForAMoment) {
     type(draft, 600);
     ASSERT_TRUE(panelVisible());
     const Node button = page->add(QLatin1StringView("AXButton"));
@@ -292,7 +231,7 @@ TEST_F(MonitorStory, TheFocusMayLeaveForAMoment) {
     EXPECT_EQ(requests(), 1) << "the draft did not change since the focus came back";
 }
 
-TEST_F(MonitorStory, ARecreatedFieldIsTakenForTheSame) {
+TEST_F(RewriteStory, ARecreatedFieldIsTakenForTheSame) {
     type(draft, 600);
     newLog();
     const auto recreate = [&](double x) {
@@ -316,7 +255,7 @@ TEST_F(MonitorStory, ARecreatedFieldIsTakenForTheSame) {
     EXPECT_FALSE(panelVisible());
 }
 
-TEST_F(MonitorStory, SwitchesCountFromTheNextTick) {
+TEST_F(RewriteStory, SwitchesCountFromTheNextTick) {
     type(draft, 600);
     desktop.userDefaults.set(settingsKey::enabled, false);
     desktop.advance(100);
@@ -337,7 +276,7 @@ TEST_F(MonitorStory, SwitchesCountFromTheNextTick) {
     EXPECT_EQ(newLog().first(), text("rewrite requested (37 chars, Claude Haiku 4.5)"));
 }
 
-TEST_F(MonitorStory, AnUnchangedDraftShowsNothing) {
+TEST_F(RewriteStory, AnUnchangedDraftShowsNothing) {
     type(text(" ") + draft, 600);
     finish(0, draft + u'\n');
     EXPECT_FALSE(panelVisible());
@@ -346,7 +285,7 @@ TEST_F(MonitorStory, AnUnchangedDraftShowsNothing) {
     EXPECT_EQ(requests(), 1);
 }
 
-TEST_F(MonitorStory, AFailedRequestLeavesALineAndNoPanel) {
+TEST_F(RewriteStory, AFailedRequestLeavesALineAndNoPanel) {
     type(draft, 600);
     desktop.urlSession.exchange(0)->fail(text("no route to host"));
     ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
@@ -359,7 +298,7 @@ TEST_F(MonitorStory, AFailedRequestLeavesALineAndNoPanel) {
     EXPECT_EQ(requests(), 2);
 }
 
-TEST_F(MonitorStory, AFieldWithoutAFrameHasNoPlaceForAPanel) {
+TEST_F(RewriteStory, AFieldWithoutAFrameHasNoPlaceForAPanel) {
     box = page->add(axRole::textArea);
     box->setValue({});
     focus(box);
@@ -370,7 +309,7 @@ TEST_F(MonitorStory, AFieldWithoutAFrameHasNoPlaceForAPanel) {
     EXPECT_EQ(newLog().last(), text("no AX frame for element, cannot show panel"));
 }
 
-TEST_F(MonitorStory, TheMonitorMayGoWhileARequestRuns) {
+TEST_F(RewriteStory, TheMonitorMayGoWhileARequestRuns) {
     type(draft, 600);
     const auto request = desktop.urlSession.exchange(0);
     monitor.reset();
@@ -378,9 +317,9 @@ TEST_F(MonitorStory, TheMonitorMayGoWhileARequestRuns) {
     desktop.advance(1000);
 }
 
-struct CompareStory : MonitorStory {
+struct CompareStory : RewriteStory {
     void SetUp() override {
-        MonitorStory::SetUp();
+        RewriteStory::SetUp();
         desktop.userDefaults.set(settingsKey::compareMode, true);
     }
     // The threads of both requests race, so a request is known by its model.

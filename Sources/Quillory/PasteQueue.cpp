@@ -205,6 +205,10 @@ void paste(PasteRequest request) {
     PasteQueue::current()->add(std::move(request));
 }
 
+bool isPasting() {
+    return !PasteQueue::working().expired();
+}
+
 void abandonPastes() {
     if (const auto queue = PasteQueue::working().lock()) {
         queue->abandon();

@@ -25,6 +25,9 @@ struct PasteRequest {
 /// before the last one has ended waits for it. Main thread only.
 void paste(PasteRequest request);
 
+/// Whether a text is on its way into a field.
+[[nodiscard]] bool isPasting();
+
 /// Gives the pasteboard its content back at once, for the program's end in the midst of a paste. Main thread only.
 void abandonPastes();
 

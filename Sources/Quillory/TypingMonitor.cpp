@@ -23,7 +23,4 @@ void TypingMonitor::start() {
     });
 }
 
-// Replies to a conversation are not drafted yet; their state is declared, and accept and dismiss heed it.
-void TypingMonitor::assistantTick(const Element & /*element*/) {}
-
 } // namespace quillory

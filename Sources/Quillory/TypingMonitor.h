@@ -5,6 +5,7 @@
 #include "Platform/MainQueue.h"
 #include "Quillory/AppSettings.h"
 #include "Quillory/ModelStream.h"
+#include "Quillory/ReplyRules.h"
 #include "Quillory/SuggestionKind.h"
 #include "Quillory/SuggestionPanelController.h"
 #include "Quillory/Tasks.h"
@@ -58,8 +59,11 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     void prefetchSuggestion(const Element &element, const QString &value);
     void dropSuggestion();
 
-    // Drafting replies.
+    // Drafting replies (TypingMonitorReplies.cpp).
     void assistantTick(const Element &element);
+    [[nodiscard]] ReplyHistory replyHistory(platform::Instant now) const;
+    void rememberConversation(const ReplyContext &context);
+    void draftReply(const Element &element, const QString &conversation, platform::Instant now);
 
     // Model requests (TypingMonitorStreams.cpp).
     [[nodiscard]] std::vector<ModelChoice> activeModels() const;

@@ -5,6 +5,7 @@
 #include "Quillory/DraftRules.h"
 #include "Quillory/FieldSnapshot.h"
 #include "Quillory/FileLog.h"
+#include "Quillory/PasteQueue.h"
 #include "Quillory/TypingMonitor.h"
 
 namespace quillory {
@@ -185,7 +186,8 @@ void TypingMonitor::followEmptyField(const Element &element, const QString &valu
         m_lastChangeAt.reset();
         dropSuggestion();
     }
-    if (m_settings.store().boolean(settingsKey::assistantMode)) {
+    // A box that an accepted reply is on its way into is empty for a moment longer, and wants no second one.
+    if (m_settings.store().boolean(settingsKey::assistantMode) && !isPasting()) {
         assistantTick(element);
     }
 }

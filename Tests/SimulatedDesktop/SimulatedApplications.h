@@ -36,6 +36,7 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
     Node add(QLatin1StringView role, const platform::Rect &frame);
     /// Adds a line of text as a chat program shows it.
     Node addText(const QString &text, const platform::Rect &frame);
+    void removeChildren() { m_children.clear(); }
     SimulatedNode &set(QLatin1StringView attribute, const platform::AXValue &value);
     SimulatedNode &setFrame(const platform::Rect &frame);
     SimulatedNode &setValue(const QString &value) { return set(platform::axAttribute::value, value); }
