@@ -3,6 +3,9 @@
 #include "Quillory/CommandLine.h"
 #include "SimulatedDesktop/SimulatedUserDefaults.h"
 
+#include <QDir>
+#include <QTemporaryDir>
+
 #include <gmock/gmock.h>
 
 #include <sstream>
@@ -27,7 +30,7 @@ class CommandLineTest : public testing::Test {
         std::ostringstream output;
         std::ostringstream errors;
         const auto open = [this]() -> platform::UserDefaults & { return store; };
-        const std::optional<int> status = runCommandLine(arguments, open, {input, output, errors});
+        const std::optional<int> status = runCommandLine(arguments, {open, home.path()}, {input, output, errors});
         return {status, output.str(), errors.str()};
     }
     Outcome defaults(const QStringList &arguments, const std::string &typed = {}) {
@@ -35,6 +38,7 @@ class CommandLineTest : public testing::Test {
     }
 
     SimulatedUserDefaults store;
+    QTemporaryDir home;
 };
 
 const QString faq = u"[{\"id\":\"9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2B\",\"question\":\"Q\",\"answer\":\"A\"}]"_qs;

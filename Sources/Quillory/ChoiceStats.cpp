@@ -8,6 +8,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QFileInfo>
 
 namespace quillory {
 
@@ -22,11 +23,13 @@ ChoiceStats &ChoiceStats::shared() {
     return instance.get([] { return ChoiceStats(); });
 }
 
+QString ChoiceStats::fileURL(const QString &homeDirectory) {
+    return homeDirectory + QStringLiteral("/Library/Application Support/Quillory/choices.csv");
+}
+
 ChoiceStats::ChoiceStats() {
-    const QString folder =
-        platform::current().process.homeDirectory() + QStringLiteral("/Library/Application Support/Quillory");
-    QDir().mkpath(folder);
-    m_fileURL = folder + QStringLiteral("/choices.csv");
+    m_fileURL = fileURL(platform::current().process.homeDirectory());
+    QDir().mkpath(QFileInfo(m_fileURL).path());
 }
 
 void ChoiceStats::record(const QString &chosenModel, std::optional<double> chosenElapsed,

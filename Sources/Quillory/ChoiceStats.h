@@ -9,7 +9,7 @@
 namespace quillory {
 
 /// Remembers which model won when several were asked, one line per accepted suggestion in "choices.csv", so that the
-/// user can judge them later. Nothing in the program reads it back. Main thread only.
+/// user can judge them later ("quillory stats"). Main thread only.
 class ChoiceStats {
   public:
     /// Created on first use, and with it the folder of the file.
@@ -21,8 +21,9 @@ class ChoiceStats {
         std::optional<double> elapsed;
     };
 
-    /// "Library/Application Support/Quillory/choices.csv" under the program's home.
     [[nodiscard]] const QString &fileURL() const { return m_fileURL; }
+    /// The file "Library/Application Support/Quillory/choices.csv" under the program's home.
+    [[nodiscard]] static QString fileURL(const QString &homeDirectory);
     /// Adds a line for the winner, its elapsed seconds and the others in the order of their streams. Never fails: what
     /// cannot be written is lost.
     void record(const QString &chosenModel, std::optional<double> chosenElapsed,

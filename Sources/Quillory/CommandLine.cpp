@@ -1,7 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/CommandLine.h"
 
+#include "Quillory/ChoiceStats.h"
 #include "Quillory/DefaultsCommand.h"
+#include "Quillory/StatsCommand.h"
 
 #include <ostream>
 
@@ -15,6 +17,7 @@ Usage:
   quillory defaults read [KEY]        show the settings, or one of them
   quillory defaults write KEY VALUE   change a setting; it counts at once, also in a running program
   quillory defaults delete KEY        go back to a setting's default
+  quillory stats [--json]             show how often each model's suggestion was chosen, and its times
   quillory --version
   quillory --help
 
@@ -35,14 +38,17 @@ Exit status: 0 done, 1 there is no such value or it could not be saved, 2 wrong 
 )";
 } // namespace
 
-std::optional<int> runCommandLine(const QStringList &arguments, const OpenUserDefaults &openUserDefaults,
+std::optional<int> runCommandLine(const QStringList &arguments, const CommandServices &services,
                                   const CommandStreams &streams) {
     if (arguments.isEmpty()) {
         return std::nullopt;
     }
     const QString &command = arguments.first();
     if (command == QStringLiteral("defaults")) {
-        return runDefaultsCommand(arguments.sliced(1), openUserDefaults(), streams);
+        return runDefaultsCommand(arguments.sliced(1), services.openUserDefaults(), streams);
+    }
+    if (command == QStringLiteral("stats")) {
+        return runStatsCommand(arguments.sliced(1), ChoiceStats::fileURL(services.homeDirectory), streams);
     }
     if (command == QStringLiteral("--version")) {
         streams.output << "quillory " << QUILLORY_VERSION << '\n';

@@ -27,13 +27,18 @@ inline constexpr int failure = 1;
 inline constexpr int misuse = 2;
 } // namespace exitStatus
 
-/// Opens the settings store, for the commands that need it; it outlives the command.
-using OpenUserDefaults = std::function<platform::UserDefaults &()>;
+/// What commands need of the platform, since they run without the rest of it.
+struct CommandServices {
+    /// Opens the settings store, for the commands that need it; it outlives the command.
+    std::function<platform::UserDefaults &()> openUserDefaults;
+    /// The folder under which the program keeps its own files.
+    QString homeDirectory;
+};
 
 /// Carries out the command that the arguments (without the program's name) ask for and gives the exit status; absent
 /// when they ask for no command, so that the program itself is to run. Options with one dash belong to the desktop's
 /// toolkit and session management and ask for none. Needs no display.
-[[nodiscard]] std::optional<int> runCommandLine(const QStringList &arguments, const OpenUserDefaults &openUserDefaults,
+[[nodiscard]] std::optional<int> runCommandLine(const QStringList &arguments, const CommandServices &services,
                                                 const CommandStreams &streams);
 
 } // namespace quillory

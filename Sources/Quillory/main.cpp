@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Folders.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/Linux/Storage/FileUserDefaults.h"
 #include "Platform/Linux/TerminationSignals.h"
@@ -26,7 +27,7 @@ std::optional<int> runCommand(int argc, char **argv) {
         store = std::make_unique<desktop::FileUserDefaults>();
         return *store;
     };
-    return quillory::runCommandLine(arguments, openStore, {std::cin, std::cout, std::cerr});
+    return quillory::runCommandLine(arguments, {openStore, desktop::folders::data()}, {std::cin, std::cout, std::cerr});
 }
 
 /// The panel is placed by screen position, which a native Wayland window cannot have; XWayland windows can.
