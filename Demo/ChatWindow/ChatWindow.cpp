@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 namespace quillory::demo {
@@ -116,8 +117,7 @@ void ChatWindow::greet() {
     m_conversation->add(Sender::us, QStringLiteral("Good morning Sara, this is Noor from the bakery in Riffa."),
                         QStringLiteral("09:14"));
     m_conversation->add(Sender::them,
-                        QStringLiteral("Lovely to hear from you! We have new cake boxes and paper bags this month. "
-                                       "How can I help you today? 😊"),
+                        QStringLiteral("Lovely to hear from you! We have new cake boxes and paper bags this month. 😊"),
                         QStringLiteral("09:15"));
 }
 
@@ -133,10 +133,11 @@ void ChatWindow::send() {
 }
 
 void ChatWindow::answer() {
-    static const std::array answers{QStringLiteral("Of course, give me a moment and I will send it to you."),
-                                    QStringLiteral("Yes, we deliver to Riffa on Sundays and Wednesdays."),
-                                    QStringLiteral("Thank you! Is there anything else that you need?")};
-    const auto number = static_cast<std::size_t>(m_sent.size() - 1) % answers.size();
+    static const std::array answers{
+        QStringLiteral("Of course, you will have it today. By the way, do you deliver cakes to Manama?"),
+        QStringLiteral("Perfect. How early do I have to order a birthday cake?"),
+        QStringLiteral("Thank you, Noor. See you soon!")};
+    const auto number = std::min(static_cast<std::size_t>(m_sent.size()), answers.size()) - 1;
     m_conversation->add(Sender::them, answers[number], timeNow());
 }
 

@@ -9,7 +9,8 @@
 
 namespace quillory::demo {
 
-/// A chat with a supplier who answers from a script: a place to type drafts in.
+/// A chat of a bakery with its supplier, who is a customer too and answers from a script: a place to type drafts in and
+/// to be asked questions.
 class ChatWindow : public QMainWindow {
   public:
     /// reportFile: kept up to date with what the box holds and what was sent, for whoever drives the window; empty

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QUuid>
 
 #include <csignal>
 #include <stdexcept>
@@ -39,14 +40,32 @@ QByteArray outputOf(const QString &path, const QStringList &arguments, const QBy
     return process.readAllStandardOutput();
 }
 
+QByteArray frequentQuestions() {
+    const auto entry = [](const char *question, const char *answer) {
+        return QJsonObject{{QStringLiteral("id"), QUuid::createUuid().toString(QUuid::WithoutBraces)},
+                           {QStringLiteral("question"), QString::fromUtf8(question)},
+                           {QStringLiteral("answer"), QString::fromUtf8(answer)}};
+    };
+    const QJsonArray entries{
+        entry("Do you deliver, and where?",
+              "Yes, we deliver all over Bahrain, every day from 10 to 6. Above 10 dinars delivery is free."),
+        entry("How early must a birthday cake be ordered?",
+              "Please order birthday cakes two days before. Small cakes are ready on the same day."),
+        entry("What are your opening hours? Are you open on Friday?",
+              "We are open every day from 7 in the morning to 9 in the evening, on Fridays from 2 in the afternoon."),
+        entry("How can I pay?", "You can pay in cash, by card or with BenefitPay."),
+    };
+    return QJsonDocument(entries).toJson(QJsonDocument::Compact);
+}
+
 QStringList write(const QString &key, const QString &value) {
     return {QStringLiteral("defaults"), QStringLiteral("write"), key, value};
 }
 
 } // namespace
 
-Demo::Demo(Pace pace) {
-    prepareSettings();
+Demo::Demo(Pace pace, bool draftsReplies) {
+    prepareSettings(draftsReplies);
     startService(pace);
     qputenv("QUILLORY_MODEL_SERVICE", serviceAddress());
     m_program = test::ChildProcess({program("quillory").toStdString()});
@@ -67,13 +86,17 @@ Demo::~Demo() {
     }
 }
 
-void Demo::prepareSettings() const {
+void Demo::prepareSettings(bool draftsReplies) const {
     qputenv("XDG_CONFIG_HOME", m_folder.filePath(QStringLiteral("config")).toUtf8());
     qputenv("XDG_DATA_HOME", m_folder.filePath(QStringLiteral("data")).toUtf8());
     QDir(m_folder.path()).mkpath(QStringLiteral("config"));
     QDir(m_folder.path()).mkpath(QStringLiteral("data"));
     // The local service wants a key as the real one does, but takes any.
     outputOf(program("quillory"), write(QStringLiteral("openRouterAPIKey"), QStringLiteral("-")), "demo\n");
+    changeSetting(QStringLiteral("businessProfile"),
+                  QStringLiteral("Noor Bakery in Riffa, Bahrain: cakes, bread and sweets. We sign as Noor."));
+    changeSetting(QStringLiteral("assistantMode"), draftsReplies ? QStringLiteral("true") : QStringLiteral("false"));
+    changeSetting(QStringLiteral("faqEntries"), QString::fromUtf8(frequentQuestions()));
 }
 
 void Demo::startService(Pace pace) {
@@ -99,9 +122,9 @@ QString Demo::field() const {
     return QJsonDocument::fromJson(report)[QStringLiteral("field")].toString();
 }
 
-qsizetype Demo::sentMessages() const {
+QStringList Demo::sentMessages() const {
     const QByteArray report = contents(m_folder.filePath(QStringLiteral("chat.json")));
-    return QJsonDocument::fromJson(report)[QStringLiteral("sent")].toArray().size();
+    return QJsonDocument::fromJson(report)[QStringLiteral("sent")].toVariant().toStringList();
 }
 
 QString Demo::log() const {

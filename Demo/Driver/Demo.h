@@ -21,16 +21,17 @@ struct Pace {
 /// process's environment. All of them end with this object.
 class Demo {
   public:
-    /// Throws std::runtime_error when one of them cannot be started.
-    explicit Demo(Pace pace);
+    /// draftsReplies: whether replies are drafted from the start. Throws std::runtime_error when a part cannot be
+    /// started.
+    Demo(Pace pace, bool draftsReplies);
     ~Demo();
     Demo(const Demo &) = delete;
     Demo &operator=(const Demo &) = delete;
 
     /// What the chat window says that its message box holds.
     [[nodiscard]] QString field() const;
-    /// How many messages it has sent.
-    [[nodiscard]] qsizetype sentMessages() const;
+    /// The messages it has sent.
+    [[nodiscard]] QStringList sentMessages() const;
     [[nodiscard]] bool chatIsOpen() { return m_chat.isRunning(); }
     /// The program's log so far.
     [[nodiscard]] QString log() const;
@@ -42,7 +43,7 @@ class Demo {
     [[nodiscard]] static QString expectedRewrite(const QString &draft);
 
   private:
-    void prepareSettings() const;
+    void prepareSettings(bool draftsReplies) const;
     void startService(Pace pace);
     [[nodiscard]] QByteArray serviceAddress() const;
 

@@ -60,15 +60,22 @@ int showOnDesktop() {
     // Only as X11 clients can the windows be placed and seen by each other.
     qputenv("QT_QPA_PLATFORM", "xcb");
     const AccessibilityOn accessibility;
-    Demo demo({});
+    Demo demo({}, true);
     std::cout << "\nA chat window is open. Everything stays on this machine, and nothing is sent.\n"
                  "  1. Click into its message box and type:  helo can u send me the price list\n"
                  "  2. Pause for half a second: a card with a better wording appears above the box.\n"
-                 "  3. Tab puts it into the box. Esc drops it. Typing on hides it.\n"
-                 "  4. The wording comes from a small local service that goes by rules; a real model does better.\n"
-                 "  5. Close the chat window to end the demo.\n"
+                 "  3. Tab puts it into the box. Esc drops it. Typing on hides it. Enter sends the message, as ever.\n"
+                 "  4. The other side answers with a question, and a reply is drafted from the demo's FAQ.\n"
+                 "     From your second message on, two models answer side by side.\n"
+                 "  5. The answers come from a small local service that goes by rules; a real model does better.\n"
+                 "  6. Close the chat window to end the demo.\n"
               << std::endl;
+    bool isComparing = false;
     while (!stopRequested && demo.chatIsOpen()) {
+        if (!isComparing && demo.sentMessages().size() >= 2) {
+            demo.changeSetting(QStringLiteral("compareMode"), QStringLiteral("true"));
+            isComparing = true;
+        }
         test::sleepBriefly();
     }
     return EXIT_SUCCESS;

@@ -19,7 +19,7 @@ constexpr int fadeMilliseconds = 250;
 
 class Tour {
   public:
-    explicit Tour(const QString &picturesFolder) : m_pictures(picturesFolder), m_demo(pace) {}
+    explicit Tour(const QString &picturesFolder) : m_pictures(picturesFolder), m_demo(pace, false) {}
 
     bool acceptRewrite(const QString &draft) {
         return step("the program follows the message box",
@@ -30,16 +30,30 @@ class Tour {
                picture("finished") && accept(draft);
     }
 
-    /// Two models are asked, one of which the service does not have.
+    /// The user sends the rewrite; the other side asks something, and a reply is drafted, accepted and sent.
+    bool answerCustomer() {
+        set("assistantMode", "true");
+        return send() && step("a reply is drafted from the FAQ", [this] { return logged(" complete (", 2); }) &&
+               picture("reply") && acceptReply("Yes, we deliver all over Bahrain");
+    }
+
+    /// The same with two models for the next question, and none for the thanks after it.
+    bool compareReplies() {
+        set("compareMode", "true");
+        return send() && step("two models reply", [this] { return logged(" complete (", 4); }) &&
+               picture("two-models") && acceptReply("Please order birthday cakes two days before.") && send() &&
+               step("the customer thanks, and no reply is needed",
+                    [this] { return logged(": no reply needed (SKIP)", 2); });
+    }
+
+    /// Two models are asked for a rewrite, one of which the service does not have.
     bool seeFailure(const QString &draft) {
-        press("ctrl+a");
-        press("BackSpace");
-        m_demo.changeSetting(QStringLiteral("secondModel"), QStringLiteral("nobody/absent-model"));
-        m_demo.changeSetting(QStringLiteral("compareMode"), QStringLiteral("true"));
-        const bool seen =
-            step("the box is empty again", [this] { return m_demo.field().isEmpty(); }) && typeDraft(draft) &&
-            step("one of two models fails", [this] { return logged("Absent Model failed: ", 1); }) &&
-            step("the other one answers", [this] { return logged(" complete (", 2); }) && picture("failed");
+        set("assistantMode", "false");
+        set("secondModel", "nobody/absent-model");
+        const bool seen = step("the box is empty", [this] { return m_demo.field().isEmpty(); }) && typeDraft(draft) &&
+                          step("one of two models fails", [this] { return logged("Absent Model failed: ", 1); }) &&
+                          step("the other one answers", [this] { return logged(" complete (", 5); }) &&
+                          picture("failed");
         press("Escape");
         return seen;
     }
@@ -58,9 +72,26 @@ class Tour {
         press("Tab");
         const bool held = step("the box holds the rewrite", [&] { return m_demo.field() == rewrite; });
         m_accepted = m_demo.field();
-        return held && step("nothing was sent", [this] { return m_demo.sentMessages() == 0; });
+        return held && step("nothing was sent", [this] { return m_demo.sentMessages().isEmpty(); });
     }
 
+    bool acceptReply(const char *start) {
+        const qsizetype sentBefore = m_demo.sentMessages().size();
+        press("Tab");
+        return step("the box holds the reply", [&] { return m_demo.field().startsWith(QLatin1StringView(start)); }) &&
+               step("nothing was sent", [&] { return m_demo.sentMessages().size() == sentBefore; });
+    }
+
+    /// The user's own key.
+    bool send() {
+        const QStringList whole = m_demo.sentMessages() + QStringList{m_demo.field()};
+        press("Return");
+        return step("Enter sends it", [&] { return m_demo.sentMessages() == whole; });
+    }
+
+    void set(const char *key, const char *value) const {
+        m_demo.changeSetting(QString::fromLatin1(key), QString::fromLatin1(value));
+    }
     static void press(const char *key) { test::run({"xdotool", "key", key}); }
 
     [[nodiscard]] bool logged(const char *text, qsizetype times) const {
@@ -99,6 +130,7 @@ int runUnseen(const QString &picturesFolder) {
     const test::RealDesktop desktop(options);
     Tour tour(picturesFolder);
     const bool passed = tour.acceptRewrite(QStringLiteral("helo can u send me the price list")) &&
+                        tour.answerCustomer() && tour.compareReplies() &&
                         tour.seeFailure(QStringLiteral("pls tell me wen they are avaliable"));
     std::cout << "\nThe program's log:\n"
               << tour.log().toStdString() << "\nThe message box held: " << tour.accepted().toStdString() << std::endl;

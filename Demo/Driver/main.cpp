@@ -2,6 +2,7 @@
 #include "Driver/Tours.h"
 
 #include <QCoreApplication>
+#include <QDir>
 
 #include <csignal>
 #include <cstdlib>
@@ -15,7 +16,8 @@ int main(int argc, char **argv) {
     std::signal(SIGTERM, [](int) { quillory::demo::stopRequested = true; });
     try {
         if (qEnvironmentVariableIsEmpty("DISPLAY")) {
-            return quillory::demo::runUnseen(QCoreApplication::applicationDirPath() + QStringLiteral("/../../demo"));
+            return quillory::demo::runUnseen(
+                QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../../demo")));
         }
         return quillory::demo::showOnDesktop();
     } catch (const std::exception &error) {

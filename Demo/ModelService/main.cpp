@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "ModelService/Replier.h"
 #include "ModelService/Rewriter.h"
 
 #include <QCommandLineParser>
@@ -14,14 +15,16 @@
 #include <cstdlib>
 #include <iostream>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 // A model service on the loopback address for trying the program without a key or an account. It speaks the protocol
-// of chat completions, takes its time like a model, and rewrites by rules.
+// of chat completions, takes its time like a model, and rewrites drafts and answers customers by rules.
 
 namespace {
 
 using nlohmann::json;
+using quillory::demo::replyTo;
 using quillory::demo::Rewriter;
 using quillory::demo::Tone;
 using std::chrono::milliseconds;
@@ -61,12 +64,26 @@ Tone toneOf(const QString &system) {
     return system.contains(QStringLiteral("capitalization only")) ? Tone::grammarOnly : Tone::professional;
 }
 
+/// What stands between the first opening tag of that name and the last closing one; absent without them.
+std::optional<QString> within(const QString &text, const QString &tag) {
+    const QString opening = u'<' + tag + QStringLiteral(">\n");
+    const auto start = text.indexOf(opening);
+    const auto end = text.lastIndexOf(QStringLiteral("\n</") + tag + u'>');
+    if (start < 0 || end < start + opening.size()) {
+        return std::nullopt;
+    }
+    return text.sliced(start + opening.size(), end - start - opening.size());
+}
+
 QString answerTo(const Question &question, const Rewriter &rewriter) {
-    static const QRegularExpression draft(QStringLiteral("<draft>\\n?(.*?)\\n?</draft>"),
-                                          QRegularExpression::DotMatchesEverythingOption);
-    const QRegularExpressionMatch match = draft.match(question.user);
-    // Replies to a conversation are beyond rules of spelling; a model may say that there is nothing to say.
-    return match.hasMatch() ? rewriter.rewrite(match.captured(1), toneOf(question.system)) : QStringLiteral("SKIP");
+    if (const auto draft = within(question.user, QStringLiteral("draft"))) {
+        return rewriter.rewrite(*draft, toneOf(question.system));
+    }
+    const QString reply = replyTo(within(question.user, QStringLiteral("conversation")).value_or(QString()),
+                                  within(question.system, QStringLiteral("knowledge")).value_or(QString()));
+    // Two models never say quite the same.
+    const bool isOther = question.model.startsWith(QStringLiteral("google/")) && reply != QStringLiteral("SKIP");
+    return isOther ? QStringLiteral("Thank you for asking! ") + reply : reply;
 }
 
 /// Models speak in tokens, which begin with the space before a word and break long words.
@@ -202,7 +219,7 @@ int main(int argc, char **argv) {
     const QCoreApplication application(argc, argv);
     QCommandLineParser options;
     options.setApplicationDescription(
-        QStringLiteral("A model service on the loopback address that rewrites by rules."));
+        QStringLiteral("A model service on the loopback address that rewrites and replies by rules."));
     options.addHelpOption();
     options.addOptions({
         {QStringLiteral("port"), QStringLiteral("The port to serve on; 0 takes a free one."), QStringLiteral("number"),

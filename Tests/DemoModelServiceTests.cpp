@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "ModelService/Replier.h"
 #include "ModelService/Rewriter.h"
 
 #include <gmock/gmock.h>
@@ -49,6 +50,22 @@ TEST(DemoRewriter, HeedsTheTone) {
     expectAll(Tone::friendly, {{draft, "Hi there! Can you please just send me the price list?"}});
     expectAll(Tone::concise, {{draft, "Please send me the price list."}});
     expectAll(Tone::grammarOnly, {{draft, "Hello, can you just send me the price list?"}});
+}
+
+TEST(DemoReplier, AnswersFromWhatItKnows) {
+    const QString knowledge =
+        QStringLiteral("Q: Do you deliver?\nA: Yes, to\nRiffa.\n\nQ: Opening hours on Friday?\nA: "
+                       "From 2.");
+    const std::pair<const char *, const char *> cases[]{
+        {"«customer» Hello\n«customer» are you delivering to Riffa?", "Yes, to\nRiffa."},
+        {"«customer» do you deliver?\n«you» Yes.\n«customer» and on friday, when do you open", "From 2."},
+        {"«customer» do you deliver?\n«you» Yes.", "SKIP"},
+        {"«customer» Thank you!", "SKIP"},
+        {"«customer» Do you sell bread?", "Let me check that and get back to you shortly."},
+        {"", "SKIP"}};
+    for (const auto &[conversation, reply] : cases) {
+        EXPECT_EQ(replyTo(QString::fromUtf8(conversation), knowledge).toStdString(), reply) << conversation;
+    }
 }
 
 } // namespace
