@@ -2,14 +2,9 @@
 // From the first byte of an answer on the socket to the card's repaint: the program's core, its network layer, its
 // views and its window are the real ones; only the field that is typed into is simulated.
 
-#include "Platform/Linux/Network/CurlURLSession.h"
-#include "Platform/Linux/QtMainQueue.h"
-#include "Platform/Linux/X11/QtPanelWindow.h"
-#include "Platform/Linux/X11/X11Connection.h"
-#include "Platform/Linux/X11/X11Screens.h"
+#include "HalfRealDesktop.h"
 #include "Quillory/TypingMonitor.h"
 #include "Quillory/UI/SuggestionViewHost.h"
-#include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <QApplication>
 #include <QWidget>
@@ -27,7 +22,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
-using platform::axRole::textArea;
+using quillory::runEventsUntil;
 
 constexpr int rounds = 15;
 constexpr double throttleMs = 80;
@@ -94,13 +89,6 @@ class WatchingHost final : public quillory::SuggestionHost, public QObject {
     bool m_hadText = false;
 };
 
-void runEventsUntil(const std::function<bool()> &done) {
-    const auto end = Clock::now() + 10s;
-    while (!done() && Clock::now() < end) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-    }
-}
-
 void printResult(std::vector<double> latencies) {
     std::sort(latencies.begin(), latencies.end());
     const double median = latencies[latencies.size() / 2];
@@ -115,43 +103,13 @@ void printResult(std::vector<double> latencies) {
 int main(int argc, char **argv) {
     QApplication application(argc, argv);
     Service service;
-    quillory::test::SimulatedDesktop desktop;
-    desktop.process.variables[QStringLiteral("QUILLORY_MODEL_SERVICE")] =
-        QStringLiteral("http://127.0.0.1:%1").arg(service.port());
-    platform::desktop::QtMainQueue queue;
-    const auto connection = platform::desktop::X11Connection::open();
-    if (!connection) {
-        std::puts("no display");
-        return 1;
-    }
-    connection->watch();
-    platform::desktop::X11Screens screens(*connection);
-    platform::desktop::QtPanelWindows windows(screens);
-    platform::desktop::CurlURLSession session;
-    const platform::Platform simulated = platform::current();
-    const platform::Platform services{.accessibility = simulated.accessibility,
-                                      .eventTaps = simulated.eventTaps,
-                                      .keyPoster = simulated.keyPoster,
-                                      .mainQueue = queue,
-                                      .panelWindows = windows,
-                                      .pasteboard = simulated.pasteboard,
-                                      .process = simulated.process,
-                                      .screens = screens,
-                                      .urlSession = session,
-                                      .userDefaults = simulated.userDefaults,
-                                      .workspace = simulated.workspace};
-    const platform::Installation installation(services);
-    desktop.userDefaults.set(quillory::settingsKey::openRouterAPIKey, QStringLiteral("key"));
-    const auto window = desktop.applications.launch({12, QStringLiteral("net.whatsapp.bench"), {}}, {});
-    const auto field = window->add(textArea, {100, 600, 500, 40});
-    desktop.applications.focused = field;
-
+    quillory::HalfRealDesktop desktop(service.port());
     std::vector<double> latencies;
     const auto monitor =
         std::make_shared<quillory::TypingMonitor>([&] { return std::make_unique<WatchingHost>(latencies, service); });
     monitor->start();
     for (int round = 0; round < rounds; ++round) {
-        field->setValue(QStringLiteral("helo there how are you, number %1").arg(round));
+        desktop.type(QStringLiteral("helo there how are you, number %1").arg(round));
         const auto before = latencies.size();
         runEventsUntil([&] { return latencies.size() > before; });
     }

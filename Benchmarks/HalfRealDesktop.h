@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Linux/Network/CurlURLSession.h"
+#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/X11/QtPanelWindow.h"
+#include "Platform/Linux/X11/X11Connection.h"
+#include "Platform/Linux/X11/X11Screens.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <chrono>
+#include <functional>
+
+namespace quillory {
+
+/// Network, clock, screens and windows are the real ones; the rest, and the field that is typed into, is simulated.
+/// Installed as the desktop that the program runs on.
+class HalfRealDesktop {
+  public:
+    /// port: where the model service listens on this machine. Throws std::runtime_error without a display.
+    explicit HalfRealDesktop(int port);
+
+    void type(const QString &draft) { m_field->setValue(draft); }
+    void set(const QString &key, const platform::DefaultsValue &value) { m_simulated.userDefaults.set(key, value); }
+
+  private:
+    test::SimulatedDesktop m_simulated;
+    platform::desktop::QtMainQueue m_queue;
+    std::unique_ptr<platform::desktop::X11Connection> m_connection;
+    std::unique_ptr<platform::desktop::X11Screens> m_screens;
+    std::unique_ptr<platform::desktop::QtPanelWindows> m_windows;
+    platform::desktop::CurlURLSession m_session;
+    std::unique_ptr<platform::Platform> m_services;
+    std::unique_ptr<platform::Installation> m_installation;
+    test::Node m_field;
+};
+
+/// Lets the program work until something is done, ten seconds at most.
+void runEventsUntil(const std::function<bool()> &done);
+
+} // namespace quillory
