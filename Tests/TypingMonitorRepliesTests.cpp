@@ -123,12 +123,13 @@ TEST_F(ReplyStory, AChatThatKeepsChangingIsAskedAboutOnceInAWhile) {
 
 TEST_F(ReplyStory, AnotherChatGetsItsOwnDraftAtOnce) {
     startBefore(chatOf(text("Mariam "), 8));
+    const auto first = desktop.urlSession.exchange(0);
     desktop.advance(300);
     show(chatOf(text("Yusuf "), 8));
     desktop.advance(500);
     EXPECT_EQ(drafts(), 2);
-    EXPECT_TRUE(desktop.urlSession.exchange(0)->awaitLeft());
-    EXPECT_TRUE(desktop.urlSession.exchange(0)->wasCancelled());
+    EXPECT_TRUE(first->awaitLeft());
+    EXPECT_TRUE(first->wasCancelled());
     EXPECT_TRUE(panelVisible());
 }
 

@@ -3,6 +3,7 @@
 
 #include "Quillory/ChoiceStats.h"
 #include "Quillory/DefaultsCommand.h"
+#include "Quillory/RewriteCommand.h"
 #include "Quillory/StatsCommand.h"
 
 #include <ostream>
@@ -17,6 +18,8 @@ Usage:
   quillory defaults read [KEY]        show the settings, or one of them
   quillory defaults write KEY VALUE   change a setting; it counts at once, also in a running program
   quillory defaults delete KEY        go back to a setting's default
+  quillory rewrite [--tone TONE] [--json] [TEXT]
+                                      rewrite a text, or what stands on standard input
   quillory stats [--json]             show how often each model's suggestion was chosen, and its times
   quillory --version
   quillory --help
@@ -34,7 +37,7 @@ Environment:
   QUILLORY_MODEL_SERVICE   address of another service that speaks the same protocol; its scheme, host and port
                            count, the path stays /api/v1/chat/completions
 
-Exit status: 0 done, 1 there is no such value or it could not be saved, 2 wrong arguments.
+Exit status: 0 done, 1 it failed or there is nothing to show, 2 wrong arguments.
 )";
 } // namespace
 
@@ -49,6 +52,10 @@ std::optional<int> runCommandLine(const QStringList &arguments, const CommandSer
     }
     if (command == QStringLiteral("stats")) {
         return runStatsCommand(arguments.sliced(1), ChoiceStats::fileURL(services.homeDirectory), streams);
+    }
+    if (command == QStringLiteral("rewrite")) {
+        const auto installed = services.install();
+        return runRewriteCommand(arguments.sliced(1), streams);
     }
     if (command == QStringLiteral("--version")) {
         streams.output << "quillory " << QUILLORY_VERSION << '\n';

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <iosfwd>
+#include <memory>
 #include <optional>
 
 namespace quillory {
@@ -16,6 +17,8 @@ struct CommandStreams {
     std::istream &input;
     std::ostream &output;
     std::ostream &errors;
+    /// Whether somebody watches the output.
+    bool outputIsTerminal = false;
 };
 
 /// The exit statuses of commands.
@@ -33,6 +36,9 @@ struct CommandServices {
     std::function<platform::UserDefaults &()> openUserDefaults;
     /// The folder under which the program keeps its own files.
     QString homeDirectory;
+    /// Installs a platform without a desktop, for the commands that ask the model service; it stays while the result
+    /// lives.
+    std::function<std::shared_ptr<void>()> install;
 };
 
 /// Carries out the command that the arguments (without the program's name) ask for and gives the exit status; absent

@@ -137,8 +137,8 @@ QString decoded(const QByteArray &body) {
 } // namespace
 
 QString stream(SuggestionKind kind, const QString &text, const std::optional<QString> &context, const QString &model,
-               const OnChunk &onChunk, std::stop_token stop) {
-    const auto request = makeRequest(buildMessages(kind, text, context), model, /*streams=*/true);
+               const OnChunk &onChunk, std::stop_token stop, std::optional<Tone> tone) {
+    const auto request = makeRequest(buildMessages(kind, text, context, tone), model, /*streams=*/true);
     const auto bytes = platform::current().urlSession.bytes(request, stop);
     const int status = statusOf(bytes->statusCode());
     if (status != okStatus) {

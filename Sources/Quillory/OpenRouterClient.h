@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include "Quillory/AppSettings.h"
 #include "Quillory/SuggestionKind.h"
 
 #include <QString>
@@ -23,16 +24,17 @@ struct Message {
 };
 
 /// The messages of a request: six for a rewrite of the text, two for a reply to it. The context is the visible
-/// conversation behind a rewrite. Reads the profile, the tone and the FAQ from the settings.
+/// conversation behind a rewrite. Reads the profile and the FAQ from the settings, and so the tone unless one is given.
 [[nodiscard]] std::vector<Message> buildMessages(SuggestionKind kind, const QString &text,
-                                                 const std::optional<QString> &context);
+                                                 const std::optional<QString> &context,
+                                                 std::optional<Tone> tone = std::nullopt);
 
 /// Takes the whole answer so far, untrimmed, on the calling thread of stream().
 using OnChunk = std::function<void(const QString &accumulated)>;
 
 /// Streams an answer and returns it whole, trimmed.
 QString stream(SuggestionKind kind, const QString &text, const std::optional<QString> &context, const QString &model,
-               const OnChunk &onChunk, std::stop_token stop);
+               const OnChunk &onChunk, std::stop_token stop, std::optional<Tone> tone = std::nullopt);
 
 /// Asks the configured model once for a rewrite of a draft and returns it trimmed.
 QString rewrite(const QString &draft, std::stop_token stop = {});

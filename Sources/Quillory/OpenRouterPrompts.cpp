@@ -105,8 +105,8 @@ Message message(QStringView role, const QString &content) {
     return {.role = role.toString(), .content = content};
 }
 
-std::vector<Message> rewriteMessages(const QString &draft, const QString &conversation) {
-    const QString system = joined({rewritePreamble, instruction(chosenTone()), rewriteRules, businessBlock(),
+std::vector<Message> rewriteMessages(const QString &draft, const QString &conversation, Tone tone) {
+    const QString system = joined({rewritePreamble, instruction(tone), rewriteRules, businessBlock(),
                                    block(conversationBlockOpening, conversation, conversationBlockClosing)});
     return {
         message(u"system", system),
@@ -130,8 +130,11 @@ std::vector<Message> replyMessages(const QString &transcript) {
 }
 } // namespace
 
-std::vector<Message> buildMessages(SuggestionKind kind, const QString &text, const std::optional<QString> &context) {
-    return kind == SuggestionKind::reply ? replyMessages(text) : rewriteMessages(text, context.value_or(QString()));
+std::vector<Message> buildMessages(SuggestionKind kind, const QString &text, const std::optional<QString> &context,
+                                   std::optional<Tone> tone) {
+    return kind == SuggestionKind::reply
+               ? replyMessages(text)
+               : rewriteMessages(text, context.value_or(QString()), tone ? *tone : chosenTone());
 }
 
 } // namespace quillory::OpenRouterClient

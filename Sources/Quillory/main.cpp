@@ -1,7 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/AbsentDesktop.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Linux/Storage/FileUserDefaults.h"
+#include "Platform/Linux/Storage/LinuxProcess.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Quillory/CommandLine.h"
@@ -11,10 +14,21 @@
 #include <QTimer>
 
 #include <iostream>
+#include <unistd.h>
 
 namespace {
 
 namespace desktop = platform::desktop;
+
+/// What commands run on.
+struct CommandPlatform {
+    platform::AbsentDesktop absent;
+    desktop::LinuxProcess process;
+    desktop::CurlURLSession urlSession;
+    desktop::FileUserDefaults userDefaults;
+    platform::Platform services = absent.with(process, urlSession, userDefaults);
+    platform::Installation installation{services};
+};
 
 /// The exit status of a command, or absent when the program itself is to run.
 std::optional<int> runCommand(int argc, char **argv) {
@@ -27,7 +41,9 @@ std::optional<int> runCommand(int argc, char **argv) {
         store = std::make_unique<desktop::FileUserDefaults>();
         return *store;
     };
-    return quillory::runCommandLine(arguments, {openStore, desktop::folders::data()}, {std::cin, std::cout, std::cerr});
+    return quillory::runCommandLine(
+        arguments, {openStore, desktop::folders::data(), [] { return std::make_shared<CommandPlatform>(); }},
+        {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1});
 }
 
 /// The panel is placed by screen position, which a native Wayland window cannot have; XWayland windows can.

@@ -1,0 +1,92 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/AbsentDesktop.h"
+
+#include <chrono>
+
+namespace platform {
+
+namespace {
+
+class AbsentElement final : public AXElementBackend {
+  public:
+    [[nodiscard]] std::optional<AXValue> copyAttributeValue(QLatin1StringView /*attribute*/) const override {
+        return std::nullopt;
+    }
+    [[nodiscard]] bool isAttributeSettable(QLatin1StringView /*attribute*/) const override { return false; }
+    bool setAttributeValue(QLatin1StringView /*attribute*/, const AXValue & /*value*/) const override { return false; }
+    [[nodiscard]] qint32 pid() const override { return 0; }
+    [[nodiscard]] bool isEqual(const AXElementBackend &other) const override { return this == &other; }
+    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits /*limits*/) const override { return {}; }
+};
+
+} // namespace
+
+Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefaults &userDefaults) {
+    return {.accessibility = *this,
+            .eventTaps = *this,
+            .keyPoster = *this,
+            .mainQueue = *this,
+            .panelWindows = *this,
+            .pasteboard = *this,
+            .process = process,
+            .screens = *this,
+            .urlSession = urlSession,
+            .userDefaults = userDefaults,
+            .workspace = *this};
+}
+
+AXUIElement AbsentDesktop::createSystemWide() {
+    return AXUIElement(std::make_shared<AbsentElement>());
+}
+
+AXUIElement AbsentDesktop::createApplication(qint32 /*pid*/) {
+    return createSystemWide();
+}
+
+std::unique_ptr<EventTap> AbsentDesktop::create(TapCallback /*callback*/) {
+    return nullptr;
+}
+
+bool AbsentDesktop::postKey(KeyCode /*key*/, EventFlags /*flags*/) {
+    return false;
+}
+
+void AbsentDesktop::post(std::function<void()> /*work*/) {}
+
+void AbsentDesktop::postAfter(std::chrono::milliseconds /*delay*/, std::function<void()> /*work*/) {}
+
+RegistrationHandle AbsentDesktop::repeat(std::chrono::milliseconds /*interval*/, std::function<void()> /*work*/) {
+    return nullptr;
+}
+
+Instant AbsentDesktop::now() const {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+std::unique_ptr<PanelWindow> AbsentDesktop::create() {
+    return nullptr;
+}
+
+void AbsentDesktop::copyItems(std::function<void(std::optional<PasteboardItems>)> done) {
+    done(PasteboardItems());
+}
+
+void AbsentDesktop::copyString(std::function<void(std::optional<QString>)> done) {
+    done(std::nullopt);
+}
+
+void AbsentDesktop::setString(const QString & /*text*/) {}
+
+void AbsentDesktop::writeObjects(const PasteboardItems & /*items*/) {}
+
+std::optional<RunningApplication> AbsentDesktop::runningApplication(qint32 /*pid*/) {
+    return std::nullopt;
+}
+
+void AbsentDesktop::activate(qint32 /*pid*/) {}
+
+bool AbsentDesktop::open(const QUrl & /*url*/) {
+    return false;
+}
+
+} // namespace platform

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Platform.h"
+
+namespace platform {
+
+/// A desktop that is not there: no applications, no keys, no windows, no clipboard. For commands, which do without
+/// one; what is asked of it answers "absent", and what is posted to its queue is dropped.
+class AbsentDesktop final : public Accessibility,
+                            public EventTaps,
+                            public KeyPoster,
+                            public MainQueue,
+                            public PanelWindows,
+                            public Pasteboard,
+                            public Screens,
+                            public Workspace {
+  public:
+    /// The services of a program that runs without a desktop. All of them outlive the result.
+    [[nodiscard]] Platform with(Process &process, URLSession &urlSession, UserDefaults &userDefaults);
+
+    [[nodiscard]] bool isProcessTrusted() override { return false; }
+    bool isProcessTrustedWithPrompt() override { return false; }
+    [[nodiscard]] AXUIElement createSystemWide() override;
+    [[nodiscard]] AXUIElement createApplication(qint32 pid) override;
+    [[nodiscard]] std::unique_ptr<EventTap> create(TapCallback callback) override;
+    [[nodiscard]] bool userHoldsKeys() override { return false; }
+    bool postKey(KeyCode key, EventFlags flags) override;
+    void post(std::function<void()> work) override;
+    void postAfter(std::chrono::milliseconds delay, std::function<void()> work) override;
+    [[nodiscard]] RegistrationHandle repeat(std::chrono::milliseconds interval, std::function<void()> work) override;
+    [[nodiscard]] Instant now() const override;
+    [[nodiscard]] std::unique_ptr<PanelWindow> create() override;
+    void copyItems(std::function<void(std::optional<PasteboardItems>)> done) override;
+    void copyString(std::function<void(std::optional<QString>)> done) override;
+    void clearContents() override {}
+    void setString(const QString &text) override;
+    void writeObjects(const PasteboardItems &items) override;
+    [[nodiscard]] qint64 changeCount() override { return 0; }
+    [[nodiscard]] std::vector<Screen> screens() override { return {}; }
+    [[nodiscard]] std::optional<Screen> mainScreen() override { return std::nullopt; }
+    [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
+    void activate(qint32 pid) override;
+    bool open(const QUrl &url) override;
+};
+
+} // namespace platform

@@ -1,0 +1,154 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/RewriteCommand.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/AnswerScreening.h"
+#include "Quillory/AppSettings.h"
+#include "Quillory/OpenRouterClient.h"
+#include "Quillory/RewriteError.h"
+#include "Quillory/Text.h"
+
+#include <QStringConverter>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <istream>
+#include <ostream>
+
+namespace quillory {
+
+namespace {
+
+struct Order {
+    QString draft;
+    std::optional<Tone> tone;
+    bool asJSON = false;
+};
+
+/// A mistake in the arguments or the input, as a sentence without its full stop.
+struct Misuse {
+    QString sentence;
+};
+
+QStringList toneNames() {
+    QStringList names;
+    for (const Tone tone : allTones) {
+        names.append(u'"' + rawValue(tone) + u'"');
+    }
+    return names;
+}
+
+Tone toneNamed(const QString &name) {
+    const auto found = std::ranges::find_if(
+        allTones, [&](Tone tone) { return rawValue(tone).compare(name, Qt::CaseInsensitive) == 0; });
+    if (found == std::end(allTones)) {
+        throw Misuse{QStringLiteral("a tone is one of ") + toneNames().join(QStringLiteral(", "))};
+    }
+    return *found;
+}
+
+QString readDraft(std::istream &input) {
+    constexpr std::size_t longest = 1 << 20;
+    std::string bytes(longest + 1, '\0');
+    input.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(input.gcount()));
+    QStringDecoder decode(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+    QString draft = decode(QByteArrayView(bytes));
+    if (decode.hasError() || bytes.size() > longest) {
+        throw Misuse{QStringLiteral("the draft must be UTF-8 text of at most a megabyte")};
+    }
+    return draft;
+}
+
+Order orderFrom(QStringList arguments, std::istream &input) {
+    Order order;
+    while (!arguments.isEmpty() && arguments.first().startsWith(QStringLiteral("--"))) {
+        const QString option = arguments.takeFirst();
+        if (option == QStringLiteral("--")) {
+            break;
+        }
+        if (option == QStringLiteral("--json")) {
+            order.asJSON = true;
+        } else if (option == QStringLiteral("--tone") && !arguments.isEmpty()) {
+            order.tone = toneNamed(arguments.takeFirst());
+        } else {
+            throw Misuse{QStringLiteral("say rewrite [--tone TONE] [--json] [TEXT]")};
+        }
+    }
+    const bool isFromInput = arguments.isEmpty() || arguments == QStringList{QStringLiteral("-")};
+    order.draft = isFromInput ? readDraft(input) : arguments.join(u' ');
+    if (text::trimmed(order.draft).isEmpty()) {
+        throw Misuse{QStringLiteral("there is no draft")};
+    }
+    return order;
+}
+
+/// Shows an answer as it grows.
+class Growing {
+  public:
+    explicit Growing(std::ostream &output) : m_output(output) {}
+    void show(const QString &answer) {
+        m_output << answer.sliced(std::min(m_shown, answer.size())).toStdString() << std::flush;
+        m_shown = answer.size();
+    }
+
+  private:
+    std::ostream &m_output;
+    qsizetype m_shown = 0;
+};
+
+/// The screened rewrite. Throws RewriteError and what the network throws.
+QString rewriteOf(const Order &order, const QString &model, const OpenRouterClient::OnChunk &onChunk) {
+    const QString raw =
+        OpenRouterClient::stream(SuggestionKind::rewrite, order.draft, std::nullopt, model, onChunk, {}, order.tone);
+    const QString answer = cleanedAnswer(raw);
+    const Verdict verdict = screen(SuggestionKind::rewrite, order.draft, answer);
+    if (verdict.outcome == Verdict::Outcome::rejected) {
+        throw RewriteError::badResponse(QStringLiteral("The model went off script: ") + verdict.reason);
+    }
+    if (answer.isEmpty()) {
+        throw RewriteError::badResponse(QStringLiteral("The model gave no answer"));
+    }
+    return answer;
+}
+
+void carryOut(const Order &order, const CommandStreams &streams) {
+    const QString model = AppSettings::shared().store().string(settingsKey::model).value_or(defaultModel);
+    const auto &clock = platform::current().mainQueue;
+    const platform::Instant start = clock.now();
+    const bool isShownGrowing = streams.outputIsTerminal && !order.asJSON;
+    Growing growing(streams.output);
+    const QString answer = rewriteOf(order, model, [&](const QString &soFar) {
+        if (isShownGrowing) {
+            growing.show(soFar);
+        }
+    });
+    if (order.asJSON) {
+        const nlohmann::json document{
+            {"rewrite", answer.toStdString()}, {"model", model.toStdString()}, {"seconds", clock.now() - start}};
+        streams.output << document.dump(2) << '\n';
+    } else {
+        streams.output << (isShownGrowing ? std::string() : answer.toStdString()) << '\n';
+    }
+}
+
+int fail(const CommandStreams &streams, const QString &sentence, int status) {
+    streams.errors << "quillory: " << sentence.toStdString() << (sentence.endsWith(u'.') ? "\n" : ".\n");
+    return status;
+}
+
+} // namespace
+
+int runRewriteCommand(const QStringList &arguments, const CommandStreams &streams) {
+    try {
+        carryOut(orderFrom(arguments, streams.input), streams);
+        return exitStatus::success;
+    } catch (const Misuse &misuse) {
+        return fail(streams, misuse.sentence, exitStatus::misuse);
+    } catch (const std::exception &error) {
+        return fail(streams, QString::fromUtf8(error.what()), exitStatus::failure);
+    }
+}
+
+} // namespace quillory

@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/AppSettings.h"
+#include "Quillory/RewriteCommand.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+namespace quillory {
+
+namespace {
+
+using testing::HasSubstr;
+
+struct RewriteCommand : testing::Test {
+    test::SimulatedDesktop desktop;
+    std::ostringstream output;
+    std::ostringstream errors;
+
+    void SetUp() override {
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_qs);
+        answer({u"<draft>Hel"_qs, u"lo.</draft>\n"_qs});
+    }
+    void answer(const QStringList &pieces) {
+        desktop.urlSession.onRequest([=](test::SimulatedExchange &exchange) { exchange.answer(pieces); });
+    }
+    int run(const QStringList &arguments, const std::string &typed = {}, bool onTerminal = false) {
+        std::istringstream input(typed);
+        output.str({});
+        return runRewriteCommand(arguments, {input, output, errors, onTerminal});
+    }
+    std::string asked() {
+        return desktop.urlSession.exchange(desktop.urlSession.requestCount() - 1)->request().body.toStdString();
+    }
+};
+
+TEST_F(RewriteCommand, TakesTheDraftFromArgumentsOrInput) {
+    EXPECT_EQ(run({u"helo"_qs, u"there"_qs}), exitStatus::success);
+    EXPECT_EQ(output.str(), "Hello.\n");
+    EXPECT_THAT(asked(), HasSubstr(R"(<draft>\nhelo there\n</draft>)"));
+    EXPECT_EQ(run({u"--tone"_qs, u"concise"_qs, u"--json"_qs}, "--json\nمرحبا"), exitStatus::success);
+    EXPECT_THAT(output.str(), HasSubstr(R"("rewrite": "Hello.")"));
+    EXPECT_THAT(asked(), testing::AllOf(HasSubstr("--json\\nمرحبا"), HasSubstr("as clear and concise")));
+    EXPECT_EQ(run({u"--"_qs, u"--tone"_qs}, {}, true), exitStatus::success);
+    EXPECT_THAT(asked(), HasSubstr(R"(<draft>\n--tone\n</draft>)"));
+}
+
+TEST_F(RewriteCommand, SaysWhatIsWrong) {
+    for (const QStringList &arguments : {QStringList{u"--tone"_qs, u"loud"_qs, u"x"_qs}, {u"--tone"_qs}, {u"--x"_qs}}) {
+        EXPECT_EQ(run(arguments), exitStatus::misuse);
+    }
+    EXPECT_EQ(run({}, " \n"), exitStatus::misuse);
+    EXPECT_EQ(run({}, "\xff"), exitStatus::misuse);
+    EXPECT_EQ(desktop.urlSession.requestCount(), 0);
+    answer({QString(400, u'x')});
+    EXPECT_EQ(run({QString(50, u'd')}), exitStatus::failure);
+    EXPECT_THAT(errors.str(), HasSubstr("The model went off script: 400 chars for a 50-char draft"));
+    EXPECT_EQ(output.str(), "");
+    desktop.userDefaults.remove(settingsKey::openRouterAPIKey);
+    EXPECT_EQ(run({u"helo"_qs}), exitStatus::failure);
+    EXPECT_THAT(errors.str(), HasSubstr("quillory: No OpenRouter API key set."));
+}
+
+} // namespace
+
+} // namespace quillory
