@@ -10,39 +10,51 @@ namespace quillory::test {
 
 namespace {
 
-void writeKey() {
-    QProcess settings;
-    settings.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    settings.start(QStringLiteral(QUILLORY_PROGRAM), {QStringLiteral("defaults"), QStringLiteral("write"),
-                                                      QStringLiteral("openRouterAPIKey"), QStringLiteral("-")});
-    settings.write("made-up-key\n");
-    settings.closeWriteChannel();
-    if (!settings.waitForFinished() || settings.exitCode() != 0) {
-        throw std::runtime_error("the key could not be set");
+void write(const QString &setting, const QString &value, const QByteArray &input = {}) {
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QStringLiteral(QUILLORY_PROGRAM),
+                  {QStringLiteral("defaults"), QStringLiteral("write"), setting, value});
+    program.write(input);
+    program.closeWriteChannel();
+    if (!program.waitForFinished() || program.exitCode() != 0) {
+        throw std::runtime_error("the setting could not be written: " + setting.toStdString());
     }
 }
 
-ChildProcess started(const QByteArray &modelService) {
-    writeKey();
+ChildProcess started(const QByteArray &modelService, const Assistant::Settings &settings) {
+    write(QStringLiteral("openRouterAPIKey"), QStringLiteral("-"), "made-up-key\n");
+    for (const auto &[setting, value] : settings) {
+        write(setting, value);
+    }
     qputenv("QUILLORY_MODEL_SERVICE", modelService);
     return ChildProcess({QUILLORY_PROGRAM});
 }
 
+QString fileInHome(const char *path) {
+    QFile file(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/quillory/Library/") + QLatin1StringView(path));
+    return file.open(QFile::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
 } // namespace
 
-Assistant::Assistant(const QByteArray &modelService) : m_process(started(modelService)) {
+Assistant::Assistant(const QByteArray &modelService, const Settings &settings)
+    : m_process(started(modelService, settings)) {
     if (!waitUntil([] { return timesLogged(QStringLiteral("accessibility trusted -> true")) > 0; })) {
         throw std::runtime_error("the program did not start: " + log().toStdString());
     }
 }
 
 QString Assistant::log() {
-    QFile file(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/quillory/Library/Logs/Quillory.log"));
-    return file.open(QFile::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return fileInHome("Logs/Quillory.log");
 }
 
 int Assistant::timesLogged(const QString &text) {
     return static_cast<int>(log().count(text));
+}
+
+QStringList Assistant::choices() {
+    return fileInHome("Application Support/Quillory/choices.csv").split(u'\n', Qt::SkipEmptyParts);
 }
 
 } // namespace quillory::test

@@ -4,17 +4,25 @@
 #include "RealDesktop/ChildProcess.h"
 
 #include <QString>
+#include <QStringList>
+
+#include <map>
 
 namespace quillory::test {
 
 /// The built program, running with a made-up key and the given model service.
 class Assistant {
   public:
-    explicit Assistant(const QByteArray &modelService);
+    using Settings = std::map<QString, QString>;
+
+    /// The settings are written before it starts, as a user's command would write them.
+    Assistant(const QByteArray &modelService, const Settings &settings);
 
     [[nodiscard]] static QString log();
     /// How many lines of the log contain the text.
     [[nodiscard]] static int timesLogged(const QString &text);
+    /// The record of choices, line by line.
+    [[nodiscard]] static QStringList choices();
     [[nodiscard]] bool isRunning() { return m_process.isRunning(); }
 
   private:

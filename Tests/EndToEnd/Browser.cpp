@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "EndToEnd/Browser.h"
 
+#include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 
@@ -10,40 +11,90 @@ namespace quillory::test {
 
 namespace {
 
-std::vector<std::string> commandLine(int pagePort, const QString &profile, const Browser::Options &options) {
+using Arguments = std::vector<std::string>;
+
+Arguments chromium(int pagePort, const QString &profile, const Browser::Options &options) {
     const std::string port = std::to_string(pagePort);
-    std::vector<std::string> arguments{"chromium",
-                                       "--no-sandbox",
-                                       "--test-type",
-                                       "--disable-gpu",
-                                       "--disable-quic",
-                                       "--disable-dev-shm-usage",
-                                       "--no-first-run",
-                                       "--no-default-browser-check",
-                                       "--disable-background-networking",
-                                       "--disable-component-update",
-                                       "--disable-sync",
-                                       "--password-store=basic",
-                                       "--log-level=3",
-                                       "--lang=en-US",
-                                       "--window-position=40,20",
-                                       "--window-size=1100,800",
-                                       "--ignore-certificate-errors",
-                                       "--user-data-dir=" + profile.toStdString(),
-                                       "--host-resolver-rules=MAP web.whatsapp.com 127.0.0.1:" + port +
-                                           ", MAP shop.example 127.0.0.1:" + port + ", MAP * ~NOTFOUND"};
+    Arguments arguments{"chromium",
+                        "--no-sandbox",
+                        "--test-type",
+                        "--disable-gpu",
+                        "--disable-quic",
+                        "--disable-dev-shm-usage",
+                        "--no-first-run",
+                        "--no-default-browser-check",
+                        "--disable-background-networking",
+                        "--disable-component-update",
+                        "--disable-sync",
+                        "--password-store=basic",
+                        "--log-level=3",
+                        "--lang=en-US",
+                        "--window-position=40,20",
+                        "--window-size=1100,800",
+                        "--ignore-certificate-errors",
+                        "--user-data-dir=" + profile.toStdString(),
+                        "--host-resolver-rules=MAP web.whatsapp.com 127.0.0.1:" + port +
+                            ", MAP shop.example 127.0.0.1:" + port + ", MAP * ~NOTFOUND"};
     if (options.forceAccessibility) {
         arguments.emplace_back("--force-renderer-accessibility");
     }
-    arguments.push_back((options.wholeWindow ? "" : "--app=") + options.address.toStdString());
+    const QString address = QStringLiteral("https://%1/%2").arg(options.host, options.query);
+    arguments.push_back((options.wholeWindow ? "" : "--app=") + address.toStdString());
     return arguments;
+}
+
+/// Every name stands on this machine, so nothing leaves it; and no page comes before the one that is asked for.
+constexpr char firefoxSettings[] = R"(
+user_pref("network.dns.forceResolve", "127.0.0.1");
+user_pref("network.stricttransportsecurity.preloadlist", false);
+user_pref("dom.security.https_first", false);
+user_pref("network.captive-portal-service.enabled", false);
+user_pref("network.connectivity-service.enabled", false);
+user_pref("browser.shell.checkDefaultBrowser", false);
+user_pref("browser.aboutwelcome.enabled", false);
+user_pref("browser.preonboarding.enabled", false);
+user_pref("browser.startup.homepage_override.mstone", "ignore");
+user_pref("termsofuse.bypassNotification", true);
+user_pref("datareporting.policy.dataSubmissionEnabled", false);
+user_pref("datareporting.policy.firstRunURL", "");
+user_pref("toolkit.telemetry.reportingpolicy.firstRun", false);
+user_pref("browser.sessionstore.resume_from_crash", false);
+user_pref("browser.newtab.preload", false);
+user_pref("extensions.update.enabled", false);
+user_pref("app.update.enabled", false);
+)";
+
+Arguments firefox(int pagePort, const QString &profile, const Browser::Options &options) {
+    QDir().mkpath(profile);
+    QFile settings(profile + QStringLiteral("/user.js"));
+    if (settings.open(QFile::WriteOnly)) {
+        settings.write(firefoxSettings);
+    }
+    const QString address = QStringLiteral("http://%1:%2/%3").arg(options.host).arg(pagePort).arg(options.query);
+    return {"env",
+            "GNOME_ACCESSIBILITY=1",
+            "MOZ_CRASHREPORTER_DISABLE=1",
+            "firefox-esr",
+            "--no-remote",
+            "--profile",
+            profile.toStdString(),
+            "--width",
+            "1100",
+            "--height",
+            "800",
+            address.toStdString()};
+}
+
+Arguments commandLine(int pagePort, const QString &profile, const Browser::Options &options) {
+    return (options.kind == Browser::Kind::chromium ? chromium : firefox)(pagePort, profile, options);
 }
 
 } // namespace
 
-QString Browser::whatIsMissing() {
-    if (QStandardPaths::findExecutable(QStringLiteral("chromium")).isEmpty()) {
-        return QStringLiteral("chromium is not installed");
+QString Browser::whatIsMissing(Kind kind) {
+    const auto program = kind == Kind::chromium ? QStringLiteral("chromium") : QStringLiteral("firefox-esr");
+    if (QStandardPaths::findExecutable(program).isEmpty()) {
+        return program + QStringLiteral(" is not installed");
     }
     return QFile::exists(QStringLiteral(QUILLORY_PAGE_BUNDLE)) ? QString()
                                                                : QStringLiteral("the chat page was built without npm");

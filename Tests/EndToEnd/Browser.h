@@ -5,21 +5,29 @@
 
 #include <QString>
 
+#include <ostream>
+
 namespace quillory::test {
 
-/// A real Chromium with a profile of its own, for which the chat's host names stand on the page's port.
+/// A real browser with a profile of its own, for which the chat's host names stand on the page's port.
 class Browser {
   public:
+    enum class Kind { chromium, firefox };
     struct Options {
-        QString address = QStringLiteral("https://web.whatsapp.com/");
-        /// A window with tabs and an address bar, instead of one that holds the page alone.
+        Kind kind = Kind::chromium;
+        QString host = QStringLiteral("web.whatsapp.com");
+        /// What follows the page's address ("?box=textarea").
+        QString query = QString();
+        /// A window with tabs and an address bar, instead of one that holds the page alone. Firefox has no other.
         bool wholeWindow = false;
-        /// Whether the tree is built from the start, or only once somebody asks for it, as users have it.
+        /// Whether the tree is built from the start, or only once somebody asks for it, as Chromium's users have it.
         bool forceAccessibility = true;
     };
 
-    /// Whether there is a browser to test with; if not, why. In CI there must be one.
-    [[nodiscard]] static QString whatIsMissing();
+    /// Whether there is such a browser to test with; if not, why. In CI there must be one.
+    [[nodiscard]] static QString whatIsMissing(Kind kind);
+    /// Chromium takes the page over HTTPS alone, whoever signed it; Firefox takes it without, but no strange signature.
+    [[nodiscard]] static bool takesHttps(Kind kind) { return kind == Kind::chromium; }
 
     Browser(int pagePort, const QString &profile, const Options &options);
 
@@ -30,5 +38,10 @@ class Browser {
   private:
     ChildProcess m_process;
 };
+
+/// How a test's output names the browser.
+inline void PrintTo(Browser::Kind kind, std::ostream *out) {
+    *out << (kind == Browser::Kind::chromium ? "Chromium" : "Firefox");
+}
 
 } // namespace quillory::test

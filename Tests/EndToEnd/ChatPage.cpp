@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "EndToEnd/ChatPage.h"
 
+#include "RealDesktop/ChildProcess.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -36,7 +38,15 @@ Identity makeIdentity() {
     return made;
 }
 
-void serveFile(httplib::SSLServer &server, const char *path, const QString &file, const char *type) {
+std::unique_ptr<httplib::Server> makeServer(bool https) {
+    if (!https) {
+        return std::make_unique<httplib::Server>();
+    }
+    const Identity identity = makeIdentity();
+    return std::make_unique<httplib::SSLServer>(identity.certificate.get(), identity.key.get());
+}
+
+void serveFile(httplib::Server &server, const char *path, const QString &file, const char *type) {
     server.Get(path, [file, type](const httplib::Request &, httplib::Response &response) {
         QFile source(file);
         response.status = source.open(QFile::ReadOnly) ? 200 : 404;
@@ -48,24 +58,46 @@ QStringList strings(const QJsonValue &value) {
     return value.toVariant().toStringList();
 }
 
+std::vector<ChatPage::Text> texts(const QJsonArray &told) {
+    std::vector<ChatPage::Text> result;
+    for (const QJsonValue &text : told) {
+        result.push_back({text[QStringLiteral("kind")].toString(), text[QStringLiteral("side")].toString(),
+                          text[QStringLiteral("text")].toString()});
+    }
+    return result;
+}
+
 } // namespace
 
-ChatPage::ChatPage() {
-    const Identity identity = makeIdentity();
-    m_server = std::make_unique<httplib::SSLServer>(identity.certificate.get(), identity.key.get());
+ChatPage::ChatPage(bool https) : m_server(makeServer(https)) {
     // Each connection that the browser keeps open, used or not, holds a thread.
     m_server->new_task_queue = [] { return new httplib::ThreadPool(48); };
-    const QString folder = QStringLiteral(QUILLORY_PAGE_FOLDER);
-    serveFile(*m_server, "/", folder + QStringLiteral("/index.html"), "text/html; charset=utf-8");
-    serveFile(*m_server, "/chat.css", folder + QStringLiteral("/chat.css"), "text/css");
-    serveFile(*m_server, "/chat.js", QStringLiteral(QUILLORY_PAGE_BUNDLE), "text/javascript; charset=utf-8");
-    m_server->Post("/report", [this](const httplib::Request &request, httplib::Response &) { take(request.body); });
+    serve();
     m_port = m_server->bind_to_any_port("127.0.0.1");
     m_thread = std::jthread([this] { m_server->listen_after_bind(); });
 }
 
 ChatPage::~ChatPage() {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_ending = true;
+    }
+    m_changed.notify_all();
     m_server->stop();
+}
+
+void ChatPage::serve() {
+    const QString folder = QStringLiteral(QUILLORY_PAGE_FOLDER);
+    serveFile(*m_server, "/", folder + QStringLiteral("/index.html"), "text/html; charset=utf-8");
+    serveFile(*m_server, "/chat.css", folder + QStringLiteral("/chat.css"), "text/css");
+    serveFile(*m_server, "/chat.js", QStringLiteral(QUILLORY_PAGE_BUNDLE), "text/javascript; charset=utf-8");
+    m_server->Post("/report", [this](const httplib::Request &request, httplib::Response &) {
+        take(QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object());
+    });
+    m_server->Get("/order", [this](const httplib::Request &request, httplib::Response &response) {
+        const QJsonDocument order(nextOrder(std::stoul(request.get_param_value("after"))));
+        response.set_content(order.toJson().toStdString(), "application/json");
+    });
 }
 
 ChatPage::State ChatPage::state() const {
@@ -73,24 +105,50 @@ ChatPage::State ChatPage::state() const {
     return m_state;
 }
 
-/// Reports travel on several connections and may overtake each other.
-void ChatPage::take(const std::string &report) {
-    const QJsonObject fields = QJsonDocument::fromJson(QByteArray::fromStdString(report)).object();
-    const auto number = [&](const char *name) { return fields[QLatin1StringView(name)].toDouble(); };
-    const auto sequence = static_cast<int>(number("sequence"));
+bool ChatPage::order(const char *what, const QString &argument) {
+    std::size_t number = 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_orders.push_back({QString::fromLatin1(what), argument});
+        number = m_orders.size();
+    }
+    m_changed.notify_all();
+    return waitUntil([&] { return state().done == static_cast<int>(number); });
+}
+
+/// Waits a while for an order that the page has not carried out yet, so that it gets it at once.
+QJsonObject ChatPage::nextOrder(std::size_t after) {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, std::chrono::seconds(1), [&] { return m_ending || m_orders.size() > after; });
+    if (m_ending || m_orders.size() <= after) {
+        return {};
+    }
+    const Order &order = m_orders[after];
+    return {{QStringLiteral("number"), static_cast<int>(after + 1)},
+            {QStringLiteral("what"), order.what},
+            {QStringLiteral("argument"), order.argument}};
+}
+
+void ChatPage::take(const QJsonObject &report) {
+    const auto number = [&](const char *name) { return report[QLatin1StringView(name)].toDouble(); };
+    const auto string = [&](const char *name) { return report[QLatin1StringView(name)].toString(); };
     const std::lock_guard lock(m_mutex);
-    if (number("load") < m_load || (number("load") == m_load && sequence < m_sequence)) {
-        return;
+    if (number("load") < m_load) {
+        return; // from the page before
     }
     m_load = number("load");
-    m_sequence = sequence;
-    m_state.address = fields[QStringLiteral("page")].toString();
-    m_state.text = fields[QStringLiteral("text")].toString();
-    m_state.sent = strings(fields[QStringLiteral("sent")]);
-    m_state.keys = strings(fields[QStringLiteral("keys")]);
+    m_state.address = string("page");
+    m_state.chat = string("chat");
+    m_state.text = string("text");
+    m_state.sent = strings(report[QStringLiteral("sent")]);
+    m_state.keys = strings(report[QStringLiteral("keys")]);
     m_state.blurs = static_cast<int>(number("blurs"));
-    m_state.focused = fields[QStringLiteral("focused")].toBool();
+    m_state.done = static_cast<int>(number("done"));
+    m_state.focused = report[QStringLiteral("focused")].toBool();
     m_state.box = QPointF(number("x"), number("y")).toPoint();
+    if (report.contains(QStringLiteral("texts"))) {
+        m_state.texts = texts(report[QStringLiteral("texts")].toArray());
+    }
 }
 
 } // namespace quillory::test

@@ -5,22 +5,38 @@
 #include <QString>
 #include <QStringList>
 
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
+
+class QJsonObject;
 
 namespace httplib {
-class SSLServer;
+class Server;
 }
 
 namespace quillory::test {
 
-/// A web chat of our own, served over HTTPS. The page tells what its own document holds, so nothing has to be asked of
-/// the browser.
+/// A web chat of our own. The page tells what its own document holds, so nothing has to be asked of the browser, and
+/// does what the test says.
 class ChatPage {
   public:
+    /// One text of the document between the chat list and the message box.
+    struct Text {
+        /// "name", "presence", "day", "divider", "forwarded", "quote", "message" or "time".
+        QString kind;
+        /// Whose bubble it stands in: "us", "them" or nobody's.
+        QString side;
+        QString text;
+    };
     struct State {
         QString address;
+        /// The chat that is open, by its identifier.
+        QString chat;
+        /// What the conversation shows, in the document's order.
+        std::vector<Text> texts;
         /// What the message box holds, read from the page's document.
         QString text;
         QStringList sent;
@@ -31,9 +47,11 @@ class ChatPage {
         bool focused = false;
         /// The middle of the message box on the screen.
         QPoint box;
+        /// How many orders have been carried out.
+        int done = 0;
     };
 
-    ChatPage();
+    explicit ChatPage(bool https);
     ~ChatPage();
     ChatPage(const ChatPage &) = delete;
     ChatPage &operator=(const ChatPage &) = delete;
@@ -42,15 +60,28 @@ class ChatPage {
     [[nodiscard]] State state() const;
     [[nodiscard]] QString text() const { return state().text; }
 
+    /// Lets the page do something of its own accord: "open" a chat, "receive" a message, show another "presence",
+    /// "scroll" to a message, "rebuildBox". True once it is done and painted.
+    bool order(const char *what, const QString &argument = {});
+
   private:
-    void take(const std::string &report);
+    struct Order {
+        QString what;
+        QString argument;
+    };
+
+    void serve();
+    void take(const QJsonObject &report);
+    [[nodiscard]] QJsonObject nextOrder(std::size_t after);
 
     mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
     State m_state;
+    std::vector<Order> m_orders;
+    bool m_ending = false;
     double m_load = 0;
-    int m_sequence = 0;
     int m_port = 0;
-    std::unique_ptr<httplib::SSLServer> m_server;
+    std::unique_ptr<httplib::Server> m_server;
     std::jthread m_thread;
 };
 

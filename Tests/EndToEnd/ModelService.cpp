@@ -24,15 +24,21 @@ std::string event(const QString &content) {
 }
 
 ModelService::Question parsed(const httplib::Request &request) {
-    const QJsonObject body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
-    const QJsonArray messages = body[QStringLiteral("messages")].toArray();
-    const auto content = [](const QJsonValue &message) { return message[QStringLiteral("content")].toString(); };
-    const QString user = content(messages.last());
-    const QString open = QStringLiteral("<draft>\n");
-    const auto start = user.indexOf(open) + open.size();
-    return {body[QStringLiteral("model")].toString(), content(messages.first()),
-            user.mid(start, user.lastIndexOf(QStringLiteral("\n</draft>")) - start),
-            QString::fromStdString(request.get_header_value("Authorization"))};
+    ModelService::Question question;
+    question.body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
+    const QJsonArray messages = question.body.take(QStringLiteral("messages")).toArray();
+    for (const QJsonValue &message : messages) {
+        question.messages.push_back(
+            {message[QStringLiteral("role")].toString(), message[QStringLiteral("content")].toString()});
+    }
+    question.authorization = QString::fromStdString(request.get_header_value("Authorization"));
+    return question;
+}
+
+QString between(const QString &text, const QString &open, const QString &close) {
+    const auto start = text.indexOf(open);
+    const auto end = text.lastIndexOf(close);
+    return start < 0 || end < start ? QString() : text.mid(start + open.size(), end - start - open.size());
 }
 
 bool send(httplib::DataSink &sink, const std::string &text) {
@@ -40,6 +46,15 @@ bool send(httplib::DataSink &sink, const std::string &text) {
 }
 
 } // namespace
+
+QString ModelService::Question::draft() const {
+    return between(messages.back().content, QStringLiteral("<draft>\n"), QStringLiteral("\n</draft>"));
+}
+
+std::string ModelService::Question::conversation() const {
+    const QString &content = (isForReply() ? messages.back() : messages.front()).content;
+    return between(content, QStringLiteral("<conversation>\n"), QStringLiteral("\n</conversation>")).toStdString();
+}
 
 ModelService::ModelService() : m_server(std::make_unique<httplib::Server>()) {
     m_server->Post("/api/v1/chat/completions",
@@ -59,9 +74,14 @@ QByteArray ModelService::address() const {
 
 void ModelService::willAnswer(const QString &text, Manner manner) {
     const std::lock_guard lock(m_mutex);
-    m_text = text;
-    m_manner = manner;
+    m_answer = {text, manner};
+    m_answersOfModels.clear();
     m_mayEnd = false;
+}
+
+void ModelService::modelWillAnswer(const QString &model, const QString &text, Manner manner) {
+    const std::lock_guard lock(m_mutex);
+    m_answersOfModels[model] = {text, manner};
 }
 
 std::vector<ModelService::Question> ModelService::questions() const {
@@ -72,21 +92,23 @@ std::vector<ModelService::Question> ModelService::questions() const {
 void ModelService::answer(const httplib::Request &request, httplib::Response &response) {
     const std::lock_guard lock(m_mutex);
     m_questions.push_back(parsed(request));
-    if (m_manner == Manner::refuses) {
+    const auto special = m_answersOfModels.find(m_questions.back().model());
+    const Answer &answer = special == m_answersOfModels.end() ? m_answer : special->second;
+    if (answer.manner == Manner::refuses) {
         response.status = 429;
-        const QJsonObject error{{QStringLiteral("message"), m_text}};
+        const QJsonObject error{{QStringLiteral("message"), answer.text}};
         response.set_content(compact({{QStringLiteral("error"), error}}), "application/json");
         return;
     }
-    response.set_chunked_content_provider(
-        "text/event-stream", [this, text = m_text, manner = m_manner](std::size_t, httplib::DataSink &sink) {
-            const bool whole = stream(sink, text, manner);
-            m_clientsGone += whole || manner == Manner::breaksOff ? 0 : 1;
-            return whole;
-        });
+    response.set_chunked_content_provider("text/event-stream", [this, answer](std::size_t, httplib::DataSink &sink) {
+        const bool whole = stream(sink, answer);
+        m_clientsGone += whole || answer.manner == Manner::breaksOff ? 0 : 1;
+        return whole;
+    });
 }
 
-bool ModelService::stream(httplib::DataSink &sink, const QString &text, Manner manner) {
+bool ModelService::stream(httplib::DataSink &sink, const Answer &answer) {
+    const QString &text = answer.text;
     bool connected = send(sink, ": PROCESSING\n\n");
     for (qsizetype start = 0, length = 0; connected && start < text.size(); start += length) {
         length = 5;
@@ -96,11 +118,11 @@ bool ModelService::stream(httplib::DataSink &sink, const QString &text, Manner m
         connected = send(sink, event(text.mid(start, length)));
         sleepBriefly();
     }
-    if (manner == Manner::breaksOff) {
+    if (answer.manner == Manner::breaksOff) {
         send(sink, "data: {\"choi");
         return false;
     }
-    while (connected && !m_mayEnd) {
+    while (connected && answer.manner == Manner::answers && !m_mayEnd) {
         connected = send(sink, ": PROCESSING\n\n");
         sleepBriefly();
     }

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QString>
 
 #include <atomic>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -25,18 +27,32 @@ class ModelService {
     enum class Manner {
         /// Sends the answer, then keeps the connection alive without an end until mayEnd() is called.
         answers,
+        /// Sends the answer and ends it.
+        answersAtOnce,
         /// Sends the answer and drops the connection in the middle of an event.
         breaksOff,
         /// Answers with status 429 and the text as the body's message.
         refuses
     };
+    struct Message {
+        QString role;
+        QString content;
+    };
     struct Question {
-        QString model;
-        /// The system message: the tone, and the conversation.
-        QString system;
-        /// The text between the draft's tags.
-        QString draft;
+        /// The whole request, but for its messages.
+        QJsonObject body;
+        std::vector<Message> messages;
         QString authorization;
+
+        [[nodiscard]] QString model() const { return body[QLatin1StringView("model")].toString(); }
+        /// The system message.
+        [[nodiscard]] QString system() const { return messages.front().content; }
+        /// A reply is asked for without examples.
+        [[nodiscard]] bool isForReply() const { return messages.size() == 2; }
+        /// The text between the draft's tags.
+        [[nodiscard]] QString draft() const;
+        /// The text between the conversation's tags, in whichever message it stands.
+        [[nodiscard]] std::string conversation() const;
     };
 
     ModelService();
@@ -45,20 +61,27 @@ class ModelService {
     ModelService &operator=(const ModelService &) = delete;
 
     [[nodiscard]] QByteArray address() const;
-    /// What every request gets from now on; answers don't end before they may.
+    /// What every request gets from now on, whatever its model; answers don't end before they may.
     void willAnswer(const QString &text, Manner manner = Manner::answers);
+    /// What requests for that model get instead.
+    void modelWillAnswer(const QString &model, const QString &text, Manner manner);
     void mayEnd() { m_mayEnd = true; }
     [[nodiscard]] std::vector<Question> questions() const;
     /// How many answers were cut short because the client closed its connection.
     [[nodiscard]] int clientsGone() const { return m_clientsGone; }
 
   private:
+    struct Answer {
+        QString text;
+        Manner manner = Manner::answers;
+    };
+
     void answer(const httplib::Request &request, httplib::Response &response);
-    bool stream(httplib::DataSink &sink, const QString &text, Manner manner);
+    bool stream(httplib::DataSink &sink, const Answer &answer);
 
     mutable std::mutex m_mutex;
-    QString m_text;
-    Manner m_manner = Manner::answers;
+    Answer m_answer;
+    std::map<QString, Answer> m_answersOfModels;
     std::vector<Question> m_questions;
     std::atomic<int> m_clientsGone = 0;
     std::atomic<bool> m_mayEnd = false;

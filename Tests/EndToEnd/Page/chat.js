@@ -1,111 +1,135 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-// A chat page whose message box is a rich-text editor, a plain text area ("?box=textarea") or a password field
-// ("?box=password"). It tells its server what its own document holds, so that a test need not ask the browser.
-import { createEditor, $getRoot, $createParagraphNode, KEY_ENTER_COMMAND, COMMAND_PRIORITY_HIGH } from 'lexical';
-import { registerRichText } from '@lexical/rich-text';
-import { registerHistory, createEmptyHistoryState } from '@lexical/history';
+// A web chat of our own. Its address chooses how it is built:
+//   ?box=textarea, ?box=password   another message box than the rich-text editor
+//   ?language=ar                   in Arabic, from right to left
+//   ?long=N                        the first chat has N messages; &rows=all puts them all into the page at once
+// It tells its server what its own document holds, so that a test need not ask the browser, and does what the server says.
+import { languages, longChat } from './chats.js';
+import * as conversation from './conversation.js';
+import { makeBox } from './box.js';
 
-const state = { load: performance.timeOrigin, sequence: 0, text: '', sent: [], keys: [], blurs: 0, focused: false };
-const kind = new URLSearchParams(location.search).get('box') ?? 'rich';
+const options = new URLSearchParams(location.search);
+const { direction, words, chats } = languages[options.get('language') ?? 'en'];
+const state = { load: performance.timeOrigin, chat: '', done: 0, text: '', sent: [], keys: [], blurs: 0 };
+let openChat;
+let reporting = false;
+let stale = false;
+let toldTexts;
 
-function report() {
-  const place = document.getElementById('box').getBoundingClientRect();
-  state.sequence += 1;
-  state.focused = document.hasFocus() && document.activeElement.id === 'box';
-  state.x = window.screenX + (window.outerWidth - window.innerWidth) / 2 + place.x + place.width / 2;
-  state.y = window.screenY + window.outerHeight - window.innerHeight + place.y + place.height / 2;
-  fetch('/report', { method: 'POST', body: JSON.stringify({ ...state, page: location.href }), keepalive: true });
+// Reports go one after another, so none overtakes another; what the conversation shows goes along when it has changed.
+async function report() {
+  stale = true;
+  if (reporting) {
+    return;
+  }
+  reporting = true;
+  while (stale) {
+    stale = false;
+    await fetch('/report', { method: 'POST', body: JSON.stringify(currentState()) }).catch(() => {});
+  }
+  reporting = false;
 }
 
-function element(parent, className, text) {
-  const made = parent.appendChild(document.createElement(className === 'text' || className === 'time' ? 'span' : 'div'));
+function currentState() {
+  const place = document.getElementById('box').getBoundingClientRect();
+  const left = window.mozInnerScreenX ?? window.screenX + (window.outerWidth - window.innerWidth) / 2;
+  const top = window.mozInnerScreenY ?? window.screenY + window.outerHeight - window.innerHeight;
+  const told = { ...state, page: location.href, x: left + place.x + place.width / 2, y: top + place.y + place.height / 2,
+    focused: document.hasFocus() && document.activeElement.id === 'box' };
+  const texts = conversation.texts();
+  if (JSON.stringify(texts) !== toldTexts) {
+    toldTexts = JSON.stringify(texts);
+    told.texts = texts;
+  }
+  return told;
+}
+
+function span(parent, className, text) {
+  const made = parent.appendChild(document.createElement('div'));
   made.className = className;
   made.textContent = text;
-  return made;
-}
-
-function addMessage(side, text, time) {
-  const bubble = element(element(document.getElementById('conversation'), 'row ' + side, ''), 'bubble', '');
-  element(bubble, 'text', text);
-  element(bubble, 'time', time);
-  document.getElementById('conversation').scrollTop = 1e6;
 }
 
 function showChats() {
-  for (const name of ['Mariam', 'Al Noor Bakery', 'Yousef (driver)', 'Family', 'Sales team', 'Fatima']) {
-    const chat = element(document.getElementById('chats'), 'chat', name);
-    chat.appendChild(document.createElement('small')).textContent = 'Yesterday';
-  }
-  addMessage('them', 'Hello, I saw the gift boxes on your page', '12:40 PM');
-  addMessage('us', 'Welcome Mariam! Which one did you like?', '12:41 PM');
-  addMessage('them', 'The blue one with the dates. Is it in stock?', '12:45 PM');
-  addMessage('them', 'وهل التوصيل إلى الرفاع مجاني؟ 🙏', '12:45 PM');
-  addMessage('us', 'Yes it is, and delivery in Riffa is free.', '12:46 PM');
-}
-
-function send(clear) {
-  if (state.text.trim() !== '') {
-    state.sent.push(state.text);
-    addMessage('us', state.text, '12:50 PM');
-    clear();
-  }
-}
-
-// The document's own text, its paragraphs as lines.
-function editorText(editor) {
-  return editor.getEditorState().read(() => $getRoot().getChildren().map((block) => block.getTextContent()).join('\n'));
-}
-
-function makeEditor(place) {
-  const box = place.appendChild(document.createElement('div'));
-  box.contentEditable = 'true';
-  box.setAttribute('role', 'textbox');
-  box.setAttribute('aria-label', 'Type a message');
-  const editor = createEditor({ namespace: 'box', onError: (error) => { throw error; } });
-  editor.setRootElement(box);
-  registerRichText(editor);
-  registerHistory(editor, createEmptyHistoryState(), 300);
-  // Without a paragraph to type into, the editor takes no keys.
-  const clear = () => editor.update(() => $getRoot().clear().append($createParagraphNode()));
-  clear();
-  editor.registerCommand(KEY_ENTER_COMMAND, (event) => {
-    if (event.shiftKey) {
-      return false;
+  const list = document.getElementById('chats');
+  list.textContent = '';
+  for (const chat of chats) {
+    const entry = list.appendChild(document.createElement('div'));
+    entry.className = 'chat' + (chat === openChat ? ' open' : '');
+    span(entry, 'who', chat.name);
+    span(entry, 'when', chat.when);
+    span(entry, 'last', chat.last);
+    if (chat.unread) {
+      span(entry, 'unread', chat.unread);
     }
-    event.preventDefault();
-    send(clear);
-    return true;
-  }, COMMAND_PRIORITY_HIGH);
-  editor.registerUpdateListener(() => { state.text = editorText(editor); report(); });
+    // The message box keeps the focus.
+    entry.addEventListener('mousedown', (event) => { event.preventDefault(); show(chat); report(); });
+  }
+}
+
+function show(chat) {
+  openChat = chat;
+  state.chat = chat.id;
+  document.querySelector('.avatar').textContent = chat.name.slice(0, 1);
+  document.querySelector('.name').textContent = chat.name;
+  document.querySelector('.presence').textContent = chat.presence;
+  showChats();
+  conversation.open(chat.messages);
+}
+
+function send(text) {
+  if (text.trim() !== '') {
+    state.sent.push(text);
+    conversation.append({ from: 'us', text, time: '12:55 PM' });
+  }
+}
+
+function buildBox(text) {
+  const box = makeBox(options.get('box') ?? 'rich', words.type, text, (now) => { state.text = now; report(); }, send);
+  box.addEventListener('focus', report);
+  box.addEventListener('blur', () => { state.blurs += 1; report(); });
   return box;
 }
 
-function makeField(place, tag) {
-  const box = place.appendChild(document.createElement(tag));
-  if (tag === 'input') {
-    box.type = 'password';
-  }
-  box.placeholder = 'Type a message';
-  box.addEventListener('input', () => { state.text = box.value; report(); });
-  box.addEventListener('keydown', (event) => {
-    if (event.key === 'Enter' && !event.shiftKey) {
-      event.preventDefault();
-      send(() => { box.value = ''; state.text = ''; });
+const orders = {
+  open: (id) => show(chats.find((chat) => chat.id === id)),
+  receive: (text) => conversation.append({ from: 'them', text, time: '12:56 PM' }),
+  present: (presence) => { document.querySelector('.presence').textContent = presence; },
+  scroll: (index) => conversation.scrollTo(Number(index)),
+  rebuildBox: () => buildBox(state.text).focus(),
+};
+
+// What was ordered counts as done when it has been painted.
+const painted = () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done)));
+
+async function obey() {
+  for (;;) {
+    const order = await fetch('/order?after=' + state.done).then((answer) => answer.json());
+    if (order.number) {
+      orders[order.what](order.argument);
+      await painted();
+      state.done = order.number;
+      report();
     }
-  });
-  return box;
+  }
 }
 
-showChats();
-const place = document.getElementById('place');
-const box = kind === 'rich' ? makeEditor(place) : makeField(place, kind === 'textarea' ? 'textarea' : 'input');
-box.id = 'box';
+document.documentElement.lang = options.get('language') ?? 'en';
+document.documentElement.dir = direction;
+for (const [id, label] of [['chats', words.list], ['conversation', words.conversation], ['send', words.send], ['attach', words.attach]]) {
+  document.getElementById(id).setAttribute('aria-label', label);
+}
+if (options.has('long')) {
+  chats.unshift(longChat(Number(options.get('long'))));
+}
+conversation.setUp(words, options.get('rows') === 'all');
+show(chats[0]);
+buildBox('');
 window.addEventListener('blur', () => { state.blurs += 1; report(); });
 window.addEventListener('focus', report);
 window.addEventListener('resize', report);
 window.addEventListener('keydown', (event) => { state.keys.push(event.key); report(); }, true);
-box.addEventListener('focus', report);
-box.addEventListener('blur', () => { state.blurs += 1; report(); });
 // A window manager may move the window without any event.
 setInterval(report, 500);
 report();
+obey();

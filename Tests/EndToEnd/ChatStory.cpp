@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "EndToEnd/ChatStory.h"
+
+#include <iostream>
+
+namespace quillory::test {
+
+namespace {
+
+constexpr qsizetype mostCollected = 400;
+constexpr qsizetype mostKept = 60;
+
+/// Times, presences and dividers in English are known as noise; those of other languages are lines like any other.
+bool isNoise(const ChatPage::Text &text, bool english) {
+    return text.text.trimmed().size() < 2 || text.kind == QStringLiteral("time") ||
+           (english && (text.kind == QStringLiteral("presence") || text.kind == QStringLiteral("divider")));
+}
+
+/// Sides are judged by where a text stands. In a page from right to left our own messages stand at the left, which is
+/// the customers' side everywhere else, and they are marked as such.
+QString mark(const ChatPage::Text &text, bool rightToLeft) {
+    if (text.kind == QStringLiteral("day") || text.kind == QStringLiteral("divider")) {
+        return {};
+    }
+    const bool atEnd = text.side == QStringLiteral("us");
+    return atEnd != rightToLeft ? QStringLiteral("«you» ") : QStringLiteral("«customer» ");
+}
+
+} // namespace
+
+void ChatStory::SetUp() {
+    if (const QString missing = Browser::whatIsMissing(GetParam()); !missing.isEmpty()) {
+        ASSERT_FALSE(qEnvironmentVariableIsSet("CI")) << missing.toStdString();
+        GTEST_SKIP() << missing.toStdString();
+    }
+}
+
+void ChatStory::TearDown() {
+    if (HasFailure()) {
+        const ChatPage::State state = m_page.state();
+        std::cerr << "The program's log:\n" << Assistant::log().toStdString();
+        std::cerr << "The page: " << state.address.toStdString() << ", focused " << state.focused << ", keys "
+                  << state.keys.join(u' ').toStdString() << ", text: " << state.text.toStdString() << std::endl;
+    }
+}
+
+void ChatStory::startBrowser(const Browser::Options &options) {
+    m_browser.emplace(m_page.port(), qEnvironmentVariable("HOME") + QStringLiteral("/browser"), options);
+}
+
+void ChatStory::openChat(const QString &query) {
+    startAssistant();
+    startBrowser(at(query));
+    ASSERT_TRUE(clickBox());
+    ASSERT_TRUE(logged(QStringLiteral(", chat app")));
+    m_blursBefore = m_page.state().blurs;
+}
+
+bool ChatStory::clickBox() {
+    return waitUntil(
+        [this] {
+            if (const ChatPage::State state = m_page.state(); !state.address.isEmpty() && !state.focused) {
+                keyboard::click(state.box);
+                waitUntil([this] { return m_page.state().focused; }, 500);
+            }
+            return m_page.state().focused;
+        },
+        30'000);
+}
+
+bool ChatStory::logged(const QString &text, int times) {
+    return waitUntil([&] { return Assistant::timesLogged(text) >= times; });
+}
+
+bool ChatStory::boxHolds(const QString &text) const {
+    return waitUntil([&] { return m_page.text() == text; });
+}
+
+std::string ChatStory::transcriptOfPage() const {
+    const ChatPage::State state = m_page.state();
+    const bool arabic = state.address.contains(QStringLiteral("language=ar"));
+    QStringList lines;
+    for (const ChatPage::Text &text : state.texts) {
+        if (!isNoise(text, !arabic) && lines.size() < mostCollected) {
+            lines.append(mark(text, arabic) + text.text.trimmed());
+        }
+    }
+    return lines.mid(std::max<qsizetype>(0, lines.size() - mostKept)).join(u'\n').toStdString();
+}
+
+void ChatStory::expectUntouched(int keysTaken) const {
+    const ChatPage::State state = m_page.state();
+    EXPECT_THAT(state.sent, testing::IsEmpty());
+    // The page and the box tell of it one by one.
+    const int told = GetParam() == Browser::Kind::firefox ? 2 * keysTaken : 0;
+    EXPECT_EQ(state.blurs, m_blursBefore + told) << "the browser lost the focus";
+    EXPECT_TRUE(waitUntil([this] { return m_page.state().focused; }));
+}
+
+} // namespace quillory::test

@@ -1,0 +1,51 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "EndToEnd/Assistant.h"
+#include "EndToEnd/Browser.h"
+#include "EndToEnd/ChatPage.h"
+#include "EndToEnd/Keyboard.h"
+#include "EndToEnd/ModelService.h"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+
+namespace quillory::test {
+
+/// A user at a web chat in one of the browsers, while the program runs.
+class ChatStory : public testing::TestWithParam<Browser::Kind> {
+  protected:
+    using Manner = ModelService::Manner;
+
+    void SetUp() override;
+    void TearDown() override;
+
+    void startAssistant() { m_assistant.emplace(m_model.address(), m_settings); }
+    void startBrowser(const Browser::Options &options);
+    [[nodiscard]] Browser::Options at(const QString &query) const { return {.kind = GetParam(), .query = query}; }
+    /// The box has the focus and the program follows it.
+    void openChat(const QString &query = {});
+    /// Clicks where the page says that its box is, until the window is there and has taken the click.
+    bool clickBox();
+
+    [[nodiscard]] static bool logged(const QString &text, int times = 1);
+    [[nodiscard]] bool boxHolds(const QString &text) const;
+    /// What a reader of the page would write down: each text that is no noise, marked by the side it stands on.
+    [[nodiscard]] std::string transcriptOfPage() const;
+    [[nodiscard]] bool keyReached(const QString &key) const { return m_page.state().keys.contains(key); }
+    /// Nothing was sent, and the browser and its box kept the focus, of which Firefox tells a loss and a return for
+    /// each key that the cards take.
+    void expectUntouched(int keysTaken = 1) const;
+
+    Assistant::Settings m_settings;
+    ModelService m_model;
+    ChatPage m_page{Browser::takesHttps(GetParam())};
+    std::optional<Assistant> m_assistant;
+    std::optional<Browser> m_browser;
+    int m_blursBefore = 0;
+};
+
+inline const auto everyBrowser = testing::Values(Browser::Kind::chromium, Browser::Kind::firefox);
+
+} // namespace quillory::test

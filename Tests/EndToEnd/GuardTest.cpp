@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "EndToEnd/AccessibleTree.h"
+#include "EndToEnd/ReplyStory.h"
+
+namespace quillory::test {
+
+namespace {
+
+const QString reply = QStringLiteral("Your trays are ready at nine.");
+
+/// A user who changes the chat, in which the box keeps the focus, while the reply to the chat before is on its card.
+class ConversationGuard : public ReplyStory {
+  protected:
+    /// Tab comes when the other chat is there, but before the program has looked at it. It looks a few times in a
+    /// second and may be first; then it has put a card without an end in the reply's place, and everything is tried
+    /// again.
+    bool tapsTabInTime(const char *from, const char *to) {
+        m_tree.emplace();
+        for (int attempt = 0; attempt < 20; ++attempt) {
+            m_model.willAnswer(reply, Manner::answersAtOnce);
+            if (!m_page.order("open", QLatin1StringView(from)) || !replyIsReady()) {
+                return false;
+            }
+            m_model.willAnswer(QStringLiteral("not for this chat"), Manner::answers);
+            const int asked = timesAsked();
+            if (switchesTo(to) && timesAsked() == asked && tabIsTaken()) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::string blockedWith() const {
+        const QString log = Assistant::log();
+        return log.mid(log.lastIndexOf(QStringLiteral("accept blocked:"))).section(u'\n', 0, 0).toStdString();
+    }
+
+  private:
+    bool switchesTo(const char *chat) {
+        const QString lastBefore = lastMessage();
+        return m_page.order("open", QLatin1StringView(chat)) && waitUntil([&] { return m_tree->lacks(lastBefore); });
+    }
+
+    [[nodiscard]] QString lastMessage() const {
+        QString last;
+        for (const ChatPage::Text &text : m_page.state().texts) {
+            last = text.kind == QStringLiteral("message") ? text.text : last;
+        }
+        return last;
+    }
+
+    bool tabIsTaken() {
+        const auto toPage = m_page.state().keys.count(QStringLiteral("Tab"));
+        const auto taken = [] {
+            return Assistant::timesLogged(QStringLiteral("accept blocked")) +
+                   Assistant::timesLogged(QStringLiteral("web field, inserting"));
+        };
+        const int takenBefore = taken();
+        keyboard::tap("Tab");
+        waitUntil([&] { return taken() > takenBefore || m_page.state().keys.count(QStringLiteral("Tab")) > toPage; });
+        clickBox();
+        return taken() > takenBefore;
+    }
+
+    std::optional<AccessibleTree> m_tree;
+};
+
+INSTANTIATE_TEST_SUITE_P(In, ConversationGuard, everyBrowser, testing::PrintToStringParamName());
+
+TEST_P(ConversationGuard, TabGivesNoReplyToAnotherChatUnlessHalfOfItsLinesAreThere) {
+    ASSERT_NO_FATAL_FAILURE(openChat());
+    ASSERT_TRUE(tapsTabInTime("mariam", "bakery"));
+    EXPECT_EQ(blockedWith(), "accept blocked: only 0% conversation overlap (chat switch)");
+    ASSERT_TRUE(tapsTabInTime("orders", "orders-less"));
+    EXPECT_EQ(blockedWith(), "accept blocked: only 37% conversation overlap (chat switch)");
+    EXPECT_TRUE(m_page.text().isEmpty());
+    EXPECT_FALSE(keyReached(QStringLiteral("v"))) << "nothing is pasted";
+    EXPECT_THAT(Assistant::choices(), testing::IsEmpty());
+
+    ASSERT_TRUE(tapsTabInTime("orders", "orders-half"));
+    EXPECT_TRUE(boxHolds(reply));
+    EXPECT_EQ(Assistant::timesLogged(QStringLiteral("accept blocked")), 2);
+    EXPECT_TRUE(m_page.state().sent.isEmpty());
+}
+
+} // namespace
+
+} // namespace quillory::test

@@ -1,0 +1,71 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// The message box: a rich-text editor, a plain text area or a password field. Each tells its text whenever it changes.
+import { createEditor, $getRoot, $createParagraphNode, $createTextNode, KEY_ENTER_COMMAND, COMMAND_PRIORITY_HIGH } from 'lexical';
+import { registerRichText } from '@lexical/rich-text';
+import { registerHistory, createEmptyHistoryState } from '@lexical/history';
+
+const place = document.getElementById('place');
+
+/** Makes the box in its place, instead of the one that is there. */
+export function makeBox(kind, label, text, changed, send) {
+  place.textContent = '';
+  const box = kind === 'rich' ? makeEditor(label, text, changed, send)
+    : makeField(kind === 'textarea' ? 'textarea' : 'input', label, text, changed, send);
+  box.id = 'box';
+  return box;
+}
+
+// The document's own text, its paragraphs as lines.
+function editorText(editor) {
+  return editor.getEditorState().read(() => $getRoot().getChildren().map((block) => block.getTextContent()).join('\n'));
+}
+
+function makeEditor(label, text, changed, send) {
+  const box = place.appendChild(document.createElement('div'));
+  box.contentEditable = 'true';
+  box.setAttribute('role', 'textbox');
+  box.setAttribute('aria-label', label);
+  const editor = createEditor({ namespace: 'box', onError: (error) => { throw error; } });
+  editor.setRootElement(box);
+  registerRichText(editor);
+  registerHistory(editor, createEmptyHistoryState(), 300);
+  // Without a paragraph to type into, the editor takes no keys.
+  const fill = (words) => editor.update(() => {
+    const paragraph = $createParagraphNode();
+    if (words !== '') {
+      paragraph.append($createTextNode(words));
+    }
+    $getRoot().clear().append(paragraph);
+  });
+  fill(text);
+  editor.registerCommand(KEY_ENTER_COMMAND, (event) => {
+    if (event.shiftKey) {
+      return false;
+    }
+    event.preventDefault();
+    send(editorText(editor));
+    fill('');
+    return true;
+  }, COMMAND_PRIORITY_HIGH);
+  editor.registerUpdateListener(() => changed(editorText(editor)));
+  return box;
+}
+
+function makeField(tag, label, text, changed, send) {
+  const box = place.appendChild(document.createElement(tag));
+  if (tag === 'input') {
+    box.type = 'password';
+  }
+  box.placeholder = label;
+  box.value = text;
+  box.addEventListener('input', () => changed(box.value));
+  box.addEventListener('keydown', (event) => {
+    if (event.key === 'Enter' && !event.shiftKey) {
+      event.preventDefault();
+      send(box.value);
+      box.value = '';
+      changed('');
+    }
+  });
+  return box;
+}
