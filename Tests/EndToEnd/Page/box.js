@@ -57,6 +57,7 @@ function makeField(tag, label, text, changed, send) {
     box.type = 'password';
   }
   box.placeholder = label;
+  box.rows = 1;
   box.value = text;
   box.addEventListener('input', () => changed(box.value));
   box.addEventListener('keydown', (event) => {
