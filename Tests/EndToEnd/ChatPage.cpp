@@ -58,6 +58,10 @@ QStringList strings(const QJsonValue &value) {
     return value.toVariant().toStringList();
 }
 
+QPoint place(const QJsonValue &told) {
+    return QPointF(told[QStringLiteral("x")].toDouble(), told[QStringLiteral("y")].toDouble()).toPoint();
+}
+
 std::vector<ChatPage::Text> texts(const QJsonArray &told) {
     std::vector<ChatPage::Text> result;
     for (const QJsonValue &text : told) {
@@ -145,7 +149,11 @@ void ChatPage::take(const QJsonObject &report) {
     m_state.blurs = static_cast<int>(number("blurs"));
     m_state.done = static_cast<int>(number("done"));
     m_state.focused = report[QStringLiteral("focused")].toBool();
-    m_state.box = QPointF(number("x"), number("y")).toPoint();
+    m_state.box = place(report[QStringLiteral("box")]);
+    const QJsonObject chats = report[QStringLiteral("chats")].toObject();
+    for (const QString &chat : chats.keys()) {
+        m_state.chats[chat] = place(chats[chat]);
+    }
     if (report.contains(QStringLiteral("texts"))) {
         m_state.texts = texts(report[QStringLiteral("texts")].toArray());
     }

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <condition_variable>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -45,8 +46,9 @@ class ChatPage {
         /// How often the page or its box lost the focus.
         int blurs = 0;
         bool focused = false;
-        /// The middle of the message box on the screen.
+        /// The middle of the message box on the screen, and of each chat in the list.
         QPoint box;
+        std::map<QString, QPoint> chats;
         /// How many orders have been carried out.
         int done = 0;
     };
@@ -60,7 +62,7 @@ class ChatPage {
     [[nodiscard]] State state() const;
     [[nodiscard]] QString text() const { return state().text; }
 
-    /// Lets the page do something of its own accord: "open" a chat, "receive" a message, show another "presence",
+    /// Lets the page do something of its own accord: "receive" a message, "present" the customer in another way,
     /// "scroll" to a message, "rebuildBox". True once it is done and painted.
     bool order(const char *what, const QString &argument = {});
 

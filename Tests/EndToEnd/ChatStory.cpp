@@ -68,6 +68,11 @@ bool ChatStory::clickBox() {
         30'000);
 }
 
+bool ChatStory::clickChat(const QString &chat) const {
+    keyboard::click(m_page.state().chats.at(chat));
+    return waitUntil([&] { return m_page.state().chat == chat; });
+}
+
 bool ChatStory::logged(const QString &text, int times) {
     return waitUntil([&] { return Assistant::timesLogged(text) >= times; });
 }

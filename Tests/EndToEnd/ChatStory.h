@@ -6,6 +6,7 @@
 #include "EndToEnd/ChatPage.h"
 #include "EndToEnd/Keyboard.h"
 #include "EndToEnd/ModelService.h"
+#include "SimulatedDesktop/Printing.h"
 
 #include <gmock/gmock.h>
 
@@ -28,6 +29,8 @@ class ChatStory : public testing::TestWithParam<Browser::Kind> {
     void openChat(const QString &query = {});
     /// Clicks where the page says that its box is, until the window is there and has taken the click.
     bool clickBox();
+    /// Opens another chat with a click into the list; the box keeps the focus.
+    [[nodiscard]] bool clickChat(const QString &chat) const;
 
     [[nodiscard]] static bool logged(const QString &text, int times = 1);
     [[nodiscard]] bool boxHolds(const QString &text) const;

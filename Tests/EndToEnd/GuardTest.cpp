@@ -18,12 +18,15 @@ class ConversationGuard : public ReplyStory {
         m_tree.emplace();
         for (int attempt = 0; attempt < 20; ++attempt) {
             m_model.willAnswer(reply, Manner::answersAtOnce);
-            if (!m_page.order("open", QLatin1StringView(from)) || !replyIsReady()) {
+            if (!clickChat(QLatin1StringView(from)) || !replyIsReady()) {
                 return false;
             }
             m_model.willAnswer(QStringLiteral("not for this chat"), Manner::answers);
             const int asked = timesAsked();
-            if (switchesTo(to) && timesAsked() == asked && tabIsTaken()) {
+            if (!switchesTo(to)) {
+                return false;
+            }
+            if (timesAsked() == asked && tabIsTaken()) {
                 return true;
             }
         }
@@ -38,7 +41,7 @@ class ConversationGuard : public ReplyStory {
   private:
     bool switchesTo(const char *chat) {
         const QString lastBefore = lastMessage();
-        return m_page.order("open", QLatin1StringView(chat)) && waitUntil([&] { return m_tree->lacks(lastBefore); });
+        return clickChat(QLatin1StringView(chat)) && waitUntil([&] { return m_tree->lacks(lastBefore); });
     }
 
     [[nodiscard]] QString lastMessage() const {

@@ -2,7 +2,6 @@
 #include "EndToEnd/ReplyStory.h"
 
 #include <QJsonObject>
-#include <QTime>
 
 namespace quillory::test {
 
@@ -40,17 +39,9 @@ class Reply : public ReplyStory {
 
 INSTANTIATE_TEST_SUITE_P(In, Reply, everyBrowser, testing::PrintToStringParamName());
 
-/// When the log first says so.
-QTime timeOf(const QString &event) {
-    const QString log = Assistant::log();
-    return QTime::fromString(log.mid(log.lastIndexOf(u'\n', log.indexOf(event)) + 1, 12),
-                             QStringLiteral("HH:mm:ss.zzz"));
-}
-
 TEST_P(Reply, IsDraftedForTheVisibleConversationAndTakenWithTab) {
     ASSERT_NO_FATAL_FAILURE(openChat());
     ASSERT_TRUE(replyIsReady());
-    EXPECT_LT(timeOf(QStringLiteral("chat app")).msecsTo(timeOf(QStringLiteral("panel visible (1 cards)"))), 1500);
     ASSERT_NO_FATAL_FAILURE(expectRequest(m_model.questions().back()));
     EXPECT_THAT(transcriptAskedFor(), testing::AllOf(testing::HasSubstr("\n«customer» I found it here:\n"),
                                                      testing::HasSubstr("\n«you» Is it in stock?\n"),
@@ -70,7 +61,7 @@ TEST_P(Reply, IsDraftedForTheVisibleConversationAndTakenWithTab) {
     keyboard::tap("Return");
     ASSERT_TRUE(boxHolds(QString()));
     EXPECT_EQ(m_page.state().sent, QStringList{reply});
-    EXPECT_TRUE(staysQuiet() || staysQuiet()) << "asking once is enough to learn that there is nothing to answer";
+    ASSERT_TRUE(staysQuiet() || staysQuiet()) << "asking once is enough to learn that there is nothing to answer";
     EXPECT_FALSE(panelIsUp());
     m_model.willAnswer(reply, Manner::answersAtOnce);
     ASSERT_TRUE(m_page.order("receive", QStringLiteral("شكراً! Can you bring it at ٥?")));
@@ -101,8 +92,10 @@ TEST_P(Reply, SkipAndEscEndADraftUntilTheCustomerWritesAgain) {
     // The last message is our own.
     m_model.willAnswer(QStringLiteral("SKIP"), Manner::answersAtOnce);
     const int skippedBefore = Assistant::timesLogged(QStringLiteral("(SKIP)"));
-    ASSERT_TRUE(m_page.order("open", QStringLiteral("bakery")));
+    const long long clickedAt = millisecondsNow();
+    ASSERT_TRUE(clickChat(QStringLiteral("bakery")));
     ASSERT_TRUE(logged(QStringLiteral("(SKIP)"), skippedBefore + 1));
+    EXPECT_LT(millisecondsNow() - clickedAt, 1500) << "a chat is read and answered within about a second";
     EXPECT_THAT(transcriptAskedFor(), testing::EndsWith("\n«you» Received, we pay on Sunday"));
     EXPECT_TRUE(panelGoes());
     EXPECT_TRUE(staysQuiet());

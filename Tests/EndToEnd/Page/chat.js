@@ -30,11 +30,18 @@ async function report() {
   reporting = false;
 }
 
-function currentState() {
-  const place = document.getElementById('box').getBoundingClientRect();
+// The middle of an element on the screen.
+function placeOf(element) {
+  const place = element.getBoundingClientRect();
   const left = window.mozInnerScreenX ?? window.screenX + (window.outerWidth - window.innerWidth) / 2;
   const top = window.mozInnerScreenY ?? window.screenY + window.outerHeight - window.innerHeight;
-  const told = { ...state, page: location.href, x: left + place.x + place.width / 2, y: top + place.y + place.height / 2,
+  return { x: left + place.x + place.width / 2, y: top + place.y + place.height / 2 };
+}
+
+function currentState() {
+  const entries = [...document.querySelectorAll('.chat')];
+  const told = { ...state, page: location.href, box: placeOf(document.getElementById('box')),
+    chats: Object.fromEntries(entries.map((entry, i) => [chats[i].id, placeOf(entry)])),
     focused: document.hasFocus() && document.activeElement.id === 'box' };
   const texts = conversation.texts();
   if (JSON.stringify(texts) !== toldTexts) {
@@ -92,7 +99,6 @@ function buildBox(text) {
 }
 
 const orders = {
-  open: (id) => show(chats.find((chat) => chat.id === id)),
   receive: (text) => conversation.append({ from: 'them', text, time: '12:56 PM' }),
   present: (presence) => { document.querySelector('.presence').textContent = presence; },
   scroll: (index) => conversation.scrollTo(Number(index)),
