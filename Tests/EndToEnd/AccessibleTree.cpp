@@ -16,17 +16,35 @@ template <class T> std::optional<T> read(const AXUIElement &element, QLatin1Stri
     return found != nullptr ? std::optional(*found) : std::nullopt;
 }
 
+QStringList textsIn(const std::optional<AXUIElement> &root) {
+    QStringList texts;
+    if (root) {
+        for (const auto &node : root->copySubtree({.maxDepth = 21, .maxNodes = 2500})) {
+            texts.append(node.value.value_or(QString()));
+        }
+    }
+    return texts;
+}
+
+bool oneBegins(const QStringList &texts, const QString &start) {
+    return std::ranges::any_of(texts, [&](const QString &text) { return text.startsWith(start); });
+}
+
 } // namespace
 
-bool AccessibleTree::lacks(const QString &text) {
+bool AccessibleTree::pageLacks(const QString &text) {
     auto element = read<AXUIElement>(m_accessibility.createSystemWide(), axAttribute::focusedUIElement);
     while (element && read<QString>(*element, axAttribute::role) != platform::axRole::webArea) {
         element = read<AXUIElement>(*element, axAttribute::parent);
     }
-    const auto nodes =
-        element ? element->copySubtree({.maxDepth = 21, .maxNodes = 2500}) : std::vector<platform::AXSubtreeNode>();
-    return !nodes.empty() &&
-           std::ranges::none_of(nodes, [&](const auto &node) { return node.value && node.value->startsWith(text); });
+    const QStringList texts = textsIn(element);
+    return !texts.isEmpty() && !oneBegins(texts, text);
+}
+
+bool AccessibleTree::windowShows(qint32 pid, const QString &text) {
+    const auto windows = read<std::vector<AXUIElement>>(m_accessibility.createApplication(pid), axAttribute::children);
+    return windows &&
+           std::ranges::any_of(*windows, [&](const auto &window) { return oneBegins(textsIn(window), text); });
 }
 
 } // namespace quillory::test

@@ -6,11 +6,13 @@
 
 namespace quillory::test {
 
-/// What the browser tells of its page at the moment: a change gets there a little later than into the page's document.
+/// What applications tell of their windows at the moment, which for a page is a little later than its document changes.
 class AccessibleTree {
   public:
     /// Whether the page around the focused field can be read, and no text of it begins so.
-    [[nodiscard]] bool lacks(const QString &text);
+    [[nodiscard]] bool pageLacks(const QString &text);
+    /// Whether a window of a process shows a text that begins so.
+    [[nodiscard]] bool windowShows(qint32 pid, const QString &text);
 
   private:
     platform::desktop::QtMainQueue m_queue;

@@ -23,6 +23,7 @@ class Assistant {
     [[nodiscard]] static int timesLogged(const QString &text);
     /// The record of choices, line by line.
     [[nodiscard]] static QStringList choices();
+    [[nodiscard]] pid_t pid() const { return m_process.pid(); }
     [[nodiscard]] bool isRunning() { return m_process.isRunning(); }
 
   private:

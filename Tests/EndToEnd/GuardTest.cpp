@@ -41,7 +41,7 @@ class ConversationGuard : public ReplyStory {
   private:
     bool switchesTo(const char *chat) {
         const QString lastBefore = lastMessage();
-        return clickChat(QLatin1StringView(chat)) && waitUntil([&] { return m_tree->lacks(lastBefore); });
+        return clickChat(QLatin1StringView(chat)) && waitUntil([&] { return m_tree->pageLacks(lastBefore); });
     }
 
     [[nodiscard]] QString lastMessage() const {

@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "EndToEnd/AccessibleTree.h"
 #include "EndToEnd/ReplyStory.h"
 
 namespace quillory::test {
@@ -56,7 +57,9 @@ TEST_P(TwoModels, RaceAndTheRecordTellsWhoWon) {
     ASSERT_NO_FATAL_FAILURE(clearBox());
     ASSERT_TRUE(sinceDraft("Claude Haiku 4.5 failed: OpenRouter HTTP 429") &&
                 sinceDraft("Gemini 2.5 Flash Lite complete ("));
-    EXPECT_TRUE(panelIsUp());
+    AccessibleTree tree;
+    EXPECT_TRUE(waitUntil(
+        [&] { return tree.windowShows(m_assistant->pid(), QStringLiteral("Couldn't reach Claude Haiku 4.5")); }));
     expectTabGives("Hello from the second model", gemini.toStdString() + "," + time + "," + claude.toStdString() + "=");
 
     willAnswer(Manner::refuses, Manner::refuses);
