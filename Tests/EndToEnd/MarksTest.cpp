@@ -34,7 +34,7 @@ TEST_P(Transcript, OfThousandsOfMessagesOfWhichThePageHoldsThoseInView) {
 }
 
 TEST_P(Transcript, OfThousandsOfElementsIsCutOffAfterItsFirstFourHundredLines) {
-    ASSERT_NO_FATAL_FAILURE(openChat(QStringLiteral("?long=1000&rows=all")));
+    ASSERT_NO_FATAL_FAILURE(openChat(QStringLiteral("?long=700&rows=all")));
     ASSERT_TRUE(replyIsReady());
     EXPECT_THAT(transcriptAskedFor(), testing::HasSubstr("Message 399"));
     keyboard::tap("Tab");
