@@ -50,5 +50,7 @@ class ChatStory : public testing::TestWithParam<Browser::Kind> {
 };
 
 inline const auto everyBrowser = testing::Values(Browser::Kind::chromium, Browser::Kind::firefox);
+/// For stories in which a page must be read within a moment: Firefox gives its text too slowly for that as yet.
+inline const auto chromiumAlone = testing::Values(Browser::Kind::chromium);
 
 } // namespace quillory::test

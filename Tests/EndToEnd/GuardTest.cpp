@@ -68,7 +68,7 @@ class ConversationGuard : public ReplyStory {
     std::optional<AccessibleTree> m_tree;
 };
 
-INSTANTIATE_TEST_SUITE_P(In, ConversationGuard, everyBrowser, testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(In, ConversationGuard, chromiumAlone, testing::PrintToStringParamName());
 
 TEST_P(ConversationGuard, TabGivesNoReplyToAnotherChatUnlessHalfOfItsLinesAreThere) {
     ASSERT_NO_FATAL_FAILURE(openChat());

@@ -37,7 +37,10 @@ class Reply : public ReplyStory {
     }
 };
 
+class ReplyInChromium : public Reply {};
+
 INSTANTIATE_TEST_SUITE_P(In, Reply, everyBrowser, testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(In, ReplyInChromium, chromiumAlone, testing::PrintToStringParamName());
 
 TEST_P(Reply, IsDraftedForTheVisibleConversationAndTakenWithTab) {
     ASSERT_NO_FATAL_FAILURE(openChat());
@@ -103,7 +106,7 @@ TEST_P(Reply, SkipAndEscEndADraftUntilTheCustomerWritesAgain) {
     EXPECT_TRUE(m_page.state().sent.isEmpty());
 }
 
-TEST_P(Reply, ABoxThatIsMadeAnewWhileItHasTheFocus) {
+TEST_P(ReplyInChromium, ABoxThatIsMadeAnewWhileItHasTheFocus) {
     ASSERT_NO_FATAL_FAILURE(openChat());
     ASSERT_TRUE(replyIsReady());
     ASSERT_TRUE(m_page.order("rebuildBox"));
