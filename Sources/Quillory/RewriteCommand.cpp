@@ -102,7 +102,7 @@ class Growing {
 QString rewriteOf(const Order &order, const QString &model, const OpenRouterClient::OnChunk &onChunk) {
     const QString raw =
         OpenRouterClient::stream(SuggestionKind::rewrite, order.draft, std::nullopt, model, onChunk, {}, order.tone);
-    const QString answer = cleanedAnswer(raw);
+    QString answer = cleanedAnswer(raw);
     const Verdict verdict = screen(SuggestionKind::rewrite, order.draft, answer);
     if (verdict.outcome == Verdict::Outcome::rejected) {
         throw RewriteError::badResponse(QStringLiteral("The model went off script: ") + verdict.reason);
