@@ -51,13 +51,17 @@ bool namesChat(const std::optional<QString> &windowTitle) {
     return windowTitle && windowTitle->contains(titleWord, Qt::CaseInsensitive);
 }
 
-bool isChatPage(const AXUIElement &element) {
+Recognition recognisePage(const AXUIElement &element) {
     const auto page = webArea(element);
     const auto address = page ? AXText::attribute<QUrl>(*page, axAttribute::url) : std::nullopt;
     if (address) {
-        return address->host().contains(webClientHost);
+        return {Recognition::Evidence::pageAddress, address->host().contains(webClientHost), address->host()};
     }
-    return namesChat(AXText::focusedWindowTitle(element.pid())) || namesChat(title(containingWindow(element)));
+    auto shown = AXText::focusedWindowTitle(element.pid());
+    if (!namesChat(shown)) {
+        shown = title(containingWindow(element));
+    }
+    return {Recognition::Evidence::windowTitle, namesChat(shown), shown.value_or(QString())};
 }
 
 QRegularExpression expression(const char *pattern) {
@@ -110,13 +114,18 @@ std::optional<Conversation> extract(const AXUIElement &element) {
     return Conversation{text, text::hash(text)};
 }
 
-bool isChatApp(const AXUIElement &element) {
-    const auto identifier = AXText::bundleIdentifier(element);
-    if (identifier && std::any_of(chatBundlePrefixes.begin(), chatBundlePrefixes.end(),
-                                  [&](QLatin1StringView prefix) { return identifier->startsWith(prefix); })) {
-        return true;
+Recognition recognise(const AXUIElement &element) {
+    const QString identifier = AXText::bundleIdentifier(element).value_or(QString());
+    if (std::any_of(chatBundlePrefixes.begin(), chatBundlePrefixes.end(),
+                    [&](QLatin1StringView prefix) { return identifier.startsWith(prefix); })) {
+        return {Recognition::Evidence::chatProgram, true, identifier};
     }
-    return AXText::isBrowserApp(element) && isChatPage(element);
+    return AXText::isBrowserApp(element) ? recognisePage(element)
+                                         : Recognition{Recognition::Evidence::otherProgram, false, identifier};
+}
+
+bool isChatApp(const AXUIElement &element) {
+    return recognise(element).isChat;
 }
 
 std::optional<AXUIElement> webArea(const AXUIElement &element) {

@@ -30,6 +30,24 @@ struct Conversation {
 
 /// The conversation around a message box, or absent when there is none.
 [[nodiscard]] std::optional<Conversation> extract(const platform::AXUIElement &element);
+/// What an element was taken for, and what that was judged by.
+struct Recognition {
+    enum class Evidence {
+        /// The bundle identifier of a chat program.
+        chatProgram,
+        /// Neither a chat program nor a browser; judged by the bundle identifier.
+        otherProgram,
+        /// The host of the page's address.
+        pageAddress,
+        /// The title of the browser's window, where the page gives no address.
+        windowTitle,
+    };
+    Evidence evidence = Evidence::otherProgram;
+    bool isChat = false;
+    /// The identifier, host or title; may be empty.
+    QString judgedBy;
+};
+[[nodiscard]] Recognition recognise(const platform::AXUIElement &element);
 /// Whether an element belongs to WhatsApp: its desktop program, or its web client in a browser.
 [[nodiscard]] bool isChatApp(const platform::AXUIElement &element);
 /// The nearest web page around an element, the element itself included.

@@ -3,6 +3,7 @@
 
 #include "Quillory/ChoiceStats.h"
 #include "Quillory/DefaultsCommand.h"
+#include "Quillory/InspectCommand.h"
 #include "Quillory/RewriteCommand.h"
 #include "Quillory/StatsCommand.h"
 
@@ -18,6 +19,9 @@ Usage:
   quillory defaults read [KEY]        show the settings, or one of them
   quillory defaults write KEY VALUE   change a setting; it counts at once, also in a running program
   quillory defaults delete KEY        go back to a setting's default
+  quillory inspect [--json] [--wait SECONDS]
+                                      show what is seen of the message box that has the focus, and what would be
+                                      sent; --wait leaves time to click into it
   quillory rewrite [--tone TONE] [--json] [TEXT]
                                       rewrite a text, or what stands on standard input
   quillory stats [--json]             show how often each model's suggestion was chosen, and its times
@@ -56,6 +60,9 @@ std::optional<int> runCommandLine(const QStringList &arguments, const CommandSer
     if (command == QStringLiteral("rewrite")) {
         const auto installed = services.install();
         return runRewriteCommand(arguments.sliced(1), streams);
+    }
+    if (command == QStringLiteral("inspect")) {
+        return runInspectCommand(arguments.sliced(1), services, streams);
     }
     if (command == QStringLiteral("--version")) {
         streams.output << "quillory " << QUILLORY_VERSION << '\n';

@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <iosfwd>
 #include <memory>
@@ -30,7 +31,18 @@ inline constexpr int failure = 1;
 inline constexpr int misuse = 2;
 } // namespace exitStatus
 
-/// What commands need of the platform, since they run without the rest of it.
+/// The real desktop, installed as the platform for as long as it lives.
+class CommandDesktop {
+  public:
+    CommandDesktop() = default;
+    virtual ~CommandDesktop() = default;
+    CommandDesktop(const CommandDesktop &) = delete;
+    CommandDesktop &operator=(const CommandDesktop &) = delete;
+    /// Handles what happens on the desktop until so much time has passed.
+    virtual void pass(std::chrono::milliseconds time) = 0;
+};
+
+/// What commands need of the platform, since most run without the rest of it.
 struct CommandServices {
     /// Opens the settings store, for the commands that need it; it outlives the command.
     std::function<platform::UserDefaults &()> openUserDefaults;
@@ -39,6 +51,8 @@ struct CommandServices {
     /// Installs a platform without a desktop, for the commands that ask the model service; it stays while the result
     /// lives.
     std::function<std::shared_ptr<void>()> install;
+    /// Opens the desktop, for the commands that look at it; null when no display can be reached.
+    std::function<std::unique_ptr<CommandDesktop>()> openDesktop;
 };
 
 /// Carries out the command that the arguments (without the program's name) ask for and gives the exit status; absent

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/ModelStream.h"
 
+#include "Quillory/AnswerScreening.h"
+#include "Quillory/AppSettings.h"
 #include "Quillory/Text.h"
 
 namespace quillory {
@@ -22,6 +24,19 @@ std::optional<QString> cardText(const ModelStream &stream) {
 }
 
 } // namespace
+
+std::vector<ModelChoice> activeModels(const platform::UserDefaults &store) {
+    const QString primary = store.string(settingsKey::model).value_or(defaultModel);
+    std::vector<ModelChoice> models{{primary, prettyModelName(primary)}};
+    if (!store.boolean(settingsKey::compareMode)) {
+        return models;
+    }
+    const QString second = text::trimmedOfSpaces(store.string(settingsKey::secondModel).value_or(QString()));
+    if (!second.isEmpty() && !text::equal(second, primary)) {
+        models.push_back({second, prettyModelName(second)});
+    }
+    return models;
+}
 
 SuggestionCardData card(const ModelStream &stream, SuggestionKind kind, std::size_t index, std::size_t count) {
     SuggestionCardData data;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Platform/MainQueue.h"
+#include "Platform/UserDefaults.h"
 #include "Quillory/SuggestionCardData.h"
 #include "Quillory/SuggestionKind.h"
 #include "Quillory/Tasks.h"
@@ -9,8 +10,18 @@
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 namespace quillory {
+
+struct ModelChoice {
+    /// The identifier that the model service knows.
+    QString id;
+    /// The model's name for people.
+    QString label;
+};
+/// The models that the settings say are to be asked, one or two.
+[[nodiscard]] std::vector<ModelChoice> activeModels(const platform::UserDefaults &store);
 
 /// One model's streamed request, and the card that shows it: both have the same index. Streaming until it is complete
 /// (final is there) or failed, for good. Main thread only.

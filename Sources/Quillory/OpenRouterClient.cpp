@@ -23,28 +23,6 @@ constexpr qsizetype maxErrorText = 300;
 /// so that a flood of tiny ones would cost time and memory by the square of its length.
 constexpr qsizetype maxAnswer = 64 * 1024;
 
-/// The service's address, or the address in QUILLORY_MODEL_SERVICE with the service's path.
-QUrl serviceURL() {
-    QUrl url(QStringLiteral("https://openrouter.ai/api/v1/chat/completions"));
-    const auto variable = platform::current().process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
-    if (!variable || variable->isEmpty()) {
-        return url;
-    }
-    const QUrl base(*variable, QUrl::StrictMode);
-    // The key goes along with every request and must not travel open.
-    const bool isSafe = base.scheme() == QLatin1StringView("https") ||
-                        (base.scheme() == QLatin1StringView("http") && platform::isLoopback(base));
-    if (!isSafe || base.host().isEmpty() || !base.userInfo().isEmpty()) {
-        throw RewriteError::badResponse(
-            QStringLiteral("QUILLORY_MODEL_SERVICE must be an address that begins with https:// (or with http:// for "
-                           "this computer itself: localhost, 127.0.0.1 or [::1])."));
-    }
-    url.setScheme(base.scheme());
-    url.setHost(base.host());
-    url.setPort(base.port());
-    return url;
-}
-
 QByteArray trimmedKey() {
     const QString key = text::trimmed(AppSettings::shared().apiKey());
     if (key.isEmpty()) {
@@ -135,6 +113,27 @@ QString decoded(const QByteArray &body) {
     return decode.hasError() ? QString() : whole;
 }
 } // namespace
+
+QUrl serviceURL() {
+    QUrl url(QStringLiteral("https://openrouter.ai/api/v1/chat/completions"));
+    const auto variable = platform::current().process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
+    if (!variable || variable->isEmpty()) {
+        return url;
+    }
+    const QUrl base(*variable, QUrl::StrictMode);
+    // The key goes along with every request and must not travel open.
+    const bool isSafe = base.scheme() == QLatin1StringView("https") ||
+                        (base.scheme() == QLatin1StringView("http") && platform::isLoopback(base));
+    if (!isSafe || base.host().isEmpty() || !base.userInfo().isEmpty()) {
+        throw RewriteError::badResponse(
+            QStringLiteral("QUILLORY_MODEL_SERVICE must be an address that begins with https:// (or with http:// for "
+                           "this computer itself: localhost, 127.0.0.1 or [::1])."));
+    }
+    url.setScheme(base.scheme());
+    url.setHost(base.host());
+    url.setPort(base.port());
+    return url;
+}
 
 QString stream(SuggestionKind kind, const QString &text, const std::optional<QString> &context, const QString &model,
                const OnChunk &onChunk, std::stop_token stop, std::optional<Tone> tone) {

@@ -5,6 +5,7 @@
 #include "Quillory/SuggestionKind.h"
 
 #include <QString>
+#include <QUrl>
 
 #include <functional>
 #include <optional>
@@ -16,6 +17,10 @@
 /// safe), platform::URLError for the transport, nlohmann's JSON exceptions, and platform::CancellationError once the
 /// stop token asks for it.
 namespace quillory::OpenRouterClient {
+
+/// Where requests go: the service's address, or the one that QUILLORY_MODEL_SERVICE says instead. Throws RewriteError
+/// for an address to which the key must not go.
+[[nodiscard]] QUrl serviceURL();
 
 struct Message {
     QString role;

@@ -34,10 +34,6 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
   private:
     using Element = platform::AXUIElement;
     using StreamPointer = std::shared_ptr<ModelStream>;
-    struct ModelChoice {
-        QString id;
-        QString label;
-    };
 
     // The poll tick (TypingMonitorTick.cpp).
     void tick();
@@ -66,7 +62,6 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     void draftReply(const Element &element, const QString &conversation, platform::Instant now);
 
     // Model requests (TypingMonitorStreams.cpp).
-    [[nodiscard]] std::vector<ModelChoice> activeModels() const;
     void startStreams(const QString &source, const Element &element, bool showPanel, SuggestionKind kind);
     void launch(const StreamPointer &stream, int index, const QString &source, const std::optional<QString> &context,
                 SuggestionKind kind);

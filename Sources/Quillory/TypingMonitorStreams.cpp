@@ -45,27 +45,13 @@ std::optional<QString> answer(const std::function<QString()> &request, const QSt
 
 } // namespace
 
-std::vector<TypingMonitor::ModelChoice> TypingMonitor::activeModels() const {
-    const auto &store = m_settings.store();
-    const QString primary = store.string(settingsKey::model).value_or(defaultModel);
-    std::vector<ModelChoice> models{{primary, prettyModelName(primary)}};
-    if (!store.boolean(settingsKey::compareMode)) {
-        return models;
-    }
-    const QString second = text::trimmedOfSpaces(store.string(settingsKey::secondModel).value_or(QString()));
-    if (!second.isEmpty() && !text::equal(second, primary)) {
-        models.push_back({second, prettyModelName(second)});
-    }
-    return models;
-}
-
 void TypingMonitor::startStreams(const QString &source, const Element &element, bool showPanel, SuggestionKind kind) {
     m_lastRequestedSource = source;
     m_streamSource = source;
     m_streamKind = kind;
     m_streams.clear();
     QStringList labels;
-    for (const auto &[id, label] : activeModels()) {
+    for (const auto &[id, label] : activeModels(m_settings.store())) {
         m_streams.push_back(std::make_shared<ModelStream>(id, label, current().mainQueue.now()));
         labels.append(label);
     }

@@ -11,6 +11,7 @@
 #include "Quillory/UI/AppDelegate.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QTimer>
 
 #include <iostream>
@@ -30,8 +31,42 @@ struct CommandPlatform {
     platform::Installation installation{services};
 };
 
+/// The panel is placed by screen position, which a native Wayland window cannot have; XWayland windows can.
+void preferX11() {
+    const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
+    if (chosen.isEmpty() || chosen.startsWith("wayland")) {
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+}
+
+/// What commands look at the desktop through: the same as the program's.
+class RealDesktop final : public quillory::CommandDesktop {
+  public:
+    RealDesktop(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> connection)
+        : m_application(argc, argv), m_platform(std::move(connection)) {}
+    void pass(std::chrono::milliseconds time) override {
+        QEventLoop loop;
+        QTimer::singleShot(time, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+
+  private:
+    QApplication m_application;
+    desktop::LinuxPlatform m_platform;
+    platform::Installation m_installation{m_platform.services()};
+};
+
+std::unique_ptr<quillory::CommandDesktop> openDesktop(int &argc, char **argv) {
+    auto connection = desktop::X11Connection::open();
+    if (!connection) {
+        return nullptr;
+    }
+    preferX11();
+    return std::make_unique<RealDesktop>(argc, argv, std::move(connection));
+}
+
 /// The exit status of a command, or absent when the program itself is to run.
-std::optional<int> runCommand(int argc, char **argv) {
+std::optional<int> runCommand(int &argc, char **argv) {
     QStringList arguments;
     for (int i = 1; i < argc; ++i) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
@@ -41,17 +76,11 @@ std::optional<int> runCommand(int argc, char **argv) {
         store = std::make_unique<desktop::FileUserDefaults>();
         return *store;
     };
-    return quillory::runCommandLine(
-        arguments, {openStore, desktop::folders::data(), [] { return std::make_shared<CommandPlatform>(); }},
-        {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1});
-}
-
-/// The panel is placed by screen position, which a native Wayland window cannot have; XWayland windows can.
-void preferX11() {
-    const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
-    if (chosen.isEmpty() || chosen.startsWith("wayland")) {
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    }
+    return quillory::runCommandLine(arguments,
+                                    {openStore, desktop::folders::data(),
+                                     [] { return std::make_shared<CommandPlatform>(); },
+                                     [&argc, argv] { return openDesktop(argc, argv); }},
+                                    {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1});
 }
 
 int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection) {

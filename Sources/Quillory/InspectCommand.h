@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/CommandLine.h"
+
+namespace quillory {
+
+/// Shows what the program sees of the desktop now and what it would send: the focused element, whether it is a chat and
+/// why, the conversation, the request without the key. With "--wait SECONDS" it looks once a message box has the focus,
+/// at the latest after that time. Gives the exit status: success when a message box was seen.
+[[nodiscard]] int runInspectCommand(const QStringList &arguments, const CommandServices &services,
+                                    const CommandStreams &streams);
+
+} // namespace quillory

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/ChatContext.h"
+#include "Quillory/ModelStream.h"
+#include "Quillory/OpenRouterClient.h"
+#include "Quillory/RequestPlan.h"
+
+namespace quillory {
+
+/// The element that has the keyboard focus, as the program sees it.
+struct InspectedElement {
+    qint32 pid = 0;
+    QString application;
+    QString bundleIdentifier;
+    QString windowTitle;
+    QString role;
+    std::optional<platform::Rect> frame;
+    bool canWriteValue = false;
+    bool canPlaceCaret = false;
+    ChatContext::Recognition recognition;
+    /// What it holds is taken along for a message box alone.
+    FieldSituation field;
+};
+
+/// What the program sees of the desktop at one moment.
+struct Inspection {
+    bool isTrusted = false;
+    std::optional<InspectedElement> focus;
+    RequestPlan plan;
+    /// Of the request that is planned; empty when none is.
+    std::vector<OpenRouterClient::Message> messages;
+    std::vector<ModelChoice> models;
+    bool hasKey = false;
+};
+
+/// Looks at the focused element through the installed platform. Main thread only.
+[[nodiscard]] Inspection inspectFocus();
+
+} // namespace quillory
