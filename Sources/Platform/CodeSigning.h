@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+#include <stop_token>
+
+namespace platform {
+
+/// What the signature of an application bundle vouches for.
+struct SigningInformation {
+    QString teamIdentifier;
+    /// The application's identifier.
+    QString identifier;
+    QString version;
+};
+
+/// Who watches a long piece of work, and may end it.
+struct Watch {
+    std::stop_token stop;
+    /// Told now and then how much is done, from 0 to 1, on the thread that works. May be empty.
+    std::function<void(double)> progress;
+};
+
+/// Tells who made an application bundle. Safe to use from any thread; reads the whole bundle.
+class CodeSigning {
+  public:
+    virtual ~CodeSigning() = default;
+    /// Absent unless the bundle is this application's for this kind of machine, its signature verifies under a key that
+    /// is trusted for the team, and its files are exactly those that were signed. Any error means absent. Throws
+    /// CancellationError only.
+    [[nodiscard]] virtual std::optional<SigningInformation> signingInformation(const QString &bundle,
+                                                                               const Watch &watch) const = 0;
+};
+
+} // namespace platform

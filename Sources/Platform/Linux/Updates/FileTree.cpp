@@ -1,0 +1,182 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Updates/FileTree.h"
+
+#include <QFile>
+
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <memory>
+#include <sys/stat.h>
+
+namespace platform::desktop::fileTree {
+
+namespace {
+constexpr std::size_t mostEntries = 20'000;
+constexpr int deepestFolder = 32;
+constexpr std::size_t pieceSize = 128 * 1024;
+constexpr mode_t modeBits = 07777;
+
+using Directory = std::unique_ptr<DIR, decltype([](DIR *stream) { ::closedir(stream); })>;
+
+/// The names in a folder, which stays open. Empty when they cannot be read; errno is 0 otherwise.
+std::vector<QByteArray> namesIn(int folder) {
+    std::vector<QByteArray> names;
+    const int again = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const Directory stream(again < 0 ? nullptr : ::fdopendir(again));
+    if (!stream) {
+        return names;
+    }
+    errno = 0;
+    while (const dirent *const found = ::readdir(stream.get())) {
+        const QByteArray name(found->d_name);
+        if (name != "." && name != "..") {
+            names.push_back(name);
+        }
+        if (names.size() > mostEntries) {
+            errno = EOVERFLOW;
+            break;
+        }
+    }
+    return names;
+}
+
+class Lister {
+  public:
+    std::vector<BundleEntry> entries;
+
+    void add(int folder, const QByteArray &prefix, int depth) {
+        const std::vector<QByteArray> names = namesIn(folder);
+        if (errno != 0 || depth > deepestFolder) {
+            fail(QStringLiteral("A folder could not be read"));
+        }
+        for (const QByteArray &name : names) {
+            addOne(folder, name, prefix + name, depth);
+        }
+    }
+
+  private:
+    void addOne(int folder, const QByteArray &name, const QByteArray &path, int depth) {
+        struct stat status {};
+        checked(::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW),
+                QStringLiteral("A file could not be read"));
+        const bool isFolder = S_ISDIR(status.st_mode);
+        if (entries.size() >= mostEntries || (!isFolder && (!S_ISREG(status.st_mode) || status.st_nlink != 1))) {
+            errno = EINVAL;
+            fail(QStringLiteral("A folder holds what does not belong there"));
+        }
+        entries.push_back({path, isFolder, status.st_mode & modeBits, isFolder ? 0 : status.st_size, {}});
+        if (isFolder) {
+            add(openBelow(folder, name, O_RDONLY | O_DIRECTORY).get(), path + '/', depth + 1);
+        }
+    }
+};
+
+bool removeFolder(int parent, const char *name) {
+    const FileDescriptor folder(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!folder) {
+        return false;
+    }
+    ::fchmod(folder.get(), S_IRWXU); // or nothing could be taken out of it
+    for (const QByteArray &inside : namesIn(folder.get())) {
+        remove(folder.get(), inside.constData());
+    }
+    return ::unlinkat(parent, name, AT_REMOVEDIR) == 0;
+}
+} // namespace
+
+void fail(const QString &what) {
+    throw FileError((what + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno)) + u'.').toStdString());
+}
+
+FileDescriptor openFolder(const QString &path) {
+    const int folder = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    return FileDescriptor(checked(folder, QStringLiteral("The folder %1 could not be opened").arg(path)));
+}
+
+FileDescriptor openBelow(int folder, const QByteArray &path, int flags) {
+    const qsizetype slash = path.indexOf('/');
+    if (slash >= 0) {
+        const FileDescriptor next = openBelow(folder, path.first(slash), O_RDONLY | O_DIRECTORY);
+        return openBelow(next.get(), path.sliced(slash + 1), flags);
+    }
+    // Not waiting for a writer, should it be a pipe by now.
+    const int opened = ::openat(folder, path.constData(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    return FileDescriptor(checked(opened, QStringLiteral("%1 could not be opened").arg(QString::fromUtf8(path))));
+}
+
+void readAll(int file, const std::function<void(std::span<const char>)> &take) {
+    const auto buffer = std::make_unique<std::array<char, pieceSize>>();
+    for (;;) {
+        const ssize_t count = ::read(file, buffer->data(), buffer->size());
+        if (count == 0) {
+            return;
+        }
+        if (count > 0) {
+            take(std::span<const char>(buffer->data(), static_cast<std::size_t>(count)));
+        } else if (errno != EINTR) {
+            fail(QStringLiteral("A file could not be read"));
+        }
+    }
+}
+
+void writeAll(int file, std::span<const char> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file, bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR) {
+            fail(QStringLiteral("A file could not be written"));
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+}
+
+std::optional<QByteArray> content(int folder, const char *name, qint64 largest) {
+    struct stat status {};
+    if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_size > largest) {
+        return std::nullopt;
+    }
+    QByteArray bytes;
+    readAll(openBelow(folder, name).get(), [&](std::span<const char> piece) {
+        if (bytes.size() <= largest) {
+            bytes.append(piece.data(), static_cast<qsizetype>(piece.size()));
+        }
+    });
+    return bytes.size() <= largest ? std::optional(bytes) : std::nullopt;
+}
+
+std::vector<BundleEntry> list(int folder) {
+    Lister lister;
+    lister.add(folder, {}, 0);
+    std::ranges::sort(lister.entries, {}, &BundleEntry::path);
+    return std::move(lister.entries);
+}
+
+QByteArray digestOf(int folder, const QByteArray &path, const std::function<void(std::size_t)> &onPiece) {
+    const FileDescriptor file = openBelow(folder, path);
+    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> digest(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
+    bool isGood = EVP_DigestInit_ex(digest.get(), EVP_sha256(), nullptr) == 1;
+    readAll(file.get(), [&](std::span<const char> piece) {
+        isGood = isGood && EVP_DigestUpdate(digest.get(), piece.data(), piece.size()) == 1;
+        if (onPiece) {
+            onPiece(piece.size());
+        }
+    });
+    QByteArray bytes(EVP_MAX_MD_SIZE, '\0');
+    unsigned int size = 0;
+    isGood = isGood && EVP_DigestFinal_ex(digest.get(), reinterpret_cast<unsigned char *>(bytes.data()), &size) == 1;
+    if (!isGood) {
+        throw FileError("A digest could not be computed.");
+    }
+    return bytes.first(size).toHex();
+}
+
+bool remove(int parent, const char *name) noexcept {
+    return ::unlinkat(parent, name, 0) == 0 || errno == ENOENT || removeFolder(parent, name);
+}
+
+} // namespace platform::desktop::fileTree

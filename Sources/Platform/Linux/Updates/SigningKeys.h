@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace platform::desktop {
+
+/// A secret key with which a team signs (Ed25519).
+class SigningKey {
+  public:
+    [[nodiscard]] static SigningKey generated(const QString &team);
+    /// From its written form; absent for anything else.
+    [[nodiscard]] static std::optional<SigningKey> parsed(const QByteArray &text);
+    [[nodiscard]] QByteArray written() const;
+
+    [[nodiscard]] const QString &team() const { return m_team; }
+    [[nodiscard]] QByteArray publicKey() const;
+    [[nodiscard]] QByteArray signatureOf(const QByteArray &message) const;
+
+  private:
+    SigningKey(const QString &team, const QByteArray &seed) : m_team(team), m_seed(seed) {}
+
+    QString m_team;
+    QByteArray m_seed;
+};
+
+/// The public keys that are trusted, each for a team.
+class TrustedKeys {
+  public:
+    /// From lines "TEAM ed25519 KEY"; empty lines and lines that begin with "#" do not count, and broken ones trust
+    /// nobody.
+    [[nodiscard]] static TrustedKeys parsed(const QByteArray &text);
+    /// One such line.
+    [[nodiscard]] static QByteArray line(const QString &team, const QByteArray &publicKey);
+
+    void add(const QString &team, const QByteArray &publicKey) { m_keys.emplace(team, publicKey); }
+    [[nodiscard]] bool contains(const QString &team, const QByteArray &publicKey) const {
+        return m_keys.contains({team, publicKey});
+    }
+    /// Whether a message was signed by the team.
+    [[nodiscard]] bool verify(const QString &team, const QByteArray &message, const QByteArray &signature) const;
+    /// The keys after the team has handed over from one to the next: each statement counts when its old key is trusted
+    /// at that point, which then is so no longer.
+    [[nodiscard]] TrustedKeys after(const QByteArray &rotations) const;
+
+  private:
+    std::set<std::pair<QString, QByteArray>> m_keys;
+};
+
+/// The statement that a team's new key takes the old one's place, signed with the old one.
+[[nodiscard]] QByteArray rotationStatement(const SigningKey &oldKey, const QByteArray &newPublicKey);
+
+} // namespace platform::desktop

@@ -1,0 +1,116 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// The maintainer's tool: makes keys, signs bundles, hands over from one key to the next. Docs/releasing.md tells when.
+#include "Platform/FileSystem.h"
+#include "Platform/Linux/FileDescriptor.h"
+#include "Platform/Linux/Updates/FileTree.h"
+#include "Platform/Linux/Updates/LinuxCodeSigning.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <iostream>
+#include <sys/stat.h>
+
+namespace {
+
+namespace desktop = platform::desktop;
+
+constexpr auto usage = R"(Usage:
+  quillory-sign make-key TEAM KEYFILE          make a secret key and print the line for Packaging/UpdateKeys
+  quillory-sign show-key KEYFILE               print that line again
+  quillory-sign sign KEYFILE VERSION BUNDLE    write the bundle's manifest and sign it
+  quillory-sign verify BUNDLE                  verify a bundle by the keys that are in it
+  quillory-sign rotate OLDKEYFILE NEWKEYFILE   print the statement for Packaging/UpdateKeys.rotations
+
+TEAM is 10 upper-case letters and digits. A key file is secret: keep it off this repository and off the web.
+)";
+
+desktop::SigningKey readKey(const QString &path) {
+    QFile file(path);
+    const auto key = file.open(QIODevice::ReadOnly) ? desktop::SigningKey::parsed(file.read(4096)) : std::nullopt;
+    if (!key) {
+        throw platform::FileError(path.toStdString() + " is not a key file that can be read.");
+    }
+    return *key;
+}
+
+int printLine(const desktop::SigningKey &key) {
+    std::cout << desktop::TrustedKeys::line(key.team(), key.publicKey()).constData();
+    return 0;
+}
+
+int makeKey(const QString &team, const QString &path) {
+    static const QRegularExpression form(QStringLiteral("^[A-Z0-9]{10}$"));
+    if (!form.match(team).hasMatch()) {
+        throw platform::FileError("A team is 10 upper-case letters and digits.");
+    }
+    const auto key = desktop::SigningKey::generated(team);
+    const QByteArray text = key.written();
+    const desktop::FileDescriptor file(desktop::fileTree::checked(
+        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR),
+        QStringLiteral("%1 could not be made").arg(path)));
+    desktop::fileTree::writeAll(file.get(), {text.constData(), static_cast<std::size_t>(text.size())});
+    return printLine(key);
+}
+
+int verify(const QString &bundle) {
+    const auto found = desktop::LinuxCodeSigning::ofBundle(bundle).signingInformation(bundle, {});
+    if (!found) {
+        std::cerr << "not signed by one of its own keys, changed since, or not for this machine\n";
+        return 1;
+    }
+    std::cout << "team " << found->teamIdentifier.toStdString() << ", version " << found->version.toStdString() << '\n';
+    return 0;
+}
+
+int rotate(const QString &oldFile, const QString &newFile) {
+    const auto newKey = readKey(newFile);
+    const auto oldKey = readKey(oldFile);
+    if (newKey.team() != oldKey.team()) {
+        throw platform::FileError("The two keys are not of one team.");
+    }
+    std::cout << desktop::rotationStatement(oldKey, newKey.publicKey()).constData();
+    return 0;
+}
+
+int run(const QStringList &arguments) {
+    const QString command = arguments.value(0);
+    const auto is = [&](const char *name, qsizetype count) {
+        return command == QLatin1StringView(name) && arguments.size() == count + 1;
+    };
+    if (is("make-key", 2)) {
+        return makeKey(arguments.at(1), arguments.at(2));
+    }
+    if (is("show-key", 1)) {
+        return printLine(readKey(arguments.at(1)));
+    }
+    if (is("sign", 3)) {
+        desktop::signBundle(arguments.at(3), arguments.at(2), desktop::LinuxCodeSigning::hostArchitecture(),
+                            readKey(arguments.at(1)));
+        return 0;
+    }
+    if (is("verify", 1)) {
+        return verify(arguments.at(1));
+    }
+    if (is("rotate", 2)) {
+        return rotate(arguments.at(1), arguments.at(2));
+    }
+    std::cerr << usage;
+    return 2;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    try {
+        return run(arguments);
+    } catch (const platform::FileError &error) {
+        std::cerr << "quillory-sign: " << error.what() << '\n';
+        return 1;
+    }
+}
