@@ -1,0 +1,231 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Updates/ArchiveUnpacker.h"
+
+#include "Platform/Linux/Updates/Manifest.h"
+#include "Platform/URLSession.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <memory>
+#include <set>
+#include <sys/statvfs.h>
+
+namespace platform::desktop {
+
+namespace {
+constexpr std::size_t blockSize = 128 * 1024;
+constexpr qint64 freeOfRatio = 1 << 20;
+constexpr mode_t fileMode = 0644;
+constexpr mode_t folderMode = 0755;
+constexpr mode_t executableBits = 0111;
+constexpr mode_t specialBits = 07000;
+
+[[noreturn]] void refuse(const QString &why) {
+    throw UnpackError((QStringLiteral("the archive ") + why).toStdString());
+}
+
+/// Warnings count: a wrong checksum and a failed write are no more to libarchive.
+void check(la_ssize_t result, archive *from) {
+    if (result < ARCHIVE_OK) {
+        const char *const words = archive_error_string(from);
+        refuse(QStringLiteral("could not be unpacked: ") +
+               QString::fromLocal8Bit(words == nullptr ? "it is broken" : words));
+    }
+}
+
+struct Item {
+    QByteArray path;
+    bool isFolder = false;
+    mode_t mode = 0;
+    /// What the archive says.
+    qint64 size = 0;
+};
+
+/// An archive that is read from its beginning.
+class Reader {
+  public:
+    explicit Reader(const QString &path) {
+        // By the directory at its end only: without that, a piece of an archive would pass for a whole one.
+        archive_read_support_format_zip_seekable(get());
+        check(archive_read_open_filename(get(), QFile::encodeName(path).constData(), blockSize), get());
+    }
+    [[nodiscard]] archive *get() const { return m_archive.get(); }
+    /// The next item; absent at the end. Throws for one that must not be unpacked.
+    std::optional<Item> next() {
+        const int result = archive_read_next_header(get(), &m_entry);
+        if (result == ARCHIVE_EOF) {
+            return std::nullopt;
+        }
+        check(result, get());
+        return checkedItem();
+    }
+
+  private:
+    [[nodiscard]] Item checkedItem() const {
+        const auto type = archive_entry_filetype(m_entry);
+        const mode_t mode = archive_entry_perm(m_entry);
+        const bool isLink = archive_entry_hardlink(m_entry) != nullptr || archive_entry_symlink(m_entry) != nullptr;
+        if (isLink || (type != AE_IFREG && type != AE_IFDIR)) {
+            refuse(QStringLiteral("holds what is neither a file nor a folder"));
+        }
+        if ((mode & specialBits) != 0) {
+            refuse(QStringLiteral("holds a file that would run as somebody else"));
+        }
+        if (archive_entry_is_encrypted(m_entry) != 0) {
+            refuse(QStringLiteral("is encrypted"));
+        }
+        QByteArray path(archive_entry_pathname(m_entry));
+        const bool isFolder = type == AE_IFDIR;
+        if (isFolder && path.endsWith('/')) {
+            path.chop(1);
+        }
+        if (!isSafePath(path)) {
+            refuse(QStringLiteral("holds a name that leads elsewhere or cannot be shown"));
+        }
+        const mode_t fileBits = fileMode | ((mode & executableBits) != 0 ? executableBits : 0);
+        return {path, isFolder, isFolder ? folderMode : fileBits, archive_entry_size(m_entry)};
+    }
+
+    struct End {
+        void operator()(archive *reader) const { archive_read_free(reader); }
+    };
+    std::unique_ptr<archive, End> m_archive{archive_read_new()};
+    archive_entry *m_entry = nullptr;
+};
+
+/// The names of one archive. Two that a person or a careless file system would take for one are a trick.
+class Names {
+  public:
+    void add(const Item &item) {
+        const qsizetype slash = item.path.lastIndexOf('/');
+        if (slash > 0) {
+            addFolder(item.path.first(slash));
+        }
+        if (item.isFolder) {
+            addFolder(item.path);
+        } else if (!m_alike.insert(alike(item.path)).second) {
+            refuse(QStringLiteral("holds two names that are the same, or nearly so"));
+        }
+    }
+    /// In an order in which they can be made.
+    [[nodiscard]] const std::set<QByteArray> &folders() const { return m_folders; }
+
+  private:
+    void addFolder(const QByteArray &path) {
+        if (m_folders.contains(path)) {
+            return;
+        }
+        add({path, false, 0, 0});
+        m_folders.insert(path);
+    }
+    static QString alike(const QByteArray &path) {
+        return QString::fromUtf8(path).toCaseFolded().normalized(QString::NormalizationForm_KC).toCaseFolded();
+    }
+
+    std::set<QString> m_alike;
+    std::set<QByteArray> m_folders;
+};
+
+/// Looks through the whole archive before anything is written.
+Names looked(const QString &path, const QString &folder, qint64 mostBytes, int mostEntries) {
+    Reader reader(path);
+    Names names;
+    qint64 total = 0;
+    int count = 0;
+    while (const std::optional<Item> item = reader.next()) {
+        total += item->size;
+        if (item->size < 0 || total > mostBytes || ++count > mostEntries) {
+            refuse(QStringLiteral("unpacks to more than an application can be"));
+        }
+        names.add(*item);
+    }
+    struct statvfs space {};
+    const bool isKnown = ::statvfs(QFile::encodeName(folder).constData(), &space) == 0;
+    if (isKnown &&
+        static_cast<double>(space.f_bavail) * static_cast<double>(space.f_frsize) < static_cast<double>(total)) {
+        refuse(QStringLiteral("unpacks to more than there is room for"));
+    }
+    return names;
+}
+
+/// Writes files and folders below a folder.
+class Writer {
+  public:
+    explicit Writer(const QString &folder) : m_prefix(QFile::encodeName(QFileInfo(folder).canonicalFilePath()) + '/') {
+        archive_write_disk_set_options(get(), ARCHIVE_EXTRACT_SECURE_SYMLINKS | ARCHIVE_EXTRACT_SECURE_NODOTDOT |
+                                                  ARCHIVE_EXTRACT_NO_OVERWRITE | ARCHIVE_EXTRACT_PERM);
+    }
+    void begin(const Item &item) {
+        const std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry(archive_entry_new(),
+                                                                                  &archive_entry_free);
+        archive_entry_set_pathname(entry.get(), (m_prefix + item.path).constData());
+        archive_entry_set_filetype(entry.get(), item.isFolder ? AE_IFDIR : AE_IFREG);
+        archive_entry_set_perm(entry.get(), item.mode);
+        check(archive_write_header(get(), entry.get()), get());
+    }
+    void write(const void *bytes, std::size_t size, qint64 offset) {
+        check(archive_write_data_block(get(), bytes, size, offset), get());
+    }
+    void end() { check(archive_write_finish_entry(get()), get()); }
+    void close() { check(archive_write_close(get()), get()); }
+
+  private:
+    [[nodiscard]] archive *get() const { return m_archive.get(); }
+
+    struct End {
+        void operator()(archive *writer) const { archive_write_free(writer); }
+    };
+    std::unique_ptr<archive, End> m_archive{archive_write_disk_new()};
+    QByteArray m_prefix;
+};
+
+/// Copies the data of the item that the reader stands at, and gives its size.
+qint64 copyData(const Reader &reader, Writer &writer, qint64 mostBytes, const std::stop_token &stop) {
+    const void *bytes = nullptr;
+    std::size_t size = 0;
+    la_int64_t offset = 0;
+    qint64 written = 0;
+    for (;;) {
+        if (stop.stop_requested()) {
+            throw CancellationError();
+        }
+        const int result = archive_read_data_block(reader.get(), &bytes, &size, &offset);
+        if (result == ARCHIVE_EOF) {
+            return written;
+        }
+        check(result, reader.get());
+        written += static_cast<qint64>(size);
+        if (written > mostBytes) {
+            refuse(QStringLiteral("unpacks to more than it says"));
+        }
+        writer.write(bytes, size, offset);
+    }
+}
+} // namespace
+
+void unpackZip(const QString &archive, const QString &folder, const std::stop_token &stop, const UnpackLimits &limits) {
+    const qint64 ratioBound = freeOfRatio + QFileInfo(archive).size() * limits.largestRatio;
+    const qint64 mostBytes = std::min(limits.mostBytes, ratioBound);
+    const Names names = looked(archive, folder, mostBytes, limits.mostEntries);
+    Writer writer(folder);
+    for (const QByteArray &path : names.folders()) {
+        writer.begin({path, true, folderMode, 0});
+        writer.end();
+    }
+    Reader reader(archive);
+    qint64 left = mostBytes;
+    while (const std::optional<Item> item = reader.next()) {
+        if (!item->isFolder) {
+            writer.begin(*item);
+            left -= copyData(reader, writer, left, stop);
+            writer.end();
+        }
+    }
+    writer.close();
+}
+
+} // namespace platform::desktop
