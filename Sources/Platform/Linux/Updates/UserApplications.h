@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+
+/// The user's own applications, of which Quillory is one.
+namespace platform::desktop::applications {
+
+/// The folder that "/Applications" stands for.
+[[nodiscard]] QString folder();
+/// The path on this computer of one that may begin with "/Applications/".
+[[nodiscard]] QString resolved(const QString &path);
+/// The bundle that the running program stands in, whether that is a bundle or just a folder.
+[[nodiscard]] QString runningBundle();
+
+/// Puts right what an interrupted install left, and gives the program of the user's own Quillory when that takes
+/// precedence over the running one: another bundle, signed by a team that the running one trusts, and newer. Empty
+/// otherwise, and always for a program that was not started from a signed bundle.
+[[nodiscard]] QByteArray programToPrefer(const QString &running,
+                                         const std::function<bool(const QString &, const QString &)> &isNewer);
+
+} // namespace platform::desktop::applications

@@ -1,0 +1,284 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Updates/BundleInstaller.h"
+#include "Platform/URLSession.h"
+#include "Updates/SampleBundle.h"
+#include "Updates/TracedChild.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <iostream>
+#include <set>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace quillory::test {
+namespace {
+
+using platform::FileError;
+using platform::desktop::BundleInstaller;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr auto name = "Quillory.app";
+constexpr int failed = 1;
+constexpr int refused = 2;
+
+struct Refusal : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// Version 1 is installed, and version 2 has been unpacked.
+class Installing : public testing::Test {
+  protected:
+    Installing() {
+        makeSignedBundle(found, 2);
+        reset();
+    }
+    void reset() const {
+        QDir(applications).removeRecursively();
+        QDir().mkpath(applications);
+        chmod(QFile::encodeName(applications).constData(), 0700);
+        makeSignedBundle(target, 1);
+    }
+    static void approve(const QString &bundle) {
+        if (vouchedVersion(bundle) == "none") {
+            throw Refusal("not genuine");
+        }
+    }
+    /// An exit status.
+    [[nodiscard]] int install() const {
+        try {
+            BundleInstaller(applications).install(found, name, approve, {});
+            return 0;
+        } catch (const FileError &) {
+            return failed;
+        } catch (const Refusal &) {
+            return refused;
+        }
+    }
+    [[nodiscard]] std::string failure() const {
+        try {
+            BundleInstaller(applications).install(found, name, approve, {});
+            return {};
+        } catch (const FileError &error) {
+            return error.what();
+        }
+    }
+    [[nodiscard]] QStringList left() const {
+        return QDir(applications).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+    }
+    /// What stands under the name must be whole, signed and startable, whichever of the two it is.
+    void expectStartable(const QString &bundle, int count) const {
+        const std::string version = vouchedVersion(bundle);
+        EXPECT_THAT(version, AnyOf("1", "2")) << "before call " << count;
+        EXPECT_EQ(std::to_string(started(bundle)), version) << "before call " << count;
+    }
+    void expectClean() const {
+        EXPECT_THAT(left(), ElementsAre(QStringLiteral(".install.lock"), QStringLiteral("Quillory.app")));
+    }
+
+    QTemporaryDir folder{folderTemplate()};
+    QString applications = folder.filePath(QStringLiteral("Applications"));
+    QString target = applications + QStringLiteral("/Quillory.app");
+    QString found = folder.filePath(QStringLiteral("work/Quillory.app"));
+};
+
+/// The system calls that change something on the disk.
+bool writes(const TracedCall &call) {
+    static const std::set<unsigned long long> changing{SYS_write,     SYS_mkdirat,  SYS_fchmod,    SYS_fsync,
+                                                       SYS_renameat2, SYS_unlinkat, SYS_ftruncate, SYS_pwrite64};
+    constexpr std::size_t flagsOfOpen = 2;
+    return changing.contains(call.number) ||
+           (call.number == SYS_openat && (call.arguments[flagsOfOpen] & O_CREAT) != 0);
+}
+
+bool isExchange(const TracedCall &call) {
+    return call.number == SYS_renameat2 && call.arguments[4] == RENAME_EXCHANGE;
+}
+
+TEST_F(Installing, ReplacesTheBundleAndLeavesNothingElse) {
+    EXPECT_EQ(install(), 0);
+    EXPECT_EQ(vouchedVersion(target), "2");
+    expectClean();
+    QDir(target).removeRecursively();
+    EXPECT_EQ(install(), 0) << "where there is none yet";
+    EXPECT_EQ(vouchedVersion(target), "2");
+}
+
+TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
+    int calls = 0;
+    for (int at = 1;; ++at) {
+        reset();
+        const int status = runTraced([&] { return install(); },
+                                     [&](const TracedCall &call) { return call.count == at ? killed : goOn; });
+        if (status != killedStatus) {
+            EXPECT_EQ(status, 0);
+            break;
+        }
+        calls = at;
+        expectStartable(target, at);
+        BundleInstaller(applications).recover(name);
+        expectStartable(target, at);
+        EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "before call " << at;
+    }
+    EXPECT_GT(calls, 200);
+    RecordProperty("points", calls);
+    std::cout << "killed before each of " << calls << " system calls\n";
+}
+
+TEST_F(Installing, LeavesOneOfTheTwoWhereNamesCannotBeExchanged) {
+    int calls = 0;
+    for (int at = 1;; ++at) {
+        reset();
+        bool counts = false;
+        int count = 0;
+        const int status = runTraced([&] { return install(); },
+                                     [&](const TracedCall &call) {
+                                         if (isExchange(call)) {
+                                             counts = true;
+                                             return EINVAL;
+                                         }
+                                         return counts && ++count == at ? killed : goOn;
+                                     });
+        if (status != killedStatus) {
+            EXPECT_EQ(status, 0);
+            break;
+        }
+        calls = at;
+        expectStartable(QFile::exists(target) ? target : target + QStringLiteral(".previous"), at);
+        BundleInstaller(applications).recover(name);
+        expectStartable(target, at);
+        expectClean();
+    }
+    EXPECT_GT(calls, 50);
+    std::cout << "killed before each of " << calls << " system calls of the fall-back\n";
+}
+
+TEST_F(Installing, ChangesNothingWhenTheDiskIsFullAtAnyWrite) {
+    for (const int error : {ENOSPC, EROFS}) {
+        int tried = 0;
+        for (int at = 1;; ++at) {
+            reset();
+            int count = 0;
+            bool isOver = false;
+            const int status = runTraced([&] { return install(); },
+                                         [&](const TracedCall &call) {
+                                             isOver = isOver || isExchange(call);
+                                             return !isOver && writes(call) && ++count == at ? error : goOn;
+                                         });
+            if (count < at) {
+                EXPECT_EQ(status, 0);
+                break;
+            }
+            tried = at;
+            EXPECT_TRUE(status == failed || vouchedVersion(target) == "2") << "write " << at;
+            expectStartable(target, at);
+            BundleInstaller(applications).recover(name);
+            EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "write " << at;
+        }
+        EXPECT_GT(tried, 20);
+        std::cout << "failed each of " << tried << " writes\n";
+    }
+}
+
+TEST_F(Installing, TakesBackWhatWasChangedBetweenTheCheckAndTheExchange) {
+    const struct {
+        const char *attack;
+        std::function<void()> change;
+    } attacks[] = {
+        {"another program in the copy",
+         [&] { writeFile(applications + QStringLiteral("/.Quillory.app.new/quillory"), "#!/bin/sh\nexit 9\n", 0755); }},
+        {"another bundle in the copy's place",
+         [&] {
+             QDir().rename(applications + QStringLiteral("/.Quillory.app.new"),
+                           folder.filePath(QStringLiteral("gone")));
+             makeSignedBundle(applications + QStringLiteral("/.Quillory.app.new"), 3);
+         }},
+    };
+    for (const auto &[attack, change] : attacks) {
+        reset();
+        const int status = runTraced([&] { return install(); },
+                                     [&, once = true](const TracedCall &call) mutable {
+                                         if (isExchange(call) && std::exchange(once, false)) {
+                                             change();
+                                         }
+                                         return goOn;
+                                     });
+        EXPECT_THAT(status, AnyOf(failed, refused)) << attack;
+        EXPECT_EQ(vouchedVersion(target), "1") << attack;
+        expectClean();
+    }
+}
+
+TEST_F(Installing, RefusesWhatWasChangedSinceItWasUnpacked) {
+    const struct {
+        const char *attack;
+        std::function<void()> change;
+        int status;
+    } attacks[] = {
+        {"a changed file", [&] { writeFile(found + QStringLiteral("/Info.json"), "{}"); }, refused},
+        {"an extra file", [&] { writeFile(found + QStringLiteral("/extra"), ""); }, refused},
+        {"a set-uid program",
+         [&] { chmod(QFile::encodeName(found + QStringLiteral("/Info.json")).constData(), 04777); }, refused},
+        {"a symbolic link", [&] { QFile::link(QStringLiteral("/etc/passwd"), found + QStringLiteral("/link")); },
+         failed},
+        {"another user's bundle under the path",
+         [&] {
+             QDir(found).removeRecursively();
+             makeSignedBundle(found, 9, platform::desktop::SigningKey::generated(team));
+         },
+         refused},
+        {"nothing there any more", [&] { QDir(found).removeRecursively(); }, failed},
+    };
+    for (const auto &[attack, change, status] : attacks) {
+        QDir(found).removeRecursively();
+        makeSignedBundle(found, 2);
+        change();
+        EXPECT_EQ(install(), status) << attack;
+        EXPECT_EQ(vouchedVersion(target), "1") << attack;
+        expectClean();
+    }
+}
+
+TEST_F(Installing, IsDoneByOneProcessAtATime) {
+    const int lock = open(QFile::encodeName(applications + QStringLiteral("/.install.lock")).constData(),
+                          O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+    EXPECT_EQ(failure(), "Another update is being installed.");
+    QDir().mkpath(applications + QStringLiteral("/.Quillory.app.new"));
+    BundleInstaller(applications).recover(name);
+    EXPECT_THAT(left(), testing::Contains(QStringLiteral(".Quillory.app.new"))) << "that is the other one's";
+    close(lock);
+    EXPECT_EQ(failure(), "");
+    EXPECT_EQ(vouchedVersion(target), "2");
+    expectClean();
+}
+
+TEST_F(Installing, NeedsAFolderThatIsTheUsersAlone) {
+    chmod(QFile::encodeName(applications).constData(), 0777);
+    EXPECT_THAT(failure(), HasSubstr("can be changed by others"));
+    QDir().rename(applications, folder.filePath(QStringLiteral("elsewhere")));
+    QFile::link(folder.filePath(QStringLiteral("elsewhere")), applications);
+    EXPECT_THAT(failure(), HasSubstr("could not be opened"));
+}
+
+TEST_F(Installing, StopsWhenAsked) {
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_THROW(BundleInstaller(applications).install(found, name, approve, stop.get_token()),
+                 platform::CancellationError);
+    EXPECT_EQ(vouchedVersion(target), "1");
+    expectClean();
+}
+
+} // namespace
+} // namespace quillory::test

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <array>
+#include <functional>
+
+namespace quillory::test {
+
+/// A system call that a traced process is about to make.
+struct TracedCall {
+    /// Counted from 1.
+    int count = 0;
+    unsigned long long number = 0;
+    std::array<unsigned long long, 6> arguments{};
+};
+
+/// What becomes of it: 0 it is made, killed the process is killed before it, or it fails with that error number.
+using Verdict = int;
+inline constexpr Verdict goOn = 0;
+inline constexpr Verdict killed = -1;
+
+/// Runs work in a process of its own, which is stopped before every system call. The result is the exit status: what
+/// the work returned, or killedStatus.
+inline constexpr int killedStatus = 200;
+int runTraced(const std::function<int()> &work, const std::function<Verdict(const TracedCall &)> &before);
+
+} // namespace quillory::test
