@@ -75,10 +75,14 @@ std::optional<QString> bundleIdentifier(const AXUIElement &element) {
     return application ? application->bundleIdentifier : std::nullopt;
 }
 
+bool isBrowserIdentifier(const QString &identifier) {
+    return std::any_of(browserPrefixes.begin(), browserPrefixes.end(),
+                       [&](QLatin1StringView prefix) { return identifier.startsWith(prefix); });
+}
+
 bool isBrowserApp(const AXUIElement &element) {
     const auto identifier = bundleIdentifier(element);
-    return identifier && std::any_of(browserPrefixes.begin(), browserPrefixes.end(),
-                                     [&](QLatin1StringView prefix) { return identifier->startsWith(prefix); });
+    return identifier && isBrowserIdentifier(*identifier);
 }
 
 bool isBrowserUIField(const AXUIElement &element) {

@@ -55,7 +55,7 @@ Recognition recognisePage(const AXUIElement &element) {
     const auto page = webArea(element);
     const auto address = page ? AXText::attribute<QUrl>(*page, axAttribute::url) : std::nullopt;
     if (address) {
-        return {Recognition::Evidence::pageAddress, address->host().contains(webClientHost), address->host()};
+        return {Recognition::Evidence::pageAddress, isChatHost(address->host()), address->host()};
     }
     auto shown = AXText::focusedWindowTitle(element.pid());
     if (!namesChat(shown)) {
@@ -122,6 +122,10 @@ Recognition recognise(const AXUIElement &element) {
     }
     return AXText::isBrowserApp(element) ? recognisePage(element)
                                          : Recognition{Recognition::Evidence::otherProgram, false, identifier};
+}
+
+bool isChatHost(const QString &host) {
+    return host.contains(webClientHost);
 }
 
 bool isChatApp(const AXUIElement &element) {

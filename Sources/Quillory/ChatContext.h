@@ -48,6 +48,8 @@ struct Recognition {
     QString judgedBy;
 };
 [[nodiscard]] Recognition recognise(const platform::AXUIElement &element);
+/// Whether pages of a host are those of WhatsApp's web client.
+[[nodiscard]] bool isChatHost(const QString &host);
 /// Whether an element belongs to WhatsApp: its desktop program, or its web client in a browser.
 [[nodiscard]] bool isChatApp(const platform::AXUIElement &element);
 /// The nearest web page around an element, the element itself included.

@@ -3,6 +3,7 @@
 
 #include "Quillory/ChoiceStats.h"
 #include "Quillory/DefaultsCommand.h"
+#include "Quillory/DoctorCommand.h"
 #include "Quillory/InspectCommand.h"
 #include "Quillory/RewriteCommand.h"
 #include "Quillory/StatsCommand.h"
@@ -19,6 +20,8 @@ Usage:
   quillory defaults read [KEY]        show the settings, or one of them
   quillory defaults write KEY VALUE   change a setting; it counts at once, also in a running program
   quillory defaults delete KEY        go back to a setting's default
+  quillory doctor [--fix] [--json]    check what the program needs and say what to do; --fix does what is safe
+  quillory autostart on|off           start it at every login, or no longer
   quillory inspect [--json] [--wait SECONDS]
                                       show what is seen of the message box that has the focus, and what would be
                                       sent; --wait leaves time to click into it
@@ -43,6 +46,30 @@ Environment:
 
 Exit status: 0 done, 1 it failed or there is nothing to show, 2 wrong arguments.
 )";
+
+std::optional<int> runNamedCommand(const QString &command, const QStringList &arguments,
+                                   const CommandServices &services, const CommandStreams &streams) {
+    const std::pair<QLatin1StringView, std::function<int()>> commands[]{
+        {QLatin1StringView("autostart"), [&] { return runAutostartCommand(arguments, services, streams); }},
+        {QLatin1StringView("defaults"),
+         [&] { return runDefaultsCommand(arguments, services.openUserDefaults(), streams); }},
+        {QLatin1StringView("doctor"), [&] { return runDoctorCommand(arguments, services, streams); }},
+        {QLatin1StringView("inspect"), [&] { return runInspectCommand(arguments, services, streams); }},
+        {QLatin1StringView("rewrite"),
+         [&] {
+             const auto installed = services.install();
+             return runRewriteCommand(arguments, streams);
+         }},
+        {QLatin1StringView("stats"),
+         [&] { return runStatsCommand(arguments, ChoiceStats::fileURL(services.homeDirectory), streams); }},
+    };
+    for (const auto &[name, run] : commands) {
+        if (command == name) {
+            return run();
+        }
+    }
+    return std::nullopt;
+}
 } // namespace
 
 std::optional<int> runCommandLine(const QStringList &arguments, const CommandServices &services,
@@ -51,18 +78,8 @@ std::optional<int> runCommandLine(const QStringList &arguments, const CommandSer
         return std::nullopt;
     }
     const QString &command = arguments.first();
-    if (command == QStringLiteral("defaults")) {
-        return runDefaultsCommand(arguments.sliced(1), services.openUserDefaults(), streams);
-    }
-    if (command == QStringLiteral("stats")) {
-        return runStatsCommand(arguments.sliced(1), ChoiceStats::fileURL(services.homeDirectory), streams);
-    }
-    if (command == QStringLiteral("rewrite")) {
-        const auto installed = services.install();
-        return runRewriteCommand(arguments.sliced(1), streams);
-    }
-    if (command == QStringLiteral("inspect")) {
-        return runInspectCommand(arguments.sliced(1), services, streams);
+    if (const auto status = runNamedCommand(command, arguments.sliced(1), services, streams)) {
+        return status;
     }
     if (command == QStringLiteral("--version")) {
         streams.output << "quillory " << QUILLORY_VERSION << '\n';

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include "Platform/DesktopFacts.h"
 #include "Platform/UserDefaults.h"
 
 #include <QStringList>
@@ -53,6 +54,9 @@ struct CommandServices {
     std::function<std::shared_ptr<void>()> install;
     /// Opens the desktop, for the commands that look at it; null when no display can be reached.
     std::function<std::unique_ptr<CommandDesktop>()> openDesktop;
+    /// For the commands that look after the desktop; never null for those.
+    platform::DesktopExamination *examination = nullptr;
+    platform::DesktopMending *mending = nullptr;
 };
 
 /// Carries out the command that the arguments (without the program's name) ask for and gives the exit status; absent

@@ -1,5 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/AbsentDesktop.h"
+#include "Platform/Linux/Desktop/LinuxExamination.h"
+#include "Platform/Linux/Desktop/LinuxMending.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
@@ -71,6 +73,8 @@ std::optional<int> runCommand(int &argc, char **argv) {
     for (int i = 1; i < argc; ++i) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
     }
+    desktop::LinuxExamination examination;
+    desktop::LinuxMending mending;
     std::unique_ptr<desktop::FileUserDefaults> store;
     const auto openStore = [&store]() -> platform::UserDefaults & {
         store = std::make_unique<desktop::FileUserDefaults>();
@@ -79,7 +83,7 @@ std::optional<int> runCommand(int &argc, char **argv) {
     return quillory::runCommandLine(arguments,
                                     {openStore, desktop::folders::data(),
                                      [] { return std::make_shared<CommandPlatform>(); },
-                                     [&argc, argv] { return openDesktop(argc, argv); }},
+                                     [&argc, argv] { return openDesktop(argc, argv); }, &examination, &mending},
                                     {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1});
 }
 

@@ -1,0 +1,11 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+/// Whether the program starts with the user's session: an entry in the folder that desktops start programs from.
+namespace platform::desktop::autostart {
+
+[[nodiscard]] bool isOn();
+/// Whether that worked. The entry starts this very executable.
+[[nodiscard]] bool set(bool on);
+
+} // namespace platform::desktop::autostart

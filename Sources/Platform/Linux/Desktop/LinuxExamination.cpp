@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Desktop/LinuxExamination.h"
+
+#include "Platform/Linux/Desktop/Autostart.h"
+#include "Platform/Linux/Desktop/BusExamination.h"
+#include "Platform/Linux/Desktop/DesktopSettings.h"
+#include "Platform/Linux/Desktop/RunningBrowsers.h"
+#include "Platform/Linux/Desktop/X11Examination.h"
+
+#include <QSysInfo>
+
+#include <curl/curlver.h>
+
+namespace platform::desktop {
+
+namespace {
+
+SessionType sessionType() {
+    const QByteArray type = qgetenv("XDG_SESSION_TYPE").toLower();
+    if (type == "wayland" || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+        return SessionType::wayland;
+    }
+    return type == "x11" || !qEnvironmentVariableIsEmpty("DISPLAY") ? SessionType::x11 : SessionType::unknown;
+}
+
+QStringList versions() {
+    return {QStringLiteral("Qt ") + QLatin1StringView(qVersion()), QStringLiteral("libcurl " LIBCURL_VERSION),
+            QSysInfo::prettyProductName(), QSysInfo::kernelType() + u' ' + QSysInfo::kernelVersion()};
+}
+
+} // namespace
+
+DesktopFacts LinuxExamination::examine() {
+    DesktopFacts facts;
+    facts.session = sessionType();
+    facts.desktopName = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
+    facts.applications = runningApplications(examineX11(facts), facts.session);
+    examineBuses(facts);
+    facts.isAccessibilityKept = desktopSettings::isAccessibilityKept();
+    facts.startsAtLogin = autostart::isOn();
+    facts.versions = versions();
+    return facts;
+}
+
+} // namespace platform::desktop

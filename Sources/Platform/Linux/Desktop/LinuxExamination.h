@@ -1,0 +1,15 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/DesktopFacts.h"
+
+namespace platform::desktop {
+
+/// Looks at a Linux desktop through connections of its own, which live only as long as the look. Needs no application
+/// object.
+class LinuxExamination final : public DesktopExamination {
+  public:
+    [[nodiscard]] DesktopFacts examine() override;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/DesktopFacts.h"
+#include "Platform/Linux/Accessibility/Connection.h"
+
+namespace platform::desktop {
+
+/// The pages that an application shows on the accessibility bus, with the boxes in them. Reads no text. Waits a moment
+/// for a browser that builds its tree only when it is asked. Absent when the application did not answer.
+[[nodiscard]] std::optional<std::vector<PageFacts>> findPages(atspi::Connection &bus,
+                                                              const atspi::ElementRef &application);
+
+} // namespace platform::desktop

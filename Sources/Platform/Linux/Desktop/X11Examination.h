@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/DesktopFacts.h"
+
+#include <set>
+
+namespace platform::desktop {
+
+/// Fills in what the X server knows: display, window manager, status area, compositor, clipboard manager, key grabs.
+/// Gives the processes that have windows there.
+std::set<qint32> examineX11(DesktopFacts &facts);
+
+} // namespace platform::desktop

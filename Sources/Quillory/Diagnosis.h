@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/DesktopFacts.h"
+
+/// What the facts about a desktop mean for the program, as pure functions of values.
+namespace quillory {
+
+/// What is known of the program itself.
+struct ProgramFacts {
+    bool hasKey = false;
+    /// What is wrong with the key, as a sentence; empty when nothing is.
+    QString keyFault;
+    /// Where requests go.
+    QString serviceHost;
+    /// Why no request gets there, as a sentence; empty when one would.
+    QString serviceFault;
+    QString version;
+};
+
+/// What can be done about a finding without the user's doing more than agreeing.
+enum class Remedy { none, enableAccessibility, restart, startAtLogin, enterKey };
+
+struct Finding {
+    enum class State {
+        good,
+        /// Worth knowing; the program can do its work.
+        note,
+        problem,
+    };
+    /// A name for programs that read the findings; it stays the same.
+    QString check;
+    QString title;
+    State state = State::good;
+    QString found;
+    /// What to do; empty when there is nothing to do.
+    QString advice;
+    Remedy remedy = Remedy::none;
+    /// What the remedy is for, when that is a program.
+    std::optional<platform::ApplicationFacts> application;
+};
+
+/// A finding for each check, in the order in which things need each other.
+[[nodiscard]] std::vector<Finding> diagnose(const platform::DesktopFacts &desktop, const ProgramFacts &program);
+
+/// Whether nothing stands in the way of the program's main work.
+[[nodiscard]] bool canWork(const std::vector<Finding> &findings);
+
+} // namespace quillory

@@ -1,0 +1,116 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/DoctorCommand.h"
+
+#include "Quillory/ProgramExamination.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <ostream>
+
+namespace quillory {
+
+namespace {
+using State = Finding::State;
+
+/// Whether "--fix" may do it unasked. The rest changes more than a switch.
+bool isSafe(Remedy remedy) {
+    return remedy == Remedy::enableAccessibility;
+}
+
+std::vector<Finding> findingsNow(const CommandServices &services) {
+    return diagnose(services.examination->examine(), examineProgram());
+}
+
+/// Does what is safe; false when it was tried in vain.
+bool fix(const std::vector<Finding> &findings, const CommandServices &services, const CommandStreams &streams) {
+    if (std::ranges::none_of(findings, [](const Finding &finding) { return isSafe(finding.remedy); })) {
+        streams.errors << "There is nothing that could be fixed safely.\n";
+        return true;
+    }
+    const bool isFixed = services.mending->enableAccessibility();
+    streams.errors << (isFixed ? "Switched accessibility on. Browsers that were running must be restarted once.\n"
+                               : "quillory: accessibility could not be switched on.\n");
+    return isFixed;
+}
+
+const char *nameOf(State state) {
+    switch (state) {
+    case State::good:
+        return "ok";
+    case State::note:
+        return "note";
+    case State::problem:
+        break;
+    }
+    return "PROBLEM";
+}
+
+void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
+    qsizetype width = 0;
+    for (const Finding &finding : findings) {
+        width = std::max(width, finding.title.size());
+    }
+    for (const Finding &finding : findings) {
+        output << QString::fromLatin1(nameOf(finding.state)).leftJustified(9).toStdString()
+               << finding.title.leftJustified(width + 2).toStdString() << finding.found.toStdString() << '\n';
+        if (!finding.advice.isEmpty()) {
+            output << std::string(static_cast<std::size_t>(9 + width + 2), ' ') << "-> " << finding.advice.toStdString()
+                   << '\n';
+        }
+    }
+    const auto problems = std::ranges::count(findings, State::problem, &Finding::state);
+    if (problems == 0) {
+        output << "\nQuillory can do its work.\n";
+    } else {
+        output << "\nQuillory cannot do its work yet: " << problems << (problems == 1 ? " problem.\n" : " problems.\n");
+    }
+}
+
+void writeJSON(std::ostream &output, const std::vector<Finding> &findings) {
+    nlohmann::json checks = nlohmann::json::array();
+    for (const Finding &finding : findings) {
+        checks.push_back({{"check", finding.check.toStdString()},
+                          {"title", finding.title.toStdString()},
+                          {"state", finding.state == State::problem ? "problem" : nameOf(finding.state)},
+                          {"found", finding.found.toStdString()},
+                          {"advice", finding.advice.toStdString()},
+                          {"fixable", isSafe(finding.remedy)}});
+    }
+    output << nlohmann::json{{"canWork", canWork(findings)}, {"checks", std::move(checks)}}.dump(2) << '\n';
+}
+
+} // namespace
+
+int runDoctorCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
+    const bool asJSON = arguments.contains(QStringLiteral("--json"));
+    const bool mayFix = arguments.contains(QStringLiteral("--fix"));
+    if (arguments.size() != int{asJSON} + int{mayFix}) {
+        streams.errors << "quillory: say doctor [--fix] [--json].\n";
+        return exitStatus::misuse;
+    }
+    const auto installed = services.install();
+    std::vector<Finding> findings = findingsNow(services);
+    if (mayFix && fix(findings, services, streams)) {
+        findings = findingsNow(services);
+    }
+    asJSON ? writeJSON(streams.output, findings) : writeFindings(streams.output, findings);
+    return canWork(findings) ? exitStatus::success : exitStatus::failure;
+}
+
+int runAutostartCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
+    const bool on = arguments == QStringList{QStringLiteral("on")};
+    if (!on && arguments != QStringList{QStringLiteral("off")}) {
+        streams.errors << "quillory: say autostart on or autostart off.\n";
+        return exitStatus::misuse;
+    }
+    if (!services.mending->setStartsAtLogin(on)) {
+        streams.errors << "quillory: the entry for the desktop's autostart could not be "
+                       << (on ? "written.\n" : "removed.\n");
+        return exitStatus::failure;
+    }
+    streams.output << (on ? "Quillory starts at your next login.\n" : "Quillory no longer starts at login.\n");
+    return exitStatus::success;
+}
+
+} // namespace quillory

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/CommandLine.h"
+
+namespace quillory {
+
+/// Checks everything that the program needs and says what to do, a line for each check or, with "--json", as JSON. With
+/// "--fix" it first does what is safe: it switches accessibility on. Gives the exit status: success when the program
+/// can do its work. Runs on the platform that the services install.
+[[nodiscard]] int runDoctorCommand(const QStringList &arguments, const CommandServices &services,
+                                   const CommandStreams &streams);
+
+/// "quillory autostart on" and "off". Gives the exit status.
+[[nodiscard]] int runAutostartCommand(const QStringList &arguments, const CommandServices &services,
+                                      const CommandStreams &streams);
+
+} // namespace quillory

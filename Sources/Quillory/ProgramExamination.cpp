@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/ProgramExamination.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/ApiKey.h"
+#include "Quillory/AppSettings.h"
+#include "Quillory/OpenRouterClient.h"
+#include "Quillory/RewriteError.h"
+#include "Quillory/Text.h"
+
+namespace quillory {
+
+namespace {
+
+void examineService(ProgramFacts &facts) {
+    constexpr std::chrono::seconds patience{8};
+    try {
+        platform::URLRequest request;
+        request.url = OpenRouterClient::serviceURL();
+        request.timeout = patience;
+        facts.serviceHost = request.url.host();
+        // Any answer will do: the path is for requests with a key, and this one has none.
+        if (!platform::current().urlSession.data(request, {}).statusCode) {
+            facts.serviceFault = facts.serviceHost + QStringLiteral(" gives an answer that is not HTTP");
+        }
+    } catch (const RewriteError &error) {
+        facts.serviceFault = error.description();
+    } catch (const platform::URLError &error) {
+        facts.serviceFault =
+            facts.serviceHost + QStringLiteral(" cannot be reached: ") + QString::fromUtf8(error.what());
+    }
+}
+
+} // namespace
+
+ProgramFacts examineProgram() {
+    ProgramFacts facts;
+    facts.version = QStringLiteral(QUILLORY_VERSION);
+    const QString key = text::trimmed(AppSettings::shared().apiKey());
+    facts.hasKey = !key.isEmpty();
+    // A key with a line break in it is never sent.
+    if (facts.hasKey && enteredKey(key).key != key) {
+        facts.keyFault = QStringLiteral("the key holds a space, a line break or a character that no key has");
+    }
+    examineService(facts);
+    return facts;
+}
+
+} // namespace quillory

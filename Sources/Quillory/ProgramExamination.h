@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/Diagnosis.h"
+
+namespace quillory {
+
+/// Looks at the program's own set-up through the installed platform: its key, and whether the model service can be
+/// reached, for which one request goes out that carries no key. May take some seconds; not on the main thread of a
+/// program that has windows.
+[[nodiscard]] ProgramFacts examineProgram();
+
+} // namespace quillory

@@ -1,0 +1,198 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/ApiKey.h"
+#include "Quillory/AppSettings.h"
+#include "Quillory/Diagnosis.h"
+#include "Quillory/DoctorCommand.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+namespace quillory {
+
+namespace {
+
+using platform::ApplicationFacts;
+using platform::DesktopFacts;
+using platform::PageFacts;
+using testing::HasSubstr;
+using State = Finding::State;
+
+QString utf16(const char *utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+ApplicationFacts program(const char *bundle, std::vector<PageFacts> pages) {
+    ApplicationFacts facts;
+    facts.pid = 1;
+    facts.name = utf16(bundle);
+    facts.bundleIdentifier = utf16(bundle);
+    facts.isOnBus = true;
+    facts.hasX11Window = true;
+    facts.pages = std::move(pages);
+    return facts;
+}
+
+const PageFacts chat{utf16("web.whatsapp.com"), 1};
+const PageFacts otherPage{utf16("example.com"), 3};
+
+struct Diagnosis : testing::Test {
+    DesktopFacts desktop;
+    ProgramFacts own;
+
+    void SetUp() override {
+        desktop = {};
+        own = {};
+        desktop.session = platform::SessionType::x11;
+        desktop.hasDisplay = desktop.hasSessionBus = desktop.hasAccessibilityBus = true;
+        desktop.windowManager = utf16("Openbox");
+        desktop.isAccessibilityEnabled = desktop.isAccessibilityKept = true;
+        desktop.applications = {program("org.chromium.Chromium", {chat})};
+        desktop.hasStatusNotifier = true;
+        desktop.canGrabTab = desktop.canGrabEscape = true;
+        own.hasKey = true;
+        own.serviceHost = utf16("service.example");
+    }
+    Finding of(const char *check) const {
+        for (const Finding &finding : diagnose(desktop, own)) {
+            if (finding.check == utf16(check)) {
+                return finding;
+            }
+        }
+        return {};
+    }
+    bool works() const { return canWork(diagnose(desktop, own)); }
+};
+
+TEST_F(Diagnosis, TellsWhatStandsInTheWayFromWhatIsWorthKnowing) {
+    struct Case {
+        const char *check;
+        std::function<void(Diagnosis &)> change;
+        State state;
+        const char *says;
+        Remedy remedy = Remedy::none;
+    };
+    const Case cases[]{
+        {"session", [](auto &d) { d.desktop.hasDisplay = false; }, State::problem, "no X display"},
+        {"session", [](auto &d) { d.desktop.windowManager.clear(); }, State::note, "no window manager"},
+        {"session", [](auto &d) { d.desktop.session = platform::SessionType::wayland; }, State::note, "XWayland"},
+        {"accessibility-bus", [](auto &d) { d.desktop.hasAccessibilityBus = false; }, State::problem, "not answer"},
+        {"accessibility", [](auto &d) { d.desktop.isAccessibilityEnabled = false; }, State::problem, "switched off",
+         Remedy::enableAccessibility},
+        {"accessibility-kept", [](auto &d) { d.desktop.isAccessibilityKept = false; }, State::note, "off again",
+         Remedy::enableAccessibility},
+        {"accessibility-kept", [](auto &d) { d.desktop.isAccessibilityKept.reset(); }, State::note, "no setting"},
+        {"keys", [](auto &d) { d.desktop.canGrabTab = false; }, State::problem, "taken Tab"},
+        {"keys", [](auto &d) { d.desktop.canGrabEscape.reset(); }, State::problem, "cannot be tried"},
+        {"tray", [](auto &d) { d.desktop.hasStatusNotifier = false; }, State::note, "none"},
+        {"key", [](auto &d) { d.own.hasKey = false; }, State::problem, "none is set", Remedy::enterKey},
+        {"key", [](auto &d) { d.own.keyFault = utf16("broken"); }, State::problem, "broken", Remedy::enterKey},
+        {"service", [](auto &d) { d.own.serviceFault = utf16("unreachable"); }, State::problem, "unreachable"},
+        {"browser", [](auto &d) { d.desktop.applications.clear(); }, State::note, "none is running"},
+    };
+    EXPECT_TRUE(works());
+    for (const auto &[check, change, state, says, remedy] : cases) {
+        SetUp();
+        change(*this);
+        const Finding finding = of(check);
+        EXPECT_EQ(finding.state, state) << check;
+        EXPECT_THAT(finding.found.toStdString(), HasSubstr(says));
+        EXPECT_EQ(finding.remedy, remedy) << says;
+        EXPECT_EQ(works(), state != State::problem) << says;
+    }
+}
+
+TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
+    struct Case {
+        ApplicationFacts facts;
+        State state;
+        const char *says;
+    };
+    ApplicationFacts unlisted = program("org.mozilla.firefox", {});
+    unlisted.isOnBus = false;
+    unlisted.pages.reset();
+    ApplicationFacts hung = program("org.mozilla.firefox", {});
+    hung.pages.reset();
+    const Case cases[]{
+        {program("org.chromium.Chromium", {otherPage, chat}), State::good, "a box to write in"},
+        {program("org.chromium.Chromium", {{utf16("web.whatsapp.com"), 0}}), State::note, "no box"},
+        {program("org.chromium.Chromium", {otherPage}), State::note, "none of them WhatsApp"},
+        {program("net.whatsapp.zapzap", {{QString(), 1}}), State::good, "a box to write in"},
+        {program("org.chromium.Chromium", {}), State::problem, "shows no page"},
+        {unlisted, State::problem, "not on the accessibility bus"},
+        {hung, State::problem, "does not answer"},
+    };
+    for (const auto &[facts, state, says] : cases) {
+        desktop.applications = {facts};
+        EXPECT_EQ(of("browser").state, state) << says;
+        EXPECT_THAT(of("browser").found.toStdString(), HasSubstr(says));
+        EXPECT_EQ(works(), state != State::problem) << says;
+        desktop.applications = {facts, program("org.chromium.Chromium", {chat})};
+        EXPECT_TRUE(works()) << says;
+    }
+    desktop.session = platform::SessionType::wayland;
+    ApplicationFacts native = program("org.mozilla.firefox", {chat});
+    native.hasX11Window = false;
+    desktop.applications = {native};
+    EXPECT_THAT(of("browser").advice.toStdString(), HasSubstr("MOZ_ENABLE_WAYLAND=0 firefox"));
+    EXPECT_FALSE(works());
+}
+
+/// A desktop whose accessibility is off until it is switched on.
+struct MendableDesktop final : platform::DesktopExamination, platform::DesktopMending {
+    DesktopFacts facts;
+    [[nodiscard]] DesktopFacts examine() override { return facts; }
+    bool enableAccessibility() override {
+        facts.isAccessibilityEnabled = facts.isAccessibilityKept = true;
+        return true;
+    }
+    bool setStartsAtLogin(bool starts) override {
+        facts.startsAtLogin = starts;
+        return true;
+    }
+    bool restart(const ApplicationFacts & /*application*/) override { return false; }
+};
+
+TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
+    test::SimulatedDesktop simulated;
+    simulated.userDefaults.set(settingsKey::openRouterAPIKey, utf16("sk-secret"));
+    simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
+    MendableDesktop mendable;
+    mendable.facts = desktop;
+    mendable.facts.isAccessibilityEnabled = false;
+    std::istringstream input;
+    std::ostringstream output;
+    std::ostringstream errors;
+    CommandServices services;
+    services.install = [] { return nullptr; };
+    services.examination = &mendable;
+    services.mending = &mendable;
+    const auto doctor = [&](const QStringList &arguments) {
+        return runDoctorCommand(arguments, services, {input, output, errors});
+    };
+    EXPECT_EQ(doctor({}), exitStatus::failure);
+    EXPECT_EQ(doctor({utf16("--fix"), utf16("--json")}), exitStatus::success);
+    EXPECT_EQ(doctor({utf16("--fix"), utf16("--fix")}), exitStatus::misuse);
+    EXPECT_FALSE(mendable.facts.startsAtLogin);
+    EXPECT_THAT(output.str(), testing::Not(HasSubstr("sk-secret")));
+    for (const auto &[name, value] : simulated.urlSession.exchange(0)->request().headers) {
+        EXPECT_FALSE(value.contains("sk-secret")) << name.toStdString();
+    }
+    EXPECT_EQ(runAutostartCommand({utf16("on")}, services, {input, output, errors}), exitStatus::success);
+    EXPECT_TRUE(mendable.facts.startsAtLogin);
+}
+
+TEST(ApiKey, IsCleanedOrRefused) {
+    for (const char *typed : {"sk-or-1", "  sk-or-1\r\n", "sk-\nor-1", "sk-or\r\n -1\t", "\xC2\xA0sk-or-1"}) {
+        EXPECT_EQ(enteredKey(utf16(typed)).key, utf16("sk-or-1")) << typed;
+    }
+    for (const QString &typed : {utf16(" \n"), utf16("sk or"), utf16("sk-\x01"), utf16("sk-ü"), QString(600, u'x')}) {
+        EXPECT_TRUE(enteredKey(typed).key.isEmpty());
+        EXPECT_TRUE(enteredKey(typed).refusal.endsWith(u'.'));
+    }
+}
+
+} // namespace
+
+} // namespace quillory

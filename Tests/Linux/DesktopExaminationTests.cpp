@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Desktop/LinuxExamination.h"
+#include "Platform/Linux/Desktop/LinuxMending.h"
+#include "Platform/Linux/X11/X11Connection.h"
+#include "Platform/Linux/X11/X11Keyboard.h"
+#include "RealDesktop/RealDesktop.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace quillory::test;
+using namespace platform;
+
+struct DesktopExaminationTest : testing::Test {
+    desktop::LinuxExamination examination;
+    desktop::LinuxMending mending;
+};
+
+TEST_F(DesktopExaminationTest, FindsAccessibilityOffAndSwitchesItOn) {
+    RealDesktop::setAccessibilityEnabled(false);
+    DesktopFacts facts = examination.examine();
+    EXPECT_TRUE(facts.hasDisplay && facts.hasSessionBus && facts.hasAccessibilityBus);
+    EXPECT_EQ(facts.isAccessibilityEnabled, false);
+    EXPECT_EQ(facts.windowManager, QStringLiteral("Openbox"));
+    EXPECT_FALSE(facts.hasTray || facts.hasStatusNotifier || facts.startsAtLogin);
+    EXPECT_TRUE(mending.enableAccessibility());
+    EXPECT_TRUE(mending.setStartsAtLogin(true));
+    facts = examination.examine();
+    EXPECT_EQ(facts.isAccessibilityEnabled, true);
+    EXPECT_TRUE(facts.startsAtLogin);
+    const std::string entry = qEnvironmentVariable("XDG_CONFIG_HOME").toStdString() + "/autostart/quillory.desktop";
+    EXPECT_EQ(run({"desktop-file-validate", entry}), 0);
+    EXPECT_TRUE(mending.setStartsAtLogin(false));
+    EXPECT_FALSE(examination.examine().startsAtLogin);
+}
+
+TEST_F(DesktopExaminationTest, NoticesAKeyThatAnotherProgramHasAndTakesNone) {
+    EXPECT_EQ(examination.examine().canGrabTab, true);
+    const auto other = desktop::X11Connection::open();
+    const desktop::X11Keyboard keyboard(*other);
+    xcb_grab_key(other->get(), 0, other->root(), XCB_MOD_MASK_2, keyboard.keyCodes(keyCode::tab).front(),
+                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    other->sync();
+    const DesktopFacts facts = examination.examine();
+    EXPECT_EQ(facts.canGrabTab, false);
+    EXPECT_EQ(facts.canGrabEscape, true);
+    for (const xcb_keycode_t code : keyboard.keyCodes(keyCode::escape)) {
+        const auto asked =
+            xcb_grab_key_checked(other->get(), 0, other->root(), 0, code, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        EXPECT_EQ(desktop::X11Reply<xcb_generic_error_t>(xcb_request_check(other->get(), asked)), nullptr);
+    }
+}
+
+/// Started as users start it, without the flag that shows its tree at once.
+TEST_F(DesktopExaminationTest, SeesTheBoxInABrowsersPage) {
+    const QTemporaryDir folder;
+    QFile page(folder.filePath(QStringLiteral("page.html")));
+    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+    page.write("<!doctype html><title>Chat</title><p>Hello<div contenteditable role=textbox>draft</div>");
+    page.close();
+    const ChildProcess browser({"chromium", "--no-sandbox", "--test-type", "--disable-gpu", "--no-first-run",
+                                "--disable-background-networking", "--disable-component-update", "--disable-sync",
+                                "--user-data-dir=" + folder.filePath(QStringLiteral("profile")).toStdString(),
+                                "--app=file://" + page.fileName().toStdString()},
+                               Output::dropped);
+    DesktopFacts facts;
+    EXPECT_TRUE(waitUntil(
+        [&] {
+            facts = examination.examine();
+            return facts.applications.size() == 1 && facts.applications[0].hasX11Window &&
+                   facts.applications[0].pages && facts.applications[0].pages->size() == 1 &&
+                   facts.applications[0].pages->front().textBoxes == 1;
+        },
+        60'000));
+    EXPECT_EQ(facts.applications.size(), 1U);
+}
+
+} // namespace
