@@ -26,6 +26,7 @@ HalfRealDesktop::HalfRealDesktop(int port) : m_connection(platform::desktop::X11
                                                                          .pasteboard = simulated.pasteboard,
                                                                          .process = simulated.process,
                                                                          .screens = *m_screens,
+                                                                         .statusBar = simulated.statusBar,
                                                                          .urlSession = m_session,
                                                                          .userDefaults = simulated.userDefaults,
                                                                          .workspace = simulated.workspace});

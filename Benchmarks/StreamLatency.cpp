@@ -193,6 +193,7 @@ platform::Platform withNetwork(platform::URLSession &session) {
             .pasteboard = simulated.pasteboard,
             .process = simulated.process,
             .screens = simulated.screens,
+            .statusBar = simulated.statusBar,
             .urlSession = session,
             .userDefaults = simulated.userDefaults,
             .workspace = simulated.workspace};

@@ -30,6 +30,7 @@ Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefau
             .pasteboard = *this,
             .process = process,
             .screens = *this,
+            .statusBar = *this,
             .urlSession = urlSession,
             .userDefaults = userDefaults,
             .workspace = *this};
@@ -78,6 +79,10 @@ void AbsentDesktop::copyString(std::function<void(std::optional<QString>)> done)
 void AbsentDesktop::setString(const QString & /*text*/) {}
 
 void AbsentDesktop::writeObjects(const PasteboardItems & /*items*/) {}
+
+RegistrationHandle AbsentDesktop::onChange(std::function<void()> /*changed*/) {
+    return nullptr;
+}
 
 std::optional<RunningApplication> AbsentDesktop::runningApplication(qint32 /*pid*/) {
     return std::nullopt;

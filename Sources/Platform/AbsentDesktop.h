@@ -14,6 +14,7 @@ class AbsentDesktop final : public Accessibility,
                             public PanelWindows,
                             public Pasteboard,
                             public Screens,
+                            public StatusBar,
                             public Workspace {
   public:
     /// The services of a program that runs without a desktop. All of them outlive the result.
@@ -39,6 +40,8 @@ class AbsentDesktop final : public Accessibility,
     [[nodiscard]] qint64 changeCount() override { return 0; }
     [[nodiscard]] std::vector<Screen> screens() override { return {}; }
     [[nodiscard]] std::optional<Screen> mainScreen() override { return std::nullopt; }
+    [[nodiscard]] bool isAvailable() const override { return false; }
+    [[nodiscard]] RegistrationHandle onChange(std::function<void()> changed) override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
     void activate(qint32 pid) override;
     bool open(const QUrl &url) override;

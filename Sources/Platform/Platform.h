@@ -8,6 +8,7 @@
 #include "Platform/Pasteboard.h"
 #include "Platform/Process.h"
 #include "Platform/Screens.h"
+#include "Platform/StatusBar.h"
 #include "Platform/URLSession.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Workspace.h"
@@ -27,6 +28,7 @@ struct Platform {
     Pasteboard &pasteboard;
     Process &process;
     Screens &screens;
+    StatusBar &statusBar;
     URLSession &urlSession;
     UserDefaults &userDefaults;
     Workspace &workspace;

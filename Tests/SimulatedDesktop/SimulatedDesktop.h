@@ -10,6 +10,7 @@
 #include "SimulatedDesktop/SimulatedPasteboard.h"
 #include "SimulatedDesktop/SimulatedProcess.h"
 #include "SimulatedDesktop/SimulatedScreens.h"
+#include "SimulatedDesktop/SimulatedStatusBar.h"
 #include "SimulatedDesktop/SimulatedURLSession.h"
 #include "SimulatedDesktop/SimulatedUserDefaults.h"
 
@@ -26,6 +27,7 @@ class SimulatedDesktop final : private platform::KeyPoster {
     SimulatedPasteboard pasteboard{mainQueue};
     SimulatedProcess process;
     SimulatedScreens screens;
+    SimulatedStatusBar statusBar;
     SimulatedURLSession urlSession;
     SimulatedUserDefaults userDefaults;
 
@@ -52,6 +54,7 @@ class SimulatedDesktop final : private platform::KeyPoster {
                                   .pasteboard = pasteboard,
                                   .process = process,
                                   .screens = screens,
+                                  .statusBar = statusBar,
                                   .urlSession = urlSession,
                                   .userDefaults = userDefaults,
                                   .workspace = applications};

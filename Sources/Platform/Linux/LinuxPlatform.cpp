@@ -5,6 +5,7 @@
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/StatusBar/LinuxStatusBar.h"
 #include "Platform/Linux/Storage/FileUserDefaults.h"
 #include "Platform/Linux/Storage/LinuxProcess.h"
 #include "Platform/Linux/X11/QtPanelWindow.h"
@@ -20,7 +21,10 @@ namespace platform::desktop {
 
 /// In the order in which they need each other.
 struct LinuxPlatform::Private {
-    explicit Private(std::unique_ptr<X11Connection> opened) : connection(std::move(opened)) { connection->watch(); }
+    explicit Private(std::unique_ptr<X11Connection> opened) : connection(std::move(opened)) {
+        connection->watch();
+        workspace.onAccessibilitySettings = [this] { accessibility.showPrompt(); };
+    }
 
     [[nodiscard]] AtspiAccessibility::Options accessibilityOptions() {
         AtspiAccessibility::Options options;
@@ -36,6 +40,7 @@ struct LinuxPlatform::Private {
     std::unique_ptr<X11Connection> connection;
     X11Screens screens{*connection};
     X11ActiveWindow activeWindow{*connection};
+    LinuxStatusBar statusBar{mainQueue, *connection};
     AtspiAccessibility accessibility{mainQueue, accessibilityOptions()};
     LinuxWorkspace workspace{connection->get()};
     X11Keyboard keyboard{*connection};
@@ -51,6 +56,7 @@ struct LinuxPlatform::Private {
                       .pasteboard = pasteboard,
                       .process = process,
                       .screens = screens,
+                      .statusBar = statusBar,
                       .urlSession = urlSession,
                       .userDefaults = userDefaults,
                       .workspace = workspace};

@@ -50,9 +50,8 @@ bool AtspiAccessibility::isProcessTrustedWithPrompt() {
     const bool isTrusted = isProcessTrusted();
     if (!isTrusted) {
         // At the start of a session the bus may be a moment late; nobody is to be asked about that.
-        const std::weak_ptr<bool> life = m_life;
-        m_mainQueue.postAfter(secondThought, [this, life] {
-            if (!life.expired() && !isProcessTrusted()) {
+        m_mainQueue.postAfter(secondThought, [this, life = std::weak_ptr(m_life), shownBefore = m_timesPrompted] {
+            if (!life.expired() && !isProcessTrusted() && m_timesPrompted == shownBefore) {
                 showPrompt();
             }
         });
@@ -61,6 +60,7 @@ bool AtspiAccessibility::isProcessTrustedWithPrompt() {
 }
 
 void AtspiAccessibility::showPrompt() {
+    ++m_timesPrompted;
     std::function<void()> enable;
     if (m_core->reader().board().hasBus) {
         enable = [this] { m_core->reader().post([](atspi::Session &session) { session.enable(); }); };

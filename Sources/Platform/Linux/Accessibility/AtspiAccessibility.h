@@ -41,6 +41,8 @@ class AtspiAccessibility final : public Accessibility {
     bool isProcessTrustedWithPrompt() override;
     [[nodiscard]] AXUIElement createSystemWide() override;
     [[nodiscard]] AXUIElement createApplication(qint32 pid) override;
+    /// Shows the offer to switch accessibility on at once, as the user asked for it.
+    void showPrompt();
 
     /// What was sent on the accessibility bus so far. For measurements: it waits for the reader.
     struct Traffic {
@@ -50,11 +52,10 @@ class AtspiAccessibility final : public Accessibility {
     [[nodiscard]] Traffic traffic();
 
   private:
-    void showPrompt();
-
     MainQueue &m_mainQueue;
     std::shared_ptr<atspi::AccessibilityCore> m_core;
     std::unique_ptr<atspi::TrustDialog> m_prompt;
+    int m_timesPrompted = 0;
     /// Ends with this object, for work that is queued.
     std::shared_ptr<bool> m_life = std::make_shared<bool>(true);
 };

@@ -69,6 +69,10 @@ bool LinuxWorkspace::open(const QUrl &url) {
     if (!url.isValid() || url.scheme().isEmpty()) {
         return false;
     }
+    if (url.scheme() == QLatin1StringView("x-apple.systempreferences") && onAccessibilitySettings) {
+        onAccessibilitySettings();
+        return true;
+    }
     QProcess opener;
     opener.setProgram(QStringLiteral("xdg-open"));
     opener.setArguments({QString::fromUtf8(url.toEncoded())});

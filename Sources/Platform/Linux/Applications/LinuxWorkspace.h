@@ -7,6 +7,7 @@
 #include "Platform/Workspace.h"
 
 #include <chrono>
+#include <functional>
 
 struct xcb_connection_t;
 
@@ -20,6 +21,9 @@ class LinuxWorkspace final : public Workspace {
     /// connection: to the X server whose windows activate() brings up, outliving this; null for none.
     explicit LinuxWorkspace(xcb_connection_t *connection, ApplicationCatalogue catalogue = ApplicationCatalogue(),
                             DesktopEntries entries = DesktopEntries());
+
+    /// What to show for the address of the system's accessibility settings, which name a page of another desktop.
+    std::function<void()> onAccessibilitySettings;
 
     [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
     void activate(qint32 pid) override;

@@ -73,7 +73,8 @@ std::unique_ptr<X11Connection> X11Connection::open(const QByteArray &display) {
 }
 
 X11Connection::X11Connection(xcb_connection_t *connection, int screenNumber)
-    : m_connection(connection), m_screen(screenOf(connection, screenNumber)), m_window(xcb_generate_id(connection)) {
+    : m_connection(connection), m_screenNumber(screenNumber), m_screen(screenOf(connection, screenNumber)),
+      m_window(xcb_generate_id(connection)) {
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_window, root(), -1, -1, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);

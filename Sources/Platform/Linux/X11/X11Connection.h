@@ -47,6 +47,8 @@ class X11Connection {
 
     [[nodiscard]] xcb_connection_t *get() const { return m_connection; }
     [[nodiscard]] const xcb_screen_t &screen() const { return *m_screen; }
+    /// The number of the screen, as in DISPLAY.
+    [[nodiscard]] int screenNumber() const { return m_screenNumber; }
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
     /// A window of our own that is never shown.
     [[nodiscard]] xcb_window_t window() const { return m_window; }
@@ -110,6 +112,7 @@ class X11Connection {
     void lose();
 
     xcb_connection_t *m_connection;
+    int m_screenNumber;
     const xcb_screen_t *m_screen = nullptr;
     xcb_window_t m_window = XCB_NONE;
     xcb_atom_t m_timeProperty = XCB_NONE;

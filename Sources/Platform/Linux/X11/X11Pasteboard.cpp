@@ -61,7 +61,8 @@ void X11Pasteboard::handle(const xcb_generic_event_t &event) {
 }
 
 bool X11Pasteboard::isOwnerChange(const xcb_generic_event_t &event) const {
-    return m_firstFixesEvent != 0 && eventType(event) == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY;
+    return m_firstFixesEvent != 0 && eventType(event) == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY &&
+           eventAs<xcb_xfixes_selection_notify_event_t>(event).selection == m_clipboard;
 }
 
 void X11Pasteboard::ownerChanged(const xcb_generic_event_t &event) {

@@ -1,0 +1,129 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/StatusBar/LinuxStatusBar.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+
+#include <xcb/xfixes.h>
+
+#include <utility>
+
+namespace platform::desktop {
+
+namespace {
+using namespace std::chrono_literals;
+
+const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
+/// How far apart a panel's two kinds of tray may start.
+constexpr auto settling = 1s;
+} // namespace
+
+class LinuxStatusBar::Listening final : public Registration {
+  public:
+    explicit Listening(LinuxStatusBar &bar) : m_bar(bar), m_life(bar.m_life) {}
+    ~Listening() override {
+        if (!m_life.expired()) {
+            m_bar.m_changed = nullptr;
+        }
+    }
+    Listening(const Listening &) = delete;
+    Listening &operator=(const Listening &) = delete;
+
+  private:
+    LinuxStatusBar &m_bar;
+    std::weak_ptr<bool> m_life;
+};
+
+LinuxStatusBar::LinuxStatusBar(MainQueue &mainQueue, X11Connection &connection)
+    : m_mainQueue(mainQueue), m_connection(connection) {
+    watchTray();
+    watchNotifiers();
+    update();
+}
+
+LinuxStatusBar::~LinuxStatusBar() = default;
+
+RegistrationHandle LinuxStatusBar::onChange(std::function<void()> changed) {
+    m_changed = std::move(changed);
+    return std::make_unique<Listening>(*this);
+}
+
+void LinuxStatusBar::watchNotifiers() {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        m_busHasAnswered = true;
+        return;
+    }
+    m_watcher = std::make_unique<QDBusServiceWatcher>(watcherName, bus, QDBusServiceWatcher::WatchForOwnerChange);
+    QObject::connect(m_watcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, m_watcher.get(),
+                     [this](const QString &, const QString &, const QString &newOwner) {
+                         m_busHasAnswered = true;
+                         m_hasNotifiers = !newOwner.isEmpty();
+                         update();
+                     });
+    askForNotifiers();
+}
+
+void LinuxStatusBar::askForNotifiers() {
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    question.setArguments({watcherName});
+    auto *const call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), m_watcher.get());
+    QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [this, call] {
+        const QDBusPendingReply<bool> reply = *call;
+        m_busHasAnswered = true;
+        m_hasNotifiers = m_hasNotifiers || (reply.isValid() && reply.value());
+        call->deleteLater();
+        update();
+    });
+}
+
+void LinuxStatusBar::watchTray() {
+    m_trayAtom = m_connection.atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_connection.screenNumber()));
+    m_selectionEvent = static_cast<std::uint8_t>(m_connection.firstEvent(&xcb_xfixes_id) + XCB_XFIXES_SELECTION_NOTIFY);
+    if (m_connection.has(&xcb_xfixes_id)) {
+        const auto version = xcb_xfixes_query_version(m_connection.get(), 1, 0);
+        (void)m_connection.reply(xcb_xfixes_query_version_reply, version);
+        xcb_xfixes_select_selection_input(m_connection.get(), m_connection.root(), m_trayAtom,
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+        m_events = m_connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
+    }
+    m_hasTray = hasTray();
+}
+
+bool LinuxStatusBar::hasTray() const {
+    const auto found =
+        m_connection.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(m_connection.get(), m_trayAtom));
+    return found && found->owner != XCB_NONE;
+}
+
+void LinuxStatusBar::handle(const xcb_generic_event_t &event) {
+    if (eventType(event) != m_selectionEvent ||
+        eventAs<xcb_xfixes_selection_notify_event_t>(event).selection != m_trayAtom) {
+        return;
+    }
+    m_mainQueue.postAfter(settling, [this, life = std::weak_ptr(m_life)] {
+        if (!life.expired()) {
+            m_hasTray = hasTray();
+            update();
+        }
+    });
+}
+
+void LinuxStatusBar::update() {
+    if (!m_usesNotifiers && m_busHasAnswered && (m_hasNotifiers || m_hasTray)) {
+        m_usesNotifiers = m_hasNotifiers;
+    }
+    const bool isAvailable = m_usesNotifiers && (*m_usesNotifiers ? m_hasNotifiers : m_hasTray);
+    if (std::exchange(m_isAvailable, isAvailable) != isAvailable && m_changed) {
+        m_changed();
+    }
+}
+
+} // namespace platform::desktop

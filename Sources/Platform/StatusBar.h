@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/MainQueue.h"
+
+#include <functional>
+
+namespace platform {
+
+/// The place of the desktop where programs show an icon with a menu. Main thread only.
+class StatusBar {
+  public:
+    virtual ~StatusBar() = default;
+    /// Whether the desktop has such a place now. Never waits: a moment after the start the answer may still be no.
+    [[nodiscard]] virtual bool isAvailable() const = 0;
+    /// Calls back whenever the answer changes, until the handle is destroyed. One listener at a time.
+    [[nodiscard]] virtual RegistrationHandle onChange(std::function<void()> changed) = 0;
+};
+
+} // namespace platform
