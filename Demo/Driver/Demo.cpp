@@ -69,8 +69,9 @@ Demo::Demo(Pace pace, bool draftsReplies) {
     startService(pace);
     qputenv("QUILLORY_MODEL_SERVICE", serviceAddress());
     m_program = test::ChildProcess({program("quillory").toStdString()});
-    if (!test::waitUntil([this] { return log().contains(QStringLiteral("launched, ")); })) {
-        throw std::runtime_error("the program did not start");
+    const auto hasStarted = [this] { return log().contains(QStringLiteral("launched, ")); };
+    if (!test::waitUntil([&] { return hasStarted() || !m_program.isRunning(); }) || !hasStarted()) {
+        throw std::runtime_error("the program did not start; should Quillory be running here already, quit it first");
     }
     m_chat = test::ChildProcess({program("quillory-demo-chat").toStdString(), "--report",
                                  m_folder.filePath(QStringLiteral("chat.json")).toStdString()});

@@ -29,6 +29,8 @@ class UserDefaults {
     /// Forgets a stored value, so that the registered default shows again; false when that is known not to have
     /// been saved.
     virtual bool remove(const QString &key) = 0;
+    /// Whether changes are kept in memory only, because the last attempt to save them failed.
+    [[nodiscard]] virtual bool isFailingToSave() const = 0;
 };
 
 } // namespace platform

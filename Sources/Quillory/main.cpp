@@ -9,6 +9,7 @@
 #include "Platform/Linux/Storage/LinuxProcess.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Platform/Linux/X11/X11Connection.h"
+#include "Platform/Linux/X11/X11Instance.h"
 #include "Quillory/CommandLine.h"
 #include "Quillory/UI/AppDelegate.h"
 
@@ -87,16 +88,21 @@ std::optional<int> runCommand(int &argc, char **argv) {
                                     {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1});
 }
 
-int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection) {
+int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection,
+               std::unique_ptr<desktop::X11Instance> claim) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillory"));
     QApplication::setDesktopFileName(QStringLiteral("quillory"));
     QApplication::setQuitOnLastWindowClosed(false);
     const desktop::LinuxPlatform linuxPlatform(std::move(connection));
     const platform::Installation installation(linuxPlatform.services());
+    const auto instance = std::move(claim); // ends before the connection does
     quillory::ui::AppDelegate delegate;
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
-    QTimer::singleShot(0, &application, [&delegate] { delegate.applicationDidFinishLaunching(); });
+    QTimer::singleShot(0, &application, [&] {
+        delegate.applicationDidFinishLaunching();
+        instance->onSummons([&delegate] { delegate.applicationDidReopen(); });
+    });
     return QApplication::exec();
 }
 
@@ -111,6 +117,17 @@ int main(int argc, char **argv) {
         std::cerr << "quillory: no X display can be reached; start it in a desktop session, or set DISPLAY\n";
         return 1;
     }
+    auto instance = desktop::X11Instance::become(*connection);
+    if (!instance && desktop::X11Instance::summon(*connection, std::chrono::seconds(5))) {
+        return 0;
+    }
+    if (!instance) {
+        instance = desktop::X11Instance::become(*connection); // the other one may just have ended
+    }
+    if (!instance) {
+        std::cerr << "quillory: it is running already, but does not answer\n";
+        return 1;
+    }
     preferX11();
-    return runProgram(argc, argv, std::move(connection));
+    return runProgram(argc, argv, std::move(connection), std::move(instance));
 }

@@ -18,6 +18,7 @@ class SimulatedUserDefaults final : public platform::UserDefaults {
     [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
     bool set(const QString &key, const platform::DefaultsValue &value) override;
     bool remove(const QString &key) override;
+    [[nodiscard]] bool isFailingToSave() const override { return diskIsFull; }
 
     /// While set, nothing reaches the disk.
     std::atomic<bool> diskIsFull = false;

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Storage/FileUserDefaults.h"
+#include "RealDesktop/ChildProcess.h"
 
 #include <QDir>
 #include <QFile>
@@ -105,7 +106,10 @@ TEST_F(FileUserDefaultsTest, ReadsWhatAHandWroteAndKeepsWhatItDoesNotKnow) {
     EXPECT_EQ(store.data(u"data"_qs), std::nullopt);
     EXPECT_EQ(store.integer(u"minChars"_qs), 3);
     EXPECT_TRUE(store.set(u"tone"_qs, u"Concise"_qs));
-    EXPECT_TRUE(onDisk().contains("18446744073709551615") && onDisk().contains("not base64!")) << onDisk().data();
+    EXPECT_TRUE(store.set(u"list"_qs, QByteArray("[]")));
+    for (const char *kept : {"18446744073709551615", "not base64!", "\"tone.replaced\": 5", "\"list.replaced\": ["}) {
+        EXPECT_TRUE(onDisk().contains(kept)) << kept << " in " << onDisk().data();
+    }
     EXPECT_EQ(QFile::permissions(path) & QFile::Permissions(0x77), QFile::Permissions());
 }
 
@@ -251,6 +255,8 @@ TEST_F(FileUserDefaultsTest, TheProgramDoesNotWaitForTheDisk) {
             FileUserDefaults store(folder, Saving::inBackground);
             EXPECT_TRUE(store.set(u"tone"_qs, u"Concise"_qs));
             EXPECT_EQ(store.string(u"tone"_qs), u"Concise"_qs);
+            EXPECT_TRUE(waitUntil([&] { return store.isFailingToSave(); }));
+            EXPECT_FALSE(store.set(u"tone"_qs, u"Friendly"_qs));
         }
         EXPECT_EQ(QByteArray::fromStdString(GetCapturedStderr()).count('\n'), 1) << "the end is not waited for long";
     }

@@ -3,7 +3,11 @@
 
 #include "Quillory/UI/CardText.h"
 #include "Quillory/UI/KeyCap.h"
+#include "Quillory/UI/MenuWindow.h"
 #include "Quillory/UI/RefiningIndicator.h"
+#include "Quillory/UI/Settings/ClampedText.h"
+#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Settings/SettingsWindow.h"
 #include "Quillory/UI/SuggestionCard.h"
 
 #include <QAccessibleWidget>
@@ -15,11 +19,14 @@ namespace {
 // The views have no class names of their own, so this is asked for every plain widget.
 QAccessibleInterface *makeInterface(const QString & /*className*/, QObject *object) {
     if (dynamic_cast<CardText *>(object) != nullptr || dynamic_cast<KeyHints *>(object) != nullptr ||
-        dynamic_cast<RefiningIndicator *>(object) != nullptr) {
+        dynamic_cast<RefiningIndicator *>(object) != nullptr || dynamic_cast<ClampedText *>(object) != nullptr) {
         return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::StaticText);
     }
-    if (dynamic_cast<SuggestionCard *>(object) != nullptr) {
+    if (dynamic_cast<SuggestionCard *>(object) != nullptr || dynamic_cast<FormSection *>(object) != nullptr) {
         return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Grouping);
+    }
+    if (dynamic_cast<SettingsWindow *>(object) != nullptr || dynamic_cast<MenuWindow *>(object) != nullptr) {
+        return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::Window);
     }
     return nullptr;
 }

@@ -3,7 +3,7 @@
 
 namespace quillory::ui {
 
-/// Tells assistive tools what the card views are. Once for the whole program; further calls do nothing.
+/// Tells assistive tools what our own views are. Once for the whole program; further calls do nothing.
 void installAccessibleViews();
 
 } // namespace quillory::ui

@@ -7,11 +7,28 @@
 #include "Quillory/PasteQueue.h"
 #include "Quillory/Text.h"
 #include "Quillory/TypingMonitor.h"
+#include "Quillory/UI/MenuWindow.h"
+#include "Quillory/UI/Settings/SettingsWindow.h"
+#include "Quillory/UI/StatusItem.h"
+#include "Quillory/UI/StatusMenu.h"
 #include "Quillory/UI/SuggestionViewHost.h"
+
+#include <QApplication>
+#include <QUrl>
 
 #include <cstdio>
 
 namespace quillory::ui {
+
+namespace {
+/// A panel may start after us, when the session begins.
+constexpr std::chrono::seconds patienceForTray{10};
+
+void flip(const QString &key) {
+    platform::UserDefaults &store = AppSettings::shared().store();
+    store.set(key, !store.boolean(key));
+}
+} // namespace
 
 AppDelegate::AppDelegate()
     : m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
@@ -21,6 +38,7 @@ AppDelegate::~AppDelegate() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+    setUpStatusItem();
     platform::Accessibility &accessibility = platform::current().accessibility;
     const bool trusted = accessibility.isProcessTrusted();
     FileLog::log(QStringLiteral("launched, accessibility trusted = %1").arg(text::trueOrFalse(trusted)));
@@ -32,7 +50,82 @@ void AppDelegate::applicationDidFinishLaunching() {
         std::fputs(
             "quillory: no OpenRouter API key is set; give one with: quillory defaults write openRouterAPIKey -\n",
             stderr);
+        openSettings();
     }
+}
+
+void AppDelegate::setUpStatusItem() {
+    m_menu = std::make_unique<StatusMenu>();
+    m_enabledItem = m_menu->addToggle(QStringLiteral("Suggestions Enabled"), [this] { toggleEnabled(); });
+    m_compareItem = m_menu->addToggle(QStringLiteral("Compare Two Models"), [this] { toggleCompare(); });
+    m_accessItem =
+        m_menu->addItem(QStringLiteral("Grant Accessibility Access…"), [this] { openAccessibilitySettings(); });
+    m_menu->addSeparator();
+    m_menu->addItem(
+        QStringLiteral("Settings…"), [this] { openSettings(); }, Qt::Key_Comma);
+    m_menu->addSeparator();
+    m_menu->addItem(
+        QStringLiteral("Quit Quillory"), [] { QApplication::quit(); }, Qt::Key_Q);
+    QObject::connect(m_menu.get(), &QMenu::aboutToShow, m_menu.get(), [this] { menuNeedsUpdate(); });
+    menuNeedsUpdate(); // a tray may read the menu long before it opens it
+    m_statusItem = std::make_unique<StatusItem>(*m_menu);
+    platform::current().mainQueue.postAfter(patienceForTray, [this, life = std::weak_ptr(m_life)] {
+        if (!life.expired()) {
+            tellOfMissingTray();
+        }
+    });
+}
+
+void AppDelegate::tellOfMissingTray() {
+    if (!platform::current().statusBar.isAvailable()) {
+        std::fputs("quillory: this desktop has no place for status icons; start quillory again to open its menu\n",
+                   stderr);
+    }
+}
+
+void AppDelegate::menuNeedsUpdate() {
+    const platform::UserDefaults &store = AppSettings::shared().store();
+    m_enabledItem->setChecked(store.boolean(settingsKey::enabled));
+    m_compareItem->setChecked(store.boolean(settingsKey::compareMode));
+    m_accessItem->setVisible(!platform::current().accessibility.isProcessTrusted());
+}
+
+void AppDelegate::toggleEnabled() {
+    flip(settingsKey::enabled);
+}
+
+void AppDelegate::toggleCompare() {
+    flip(settingsKey::compareMode);
+}
+
+void AppDelegate::openAccessibilitySettings() {
+    platform::current().accessibility.isProcessTrustedWithPrompt();
+    const QUrl page(QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+    if (page.isValid()) {
+        platform::current().workspace.open(page);
+    }
+}
+
+void AppDelegate::openSettings() {
+    if (m_settingsWindow == nullptr) {
+        m_settingsWindow = std::make_unique<SettingsWindow>();
+    }
+    m_settingsWindow->makeKeyAndOrderFront();
+}
+
+void AppDelegate::applicationDidReopen() {
+    if (platform::current().statusBar.isAvailable()) {
+        openSettings();
+    } else {
+        openMenu();
+    }
+}
+
+void AppDelegate::openMenu() {
+    if (m_menuWindow == nullptr) {
+        m_menuWindow = std::make_unique<MenuWindow>(*m_menu);
+    }
+    m_menuWindow->open();
 }
 
 } // namespace quillory::ui

@@ -3,11 +3,18 @@
 
 #include <memory>
 
+class QAction;
+
 namespace quillory {
 class TypingMonitor;
 }
 
 namespace quillory::ui {
+
+class MenuWindow;
+class SettingsWindow;
+class StatusItem;
+class StatusMenu;
 
 /// Starts everything in its order and owns it for the life of the program. One per process, main thread only.
 class AppDelegate {
@@ -18,9 +25,30 @@ class AppDelegate {
 
     /// Called once, when the event loop runs.
     void applicationDidFinishLaunching();
+    /// The user started the program again: shows the settings, or the menu where there is no tray to show it.
+    void applicationDidReopen();
 
   private:
+    void setUpStatusItem();
+    void menuNeedsUpdate();
+    void toggleEnabled();
+    void toggleCompare();
+    void openAccessibilitySettings();
+    void openSettings();
+    void openMenu();
+    void tellOfMissingTray();
+
+    std::unique_ptr<StatusMenu> m_menu;
+    QAction *m_enabledItem = nullptr;
+    QAction *m_compareItem = nullptr;
+    QAction *m_accessItem = nullptr;
+    std::unique_ptr<StatusItem> m_statusItem;
+    /// Both are made when they are first shown, and only hidden when they are closed.
+    std::unique_ptr<SettingsWindow> m_settingsWindow;
+    std::unique_ptr<MenuWindow> m_menuWindow;
     std::shared_ptr<TypingMonitor> m_monitor;
+    /// Gone with this, so that what was put off knows.
+    std::shared_ptr<bool> m_life = std::make_shared<bool>();
 };
 
 } // namespace quillory::ui

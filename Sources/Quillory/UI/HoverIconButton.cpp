@@ -33,9 +33,17 @@ QSize HoverIconButton::sizeHint() const {
 
 void HoverIconButton::paintEvent(QPaintEvent * /*event*/) {
     QPainter painter(this);
-    const double opacity = restOpacity + (1 - restOpacity) * m_hover.progress();
+    const Look &look = lookOf(*this);
     const QRectF symbol(clickMargin, clickMargin, symbolExtent(), symbolExtent());
-    drawSymbol(painter, symbol, m_systemName, faded(lookOf(*this).secondary, opacity));
+    if (focusPolicy() == Qt::NoFocus) {
+        const double opacity = restOpacity + (1 - restOpacity) * m_hover.progress();
+        drawSymbol(painter, symbol, m_systemName, faded(look.secondary, opacity));
+        return;
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillPath(continuousRoundedRect(rect(), clickMargin),
+                     faded(look.primary, hasFocus() ? 0.12 : 0.08 * m_hover.progress()));
+    drawSymbol(painter, symbol, m_systemName, look.secondary);
 }
 
 } // namespace quillory::ui

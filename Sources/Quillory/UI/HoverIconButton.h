@@ -7,8 +7,9 @@
 
 namespace quillory::ui {
 
-/// A symbol that acts when clicked and stands out while the pointer is over it. It takes clicks on all of its size
-/// hint, which is larger than the symbol in its centre.
+/// A symbol that acts when clicked and stands out while the pointer is over it: from a faint one by itself, or, where
+/// it can have the keyboard focus, by a background. It takes clicks on all of its size hint, which is larger than the
+/// symbol in its centre.
 class HoverIconButton final : public QAbstractButton {
   public:
     /// name: what assistive tools call it.

@@ -15,6 +15,12 @@ inline const QString wand = QStringLiteral("wand.and.stars");
 inline const QString bolt = QStringLiteral("bolt.fill");
 inline const QString checkmark = QStringLiteral("checkmark");
 inline const QString close = QStringLiteral("xmark.circle.fill");
+inline const QString sliders = QStringLiteral("slider.horizontal.3");
+inline const QString briefcase = QStringLiteral("briefcase");
+inline const QString warning = QStringLiteral("exclamationmark.triangle.fill");
+inline const QString done = QStringLiteral("checkmark.circle.fill");
+inline const QString trash = QStringLiteral("trash");
+inline const QString plus = QStringLiteral("plus.circle.fill");
 } // namespace symbolName
 
 /// The side of the square that a symbol takes beside text of this size, in points.

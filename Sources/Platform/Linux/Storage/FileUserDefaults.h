@@ -26,6 +26,7 @@ class FileUserDefaults final : public UserDefaults {
     [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
     bool set(const QString &key, const DefaultsValue &value) override;
     bool remove(const QString &key) override;
+    [[nodiscard]] bool isFailingToSave() const override { return m_stored.isFailingToSave(); }
 
   private:
     template <typename T> std::optional<T> value(const QString &key) const;

@@ -60,6 +60,18 @@ struct ToJson {
     Json operator()(const QString &value) const { return value.toStdString(); }
     Json operator()(const QByteArray &value) const { return {{dataMember, value.toBase64().toStdString()}}; }
 };
+
+/// A value of another type was written by hand, or by a version to come: it is put aside, not overwritten.
+void keepOtherType(Json &document, const std::string &key, const DefaultsValue &replacement) {
+    const auto member = document.find(key);
+    if (member == document.end()) {
+        return;
+    }
+    const std::optional<DefaultsValue> old = valueFrom(*member);
+    if (!old || old->index() != replacement.index()) {
+        document[key + ".replaced"] = Json(*member);
+    }
+}
 } // namespace
 
 std::optional<Values> values(const QByteArray &json) {
@@ -80,6 +92,7 @@ QByteArray merged(const QByteArray &json, const Changes &changes) {
     Json document = parsed(json).value_or(Json::object());
     for (const auto &[key, value] : changes) {
         if (value) {
+            keepOtherType(document, key.toStdString(), *value);
             document[key.toStdString()] = std::visit(ToJson(), *value);
         } else {
             document.erase(key.toStdString());

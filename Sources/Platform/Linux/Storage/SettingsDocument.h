@@ -13,8 +13,9 @@ using Changes = std::map<QString, std::optional<DefaultsValue>>;
 
 /// The values of a document, without members of any other form; absent when it is no such document at all.
 [[nodiscard]] std::optional<Values> values(const QByteArray &json);
-/// The document with these changes and everything else as it was, members that values() leaves out included. The
-/// document must be one that values() can read; an empty one counts as such.
+/// The document with these changes and everything else as it was, members that values() leaves out included; what a
+/// change of another type takes the place of is kept as "<key>.replaced". The document must be one that values() can
+/// read; an empty one counts as such.
 [[nodiscard]] QByteArray merged(const QByteArray &json, const Changes &changes);
 
 } // namespace platform::desktop::settingsDocument

@@ -85,13 +85,15 @@ bool StoredSettings::change(const QString &key, const std::optional<DefaultsValu
         return save();
     }
     m_work.notify_one();
-    return true;
+    return !m_isFailing;
 }
 
 void StoredSettings::load() {
     const Content content = m_file.read();
-    if (auto values = valuesOf(content)) {
-        adopt(*std::move(values), content.stamp);
+    if (m_hadContent && content.state == Content::State::readable && qHash(content.bytes) == m_hash) {
+        remember(content.stamp); // taking a long file to pieces again would cost milliseconds
+    } else if (auto values = valuesOf(content)) {
+        adopt(*std::move(values), content);
     } else if (mayBecomeWhole(content)) {
         m_stampIsFresh = true;
     } else {
@@ -104,12 +106,17 @@ bool StoredSettings::mayBecomeWhole(const Content &content) const {
     return m_hadContent && content.stamp && age(*content.stamp) < longestPartialWrite;
 }
 
-void StoredSettings::adopt(settingsDocument::Values values, const std::optional<FileStamp> &stamp) {
+void StoredSettings::adopt(settingsDocument::Values values, const Content &content) {
     m_onDisk = std::move(values);
+    m_hash = qHash(content.bytes);
+    m_hadContent = content.stamp.has_value();
+    m_isBroken = false;
+    remember(content.stamp);
+}
+
+void StoredSettings::remember(const std::optional<FileStamp> &stamp) {
     m_stamp = stamp;
     m_stampIsFresh = stamp && age(*stamp) < coarsestFileTime;
-    m_hadContent = stamp.has_value();
-    m_isBroken = false;
 }
 
 /// Lets the defaults hold for as long as the file looks like this.
@@ -121,9 +128,15 @@ void StoredSettings::forget(const std::optional<FileStamp> &stamp) {
     m_isBroken = false;
 }
 
-/// Saves all that is unsaved on top of what is on disk now, after a broken file has been got out of the way.
 bool StoredSettings::save() {
     const std::scoped_lock oneAtATime(m_saveMutex);
+    const bool isSaved = trySave();
+    m_isFailing = !isSaved;
+    return isSaved;
+}
+
+/// Saves all that is unsaved on top of what is on disk now, after a broken file has been got out of the way.
+bool StoredSettings::trySave() {
     const auto changes = [this] {
         const std::scoped_lock lock(m_mutex);
         return m_unsaved;
@@ -140,12 +153,13 @@ bool StoredSettings::save() {
     if (!saved) {
         return false;
     }
+    auto values = valuesOf(*saved).value_or(settingsDocument::Values());
     const std::scoped_lock lock(m_mutex);
     std::erase_if(m_unsaved, [&changes](const auto &unsaved) { // what came meanwhile is still to be saved
         const auto done = changes.find(unsaved.first);
         return done != changes.end() && done->second == unsaved.second;
     });
-    adopt(valuesOf(*saved).value_or(settingsDocument::Values()), saved->stamp);
+    adopt(std::move(values), *saved);
     return true;
 }
 

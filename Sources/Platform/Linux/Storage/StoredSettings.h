@@ -4,6 +4,7 @@
 #include "Platform/Linux/Storage/SettingsDocument.h"
 #include "Platform/Linux/Storage/SettingsFile.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -14,7 +15,7 @@ enum class Saving {
     /// Whoever changes a setting waits, and hears whether it was saved.
     atOnce,
     /// Nobody waits: a thread of the store's own saves, at the latest when the store is destroyed. A failure is said on
-    /// standard error.
+    /// standard error, and shows in what is asked later.
     inBackground,
 };
 
@@ -29,15 +30,19 @@ class StoredSettings {
     [[nodiscard]] std::optional<DefaultsValue> value(const QString &key);
     /// Takes a change (absent: the key is removed); false when it is known not to have been saved.
     bool change(const QString &key, const std::optional<DefaultsValue> &value);
+    /// Whether the last save failed.
+    [[nodiscard]] bool isFailingToSave() const { return m_isFailing; }
 
   private:
     // Under the mutex; reading takes microseconds.
     void load();
-    void adopt(settingsDocument::Values values, const std::optional<FileStamp> &stamp);
+    void adopt(settingsDocument::Values values, const SettingsFile::Content &content);
+    void remember(const std::optional<FileStamp> &stamp);
     void forget(const std::optional<FileStamp> &stamp);
     [[nodiscard]] bool mayBecomeWhole(const SettingsFile::Content &content) const;
     // Without it: these wait for the disk and for other writers.
     bool save();
+    bool trySave();
     bool moveAside(const SettingsFile::Content &content, const SettingsFile::Lock &fileLock);
     void saveInBackground(const std::stop_token &stop);
 
@@ -48,6 +53,7 @@ class StoredSettings {
     settingsDocument::Values m_onDisk;
     settingsDocument::Changes m_unsaved;
     /// Of the content in m_onDisk.
+    std::size_t m_hash = 0;
     std::optional<FileStamp> m_stamp;
     /// Whether m_stamp may also be that of a later content.
     bool m_stampIsFresh = false;
@@ -55,6 +61,7 @@ class StoredSettings {
     /// Whether the file has to be got out of the way.
     bool m_isBroken = false;
 
+    std::atomic<bool> m_isFailing = false;
     /// One save at a time. Locked before m_mutex.
     std::mutex m_saveMutex;
     /// Whether the file was last found to be broken and had to be left, and which one that was.

@@ -1,0 +1,185 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// How long the settings window takes to come up and to follow its user, with 500 FAQ entries and with a profile of a
+// megabyte, on a settings file on disk. Time of the main thread, painting included: by the clock for opening, which
+// waits for the X server and the window manager, else its processor time.
+#include "Quillory/UI/Settings/SettingsWindow.h"
+
+#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Storage/FileUserDefaults.h"
+#include "Quillory/AppSettings.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPlainTextEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTabBar>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+
+namespace quillory {
+namespace {
+
+using ui::SettingsWindow;
+
+constexpr int entries = 500;
+constexpr int edits = 300;
+
+struct Times {
+    std::vector<double> milliseconds;
+    void print(const char *what) {
+        std::ranges::sort(milliseconds);
+        std::printf("%-44s median %6.2f ms   worst %6.2f ms\n", what, milliseconds.at(milliseconds.size() / 2),
+                    milliseconds.back());
+    }
+};
+
+class PaintWatch final : public QObject {
+  public:
+    explicit PaintWatch(QWidget &watched) { watched.installEventFilter(this); }
+    bool isPainted = false;
+    bool eventFilter(QObject *, QEvent *event) override {
+        isPainted = isPainted || event->type() == QEvent::Paint;
+        return false;
+    }
+};
+
+double milliseconds(clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
+template <typename Deed> double timed(Deed deed, clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
+    const double start = milliseconds(clock);
+    deed();
+    QApplication::processEvents();
+    return milliseconds(clock) - start;
+}
+
+double opening(SettingsWindow &window) {
+    PaintWatch watch(window);
+    return timed(
+        [&] {
+            window.makeKeyAndOrderFront();
+            while (!watch.isPainted) {
+                QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            }
+        },
+        CLOCK_MONOTONIC);
+}
+
+double typing(QWidget *field, QChar character) {
+    return timed([&] {
+        QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(character));
+        QApplication::sendEvent(field, &press);
+    });
+}
+
+Times manyEdits(QWidget *field) {
+    Times times;
+    for (int i = 0; i < edits; ++i) {
+        times.milliseconds.push_back(typing(field, i % 9 == 8 ? u' ' : u'a'));
+    }
+    return times;
+}
+
+QScrollArea &business(SettingsWindow &window) {
+    return *window.findChild<QTabBar *>()->parentWidget()->findChildren<QScrollArea *>().at(1);
+}
+
+void measureFAQ() {
+    QList<FAQEntry> list;
+    const QString answer = QStringLiteral("Delivery is BD 2 anywhere in Bahrain and free above BD 30. ");
+    for (int i = 0; i < entries; ++i) {
+        list.append({QUuid::createUuid(), QStringLiteral("Question number %1?").arg(i), answer.repeated(1 + i % 4)});
+    }
+    AppSettings::shared().setFAQEntries(list);
+
+    Times first;
+    for (int i = 0; i < 10; ++i) {
+        SettingsWindow *window = nullptr;
+        const double making = timed([&] { window = new SettingsWindow; }, CLOCK_MONOTONIC);
+        first.milliseconds.push_back(making + opening(*window));
+        delete window;
+    }
+    first.print("opening the window");
+    SettingsWindow window;
+    opening(window);
+    Times tab{{timed([&] { window.findChild<QTabBar *>()->setCurrentIndex(1); })}};
+    tab.print("first look at 500 FAQ entries");
+    Times again;
+    for (int i = 0; i < 10; ++i) {
+        window.close();
+        QApplication::processEvents();
+        again.milliseconds.push_back(opening(window));
+    }
+    again.print("opening it again");
+
+    QScrollBar *bar = business(window).verticalScrollBar();
+    Times scrolling;
+    for (int i = 0; i < 400; ++i) {
+        scrolling.milliseconds.push_back(timed([&] { bar->setValue(bar->value() + 60); }));
+    }
+    scrolling.print("scrolling by 60 points");
+    Times jumping;
+    for (int i = 0; i < 100; ++i) {
+        jumping.milliseconds.push_back(timed([&] { bar->setValue((i * 7919) % bar->maximum()); }));
+    }
+    jumping.print("jumping to another place");
+    const auto fields = business(window).widget()->findChildren<QPlainTextEdit *>();
+    QPlainTextEdit *field = fields.back();
+    field->setFocus();
+    manyEdits(field).print("typing a character into an answer");
+}
+
+void measureProfile() {
+    for (const bool isOneLine : {false, true}) {
+        const QString sentence = QStringLiteral("We sell dresses and deliver all over Bahrain.");
+        AppSettings::shared().store().set(
+            settingsKey::businessProfile,
+            (sentence + (isOneLine ? u' ' : u'\n')).repeated(1'000'000 / (sentence.size() + 1)));
+        SettingsWindow window;
+        opening(window);
+        Times tab{{timed([&] { window.findChild<QTabBar *>()->setCurrentIndex(1); })}};
+        tab.print(isOneLine ? "first look at a profile of 1 MB in one line" : "first look at a profile of 1 MB");
+        auto *field = business(window).widget()->findChild<QPlainTextEdit *>();
+        field->setFocus();
+        manyEdits(field).print("typing a character into it");
+    }
+}
+
+platform::Platform withRealStore(platform::MainQueue &queue, platform::UserDefaults &store) {
+    const platform::Platform &simulated = platform::current();
+    return {.accessibility = simulated.accessibility,
+            .eventTaps = simulated.eventTaps,
+            .keyPoster = simulated.keyPoster,
+            .mainQueue = queue,
+            .panelWindows = simulated.panelWindows,
+            .pasteboard = simulated.pasteboard,
+            .process = simulated.process,
+            .screens = simulated.screens,
+            .statusBar = simulated.statusBar,
+            .urlSession = simulated.urlSession,
+            .userDefaults = store,
+            .workspace = simulated.workspace};
+}
+
+} // namespace
+} // namespace quillory
+
+int main(int argc, char **argv) {
+    const QApplication application(argc, argv);
+    quillory::test::SimulatedDesktop desktop;
+    const QTemporaryDir folder;
+    platform::desktop::QtMainQueue queue;
+    platform::desktop::FileUserDefaults store(folder.path(), platform::desktop::Saving::inBackground);
+    const platform::Platform services = quillory::withRealStore(queue, store);
+    const platform::Installation installation(services);
+    quillory::measureFAQ();
+    quillory::measureProfile();
+    return 0;
+}

@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/ConnectionTest.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/OpenRouterClient.h"
+#include "Quillory/RewriteError.h"
+
+namespace quillory {
+
+namespace {
+
+QString failure(const QString &description) {
+    return QStringLiteral("✗ ") + description;
+}
+
+// On the task's thread.
+QString outcome(const std::stop_token &stop) {
+    try {
+        static_cast<void>(OpenRouterClient::rewrite(QStringLiteral("helo this is a quik test mesage"), stop));
+        return QStringLiteral("✓ Working");
+    } catch (const RewriteError &error) {
+        return failure(error.description());
+    } catch (const std::exception &error) {
+        return failure(QString::fromUtf8(error.what()));
+    }
+}
+
+} // namespace
+
+ConnectionTest::ConnectionTest(std::function<void()> changed) : m_changed(std::move(changed)) {}
+
+void ConnectionTest::run() {
+    if (m_isTesting) {
+        return;
+    }
+    m_isTesting = true;
+    m_result.reset();
+    const auto task = m_tasks.start([this, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
+        platform::current().mainQueue.post([this, life, result = outcome(stop)] {
+            if (!life.expired()) {
+                finish(result);
+            }
+        });
+    });
+    if (task) {
+        m_changed();
+    } else {
+        finish(failure(QStringLiteral("There is no thread for the request")));
+    }
+}
+
+void ConnectionTest::finish(const QString &result) {
+    m_isTesting = false;
+    m_result = result;
+    m_changed();
+}
+
+} // namespace quillory

@@ -1,0 +1,136 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/MenuWindow.h"
+
+#include "Quillory/UI/AccessibleViews.h"
+#include "Quillory/UI/Hover.h"
+#include "Quillory/UI/Look.h"
+#include "Quillory/UI/Symbols.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace quillory::ui {
+
+namespace {
+
+constexpr int margin = 5;
+constexpr int rowPadding = 5;
+constexpr int checkColumn = 26;
+constexpr int keyGap = 30;
+
+class MenuRow final : public QAbstractButton {
+  public:
+    MenuRow(QAction &item, QWidget *parent) : QAbstractButton(parent), m_item(item), m_hover(*this) {
+        setFocusPolicy(Qt::StrongFocus);
+        setFont(systemFont(13));
+        setText(item.text());
+        setCheckable(item.isCheckable());
+        setChecked(item.isChecked());
+        connect(this, &QAbstractButton::clicked, &item, &QAction::trigger);
+        connect(&item, &QAction::changed, this, [this] { setChecked(m_item.isChecked()); });
+    }
+
+    [[nodiscard]] QSize sizeHint() const override {
+        const QFontMetrics metrics(font());
+        return {checkColumn + metrics.horizontalAdvance(text()) + keyGap + metrics.horizontalAdvance(key()) +
+                    margin * 2,
+                metrics.height() + 2 * rowPadding};
+    }
+
+  protected:
+    void paintEvent(QPaintEvent * /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const bool isChosen = hasFocus() || m_hover.progress() > 0;
+        if (isChosen) {
+            painter.fillPath(continuousRoundedRect(rect(), 6), palette().color(QPalette::Highlight));
+        }
+        const QColor color = isChosen ? palette().color(QPalette::HighlightedText) : lookOf(*this).primary;
+        if (isChecked()) {
+            const double side = symbolSide(10);
+            drawSymbol(painter, {(checkColumn - side) / 2, (height() - side) / 2, side, side}, symbolName::checkmark,
+                       color);
+        }
+        const QRect texts = rect().adjusted(checkColumn, 0, -margin * 2, 0);
+        painter.setPen(color);
+        painter.drawText(texts, Qt::AlignLeft | Qt::AlignVCenter, text());
+        painter.setPen(isChosen ? color : lookOf(*this).tertiary);
+        painter.drawText(texts, Qt::AlignRight | Qt::AlignVCenter, key());
+    }
+
+  private:
+    [[nodiscard]] QString key() const { return m_item.shortcut().toString(QKeySequence::NativeText); }
+
+    QAction &m_item;
+    Hover m_hover;
+};
+
+class Line final : public QWidget {
+  public:
+    explicit Line(QWidget *parent) : QWidget(parent) { setFixedHeight(2 * margin + 1); }
+
+  protected:
+    void paintEvent(QPaintEvent * /*event*/) override {
+        QPainter(this).fillRect(2 * margin, margin, width() - 4 * margin, 1, faded(lookOf(*this).primary, 0.12));
+    }
+};
+
+} // namespace
+
+MenuWindow::MenuWindow(QMenu &menu)
+    : QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+      m_menu(menu) {
+    installAccessibleViews();
+    setWindowTitle(QStringLiteral("Quillory"));
+    addActions(menu.actions()); // for their keys
+    auto *const rows = new QVBoxLayout(this);
+    rows->setContentsMargins(margin, margin, margin, margin);
+    rows->setSpacing(0);
+    rows->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void MenuWindow::open() {
+    Q_EMIT m_menu.aboutToShow();
+    qDeleteAll(findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly));
+    addRows();
+    show();
+    raise();
+    activateWindow();
+}
+
+void MenuWindow::addRows() {
+    for (QAction *item : m_menu.actions()) {
+        if (item->isVisible()) {
+            layout()->addWidget(item->isSeparator() ? static_cast<QWidget *>(new Line(this))
+                                                    : new MenuRow(*item, this));
+        }
+    }
+}
+
+void MenuWindow::keyPressEvent(QKeyEvent *event) {
+    switch (event->key()) {
+    case Qt::Key_Escape:
+        close();
+        break;
+    case Qt::Key_Down:
+        focusNextChild();
+        break;
+    case Qt::Key_Up:
+        focusPreviousChild();
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (auto *const row = qobject_cast<QAbstractButton *>(focusWidget())) {
+            row->click();
+        }
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+} // namespace quillory::ui

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QWidget>
+
+class QMenu;
+
+namespace quillory::ui {
+
+/// A menu's items in a small window, for desktops without a tray. It stays open until it is closed, so that what a
+/// toggle did can be seen. Keys do what they do in a menu.
+class MenuWindow final : public QWidget {
+  public:
+    explicit MenuWindow(QMenu &menu);
+    /// Shows the items as they are now, in front of other windows.
+    void open();
+
+  protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+  private:
+    void addRows();
+
+    QMenu &m_menu;
+};
+
+} // namespace quillory::ui

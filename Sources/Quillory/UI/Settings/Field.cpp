@@ -1,0 +1,213 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/Settings/Field.h"
+
+#include "Quillory/UI/Look.h"
+#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Settings/SlimScrollBar.h"
+
+#include <QMimeData>
+#include <QPainter>
+#include <QTextLayout>
+#include <QValidator>
+
+#include <algorithm>
+
+namespace quillory::ui {
+
+namespace {
+
+constexpr double radius = 6;
+constexpr int sideMargin = 6;
+constexpr int topMargin = 4;
+/// Without it the toolkit finds the last line too large for its field, and scrolls.
+constexpr int slack = 1;
+
+bool isControl(QChar character) {
+    return character.category() == QChar::Other_Control;
+}
+
+/// Word processors end a line within a paragraph with one of these.
+bool isLineBreak(QChar character) {
+    constexpr auto breaks = u"\n\r\v\f\u0085\u2028\u2029";
+    return QStringView(breaks).contains(character);
+}
+
+/// The text with line breaks of one kind and without other control characters.
+QString clean(QString text, QChar lineBreak) {
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    for (QChar &character : text) {
+        if (isLineBreak(character)) {
+            character = lineBreak;
+        }
+    }
+    text.removeIf([lineBreak](QChar c) { return isControl(c) && c != lineBreak && c != u'\t'; });
+    return text;
+}
+
+/// Cleans what is typed or pasted into a single line.
+class OneLine final : public QValidator {
+  public:
+    using QValidator::QValidator;
+    State validate(QString &input, int &position) const override {
+        position = static_cast<int>(clean(input.left(position), u' ').size());
+        input = clean(input, u' ');
+        return Acceptable;
+    }
+};
+
+void paintField(QPainter &painter, const QWidget &field) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF frame = QRectF(field.rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    painter.setPen(QPen(faded(lookOf(field).primary, 0.15), 1));
+    painter.setBrush(field.palette().color(QPalette::Window).lightness() < 128
+                         ? field.palette().color(QPalette::Window).darker(125)
+                         : QColor(Qt::white));
+    painter.drawPath(continuousRoundedRect(frame, radius - 0.5));
+    if (field.hasFocus()) {
+        painter.setPen(QPen(faded(field.palette().color(QPalette::Highlight), 0.75), 2));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawPath(continuousRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), radius - 1));
+    }
+}
+
+void clearBase(QWidget &field) {
+    QPalette own = field.palette();
+    if (own.color(QPalette::Base) != Qt::transparent) {
+        own.setColor(QPalette::Base, Qt::transparent);
+        field.setPalette(own);
+    }
+}
+
+} // namespace
+
+LineField::LineField(const QString &placeholder) {
+    setPlaceholderText(placeholder);
+    setFont(formFont(fieldPoints));
+    setFrame(false);
+    setTextMargins(sideMargin - 2, 0, sideMargin - 2, 0);
+    setValidator(new OneLine(this));
+    clearBase(*this);
+}
+
+QSize LineField::sizeHint() const {
+    return {0, TextField::lineHeight()};
+}
+
+void LineField::changeEvent(QEvent *event) {
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        setFont(formFont(fieldPoints));
+    } else if (event->type() == QEvent::PaletteChange) {
+        clearBase(*this);
+    }
+}
+
+void LineField::paintEvent(QPaintEvent *event) {
+    QPainter painter(this);
+    paintField(painter, *this);
+    painter.end();
+    QLineEdit::paintEvent(event);
+}
+
+TextField::TextField(const QString &placeholder) {
+    setPlaceholderText(placeholder);
+    setAccessibleDescription(placeholder); // the toolkit tells that of single lines only
+    setFont(formFont(fieldPoints));
+    setFrameShape(NoFrame);
+    setTabChangesFocus(true);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QTextOption option = document()->defaultTextOption();
+    option.setTextDirection(Qt::LayoutDirectionAuto); // each paragraph by its own script
+    document()->setDefaultTextOption(option);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBar(new SlimScrollBar);
+    setViewportMargins(sideMargin, topMargin, sideMargin, topMargin);
+    document()->setDocumentMargin(0);
+    viewport()->setAutoFillBackground(false);
+    clearBase(*this);
+    connect(this, &QPlainTextEdit::textChanged, this, [this] {
+        if (!m_isShowing && onEdit) {
+            onEdit();
+        }
+    });
+}
+
+QString TextField::text() const {
+    return document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
+}
+
+void TextField::showText(const QString &text) {
+    m_isShowing = true;
+    const int position = textCursor().position();
+    setPlainText(text);
+    QTextCursor cursor = textCursor();
+    cursor.setPosition(std::min(position, document()->characterCount() - 1));
+    setTextCursor(cursor);
+    document()->setModified(false);
+    m_isShowing = false;
+}
+
+int TextField::lineHeight() {
+    return qCeil(QFontMetricsF(formFont(fieldPoints)).height()) + slack + 2 * topMargin;
+}
+
+int TextField::heightFor(const QString &text, int width, int mostLines) {
+    // As much as can be in so many lines; a long text is not laid out for the sake of its first lines.
+    constexpr qsizetype mostPerLine = 400;
+    QString start = text.left(mostLines * mostPerLine);
+    start.replace(u'\n', QChar::LineSeparator);
+    QTextLayout layout(start, formFont(fieldPoints));
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    double height = 0;
+    for (int lines = 0; lines < mostLines; ++lines) {
+        QTextLine line = layout.createLine();
+        if (!line.isValid()) {
+            break;
+        }
+        line.setLineWidth(width - 2 * sideMargin);
+        height += line.height();
+    }
+    layout.endLayout();
+    return std::max(lineHeight(), qCeil(height) + slack + 2 * topMargin);
+}
+
+bool TextField::event(QEvent *event) {
+    if (event->type() == QEvent::Paint) { // of the frame; the text is the viewport's
+        QPainter painter(this);
+        paintField(painter, *this);
+        return true;
+    }
+    return QPlainTextEdit::event(event);
+}
+
+void TextField::changeEvent(QEvent *event) {
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        setFont(formFont(fieldPoints));
+    } else if (event->type() == QEvent::PaletteChange) {
+        clearBase(*this);
+    }
+}
+
+void TextField::focusInEvent(QFocusEvent *event) {
+    document()->setModified(false);
+    QPlainTextEdit::focusInEvent(event);
+    update();
+}
+
+void TextField::focusOutEvent(QFocusEvent *event) {
+    QPlainTextEdit::focusOutEvent(event);
+    update();
+}
+
+void TextField::insertFromMimeData(const QMimeData *source) {
+    if (source->hasText()) {
+        textCursor().insertText(clean(source->text(), u'\n'));
+        ensureCursorVisible();
+    }
+}
+
+} // namespace quillory::ui

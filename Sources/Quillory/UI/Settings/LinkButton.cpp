@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/Settings/LinkButton.h"
+
+#include "Quillory/UI/Look.h"
+#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Symbols.h"
+
+#include <QEvent>
+#include <QPainter>
+
+namespace quillory::ui {
+
+namespace {
+constexpr int padding = 3;
+constexpr int gap = 5;
+} // namespace
+
+LinkButton::LinkButton(const QString &symbol, const QString &label) : m_symbol(symbol), m_hover(*this) {
+    setText(label);
+    setFont(formFont(bodyPoints));
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize LinkButton::sizeHint() const {
+    const QFontMetrics metrics(font());
+    const int side = qRound(symbolSide(bodyPoints * textScale()));
+    return {2 * padding + side + gap + metrics.horizontalAdvance(text()),
+            2 * padding + std::max(side, metrics.height())};
+}
+
+void LinkButton::changeEvent(QEvent *event) {
+    QAbstractButton::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        setFont(formFont(bodyPoints));
+    }
+}
+
+void LinkButton::paintEvent(QPaintEvent * /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (showsFocus(*this)) {
+        painter.setPen(QPen(faded(palette().color(QPalette::Highlight), 0.7), 2));
+        painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 5));
+    }
+    const QColor accent = faded(tintColor(*this, Tint::accent), isDown() ? 0.6 : 1 - 0.15 * m_hover.progress());
+    const double side = symbolSide(bodyPoints * textScale());
+    drawSymbol(painter, {double(padding), std::round((height() - side) / 2), side, side}, m_symbol, accent);
+    painter.setPen(accent);
+    painter.drawText(rect().adjusted(padding + qRound(side) + gap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
+}
+
+} // namespace quillory::ui

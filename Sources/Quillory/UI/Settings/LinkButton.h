@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/UI/Hover.h"
+
+#include <QAbstractButton>
+
+namespace quillory::ui {
+
+/// A button without a border: a symbol and a label in the accent colour.
+class LinkButton final : public QAbstractButton {
+  public:
+    LinkButton(const QString &symbol, const QString &label);
+    [[nodiscard]] QSize sizeHint() const override;
+
+  protected:
+    void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+  private:
+    QString m_symbol;
+    Hover m_hover;
+};
+
+} // namespace quillory::ui

@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/Settings/SettingsTabBar.h"
+
+#include "Quillory/UI/Look.h"
+#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Symbols.h"
+
+#include <QEvent>
+#include <QPainter>
+
+namespace quillory::ui {
+
+namespace {
+constexpr double symbolPoints = 15;
+constexpr double leastWidth = 76;
+constexpr int sidePadding = 12;
+constexpr int topPadding = 5;
+constexpr int gap = 2;
+constexpr double radius = 7;
+} // namespace
+
+SettingsTabBar::SettingsTabBar() {
+    setFont(formFont(captionPoints));
+    setDrawBase(false);
+    setExpanding(false);
+    setUsesScrollButtons(false);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setFocusPolicy(Qt::TabFocus);
+    setAttribute(Qt::WA_Hover);
+}
+
+void SettingsTabBar::add(const QString &symbol, const QString &label) {
+    setTabData(addTab(label), symbol);
+}
+
+QSize SettingsTabBar::tabSizeHint(int index) const {
+    const QFontMetrics metrics(font());
+    const int width = std::max(scaled(leastWidth), metrics.horizontalAdvance(tabText(index)) + 2 * sidePadding);
+    const int symbol = qRound(symbolSide(symbolPoints * textScale()));
+    return {width, topPadding + symbol + gap + metrics.height() + topPadding};
+}
+
+QSize SettingsTabBar::sizeHint() const {
+    QSize size;
+    for (int i = 0; i < count(); ++i) {
+        size = {size.width() + tabSizeHint(i).width(), tabSizeHint(i).height()};
+    }
+    return size;
+}
+
+void SettingsTabBar::changeEvent(QEvent *event) {
+    QTabBar::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange) {
+        setFont(formFont(captionPoints));
+    }
+}
+
+void SettingsTabBar::paintEvent(QPaintEvent * /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (int i = 0; i < count(); ++i) {
+        paintTab(painter, i);
+    }
+}
+
+void SettingsTabBar::paintTab(QPainter &painter, int index) const {
+    const QRectF tab = QRectF(tabRect(index)).adjusted(1.5, 1.5, -1.5, -1.5);
+    const bool isCurrent = index == currentIndex();
+    const bool isHovered = tab.contains(mapFromGlobal(QCursor::pos())) && underMouse();
+    if (isCurrent || isHovered) {
+        painter.fillPath(continuousRoundedRect(tab, radius), faded(lookOf(*this).primary, isCurrent ? 0.09 : 0.045));
+    }
+    if (isCurrent && showsFocus(*this)) {
+        painter.setPen(QPen(faded(palette().color(QPalette::Highlight), 0.7), 2));
+        painter.drawPath(continuousRoundedRect(tab, radius));
+    }
+    const QColor color = isCurrent ? tintColor(*this, Tint::accent) : lookOf(*this).secondary;
+    const double side = symbolSide(symbolPoints * textScale());
+    drawSymbol(painter, {std::round(tab.center().x() - side / 2), double(topPadding), side, side},
+               tabData(index).toString(), color);
+    painter.setPen(color);
+    painter.drawText(tab.adjusted(0, 0, 0, -topPadding + 1), Qt::AlignHCenter | Qt::AlignBottom, tabText(index));
+}
+
+} // namespace quillory::ui

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/MainQueue.h"
+#include "Quillory/UI/Settings/SettingsBinding.h"
+
+#include <QWidget>
+
+class QScrollArea;
+class QStackedWidget;
+
+namespace quillory::ui {
+
+class SettingsTabBar;
+
+/// The content of the settings window: two tabs, each a grouped form that scrolls when it does not fit. While it is
+/// visible it follows what is stored.
+class SettingsView final : public QWidget {
+  public:
+    SettingsView();
+
+  protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+  private:
+    void showTab(int index);
+    QScrollArea *addPage();
+    [[nodiscard]] QWidget *warning();
+    void refresh();
+
+    SettingsBinding m_binding;
+    SettingsTabBar *m_tabs;
+    QStackedWidget *m_pages;
+    QWidget *m_warning;
+    platform::RegistrationHandle m_beat;
+};
+
+} // namespace quillory::ui

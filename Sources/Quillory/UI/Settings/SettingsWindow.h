@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QWidget>
+
+namespace quillory::ui {
+
+/// The settings window. Closing it only hides it, with all its state.
+class SettingsWindow final : public QWidget {
+  public:
+    /// In the middle of the screen that the pointer is on.
+    SettingsWindow();
+    /// Shows the window in front of all others, with the keyboard focus.
+    void makeKeyAndOrderFront();
+
+  protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+  private:
+    static void activate();
+};
+
+} // namespace quillory::ui

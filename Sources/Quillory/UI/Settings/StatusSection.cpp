@@ -1,0 +1,92 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/Settings/StatusSection.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/UI/Settings/ClampedText.h"
+#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Symbols.h"
+
+#include <QEvent>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace quillory::ui {
+
+StatusSection::StatusSection()
+    : m_trustSymbol(new SymbolView({}, bodyPoints, Tint::warning)), m_trust(new FormText({}, bodyPoints)),
+      m_trustAdvice(
+          new FormText(QStringLiteral("Grant it in System Settings → Privacy & Security → Accessibility, then "
+                                      "relaunch the app."),
+                       captionPoints, Tint::secondary)),
+      m_testButton(new QPushButton), m_testResult(new ClampedText(captionPoints, 2)), m_test([this] { showTest(); }) {
+    auto *const section = new FormSection(QStringLiteral("Status"));
+    section->addRow(trustRow());
+    section->addRow(testRow());
+    auto *const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(section);
+    showTest();
+}
+
+void StatusSection::showEvent(QShowEvent *event) {
+    showTrust();
+    QWidget::showEvent(event);
+}
+
+void StatusSection::enterEvent(QEnterEvent *event) {
+    showTrust();
+    QWidget::enterEvent(event);
+}
+
+void StatusSection::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::ActivationChange) {
+        showTrust();
+    }
+    QWidget::changeEvent(event);
+}
+
+QWidget *StatusSection::trustRow() {
+    auto *const row = new QWidget;
+    auto *const grid = new QGridLayout(row);
+    grid->setContentsMargins(rowMargins());
+    grid->setHorizontalSpacing(7);
+    grid->setVerticalSpacing(3);
+    grid->setColumnStretch(1, 1);
+    grid->addWidget(m_trustSymbol, 0, 0);
+    grid->addWidget(m_trust, 0, 1);
+    grid->addWidget(m_trustAdvice, 1, 0, 1, 2);
+    return row;
+}
+
+QWidget *StatusSection::testRow() {
+    auto *const row = new QWidget;
+    auto *const line = new QHBoxLayout(row);
+    line->setContentsMargins(rowMargins());
+    line->setSpacing(10);
+    line->addWidget(m_testButton);
+    line->addWidget(m_testResult, 1);
+    m_testButton->setAutoDefault(false);
+    m_testButton->setMinimumSize(scaled(146), scaled(26));
+    connect(m_testButton, &QPushButton::clicked, this, [this] { m_test.run(); });
+    return row;
+}
+
+void StatusSection::showTrust() {
+    const bool isTrusted = platform::current().accessibility.isProcessTrusted();
+    const Tint tint = isTrusted ? Tint::good : Tint::warning;
+    m_trustSymbol->setSymbol(isTrusted ? symbolName::done : symbolName::warning, tint);
+    m_trust->setText(isTrusted ? QStringLiteral("Accessibility access granted")
+                               : QStringLiteral("Accessibility access required"));
+    m_trust->setTint(tint);
+    m_trustAdvice->setVisible(!isTrusted);
+}
+
+void StatusSection::showTest() {
+    showTrust();
+    m_testButton->setText(m_test.isTesting() ? QStringLiteral("Testing…") : QStringLiteral("Test AI connection"));
+    m_testButton->setEnabled(!m_test.isTesting());
+    const QString result = m_test.result().value_or(QString());
+    m_testResult->setText(result, result.startsWith(u'✓') ? Tint::good : Tint::bad);
+}
+
+} // namespace quillory::ui

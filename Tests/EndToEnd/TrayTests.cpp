@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "EndToEnd/Assistant.h"
+#include "EndToEnd/Keyboard.h"
+#include "EndToEnd/StatusNotifierHost.h"
+#include "RealDesktop/RealDesktop.h"
+
+#include <QProcess>
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+namespace quillory::test {
+namespace {
+
+const auto menuAtFirst = QStringLiteral(
+    "✓ Suggestions Enabled | Compare Two Models | - | Settings… Control+, | - | Quit Quillory Control+Q");
+
+/// The built program with a key in its environment.
+ChildProcess started() {
+    qputenv("OPENROUTER_API_KEY", "made-up-key");
+    return ChildProcess({QUILLORY_PROGRAM});
+}
+
+QByteArray setting(const char *key) {
+    QProcess reader;
+    reader.start(QStringLiteral(QUILLORY_PROGRAM),
+                 {QStringLiteral("defaults"), QStringLiteral("read"), QString::fromLatin1(key)});
+    reader.waitForFinished();
+    return reader.readAllStandardOutput().trimmed();
+}
+
+bool windowIsUp() {
+    return run({"xdotool", "search", "--onlyvisible", "--name", "^Quillory$"}, Output::dropped) == 0;
+}
+
+TEST(Tray, MenuIsReadAndChosenFromByTheDesktop) {
+    ChildProcess program = started();
+    StatusNotifierHost tray;
+    sleepBriefly();
+    tray.appear(); // the panel may start after the program, and again
+    ASSERT_TRUE(tray.hasItem());
+    tray.vanish();
+    tray.appear();
+    ASSERT_TRUE(tray.hasItem());
+    EXPECT_EQ(tray.property("Title"), QStringLiteral("Quillory"));
+    EXPECT_EQ(tray.property("Status"), QStringLiteral("Active"));
+    EXPECT_TRUE(waitUntil([&] { return tray.openedMenu() == menuAtFirst; })) << tray.openedMenu().toStdString();
+    tray.choose(QStringLiteral("Suggestions Enabled"));
+    tray.choose(QStringLiteral("Compare Two Models"));
+    EXPECT_TRUE(waitUntil([] { return setting("enabled") == "false" && setting("compareMode") == "true"; }));
+    EXPECT_TRUE(tray.openedMenu().startsWith(QStringLiteral("Suggestions Enabled | ✓ Compare Two Models")));
+    tray.choose(QStringLiteral("Settings…"));
+    EXPECT_TRUE(waitUntil(windowIsUp));
+    RealDesktop::setAccessibilityEnabled(false);
+    EXPECT_TRUE(waitUntil([&] { return tray.openedMenu().contains(QStringLiteral("Grant Accessibility Access…")); }));
+    tray.choose(QStringLiteral("Quit Quillory"));
+    EXPECT_TRUE(waitUntil([&] { return !program.isRunning(); }));
+    EXPECT_EQ(program.end(), 0);
+}
+
+TEST(Tray, EmbedsTheIconWhereOnlyTheOldKindIs) {
+    ChildProcess program = started();
+    ChildProcess panel({"trayer", "--edge", "top", "--align", "left", "--widthtype", "request"}, Output::dropped);
+    EXPECT_TRUE(waitUntil([&] {
+        keyboard::click({12, 12}); // opens the menu, once there is something to click on
+        keyboard::tap("ctrl+q");
+        return !program.isRunning();
+    }));
+    EXPECT_EQ(program.end(), 0);
+}
+
+TEST(OneInstance, IsAskedToComeForwardByTheNextStart) {
+    for (const char *name : {"DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"}) {
+        qunsetenv(name); // neither is needed for it
+    }
+    const auto hasLaunched = [](int times) {
+        return waitUntil([&] { return Assistant::timesLogged(QStringLiteral("launched, ")) == times; });
+    };
+    ChildProcess first = started();
+    ASSERT_TRUE(hasLaunched(1));
+    EXPECT_EQ(run({QUILLORY_PROGRAM}, Output::dropped), 0);
+    EXPECT_TRUE(waitUntil(windowIsUp));
+    EXPECT_TRUE(first.isRunning());
+    kill(first.pid(), SIGSTOP);
+    EXPECT_EQ(run({QUILLORY_PROGRAM}, Output::dropped), 1) << "it does not answer";
+    kill(first.pid(), SIGKILL);
+    EXPECT_TRUE(waitUntil([&] { return !first.isRunning(); }));
+    ChildProcess next = started();
+    EXPECT_TRUE(hasLaunched(2)) << "a crash leaves no lock";
+}
+
+} // namespace
+} // namespace quillory::test

@@ -1,0 +1,158 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Linux/XClient.h"
+#include "Quillory/AppSettings.h"
+#include "Quillory/UI/AppDelegate.h"
+#include "Quillory/UI/MenuWindow.h"
+#include "Quillory/UI/Settings/SettingsWindow.h"
+#include "Quillory/UI/StatusMenu.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QKeyEvent>
+
+#include <gmock/gmock.h>
+
+namespace quillory::test {
+namespace {
+
+using namespace quillory::ui;
+using namespace Qt::StringLiterals;
+
+/// The program's shell on a simulated desktop, with real windows.
+class AppDelegateTest : public testing::Test {
+  protected:
+    void launch() {
+        delegate.emplace();
+        delegate->applicationDidFinishLaunching();
+    }
+    template <typename Window> static std::vector<Window *> windows() {
+        std::vector<Window *> found;
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (auto *window = dynamic_cast<Window *>(widget); window != nullptr) {
+                found.push_back(window);
+            }
+        }
+        return found;
+    }
+    template <typename Window> static bool isShown() {
+        return std::ranges::any_of(windows<Window>(), &QWidget::isVisible);
+    }
+    static StatusMenu &menu() { return *windows<StatusMenu>().at(0); }
+    /// The menu as it opens: check mark, title and key of what is to be seen.
+    static QString opened() {
+        Q_EMIT menu().aboutToShow();
+        QStringList lines;
+        for (const QAction *item : menu().actions()) {
+            const QString mark = item->isChecked() ? u"✓ "_s : u""_s;
+            if (item->isVisible()) {
+                lines +=
+                    item->isSeparator() ? u"-"_s : (mark + item->text() + u' ' + item->shortcut().toString()).trimmed();
+            }
+        }
+        return lines.join(u" | "_s);
+    }
+    static QAction &item(const QString &title) {
+        for (QAction *action : menu().actions()) {
+            if (action->text() == title) {
+                return *action;
+            }
+        }
+        throw std::out_of_range(title.toStdString());
+    }
+    static bool isOn(const QString &key) { return AppSettings::shared().store().boolean(key); }
+
+    SimulatedDesktop desktop;
+    std::optional<AppDelegate> delegate;
+};
+
+TEST_F(AppDelegateTest, StartsInItsOrder) {
+    desktop.applications.trusted = false;
+    launch();
+    EXPECT_EQ(desktop.log().value(0), u"launched, accessibility trusted = false"_s);
+    EXPECT_EQ(desktop.applications.prompts, 1);
+    EXPECT_TRUE(isShown<SettingsWindow>()) << "there is no API key";
+    EXPECT_EQ(opened(), u"✓ Suggestions Enabled | Compare Two Models | Grant Accessibility Access… | - | "
+                        u"Settings… Ctrl+, | - | Quit Quillory Ctrl+Q"_s);
+    desktop.applications.trusted = true;
+    desktop.userDefaults.set(settingsKey::enabled, false);
+    desktop.userDefaults.set(settingsKey::compareMode, true);
+    EXPECT_EQ(opened(),
+              u"Suggestions Enabled | ✓ Compare Two Models | - | Settings… Ctrl+, | - | Quit Quillory Ctrl+Q"_s);
+    delegate.reset();
+    EXPECT_TRUE(windows<SettingsWindow>().empty());
+
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
+    launch();
+    EXPECT_FALSE(isShown<SettingsWindow>());
+    EXPECT_EQ(desktop.applications.prompts, 1);
+    EXPECT_EQ(desktop.log().constLast(), u"launched, accessibility trusted = true"_s);
+}
+
+TEST_F(AppDelegateTest, DoesWhatItsMenuSays) {
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
+    launch();
+    for (const auto &[title, key, first] : {std::tuple(u"Suggestions Enabled"_s, settingsKey::enabled, true),
+                                            {u"Compare Two Models"_s, settingsKey::compareMode, false}}) {
+        item(title).trigger();
+        EXPECT_EQ(isOn(key), !first);
+        EXPECT_EQ(opened().contains(u"✓ "_s + title), !first);
+        desktop.userDefaults.set(key, first); // by another process; the menu's own mark is older
+        item(title).trigger();
+        EXPECT_EQ(isOn(key), !first);
+    }
+    item(u"Grant Accessibility Access…"_s).trigger();
+    EXPECT_EQ(desktop.applications.prompts, 1);
+    EXPECT_EQ(desktop.applications.opened,
+              std::vector{QUrl(u"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"_s)});
+
+    QKeyEvent comma(QEvent::KeyPress, Qt::Key_Comma, Qt::ControlModifier, u","_s);
+    QApplication::sendEvent(&menu(), &comma);
+    ASSERT_TRUE(isShown<SettingsWindow>());
+    EXPECT_EQ(desktop.applications.activated, std::vector{desktop.process.ownPid});
+    SettingsWindow *const window = windows<SettingsWindow>().at(0);
+    EXPECT_EQ(window->size(), QSize(560, 430));
+    EXPECT_EQ(window->windowTitle(), u"Quillory"_s);
+    window->close();
+    item(u"Settings…"_s).trigger();
+    EXPECT_EQ(windows<SettingsWindow>(), std::vector{window});
+    EXPECT_TRUE(window->isVisible());
+
+    QTimer::singleShot(0, [] {
+        QKeyEvent quit(QEvent::KeyPress, Qt::Key_Q, Qt::ControlModifier, u"\x11"_s);
+        QApplication::sendEvent(&menu(), &quit);
+    });
+    EXPECT_EQ(QApplication::exec(), 0);
+}
+
+TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
+    launch();
+    testing::internal::CaptureStderr();
+    desktop.advance(60'000);
+    EXPECT_EQ(QString::fromStdString(testing::internal::GetCapturedStderr()).count(u"no place for status icons"_s), 1);
+    delegate->applicationDidReopen();
+    ASSERT_TRUE(isShown<MenuWindow>());
+    EXPECT_FALSE(isShown<SettingsWindow>());
+    const auto rows = windows<MenuWindow>().at(0)->findChildren<QAbstractButton *>();
+    QStringList titles;
+    for (const QAbstractButton *row : rows) {
+        titles += row->text();
+    }
+    EXPECT_EQ(titles.join(u" | "_s), u"Suggestions Enabled | Compare Two Models | Settings… | Quit Quillory"_s);
+    rows.at(0)->click();
+    EXPECT_FALSE(isOn(settingsKey::enabled));
+    EXPECT_FALSE(rows.at(0)->isChecked());
+    rows.at(2)->click();
+    EXPECT_TRUE(isShown<SettingsWindow>());
+
+    windows<SettingsWindow>().at(0)->close();
+    windows<MenuWindow>().at(0)->close();
+    desktop.statusBar.setAvailable(true); // a panel that starts late
+    delegate->applicationDidReopen();
+    EXPECT_TRUE(isShown<SettingsWindow>());
+    EXPECT_FALSE(isShown<MenuWindow>());
+}
+
+} // namespace
+} // namespace quillory::test

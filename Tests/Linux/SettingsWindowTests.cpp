@@ -1,0 +1,423 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Linux/XClient.h"
+#include "Quillory/AppSettings.h"
+#include "Quillory/UI/Settings/SettingsWindow.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDir>
+#include <QJsonArray>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMetaEnum>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTabBar>
+
+#include <gmock/gmock.h>
+
+namespace quillory::test {
+namespace {
+
+using namespace quillory::ui;
+using namespace Qt::StringLiterals;
+using platform::DefaultsValue;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsSupersetOf;
+
+void savePicture(const QString &name, QWidget &view) {
+    const QString folder = qEnvironmentVariable("QUILLORY_PICTURES");
+    if (!folder.isEmpty()) {
+        QDir().mkpath(folder);
+        view.grab().save(folder + u'/' + name + u".png"_s);
+    }
+}
+
+/// What assistive tools read of an element and all in it that can be seen: role and name, and the value if it has one.
+void describe(QAccessibleInterface *element, std::vector<std::string> &lines) {
+    if (element == nullptr || element->state().invisible) {
+        return;
+    }
+    const QString name = element->text(QAccessible::Name);
+    QString line =
+        QString::fromLatin1(QMetaEnum::fromType<QAccessible::Role>().valueToKey(element->role())) + u' ' + name;
+    if (auto *value = element->valueInterface()) {
+        line += u" = "_s + value->currentValue().toString();
+    } else if (const QString text = element->text(QAccessible::Value); !text.isEmpty()) {
+        line += u" = "_s + text;
+    }
+    if (element->state().checkable) {
+        line += element->state().checked ? u" (on)"_s : u" (off)"_s;
+    }
+    if (const QString help = element->text(QAccessible::Description); !help.isEmpty()) {
+        line += u" ("_s + help + u')';
+    }
+    if (!name.isEmpty()) {
+        lines.push_back(line.toStdString());
+    }
+    for (int i = 0; i < element->childCount(); ++i) {
+        describe(element->child(i), lines);
+    }
+}
+
+class SettingsWindowTest : public testing::Test {
+  protected:
+    SettingsWindowTest() : m_palette(QApplication::palette()), m_font(QApplication::font()) {}
+    ~SettingsWindowTest() override {
+        window.reset();
+        QApplication::setPalette(m_palette);
+        QApplication::setFont(m_font);
+    }
+
+    void open(int tab = 0) {
+        window = std::make_unique<SettingsWindow>();
+        window->makeKeyAndOrderFront();
+        ASSERT_TRUE(spinUntil([this] {
+            window->activateWindow(); // a window manager that is still starting takes the focus away
+            return window->isActiveWindow();
+        }));
+        showTab(tab);
+    }
+    void showTab(int tab) {
+        child<QTabBar>()->setCurrentIndex(tab);
+        QApplication::processEvents();
+    }
+    void addFAQ() {
+        for (auto *button : window->findChildren<QAbstractButton *>()) {
+            if (button->text() == u"Add FAQ"_s) {
+                button->click();
+            }
+        }
+        QApplication::processEvents();
+    }
+    QScrollArea *area() {
+        for (auto *found : window->findChildren<QScrollArea *>()) {
+            if (found->isVisible()) {
+                return found;
+            }
+        }
+        return nullptr;
+    }
+    bool warning() {
+        return testing::Value(texts(),
+                              Contains(testing::StartsWith("StaticText Changes cannot be saved to disk now.")));
+    }
+    /// Whatever does not fit is to be scrolled to, not cut off.
+    void expectNothingClipped(const std::string &look) {
+        for (const QWidget *widget : area()->widget()->findChildren<QWidget *>()) {
+            const QLabel *label = qobject_cast<const QLabel *>(widget);
+            if (widget->isVisible() && qobject_cast<const QPlainTextEdit *>(widget->parent()) == nullptr) {
+                EXPECT_TRUE(widget->parentWidget()->rect().contains(widget->geometry())) << look;
+                EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << look;
+                EXPECT_TRUE(label == nullptr || label->height() >= label->heightForWidth(label->width())) << look;
+            }
+        }
+    }
+    DefaultsValue stored(const QString &key) { return desktop.userDefaults.stored().at(key); }
+    static void press(QWidget *widget, Qt::Key key, const QString &text = {}) {
+        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
+        QApplication::sendEvent(widget, &down);
+        QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, text);
+        QApplication::sendEvent(widget, &up);
+    }
+    static void type(QWidget *widget, const QString &text) {
+        for (const QChar character : text) {
+            press(widget, Qt::Key_unknown, QString(character));
+        }
+    }
+    std::vector<std::string> texts() {
+        std::vector<std::string> lines;
+        describe(QAccessible::queryAccessibleInterface(window.get()), lines);
+        return lines;
+    }
+    template <typename Widget> Widget *child(const QString &accessibleName = {}) {
+        for (Widget *widget : window->findChildren<Widget *>()) {
+            if (widget->isVisible() && (accessibleName.isEmpty() || widget->accessibleName() == accessibleName)) {
+                return widget;
+            }
+        }
+        return nullptr;
+    }
+    static void setLook(bool dark, int points) {
+        QPalette palette = dark ? QPalette(QColor(50, 50, 54), QColor(36, 36, 40)) : QPalette(QColor(239, 239, 239));
+        palette.setColor(QPalette::Highlight, QColor(42, 130, 218));
+        QApplication::setPalette(palette);
+        QFont font = QApplication::font();
+        font.setPointSize(points);
+        QApplication::setFont(font);
+    }
+    void store(const QList<FAQEntry> &entries) { AppSettings::shared().setFAQEntries(entries); }
+
+    SimulatedDesktop desktop;
+    std::unique_ptr<SettingsWindow> window;
+
+  private:
+    QPalette m_palette;
+    QFont m_font;
+};
+
+TEST_F(SettingsWindowTest, HasEveryTextForAssistiveTools) {
+    open();
+    EXPECT_THAT(texts(), ElementsAre("Window Quillory", "PageTabList General", "PageTab General", "PageTab Business",
+                                     "Grouping Behavior", "StaticText Behavior", "CheckBox Enable suggestions (on)",
+                                     "CheckBox Suggest replies in WhatsApp (on)", "StaticText Tone",
+                                     "ComboBox Professional = Professional", "StaticText Trigger delay: 500 ms",
+                                     "Slider Trigger delay: 500 ms = 500", "StaticText Minimum characters: 8",
+                                     "SpinBox Minimum characters: 8 = 8", "Grouping Status", "StaticText Status",
+                                     "StaticText Accessibility access granted", "Button Test AI connection"));
+    desktop.applications.trusted = false;
+    window->close();
+    window->makeKeyAndOrderFront();
+    EXPECT_THAT(texts(), IsSupersetOf({"StaticText Accessibility access required",
+                                       "StaticText Grant it in System Settings → Privacy & Security → Accessibility, "
+                                       "then relaunch the app."}));
+    store({{QUuid::createUuid(), u"Open?"_s, u"9 to 5"_s}});
+    showTab(1);
+    EXPECT_THAT(texts(),
+                ElementsAre("Window Quillory", "PageTabList Business", "PageTab General", "PageTab Business",
+                            "StaticText My business (used to write replies in your voice):",
+                            "EditableText My business (used to write replies in your voice):",
+                            "StaticText When a chat is open and your input box is empty, the visible conversation is "
+                            "read locally and a reply is drafted. Nothing is sent automatically, and nothing is "
+                            "stored.",
+                            "Grouping FAQs (replies answer from these and never invent what's missing)",
+                            "StaticText FAQs (replies answer from these and never invent what's missing)",
+                            "EditableText Question 1 = Open? (Question — e.g. How much is delivery?)",
+                            "EditableText Answer 1 = 9 to 5 (Answer)", "Button Remove FAQ", "Button Add FAQ"));
+}
+
+TEST_F(SettingsWindowTest, StoresWhatTheUserSetsAndShowsWhatOthersStore) {
+    open();
+    auto *const enabled = child<QCheckBox>();
+    auto *const tone = child<QComboBox>();
+    auto *const delay = child<QSlider>();
+    auto *const characters = child<QSpinBox>();
+    enabled->click();
+    EXPECT_EQ(stored(settingsKey::enabled), DefaultsValue(false));
+    tone->setFocus();
+    press(tone, Qt::Key_Down);
+    EXPECT_EQ(stored(settingsKey::tone), DefaultsValue(u"Friendly"_s));
+    QStringList stops;
+    for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Home, Qt::Key_Left, Qt::Key_End, Qt::Key_Right}) {
+        press(delay, key);
+        stops.append(QString::number(desktop.userDefaults.integer(settingsKey::debounceMs)));
+    }
+    EXPECT_EQ(stops.join(u' '), u"550 600 300 300 1500 1500"_s);
+    EXPECT_THAT(texts(), Contains("StaticText Trigger delay: 1500 ms"));
+    press(characters, Qt::Key_Up);
+    EXPECT_EQ(stored(settingsKey::minChars), DefaultsValue(qint64{9}));
+
+    desktop.userDefaults.set(settingsKey::enabled, true);
+    desktop.userDefaults.set(settingsKey::assistantMode, false);
+    desktop.userDefaults.set(settingsKey::tone, u"Grammar only"_s);
+    desktop.userDefaults.set(settingsKey::debounceMs, qint64{725});
+    desktop.userDefaults.set(settingsKey::minChars, qint64{100});
+    desktop.advance(200);
+    EXPECT_THAT(texts(), IsSupersetOf({"CheckBox Enable suggestions (on)", "CheckBox Suggest replies in WhatsApp (off)",
+                                       "ComboBox Grammar only = Grammar only", "StaticText Trigger delay: 725 ms",
+                                       "Slider Trigger delay: 725 ms = 725", "SpinBox Minimum characters: 100 = 100"}));
+    press(delay, Qt::Key_Left);
+    press(characters, Qt::Key_Up);
+    EXPECT_EQ(stored(settingsKey::debounceMs), DefaultsValue(qint64{700})) << "back on a step";
+    EXPECT_EQ(stored(settingsKey::minChars), DefaultsValue(qint64{100}));
+
+    // Values of other types, or that no control can show.
+    desktop.userDefaults.set(settingsKey::tone, u"Rude"_s);
+    desktop.userDefaults.set(settingsKey::enabled, u"no"_s);
+    desktop.userDefaults.set(settingsKey::debounceMs, qint64{1} << 40);
+    desktop.userDefaults.set(settingsKey::minChars, qint64{-5});
+    desktop.advance(200);
+    EXPECT_THAT(texts(),
+                IsSupersetOf({"CheckBox Enable suggestions (on)", "Slider Trigger delay: 1099511627776 ms = 1500",
+                              "SpinBox Minimum characters: -5 = 1"}));
+    EXPECT_EQ(stored(settingsKey::enabled), DefaultsValue(u"no"_s)) << "nothing is stored for merely being shown";
+    characters->stepBy(-1);
+    EXPECT_EQ(desktop.userDefaults.integer(settingsKey::minChars), -5);
+}
+
+TEST_F(SettingsWindowTest, TestsTheConnection) {
+    open();
+    auto *const button = child<QPushButton>();
+    const auto outcome = [&] {
+        EXPECT_TRUE(desktop.mainQueue.runUntil([&] { return button->isEnabled(); }));
+        return texts().back();
+    };
+    button->click();
+    EXPECT_EQ(outcome(), "StaticText ✗ No OpenRouter API key set. Open Settings from the menu bar icon.");
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
+    button->click();
+    EXPECT_EQ(texts().back(), "Button Testing…");
+    button->click();
+    const auto exchange = desktop.urlSession.exchange(0);
+    EXPECT_EQ(exchange->json()[u"messages"_s].toArray().last()[u"content"_s].toString().contains(
+                  u"helo this is a quik test mesage"_s),
+              true);
+    exchange->line(R"({"choices": [{"message": {"content": "Hello."}}]})");
+    exchange->end();
+    EXPECT_EQ(outcome(), "StaticText ✓ Working");
+    button->click();
+    desktop.urlSession.exchange(1)->fail(u"The network is down"_s);
+    EXPECT_EQ(outcome(), "StaticText ✗ The network is down");
+    EXPECT_EQ(desktop.urlSession.requestCount(), 2) << "one test at a time";
+    button->click();
+    window.reset(); // must not wait for the answer
+}
+
+TEST_F(SettingsWindowTest, KeepsWhatIsBeingTyped) {
+    const QUuid first = QUuid::createUuid();
+    store({{first, u"Open?"_s, u"9 to 5"_s}});
+    open(1);
+    auto *const profile = child<QPlainTextEdit>();
+    const auto setElsewhere = [this](const QString &text) {
+        desktop.userDefaults.set(settingsKey::businessProfile, text);
+        desktop.advance(200);
+    };
+    profile->setFocus();
+    setElsewhere(u"A shop"_s);
+    EXPECT_EQ(profile->toPlainText(), u"A shop"_s);
+    profile->moveCursor(QTextCursor::End);
+    type(profile, u" in Riffa"_s);
+    EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(u"A shop in Riffa"_s));
+    setElsewhere(u"Another"_s);
+    EXPECT_EQ(profile->toPlainText(), u"A shop in Riffa"_s);
+    type(profile, u"!"_s);
+    EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(u"A shop in Riffa!"_s));
+
+    auto *const answer = child<QPlainTextEdit>(u"Answer 1"_s);
+    answer->setFocus();
+    answer->moveCursor(QTextCursor::End);
+    type(answer, u"!"_s);
+    const FAQEntry other{QUuid::createUuid(), u"Where?"_s, u"Riffa"_s};
+    store({other, {first, u"Open?"_s, u"never"_s}});
+    desktop.advance(200);
+    EXPECT_EQ(answer->accessibleName(), u"Answer 2"_s) << "the field goes with its entry";
+    type(answer, u"!"_s);
+    EXPECT_EQ(AppSettings::shared().faqEntries(), (QList<FAQEntry>{other, {first, u"Open?"_s, u"9 to 5!!"_s}}));
+    store({other}); // removed elsewhere while it is typed in
+    type(answer, u"?"_s);
+    EXPECT_EQ(AppSettings::shared().faqEntries(), (QList<FAQEntry>{other, {first, u"Open?"_s, u"9 to 5!!?"_s}}));
+
+    EXPECT_FALSE(warning());
+    desktop.userDefaults.diskIsFull = true;
+    type(answer, u"."_s);
+    desktop.advance(200);
+    EXPECT_TRUE(warning());
+    EXPECT_EQ(answer->toPlainText(), u"9 to 5!!?."_s);
+    window->close();
+    window->makeKeyAndOrderFront();
+    EXPECT_EQ(answer->toPlainText(), u"9 to 5!!?."_s);
+    desktop.userDefaults.diskIsFull = false;
+    desktop.advance(200);
+    EXPECT_FALSE(warning());
+}
+
+TEST_F(SettingsWindowTest, TakesAnyText) {
+    const QString odd = u"no\u00a0break, tab\there\r\nline\u2028soft"_s;
+    desktop.userDefaults.set(settingsKey::businessProfile, odd);
+    desktop.userDefaults.set(settingsKey::faqEntries, QByteArray("[{\"question\": \"mine\"}"));
+    open(1);
+    desktop.advance(1000);
+    EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(odd)) << "not rewritten for being shown";
+    auto *const profile = child<QPlainTextEdit>();
+    profile->setFocus();
+    profile->moveCursor(QTextCursor::Start);
+    QApplication::clipboard()->setText(u"a\0b\x1b[1mc\vd\r\ne😊"_s);
+    profile->paste();
+    EXPECT_EQ(stored(settingsKey::businessProfile),
+              DefaultsValue(u"ab[1mc\nd\ne😊no\u00a0break, tab\there\nline\u2028soft"_s));
+
+    addFAQ();
+    EXPECT_EQ(stored(settingsKey::faqEntries + u".unreadable"_s),
+              DefaultsValue(QByteArray("[{\"question\": \"mine\"}")));
+    auto *const question = child<QLineEdit>();
+    EXPECT_TRUE(question->hasFocus());
+    question->paste();
+    EXPECT_EQ(AppSettings::shared().faqEntries().constLast().question, u"ab[1mc d e😊"_s);
+
+    const QString large = u"We sell dresses and deliver all over Bahrain.\n"_s.repeated(22'000);
+    desktop.userDefaults.set(settingsKey::businessProfile, large);
+    desktop.advance(200);
+    profile->setFocus();
+    profile->moveCursor(QTextCursor::End);
+    type(profile, u"x"_s);
+    EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(large + u'x'));
+}
+
+TEST_F(SettingsWindowTest, GoesThroughHundredsOfEntriesByKeyboard) {
+    QList<FAQEntry> entries;
+    for (int i = 0; i < 500; ++i) {
+        entries.append({QUuid::createUuid(), u"Q%1"_s.arg(i + 1), u"A "_s.repeated(1 + i % 5 * 60)});
+    }
+    store(entries);
+    open(1);
+    EXPECT_LT(window->findChildren<QPlainTextEdit *>().size(), 20) << "fields are made for what is in view";
+    child<QPlainTextEdit>()->setFocus();
+    QString way;
+    for (int step = 0; step < 40; ++step) {
+        press(QApplication::focusWidget(), Qt::Key_Tab);
+        way += QApplication::focusWidget()->accessibleName() + u", "_s;
+    }
+    QString expected;
+    for (int i = 1; i <= 14; ++i) {
+        expected += u"Question %1, Answer %1, Remove FAQ, "_s.arg(i);
+    }
+    EXPECT_TRUE(expected.startsWith(way)) << way.toStdString();
+    EXPECT_FALSE(QApplication::focusWidget()->visibleRegion().isEmpty()) << "the page follows the focus";
+    press(QApplication::focusWidget(), Qt::Key_Backtab);
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"Remove FAQ"_s);
+    press(QApplication::focusWidget(), Qt::Key_Backtab);
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"Answer 13"_s);
+
+    auto *const bar = area()->verticalScrollBar();
+    bar->setValue(bar->maximum());
+    QApplication::processEvents();
+    EXPECT_NE(child<QLineEdit>(u"Question 500"_s), nullptr);
+    addFAQ();
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"Question 501"_s);
+    EXPECT_EQ(AppSettings::shared().faqEntries().size(), 501);
+    QApplication::processEvents();
+    bar->setValue(0);
+    QApplication::processEvents();
+    child<QLineEdit>(u"Question 1"_s)->parentWidget()->findChild<QAbstractButton *>()->click();
+    EXPECT_EQ(AppSettings::shared().faqEntries().constFirst().question, u"Q2"_s);
+    EXPECT_EQ(AppSettings::shared().faqEntries().size(), 500);
+    EXPECT_EQ(child<QLineEdit>(u"Question 1"_s)->text(), u"Q2"_s);
+    EXPECT_TRUE(child<QLineEdit>(u"Question 1"_s)->hasFocus());
+}
+
+TEST_F(SettingsWindowTest, FitsItsWindow) {
+    desktop.userDefaults.set(
+        settingsKey::businessProfile,
+        u"Noor Boutique in Riffa. Dresses from BD 12, delivery BD 2 across Bahrain.\nمتجر نور للأزياء"_s);
+    store(
+        {{QUuid::createUuid(), u"How much is delivery?"_s, u"BD 2 anywhere in Bahrain, free above BD 30."_s},
+         {QUuid::createUuid(), u"Do you take returns?"_s,
+          u"Within 7 days, unworn and with the tag, at the shop or with our driver. Exchanges are free, refunds less delivery."_s},
+         FAQEntry()});
+    for (const auto &[name, dark, points] :
+         {std::tuple(u"light"_s, false, 10), {u"dark"_s, true, 10}, {u"large"_s, false, 20}}) {
+        setLook(dark, points);
+        for (const bool trusted : {true, false}) {
+            desktop.applications.trusted = trusted;
+            open();
+            expectNothingClipped("general, " + name.toStdString());
+            savePicture(u"settings-general-"_s + name + (trusted ? u""_s : u"-untrusted"_s), *window);
+        }
+        open(1);
+        expectNothingClipped("business, " + name.toStdString());
+        savePicture(u"settings-business-"_s + name, *window);
+    }
+}
+
+} // namespace
+} // namespace quillory::test
