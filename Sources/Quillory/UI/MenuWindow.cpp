@@ -17,8 +17,8 @@ namespace quillory::ui {
 
 namespace {
 
-constexpr int margin = 5;
-constexpr int rowPadding = 5;
+constexpr int menuWindowMargin = 5;
+constexpr int menuRowPadding = 5;
 constexpr int checkColumn = 26;
 constexpr int keyGap = 30;
 
@@ -37,8 +37,8 @@ class MenuRow final : public QAbstractButton {
     [[nodiscard]] QSize sizeHint() const override {
         const QFontMetrics metrics(font());
         return {checkColumn + metrics.horizontalAdvance(text()) + keyGap + metrics.horizontalAdvance(key()) +
-                    margin * 2,
-                metrics.height() + 2 * rowPadding};
+                    menuWindowMargin * 2,
+                metrics.height() + 2 * menuRowPadding};
     }
 
   protected:
@@ -55,7 +55,7 @@ class MenuRow final : public QAbstractButton {
             drawSymbol(painter, {(checkColumn - side) / 2, (height() - side) / 2, side, side}, symbolName::checkmark,
                        color);
         }
-        const QRect texts = rect().adjusted(checkColumn, 0, -margin * 2, 0);
+        const QRect texts = rect().adjusted(checkColumn, 0, -menuWindowMargin * 2, 0);
         painter.setPen(color);
         painter.drawText(texts, Qt::AlignLeft | Qt::AlignVCenter, text());
         painter.setPen(isChosen ? color : lookOf(*this).tertiary);
@@ -69,13 +69,13 @@ class MenuRow final : public QAbstractButton {
     Hover m_hover;
 };
 
-class Line final : public QWidget {
+class MenuLine final : public QWidget {
   public:
-    explicit Line(QWidget *parent) : QWidget(parent) { setFixedHeight(2 * margin + 1); }
+    explicit MenuLine(QWidget *parent) : QWidget(parent) { setFixedHeight(2 * menuWindowMargin + 1); }
 
   protected:
     void paintEvent(QPaintEvent * /*event*/) override {
-        QPainter(this).fillRect(2 * margin, margin, width() - 4 * margin, 1, faded(lookOf(*this).primary, 0.12));
+        QPainter(this).fillRect(2 * menuWindowMargin, menuWindowMargin, width() - 4 * menuWindowMargin, 1, faded(lookOf(*this).primary, 0.12));
     }
 };
 
@@ -88,7 +88,7 @@ MenuWindow::MenuWindow(QMenu &menu)
     setWindowTitle(QStringLiteral("Quillory"));
     addActions(menu.actions()); // for their keys
     auto *const rows = new QVBoxLayout(this);
-    rows->setContentsMargins(margin, margin, margin, margin);
+    rows->setContentsMargins(menuWindowMargin, menuWindowMargin, menuWindowMargin, menuWindowMargin);
     rows->setSpacing(0);
     rows->setSizeConstraint(QLayout::SetFixedSize);
 }
@@ -105,7 +105,7 @@ void MenuWindow::open() {
 void MenuWindow::addRows() {
     for (QAction *item : m_menu.actions()) {
         if (item->isVisible()) {
-            layout()->addWidget(item->isSeparator() ? static_cast<QWidget *>(new Line(this))
+            layout()->addWidget(item->isSeparator() ? static_cast<QWidget *>(new MenuLine(this))
                                                     : new MenuRow(*item, this));
         }
     }

@@ -13,12 +13,12 @@ namespace quillory::ui {
 
 namespace {
 constexpr int mostAnswerLines = 4;
-constexpr int rowGap = 4;
+constexpr int fieldGap = 4;
 /// The block's own padding of 2 and the room that every row of a form has.
-constexpr int verticalPadding = 2 + 6;
+constexpr int blockPadding = 2 + 6;
 constexpr int trashGap = 4;
 
-int innerWidth(int width) {
+int fieldsWidth(int width) {
     return width - rowMargins().left() - rowMargins().right();
 }
 } // namespace
@@ -84,21 +84,21 @@ QWidget *FAQBlock::lastField() const {
 }
 
 int FAQBlock::heightFor(const FAQEntry &entry, int width) {
-    return TextField::lineHeight() + rowGap + TextField::heightFor(entry.answer, innerWidth(width), mostAnswerLines) +
-           2 * verticalPadding;
+    return TextField::lineHeight() + fieldGap + TextField::heightFor(entry.answer, fieldsWidth(width), mostAnswerLines) +
+           2 * blockPadding;
 }
 
 void FAQBlock::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
     const int left = rowMargins().left();
-    const int inner = innerWidth(width());
+    const int inner = fieldsWidth(width());
     const int line = TextField::lineHeight();
     const QSize trash = m_trash->sizeHint();
-    m_question->setGeometry(left, verticalPadding, inner - trash.width() - trashGap, line);
-    m_trash->setGeometry(left + inner - trash.width(), verticalPadding + (line - trash.height()) / 2, trash.width(),
+    m_question->setGeometry(left, blockPadding, inner - trash.width() - trashGap, line);
+    m_trash->setGeometry(left + inner - trash.width(), blockPadding + (line - trash.height()) / 2, trash.width(),
                          trash.height());
-    const int answerTop = verticalPadding + line + rowGap;
-    m_answer->setGeometry(left, answerTop, inner, height() - answerTop - verticalPadding);
+    const int answerTop = blockPadding + line + fieldGap;
+    m_answer->setGeometry(left, answerTop, inner, height() - answerTop - blockPadding);
 }
 
 bool FAQBlock::eventFilter(QObject *watched, QEvent *event) {

@@ -16,11 +16,11 @@ namespace quillory::ui {
 
 namespace {
 
-constexpr double radius = 6;
-constexpr int sideMargin = 6;
-constexpr int topMargin = 4;
+constexpr double fieldRadius = 6;
+constexpr int fieldSideMargin = 6;
+constexpr int fieldTopMargin = 4;
 /// Without it the toolkit finds the last line too large for its field, and scrolls.
-constexpr int slack = 1;
+constexpr int fieldSlack = 1;
 
 bool isControl(QChar character) {
     return character.category() == QChar::Other_Control;
@@ -33,7 +33,7 @@ bool isLineBreak(QChar character) {
 }
 
 /// The text with line breaks of one kind and without other control characters.
-QString clean(QString text, QChar lineBreak) {
+QString cleaned(QString text, QChar lineBreak) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     for (QChar &character : text) {
         if (isLineBreak(character)) {
@@ -49,8 +49,8 @@ class OneLine final : public QValidator {
   public:
     using QValidator::QValidator;
     State validate(QString &input, int &position) const override {
-        position = static_cast<int>(clean(input.left(position), u' ').size());
-        input = clean(input, u' ');
+        position = static_cast<int>(cleaned(input.left(position), u' ').size());
+        input = cleaned(input, u' ');
         return Acceptable;
     }
 };
@@ -62,11 +62,11 @@ void paintField(QPainter &painter, const QWidget &field) {
     painter.setBrush(field.palette().color(QPalette::Window).lightness() < 128
                          ? field.palette().color(QPalette::Window).darker(125)
                          : QColor(Qt::white));
-    painter.drawPath(continuousRoundedRect(frame, radius - 0.5));
+    painter.drawPath(continuousRoundedRect(frame, fieldRadius - 0.5));
     if (field.hasFocus()) {
         painter.setPen(QPen(faded(field.palette().color(QPalette::Highlight), 0.75), 2));
         painter.setBrush(Qt::NoBrush);
-        painter.drawPath(continuousRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), radius - 1));
+        painter.drawPath(continuousRoundedRect(frame.adjusted(0.5, 0.5, -0.5, -0.5), fieldRadius - 1));
     }
 }
 
@@ -84,7 +84,7 @@ LineField::LineField(const QString &placeholder) {
     setPlaceholderText(placeholder);
     setFont(formFont(fieldPoints));
     setFrame(false);
-    setTextMargins(sideMargin - 2, 0, sideMargin - 2, 0);
+    setTextMargins(fieldSideMargin - 2, 0, fieldSideMargin - 2, 0);
     setValidator(new OneLine(this));
     clearBase(*this);
 }
@@ -121,7 +121,7 @@ TextField::TextField(const QString &placeholder) {
     document()->setDefaultTextOption(option);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBar(new SlimScrollBar);
-    setViewportMargins(sideMargin, topMargin, sideMargin, topMargin);
+    setViewportMargins(fieldSideMargin, fieldTopMargin, fieldSideMargin, fieldTopMargin);
     document()->setDocumentMargin(0);
     viewport()->setAutoFillBackground(false);
     clearBase(*this);
@@ -148,7 +148,7 @@ void TextField::showText(const QString &text) {
 }
 
 int TextField::lineHeight() {
-    return qCeil(QFontMetricsF(formFont(fieldPoints)).height()) + slack + 2 * topMargin;
+    return qCeil(QFontMetricsF(formFont(fieldPoints)).height()) + fieldSlack + 2 * fieldTopMargin;
 }
 
 int TextField::heightFor(const QString &text, int width, int mostLines) {
@@ -167,11 +167,11 @@ int TextField::heightFor(const QString &text, int width, int mostLines) {
         if (!line.isValid()) {
             break;
         }
-        line.setLineWidth(width - 2 * sideMargin);
+        line.setLineWidth(width - 2 * fieldSideMargin);
         height += line.height();
     }
     layout.endLayout();
-    return std::max(lineHeight(), qCeil(height) + slack + 2 * topMargin);
+    return std::max(lineHeight(), qCeil(height) + fieldSlack + 2 * fieldTopMargin);
 }
 
 bool TextField::event(QEvent *event) {
@@ -205,7 +205,7 @@ void TextField::focusOutEvent(QFocusEvent *event) {
 
 void TextField::insertFromMimeData(const QMimeData *source) {
     if (source->hasText()) {
-        textCursor().insertText(clean(source->text(), u'\n'));
+        textCursor().insertText(cleaned(source->text(), u'\n'));
         ensureCursorVisible();
     }
 }

@@ -11,8 +11,8 @@
 namespace quillory::ui {
 
 namespace {
-constexpr int padding = 3;
-constexpr int gap = 5;
+constexpr int linkPadding = 3;
+constexpr int linkGap = 5;
 } // namespace
 
 LinkButton::LinkButton(const QString &symbol, const QString &label) : m_symbol(symbol), m_hover(*this) {
@@ -25,8 +25,8 @@ LinkButton::LinkButton(const QString &symbol, const QString &label) : m_symbol(s
 QSize LinkButton::sizeHint() const {
     const QFontMetrics metrics(font());
     const int side = qRound(symbolSide(bodyPoints * textScale()));
-    return {2 * padding + side + gap + metrics.horizontalAdvance(text()),
-            2 * padding + std::max(side, metrics.height())};
+    return {2 * linkPadding + side + linkGap + metrics.horizontalAdvance(text()),
+            2 * linkPadding + std::max(side, metrics.height())};
 }
 
 void LinkButton::changeEvent(QEvent *event) {
@@ -45,9 +45,9 @@ void LinkButton::paintEvent(QPaintEvent * /*event*/) {
     }
     const QColor accent = faded(tintColor(*this, Tint::accent), isDown() ? 0.6 : 1 - 0.15 * m_hover.progress());
     const double side = symbolSide(bodyPoints * textScale());
-    drawSymbol(painter, {double(padding), std::round((height() - side) / 2), side, side}, m_symbol, accent);
+    drawSymbol(painter, {double(linkPadding), std::round((height() - side) / 2), side, side}, m_symbol, accent);
     painter.setPen(accent);
-    painter.drawText(rect().adjusted(padding + qRound(side) + gap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
+    painter.drawText(rect().adjusted(linkPadding + qRound(side) + linkGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
 }
 
 } // namespace quillory::ui

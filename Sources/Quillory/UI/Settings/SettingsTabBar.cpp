@@ -11,12 +11,12 @@
 namespace quillory::ui {
 
 namespace {
-constexpr double symbolPoints = 15;
-constexpr double leastWidth = 76;
-constexpr int sidePadding = 12;
-constexpr int topPadding = 5;
-constexpr int gap = 2;
-constexpr double radius = 7;
+constexpr double tabSymbolPoints = 15;
+constexpr double leastTabWidth = 76;
+constexpr int tabSidePadding = 12;
+constexpr int tabTopPadding = 5;
+constexpr int tabGap = 2;
+constexpr double tabRadius = 7;
 } // namespace
 
 SettingsTabBar::SettingsTabBar() {
@@ -35,9 +35,9 @@ void SettingsTabBar::add(const QString &symbol, const QString &label) {
 
 QSize SettingsTabBar::tabSizeHint(int index) const {
     const QFontMetrics metrics(font());
-    const int width = std::max(scaled(leastWidth), metrics.horizontalAdvance(tabText(index)) + 2 * sidePadding);
-    const int symbol = qRound(symbolSide(symbolPoints * textScale()));
-    return {width, topPadding + symbol + gap + metrics.height() + topPadding};
+    const int width = std::max(scaled(leastTabWidth), metrics.horizontalAdvance(tabText(index)) + 2 * tabSidePadding);
+    const int symbol = qRound(symbolSide(tabSymbolPoints * textScale()));
+    return {width, tabTopPadding + symbol + tabGap + metrics.height() + tabTopPadding};
 }
 
 QSize SettingsTabBar::sizeHint() const {
@@ -68,18 +68,18 @@ void SettingsTabBar::paintTab(QPainter &painter, int index) const {
     const bool isCurrent = index == currentIndex();
     const bool isHovered = tab.contains(mapFromGlobal(QCursor::pos())) && underMouse();
     if (isCurrent || isHovered) {
-        painter.fillPath(continuousRoundedRect(tab, radius), faded(lookOf(*this).primary, isCurrent ? 0.09 : 0.045));
+        painter.fillPath(continuousRoundedRect(tab, tabRadius), faded(lookOf(*this).primary, isCurrent ? 0.09 : 0.045));
     }
     if (isCurrent && showsFocus(*this)) {
         painter.setPen(QPen(faded(palette().color(QPalette::Highlight), 0.7), 2));
-        painter.drawPath(continuousRoundedRect(tab, radius));
+        painter.drawPath(continuousRoundedRect(tab, tabRadius));
     }
     const QColor color = isCurrent ? tintColor(*this, Tint::accent) : lookOf(*this).secondary;
-    const double side = symbolSide(symbolPoints * textScale());
-    drawSymbol(painter, {std::round(tab.center().x() - side / 2), double(topPadding), side, side},
+    const double side = symbolSide(tabSymbolPoints * textScale());
+    drawSymbol(painter, {std::round(tab.center().x() - side / 2), double(tabTopPadding), side, side},
                tabData(index).toString(), color);
     painter.setPen(color);
-    painter.drawText(tab.adjusted(0, 0, 0, -topPadding + 1), Qt::AlignHCenter | Qt::AlignBottom, tabText(index));
+    painter.drawText(tab.adjusted(0, 0, 0, -tabTopPadding + 1), Qt::AlignHCenter | Qt::AlignBottom, tabText(index));
 }
 
 } // namespace quillory::ui

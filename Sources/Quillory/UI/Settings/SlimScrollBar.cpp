@@ -10,7 +10,7 @@
 namespace quillory::ui {
 
 namespace {
-constexpr int extent = 11;
+constexpr int barExtent = 11;
 constexpr double handleWidth = 6;
 } // namespace
 
@@ -19,7 +19,7 @@ SlimScrollBar::SlimScrollBar() : QScrollBar(Qt::Vertical) {
 }
 
 QSize SlimScrollBar::sizeHint() const {
-    return {extent, QScrollBar::sizeHint().height()};
+    return {barExtent, QScrollBar::sizeHint().height()};
 }
 
 void SlimScrollBar::paintEvent(QPaintEvent * /*event*/) {

@@ -13,7 +13,7 @@ namespace quillory::ui {
 namespace {
 constexpr double stepperWidth = 19;
 constexpr double stepperHeight = 24;
-constexpr double radius = 5.5;
+constexpr double stepperRadius = 5.5;
 constexpr int untilRepeat = 400;
 constexpr int betweenRepeats = 80;
 } // namespace
@@ -66,8 +66,8 @@ void Stepper::paintEvent(QPaintEvent * /*event*/) {
     painter.setPen(isFocused ? QPen(palette().color(QPalette::Highlight), 1.6)
                              : QPen(faded(lookOf(*this).primary, 0.18), 1));
     painter.setBrush(palette().color(QPalette::Button));
-    painter.drawPath(continuousRoundedRect(frame, radius));
-    painter.setClipPath(continuousRoundedRect(frame, radius));
+    painter.drawPath(continuousRoundedRect(frame, stepperRadius));
+    painter.setClipPath(continuousRoundedRect(frame, stepperRadius));
     const double middle = height() / 2.0;
     paintHalf(painter, {0, 0, double(width()), middle}, 1);
     paintHalf(painter, {0, middle, double(width()), middle}, -1);

@@ -12,8 +12,8 @@ namespace quillory::ui {
 namespace {
 constexpr double trackWidth = 34;
 constexpr double trackHeight = 20;
-constexpr double leastHeight = 35;
-constexpr int gap = 12;
+constexpr double leastSwitchRowHeight = 35;
+constexpr int switchGap = 12;
 } // namespace
 
 SwitchRow::SwitchRow(const QString &label) : QCheckBox(label) {
@@ -29,9 +29,9 @@ SwitchRow::SwitchRow(const QString &label) : QCheckBox(label) {
 
 QSize SwitchRow::sizeHint() const {
     const QMargins margins = rowMargins();
-    const int content = fontMetrics().horizontalAdvance(text()) + gap + scaled(trackWidth);
+    const int content = fontMetrics().horizontalAdvance(text()) + switchGap + scaled(trackWidth);
     const int height = std::max(fontMetrics().height(), scaled(trackHeight)) + margins.top() + margins.bottom();
-    return {margins.left() + content + margins.right(), std::max(height, scaled(leastHeight))};
+    return {margins.left() + content + margins.right(), std::max(height, scaled(leastSwitchRowHeight))};
 }
 
 void SwitchRow::slide() {
