@@ -75,7 +75,8 @@ class MenuLine final : public QWidget {
 
   protected:
     void paintEvent(QPaintEvent * /*event*/) override {
-        QPainter(this).fillRect(2 * menuWindowMargin, menuWindowMargin, width() - 4 * menuWindowMargin, 1, faded(lookOf(*this).primary, 0.12));
+        QPainter(this).fillRect(2 * menuWindowMargin, menuWindowMargin, width() - 4 * menuWindowMargin, 1,
+                                faded(lookOf(*this).primary, 0.12));
     }
 };
 

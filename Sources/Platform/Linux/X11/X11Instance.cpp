@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/X11/X11Instance.h"
 
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 
 #include <algorithm>
 #include <utility>
@@ -60,12 +60,11 @@ bool X11Instance::summon(X11Connection &connection, std::chrono::milliseconds lo
     const auto watch = connection.onEvent(
         [&](const xcb_generic_event_t &event) { answered = answered || isMessage(connection, event, coming); });
     send(connection, instance, summons);
-    QElapsedTimer waited;
-    waited.start();
+    const QDeadlineTimer deadline(longestWait);
     // An instance that ends meanwhile says nothing any more.
-    while (!answered && !waited.hasExpired(longestWait.count()) && instanceOn(connection) == instance) {
+    while (!answered && !deadline.hasExpired() && instanceOn(connection) == instance) {
         constexpr qint64 lookAgain = 100;
-        connection.dispatchWithin(static_cast<int>(std::min(lookAgain, longestWait.count() - waited.elapsed())));
+        connection.dispatchWithin(static_cast<int>(std::min(lookAgain, deadline.remainingTime()))); // never negative
     }
     return answered;
 }

@@ -84,8 +84,8 @@ QWidget *FAQBlock::lastField() const {
 }
 
 int FAQBlock::heightFor(const FAQEntry &entry, int width) {
-    return TextField::lineHeight() + fieldGap + TextField::heightFor(entry.answer, fieldsWidth(width), mostAnswerLines) +
-           2 * blockPadding;
+    return TextField::lineHeight() + fieldGap +
+           TextField::heightFor(entry.answer, fieldsWidth(width), mostAnswerLines) + 2 * blockPadding;
 }
 
 void FAQBlock::resizeEvent(QResizeEvent *event) {

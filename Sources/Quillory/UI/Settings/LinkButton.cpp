@@ -47,7 +47,8 @@ void LinkButton::paintEvent(QPaintEvent * /*event*/) {
     const double side = symbolSide(bodyPoints * textScale());
     drawSymbol(painter, {double(linkPadding), std::round((height() - side) / 2), side, side}, m_symbol, accent);
     painter.setPen(accent);
-    painter.drawText(rect().adjusted(linkPadding + qRound(side) + linkGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text());
+    painter.drawText(rect().adjusted(linkPadding + qRound(side) + linkGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                     text());
 }
 
 } // namespace quillory::ui
