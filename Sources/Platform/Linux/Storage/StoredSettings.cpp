@@ -3,6 +3,8 @@
 
 #include "Platform/Linux/StandardError.h"
 
+#include <QHash>
+
 #include <utility>
 
 namespace platform::desktop {
