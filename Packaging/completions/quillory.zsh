@@ -1,0 +1,35 @@
+#compdef quillory
+# SPDX-FileCopyrightText: 2026 The Quillory developers
+_quillory() {
+    local -a commands keys
+    commands=(
+        'autostart:start it at every login, or no longer'
+        'defaults:show and change the settings'
+        'doctor:check what the program needs and say what to do'
+        'inspect:show what is seen of the message box, and what would be sent'
+        'rewrite:rewrite a text'
+        'stats:show how often each model was chosen'
+    )
+    keys=(enabled assistantMode tone debounceMs minChars maxChars model compareMode secondModel businessProfile
+        faqEntries faqKnowledge openRouterAPIKey debugAcceptOnce)
+    if ((CURRENT == 2)); then
+        _describe command commands
+        compadd -- --version --help
+        return
+    fi
+    case $words[2] in
+    autostart) ((CURRENT == 3)) && compadd on off ;;
+    defaults) ((CURRENT == 3)) && compadd read write delete || { ((CURRENT == 4)) && compadd -a keys; } ;;
+    doctor) compadd -- --fix --json ;;
+    inspect) [[ $words[CURRENT - 1] == --wait ]] || compadd -- --json --wait ;;
+    rewrite)
+        if [[ $words[CURRENT - 1] == --tone ]]; then
+            compadd Professional Friendly Concise 'Grammar only'
+        else
+            compadd -- --tone --json
+        fi
+        ;;
+    stats) compadd -- --json ;;
+    esac
+}
+_quillory "$@"
