@@ -24,4 +24,8 @@ bool isLoopback(const QUrl &url) {
     return bytes.size() == 4 && bytes.front() == QLatin1StringView("127") && std::ranges::all_of(bytes, isByte);
 }
 
+bool isSafe(const QUrl &url) {
+    return url.scheme() == QLatin1StringView("https") || (url.scheme() == QLatin1StringView("http") && isLoopback(url));
+}
+
 } // namespace platform

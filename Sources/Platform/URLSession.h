@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -22,10 +23,18 @@ struct URLRequest {
     QByteArray body;
     /// The longest wait for the next data of the response, not a limit on the whole exchange.
     std::chrono::milliseconds timeout{60'000};
+    /// The longest body that is taken, in bytes.
+    qint64 longestBody = 16 << 20;
+    /// Goes where the server points to, a few times at most and only while every address on the way is safe. Of no
+    /// effect on a stream.
+    bool followsRedirects = false;
 };
 
 /// Whether the address names this very computer: 127.0.0.0/8, [::1] or "localhost". What goes there never travels.
 [[nodiscard]] bool isLoopback(const QUrl &url);
+
+/// Whether nobody can read or change on its way what goes to the address and comes back: https, or this computer.
+[[nodiscard]] bool isSafe(const QUrl &url);
 
 /// The transport failed: no connection, time-out, broken transfer, an answer beyond all bounds. The text is fit for a
 /// user's eyes and holds neither header nor body.
@@ -57,8 +66,11 @@ struct URLResponse {
     QByteArray body;
 };
 
+/// Told how many bytes have come, and how many are to come where that is known.
+using DownloadProgress = std::function<void(qint64 received, std::optional<qint64> expected)>;
+
 /// Sends HTTP requests. The operations block the calling thread, which is never the main one; any number of threads
-/// may call at once. Connections are kept alive between requests. Redirects are not followed.
+/// may call at once. Connections are kept alive between requests.
 class URLSession {
   public:
     virtual ~URLSession() = default;
@@ -66,6 +78,11 @@ class URLSession {
     [[nodiscard]] virtual std::unique_ptr<URLByteStream> bytes(const URLRequest &request, std::stop_token stop) = 0;
     /// Sends a request and returns the whole response. Throws URLError or CancellationError.
     [[nodiscard]] virtual URLResponse data(const URLRequest &request, std::stop_token stop) = 0;
+    /// Sends a request and puts the body of the response, whatever its status, into a new temporary file, which is the
+    /// caller's to remove. Gives the file's path. Throws URLError, also when the file cannot be written, or
+    /// CancellationError; there is no file then.
+    [[nodiscard]] virtual QString download(const URLRequest &request, const DownloadProgress &progress,
+                                           std::stop_token stop) = 0;
 };
 
 } // namespace platform

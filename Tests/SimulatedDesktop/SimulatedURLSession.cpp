@@ -171,6 +171,11 @@ platform::URLResponse SimulatedURLSession::data(const platform::URLRequest &requ
     return {.statusCode = stream.statusCode(), .body = lines.join('\n')};
 }
 
+QString SimulatedURLSession::download(const platform::URLRequest & /*request*/,
+                                      const platform::DownloadProgress & /*progress*/, std::stop_token /*stop*/) {
+    throw platform::URLError("There is nothing to download.");
+}
+
 void SimulatedURLSession::onRequest(std::function<void(SimulatedExchange &)> answer) {
     const std::scoped_lock lock(m_mutex);
     m_answer = std::move(answer);

@@ -76,6 +76,9 @@ class SimulatedURLSession final : public platform::URLSession {
     [[nodiscard]] std::unique_ptr<platform::URLByteStream> bytes(const platform::URLRequest &request,
                                                                  std::stop_token stop) override;
     [[nodiscard]] platform::URLResponse data(const platform::URLRequest &request, std::stop_token stop) override;
+    /// There is nothing to download.
+    [[nodiscard]] QString download(const platform::URLRequest &request, const platform::DownloadProgress &progress,
+                                   std::stop_token stop) override;
 
     /// Answers the requests that come from now on, each on the thread that makes it.
     void onRequest(std::function<void(SimulatedExchange &)> answer);

@@ -15,6 +15,10 @@ QString headTooLong() {
     return QStringLiteral("The head of the answer is too long.");
 }
 
+QString bodyTooLong() {
+    return QStringLiteral("The answer is too long.");
+}
+
 QByteArrayView viewOf(const char *data, std::size_t size, std::size_t count) {
     return {data, static_cast<qsizetype>(size * count)};
 }
@@ -97,10 +101,22 @@ std::size_t CurlExchange::headLine(QByteArrayView line) {
     curl_easy_getinfo(handle(), CURLINFO_RESPONSE_CODE, &status);
     constexpr long firstFinalStatus = 200;
     if (!m_hasHead && line.trimmed().isEmpty() && status >= firstFinalStatus) {
-        m_hasHead = true;
-        transfer->headArrived(static_cast<int>(status));
+        return headEnd(status) ? static_cast<std::size_t>(line.size()) : 0;
     }
     return static_cast<std::size_t>(line.size());
+}
+
+/// False when the answer says that it is too long to be read.
+bool CurlExchange::headEnd(long status) {
+    m_hasHead = true;
+    curl_off_t length = -1;
+    curl_easy_getinfo(handle(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    if (length > transfer->request().longestBody) {
+        failure = bodyTooLong();
+        return false;
+    }
+    transfer->headArrived(static_cast<int>(status), length < 0 ? std::nullopt : std::optional<qint64>(length));
+    return true;
 }
 
 std::size_t CurlExchange::body(QByteArrayView bytes) {
@@ -118,12 +134,17 @@ std::size_t CurlExchange::body(QByteArrayView bytes) {
     case Transfer::Taken::tooMuch:
         break;
     }
-    failure = QStringLiteral("The answer is too long.");
+    failure = bodyTooLong();
     return 0;
 }
 
 std::optional<QString> CurlExchange::outcome(CURLcode result) {
     if (result == CURLE_OK) {
+        const char *redirect = nullptr;
+        curl_easy_getinfo(handle(), CURLINFO_REDIRECT_URL, &redirect);
+        if (redirect != nullptr) {
+            transfer->pointTo(QUrl(QString::fromUtf8(redirect)));
+        }
         // Curl is content with a head that breaks off.
         return m_hasHead ? std::nullopt : std::optional(sentenceFor(CURLE_RECV_ERROR));
     }

@@ -34,6 +34,7 @@ class CurlExchange {
     void setCallbacks();
     void addHeader(const QByteArray &header);
     std::size_t headLine(QByteArrayView line);
+    bool headEnd(long status);
     std::size_t body(QByteArrayView bytes);
 
     std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> m_handle{curl_easy_init(), &curl_easy_cleanup};

@@ -3,13 +3,17 @@
 
 #include "Platform/Linux/Network/LineSplitter.h"
 
+#include <QDir>
+#include <QTemporaryFile>
+
 #include <algorithm>
+#include <array>
 #include <functional>
 
 namespace platform::desktop {
 
 namespace {
-constexpr qint64 maxBody = 16 * 1024 * 1024;
+constexpr int mostRedirects = 5;
 constexpr qsizetype maxLine = 1024 * 1024;
 
 /// A line break in a header would end it and begin another one of the writer's choice.
@@ -30,13 +34,14 @@ void check(const URLRequest &request) {
     }
 }
 
+} // namespace
+
 /// The reader's end of one exchange. Ends it when destroyed: at once after a cancellation, otherwise so that its
 /// connection may be kept.
-class Reader {
+class BodyReader {
   public:
-    Reader(std::shared_ptr<WorkerMailbox> mailbox, const URLRequest &request, std::stop_token stop)
-        : m_mailbox(std::move(mailbox)), m_transfer(std::make_shared<Transfer>(request, maxBody)),
-          m_stop(std::move(stop)) {
+    BodyReader(std::shared_ptr<WorkerMailbox> mailbox, const URLRequest &request, std::stop_token stop)
+        : m_mailbox(std::move(mailbox)), m_transfer(std::make_shared<Transfer>(request)), m_stop(std::move(stop)) {
         throwIfStopped();
         if (!m_mailbox->post(WorkerMailbox::Ask::start, m_transfer)) {
             throw URLError("The program is shutting down.");
@@ -46,14 +51,25 @@ class Reader {
             mailbox->post(WorkerMailbox::Ask::abort, transfer);
         });
     }
-    ~Reader() {
+    ~BodyReader() {
         m_onStop.reset();
         m_mailbox->post(WorkerMailbox::Ask::drain, m_transfer);
     }
-    Reader(const Reader &) = delete;
-    Reader &operator=(const Reader &) = delete;
+    BodyReader(const BodyReader &) = delete;
+    BodyReader &operator=(const BodyReader &) = delete;
 
     [[nodiscard]] std::optional<int> awaitHead() { return m_transfer->awaitHead(); }
+    [[nodiscard]] std::optional<qint64> length() const { return m_transfer->length(); }
+    /// Where to go instead, if that is wanted. Reads the answer to its end then.
+    [[nodiscard]] std::optional<QUrl> redirect(std::optional<int> status) {
+        constexpr std::array redirects{301, 302, 303, 307, 308};
+        if (!m_transfer->request().followsRedirects || std::ranges::find(redirects, status) == redirects.end()) {
+            return std::nullopt;
+        }
+        while (awaitBytes()) {
+        }
+        return m_transfer->redirect();
+    }
     [[nodiscard]] std::optional<QByteArray> awaitBytes() {
         auto more = m_transfer->awaitBytes();
         if (!more) {
@@ -77,6 +93,7 @@ class Reader {
     std::optional<std::stop_callback<std::function<void()>>> m_onStop;
 };
 
+namespace {
 class LineStream final : public URLByteStream {
   public:
     LineStream(std::shared_ptr<WorkerMailbox> mailbox, const URLRequest &request, std::stop_token stop)
@@ -113,7 +130,7 @@ class LineStream final : public URLByteStream {
         }
     }
 
-    Reader m_reader;
+    BodyReader m_reader;
     std::optional<int> m_status;
     LineSplitter m_lines;
     bool m_isOver = false;
@@ -125,14 +142,61 @@ std::unique_ptr<URLByteStream> CurlURLSession::bytes(const URLRequest &request, 
     return std::make_unique<LineStream>(mailbox(), request, std::move(stop));
 }
 
-URLResponse CurlURLSession::data(const URLRequest &request, std::stop_token stop) {
-    check(request);
-    Reader reader(mailbox(), request, std::move(stop));
-    URLResponse response{.statusCode = reader.awaitHead(), .body = {}};
-    while (const auto bytes = reader.awaitBytes()) {
-        response.body.append(*bytes);
+/// Sends a request, goes where the answers point to, and hands the last one to a function once its head is in.
+void CurlURLSession::exchange(URLRequest request, const std::stop_token &stop, const Receive &receive) {
+    for (int redirects = 0; redirects <= mostRedirects; ++redirects) {
+        check(request);
+        if (request.followsRedirects && !isSafe(request.url)) {
+            throw URLError("The address is not secure: it must begin with https://.");
+        }
+        BodyReader reader(mailbox(), request, stop);
+        const std::optional<int> status = reader.awaitHead();
+        const std::optional<QUrl> next = reader.redirect(status);
+        if (!next) {
+            return receive(reader, status);
+        }
+        if (next->scheme() != request.url.scheme() && next->scheme() != QLatin1StringView("https")) {
+            throw URLError("The server points to an address that is not secure.");
+        }
+        request.url = *next;
     }
+    throw URLError("The server points from one address to the next without end.");
+}
+
+URLResponse CurlURLSession::data(const URLRequest &request, std::stop_token stop) {
+    URLResponse response;
+    exchange(request, stop, [&response](BodyReader &reader, std::optional<int> status) {
+        response.statusCode = status;
+        while (const auto bytes = reader.awaitBytes()) {
+            response.body.append(*bytes);
+        }
+    });
     return response;
+}
+
+QString CurlURLSession::download(const URLRequest &request, const DownloadProgress &progress, std::stop_token stop) {
+    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/quillory-download-XXXXXX"));
+    const auto failed = [&file] {
+        throw URLError("The download could not be saved: " + file.errorString().toStdString() + '.');
+    };
+    if (!file.open()) {
+        failed();
+    }
+    exchange(request, stop, [&](BodyReader &reader, std::optional<int>) {
+        qint64 received = 0;
+        while (const auto bytes = reader.awaitBytes()) {
+            if (file.write(*bytes) != bytes->size()) {
+                failed();
+            }
+            received += bytes->size();
+            progress(received, reader.length());
+        }
+    });
+    if (!file.flush()) {
+        failed();
+    }
+    file.setAutoRemove(false);
+    return file.fileName();
 }
 
 std::shared_ptr<WorkerMailbox> CurlURLSession::mailbox() {

@@ -8,16 +8,32 @@ namespace {
 constexpr qsizetype bufferSize = 256 * 1024;
 } // namespace
 
-void Transfer::headArrived(std::optional<int> status) {
+void Transfer::headArrived(std::optional<int> status, std::optional<qint64> length) {
     const std::scoped_lock lock(m_mutex);
     m_status = status;
+    m_length = length;
     m_headArrived = true;
     m_changed.notify_all();
 }
 
+void Transfer::pointTo(const QUrl &url) {
+    const std::scoped_lock lock(m_mutex);
+    m_redirect = url;
+}
+
+std::optional<qint64> Transfer::length() const {
+    const std::scoped_lock lock(m_mutex);
+    return m_length;
+}
+
+std::optional<QUrl> Transfer::redirect() const {
+    const std::scoped_lock lock(m_mutex);
+    return m_redirect;
+}
+
 Transfer::Taken Transfer::take(QByteArrayView bytes) {
     const std::scoped_lock lock(m_mutex);
-    if (m_bodySize + bytes.size() > m_maxBody) {
+    if (m_bodySize + bytes.size() > m_request.longestBody) {
         return Taken::tooMuch;
     }
     if (!m_buffer.isEmpty() && m_buffer.size() + bytes.size() > bufferSize) {

@@ -12,8 +12,7 @@ namespace platform::desktop {
 /// stands a buffer of bounded size, so that a slow reader slows the server down.
 class Transfer {
   public:
-    /// maxBody: the longest body that is taken, in bytes.
-    Transfer(URLRequest request, qint64 maxBody) : m_request(std::move(request)), m_maxBody(maxBody) {}
+    explicit Transfer(URLRequest request) : m_request(std::move(request)) {}
 
     [[nodiscard]] const URLRequest &request() const { return m_request; }
 
@@ -21,7 +20,9 @@ class Transfer {
 
     enum class Taken { yes, noRoom, tooMuch };
     /// The head is in; without a status the answer is not HTTP.
-    void headArrived(std::optional<int> status);
+    void headArrived(std::optional<int> status, std::optional<qint64> length = std::nullopt);
+    /// The answer points elsewhere. Before the exchange is finished.
+    void pointTo(const QUrl &url);
     /// Takes the next bytes of the body whole, or none of them.
     [[nodiscard]] Taken take(QByteArrayView bytes);
     /// The exchange is over, with a sentence about the failure if it failed.
@@ -33,6 +34,10 @@ class Transfer {
     void cancel();
     /// Waits for the head.
     [[nodiscard]] std::optional<int> awaitHead();
+    /// The length that the head announced.
+    [[nodiscard]] std::optional<qint64> length() const;
+    /// Where the answer points to, once it has been read to its end.
+    [[nodiscard]] std::optional<QUrl> redirect() const;
     struct More {
         QByteArray bytes;
         /// The worker stopped for lack of room and must be told that there is some.
@@ -45,12 +50,13 @@ class Transfer {
     void throwIfFailed() const;
 
     const URLRequest m_request;
-    const qint64 m_maxBody;
-    std::mutex m_mutex;
+    mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     QByteArray m_buffer;
     qint64 m_bodySize = 0;
     std::optional<int> m_status;
+    std::optional<qint64> m_length;
+    std::optional<QUrl> m_redirect;
     std::optional<QString> m_failure;
     bool m_headArrived = false;
     bool m_full = false;
