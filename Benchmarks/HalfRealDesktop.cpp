@@ -19,7 +19,10 @@ HalfRealDesktop::HalfRealDesktop(int port) : m_connection(platform::desktop::X11
     m_windows = std::make_unique<platform::desktop::QtPanelWindows>(*m_screens);
     const platform::Platform simulated = platform::current();
     m_services = std::make_unique<platform::Platform>(platform::Platform{.accessibility = simulated.accessibility,
+                                                                         .application = simulated.application,
+                                                                         .codeSigning = simulated.codeSigning,
                                                                          .eventTaps = simulated.eventTaps,
+                                                                         .fileSystem = simulated.fileSystem,
                                                                          .keyPoster = simulated.keyPoster,
                                                                          .mainQueue = m_queue,
                                                                          .panelWindows = *m_windows,
@@ -27,6 +30,7 @@ HalfRealDesktop::HalfRealDesktop(int port) : m_connection(platform::desktop::X11
                                                                          .process = simulated.process,
                                                                          .screens = *m_screens,
                                                                          .statusBar = simulated.statusBar,
+                                                                         .systemTools = simulated.systemTools,
                                                                          .urlSession = m_session,
                                                                          .userDefaults = simulated.userDefaults,
                                                                          .workspace = simulated.workspace});

@@ -155,7 +155,10 @@ void measureProfile() {
 platform::Platform withRealStore(platform::MainQueue &queue, platform::UserDefaults &store) {
     const platform::Platform &simulated = platform::current();
     return {.accessibility = simulated.accessibility,
+            .application = simulated.application,
+            .codeSigning = simulated.codeSigning,
             .eventTaps = simulated.eventTaps,
+            .fileSystem = simulated.fileSystem,
             .keyPoster = simulated.keyPoster,
             .mainQueue = queue,
             .panelWindows = simulated.panelWindows,
@@ -163,6 +166,7 @@ platform::Platform withRealStore(platform::MainQueue &queue, platform::UserDefau
             .process = simulated.process,
             .screens = simulated.screens,
             .statusBar = simulated.statusBar,
+            .systemTools = simulated.systemTools,
             .urlSession = simulated.urlSession,
             .userDefaults = store,
             .workspace = simulated.workspace};

@@ -186,7 +186,10 @@ void measureLatency(const QString &address) {
 platform::Platform withNetwork(platform::URLSession &session) {
     const platform::Platform &simulated = platform::current();
     return {.accessibility = simulated.accessibility,
+            .application = simulated.application,
+            .codeSigning = simulated.codeSigning,
             .eventTaps = simulated.eventTaps,
+            .fileSystem = simulated.fileSystem,
             .keyPoster = simulated.keyPoster,
             .mainQueue = simulated.mainQueue,
             .panelWindows = simulated.panelWindows,
@@ -194,6 +197,7 @@ platform::Platform withNetwork(platform::URLSession &session) {
             .process = simulated.process,
             .screens = simulated.screens,
             .statusBar = simulated.statusBar,
+            .systemTools = simulated.systemTools,
             .urlSession = session,
             .userDefaults = simulated.userDefaults,
             .workspace = simulated.workspace};

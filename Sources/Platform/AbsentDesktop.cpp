@@ -19,11 +19,18 @@ class AbsentElement final : public AXElementBackend {
     [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits /*limits*/) const override { return {}; }
 };
 
+[[noreturn]] void throwNoFiles() {
+    throw FileError("There are no files without a desktop.");
+}
+
 } // namespace
 
 Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefaults &userDefaults) {
     return {.accessibility = *this,
+            .application = *this,
+            .codeSigning = *this,
             .eventTaps = *this,
+            .fileSystem = *this,
             .keyPoster = *this,
             .mainQueue = *this,
             .panelWindows = *this,
@@ -31,6 +38,7 @@ Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefau
             .process = process,
             .screens = *this,
             .statusBar = *this,
+            .systemTools = *this,
             .urlSession = urlSession,
             .userDefaults = userDefaults,
             .workspace = *this};
@@ -42,6 +50,40 @@ AXUIElement AbsentDesktop::createSystemWide() {
 
 AXUIElement AbsentDesktop::createApplication(qint32 /*pid*/) {
     return createSystemWide();
+}
+
+void AbsentDesktop::runAlert(const Alert & /*alert*/, std::function<void(int)> /*answered*/) {}
+
+std::unique_ptr<ProgressWindow> AbsentDesktop::showProgress(const QString & /*title*/,
+                                                            std::function<void()> /*cancel*/) {
+    return nullptr;
+}
+
+std::optional<SigningInformation> AbsentDesktop::signingInformation(const QString & /*bundle*/,
+                                                                    const Watch & /*watch*/) const {
+    return std::nullopt;
+}
+
+void AbsentDesktop::createDirectory(const QString & /*path*/) {
+    throwNoFiles();
+}
+
+QStringList AbsentDesktop::contentsOfDirectory(const QString & /*path*/) {
+    throwNoFiles();
+}
+
+void AbsentDesktop::replaceItem(const QString & /*installed*/, const QString & /*found*/, const Approval & /*approve*/,
+                                const std::stop_token & /*stop*/) {
+    throwNoFiles();
+}
+
+int AbsentDesktop::run(const QString & /*executable*/, const QStringList & /*arguments*/,
+                       const std::stop_token & /*stop*/) {
+    throwNoFiles();
+}
+
+void AbsentDesktop::startDetached(const QString & /*executable*/, const QStringList & /*arguments*/) {
+    throwNoFiles();
 }
 
 std::unique_ptr<EventTap> AbsentDesktop::create(TapCallback /*callback*/) {

@@ -6,15 +6,19 @@
 namespace platform {
 
 /// A desktop that is not there: no applications, no keys, no windows, no clipboard. For commands, which do without
-/// one; what is asked of it answers "absent", and what is posted to its queue is dropped.
+/// one; what is asked of it answers "absent", what is posted to its queue is dropped, and there are no files.
 class AbsentDesktop final : public Accessibility,
+                            public Application,
+                            public CodeSigning,
                             public EventTaps,
+                            public FileSystem,
                             public KeyPoster,
                             public MainQueue,
                             public PanelWindows,
                             public Pasteboard,
                             public Screens,
                             public StatusBar,
+                            public SystemTools,
                             public Workspace {
   public:
     /// The services of a program that runs without a desktop. All of them outlive the result.
@@ -24,7 +28,22 @@ class AbsentDesktop final : public Accessibility,
     bool isProcessTrustedWithPrompt() override { return false; }
     [[nodiscard]] AXUIElement createSystemWide() override;
     [[nodiscard]] AXUIElement createApplication(qint32 pid) override;
+    void runAlert(const Alert &alert, std::function<void(int)> answered) override;
+    [[nodiscard]] std::unique_ptr<ProgressWindow> showProgress(const QString &title,
+                                                               std::function<void()> cancel) override;
+    void terminate() override {}
+    [[nodiscard]] std::optional<SigningInformation> signingInformation(const QString &bundle,
+                                                                       const Watch &watch) const override;
     [[nodiscard]] std::unique_ptr<EventTap> create(TapCallback callback) override;
+    [[nodiscard]] QString temporaryDirectory() const override { return {}; }
+    void createDirectory(const QString &path) override;
+    [[nodiscard]] QStringList contentsOfDirectory(const QString &path) override;
+    void removeItem(const QString & /*path*/) noexcept override {}
+    void replaceItem(const QString &installed, const QString &found, const Approval &approve,
+                     const std::stop_token &stop) override;
+    [[nodiscard]] int run(const QString &executable, const QStringList &arguments,
+                          const std::stop_token &stop) override;
+    void startDetached(const QString &executable, const QStringList &arguments) override;
     [[nodiscard]] bool userHoldsKeys() override { return false; }
     bool postKey(KeyCode key, EventFlags flags) override;
     void post(std::function<void()> work) override;

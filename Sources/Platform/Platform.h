@@ -2,6 +2,9 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Platform/Application.h"
+#include "Platform/CodeSigning.h"
+#include "Platform/FileSystem.h"
 #include "Platform/Keys.h"
 #include "Platform/MainQueue.h"
 #include "Platform/PanelWindow.h"
@@ -9,6 +12,7 @@
 #include "Platform/Process.h"
 #include "Platform/Screens.h"
 #include "Platform/StatusBar.h"
+#include "Platform/SystemTools.h"
 #include "Platform/URLSession.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Workspace.h"
@@ -21,7 +25,10 @@ namespace platform {
 /// the services outlive everything that uses them.
 struct Platform {
     Accessibility &accessibility;
+    Application &application;
+    CodeSigning &codeSigning;
     EventTaps &eventTaps;
+    FileSystem &fileSystem;
     KeyPoster &keyPoster;
     MainQueue &mainQueue;
     PanelWindows &panelWindows;
@@ -29,6 +36,7 @@ struct Platform {
     Process &process;
     Screens &screens;
     StatusBar &statusBar;
+    SystemTools &systemTools;
     URLSession &urlSession;
     UserDefaults &userDefaults;
     Workspace &workspace;

@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include "Platform/AbsentDesktop.h"
 #include "Platform/Platform.h"
 #include "SimulatedDesktop/Printing.h"
+#include "SimulatedDesktop/SimulatedApplication.h"
 #include "SimulatedDesktop/SimulatedApplications.h"
 #include "SimulatedDesktop/SimulatedEventTaps.h"
 #include "SimulatedDesktop/SimulatedMainQueue.h"
@@ -21,6 +23,7 @@ namespace quillory::test {
 class SimulatedDesktop final : private platform::KeyPoster {
   public:
     SimulatedMainQueue mainQueue;
+    SimulatedApplication application;
     SimulatedApplications applications;
     SimulatedEventTaps eventTaps;
     SimulatedPanelWindows panelWindows;
@@ -46,8 +49,13 @@ class SimulatedDesktop final : private platform::KeyPoster {
     bool postKey(platform::KeyCode key, platform::EventFlags flags) override;
 
     bool m_allSelected = false;
+    /// There are no files and no tools on it.
+    platform::AbsentDesktop m_absent;
     platform::Platform m_services{.accessibility = applications,
+                                  .application = application,
+                                  .codeSigning = m_absent,
                                   .eventTaps = eventTaps,
+                                  .fileSystem = m_absent,
                                   .keyPoster = *this,
                                   .mainQueue = mainQueue,
                                   .panelWindows = panelWindows,
@@ -55,6 +63,7 @@ class SimulatedDesktop final : private platform::KeyPoster {
                                   .process = process,
                                   .screens = screens,
                                   .statusBar = statusBar,
+                                  .systemTools = m_absent,
                                   .urlSession = urlSession,
                                   .userDefaults = userDefaults,
                                   .workspace = applications};

@@ -12,7 +12,7 @@
 namespace quillory::test {
 
 /// The team that the tests' programs trust, and its key.
-inline const QString team = QStringLiteral("TESTTEAM01");
+inline const QString team = QStringLiteral("QUILLORY26");
 [[nodiscard]] const platform::desktop::SigningKey &teamKey();
 /// Trusting that key alone.
 [[nodiscard]] platform::desktop::LinuxCodeSigning trustingTeam();

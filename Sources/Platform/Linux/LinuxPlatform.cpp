@@ -4,10 +4,15 @@
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
+#include "Platform/Linux/QtApplication.h"
 #include "Platform/Linux/QtMainQueue.h"
 #include "Platform/Linux/StatusBar/LinuxStatusBar.h"
 #include "Platform/Linux/Storage/FileUserDefaults.h"
 #include "Platform/Linux/Storage/LinuxProcess.h"
+#include "Platform/Linux/Updates/LinuxCodeSigning.h"
+#include "Platform/Linux/Updates/LinuxFileSystem.h"
+#include "Platform/Linux/Updates/LinuxSystemTools.h"
+#include "Platform/Linux/Updates/UserApplications.h"
 #include "Platform/Linux/X11/QtPanelWindow.h"
 #include "Platform/Linux/X11/X11ActiveWindow.h"
 #include "Platform/Linux/X11/X11Connection.h"
@@ -37,6 +42,10 @@ struct LinuxPlatform::Private {
     LinuxProcess process;
     FileUserDefaults userDefaults{folders::configuration(), Saving::inBackground};
     CurlURLSession urlSession;
+    LinuxCodeSigning codeSigning = LinuxCodeSigning::ofBundle(applications::runningBundle());
+    LinuxFileSystem fileSystem;
+    LinuxSystemTools systemTools;
+    QtApplication application;
     std::unique_ptr<X11Connection> connection;
     X11Screens screens{*connection};
     X11ActiveWindow activeWindow{*connection};
@@ -49,7 +58,10 @@ struct LinuxPlatform::Private {
     X11Pasteboard pasteboard{*connection};
     QtPanelWindows panelWindows{screens};
     Platform services{.accessibility = accessibility,
+                      .application = application,
+                      .codeSigning = codeSigning,
                       .eventTaps = eventTaps,
+                      .fileSystem = fileSystem,
                       .keyPoster = keyPoster,
                       .mainQueue = mainQueue,
                       .panelWindows = panelWindows,
@@ -57,6 +69,7 @@ struct LinuxPlatform::Private {
                       .process = process,
                       .screens = screens,
                       .statusBar = statusBar,
+                      .systemTools = systemTools,
                       .urlSession = urlSession,
                       .userDefaults = userDefaults,
                       .workspace = workspace};

@@ -8,7 +8,7 @@
 namespace platform::desktop {
 
 /// The identifier of this application, as bundles state it.
-inline const QString applicationIdentifier = QStringLiteral("app.quillory.Quillory");
+inline const QString applicationIdentifier = QStringLiteral("org.quillory.Quillory");
 
 /// Verifies a bundle by its manifest and the detached signature beside it. A team may have handed over to another key
 /// since: statements of that, in the bundle, are followed from the keys trusted here.

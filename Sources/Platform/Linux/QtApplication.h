@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/Application.h"
+
+#include <deque>
+#include <utility>
+
+class QDialog;
+
+namespace platform::desktop {
+
+/// Alerts and progress in windows of the toolkit. An alert blocks the program's other windows, but runs no event loop
+/// of its own: the tick and what it started go on as ever.
+class QtApplication final : public Application {
+  public:
+    QtApplication();
+    ~QtApplication() override;
+    QtApplication(const QtApplication &) = delete;
+    QtApplication &operator=(const QtApplication &) = delete;
+
+    void runAlert(const Alert &alert, std::function<void(int)> answered) override;
+    [[nodiscard]] std::unique_ptr<ProgressWindow> showProgress(const QString &title,
+                                                               std::function<void()> cancel) override;
+    void terminate() override;
+
+  private:
+    void showNext();
+
+    std::deque<std::pair<Alert, std::function<void(int)>>> m_waiting;
+    std::unique_ptr<QDialog> m_open;
+};
+
+} // namespace platform::desktop

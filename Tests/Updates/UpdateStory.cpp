@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Updates/UpdateStory.h"
+
+#include "Quillory/UpdateChecker.h"
+#include "RealDesktop/ChildProcess.h"
+
+#include <QDir>
+
+namespace quillory::test {
+
+UpdateStory::UpdateStory() {
+    const QString temporary = folder.filePath(QStringLiteral("tmp"));
+    QDir().mkpath(temporary);
+    qputenv("XDG_DATA_HOME", folder.filePath(QStringLiteral("data")).toUtf8());
+    qputenv("TMPDIR", temporary.toUtf8());
+    platform::desktop::LinuxFileSystem().createDirectory(target);
+    makeSignedBundle(target, 1);
+    desktop.process.information[QStringLiteral("CFBundleShortVersionString")] = QStringLiteral("1");
+    desktop.process.variables[QStringLiteral("QUILLORY_UPDATE_FEED")] = url({}).toString();
+}
+
+UpdateStory::~UpdateStory() {
+    UpdateChecker::stop();
+    qunsetenv("XDG_DATA_HOME");
+    qunsetenv("TMPDIR");
+}
+
+platform::Platform UpdateStory::services() {
+    const platform::Platform &simulated = platform::current();
+    return {.accessibility = simulated.accessibility,
+            .application = simulated.application,
+            .codeSigning = m_codeSigning,
+            .eventTaps = simulated.eventTaps,
+            .fileSystem = m_fileSystem,
+            .keyPoster = simulated.keyPoster,
+            .mainQueue = simulated.mainQueue,
+            .panelWindows = simulated.panelWindows,
+            .pasteboard = simulated.pasteboard,
+            .process = simulated.process,
+            .screens = simulated.screens,
+            .statusBar = simulated.statusBar,
+            .systemTools = tools,
+            .urlSession = m_urlSession,
+            .userDefaults = simulated.userDefaults,
+            .workspace = simulated.workspace};
+}
+
+void UpdateStory::answer(LoopbackConnection &connection) {
+    const QByteArray path = connection.readRequest().split(' ').value(1);
+    const auto found = answers.find(path);
+    const bool isEndless = path == "/endless";
+    connection.send(isEndless ? "HTTP/1.1 200 OK\r\n\r\n"
+                              : (found == answers.end() ? answerWith("404 Not Found", "<html>") : found->second));
+    while (isEndless && connection.send(QByteArray(1 << 16, 'x'))) {
+    }
+}
+
+QUrl UpdateStory::url(const QString &path) const {
+    QUrl url = m_server.url();
+    url.setQuery(QString());
+    url.setPath(path);
+    return url;
+}
+
+QByteArray UpdateStory::archiveOf(int version) const {
+    const QString bundle = folder.filePath(QStringLiteral("new/Quillory.app"));
+    QDir(bundle).removeRecursively();
+    makeSignedBundle(bundle, version);
+    ZipWriter zip;
+    zip.addFolder(bundle, "Quillory.app");
+    return zip.bytes();
+}
+
+bool UpdateStory::awaitAlerts(std::size_t count) {
+    return desktop.mainQueue.runUntil([&] { return application().alerts.size() >= count; });
+}
+
+bool UpdateStory::awaitLog(qsizetype lines) {
+    // A line is written without telling the main thread.
+    return waitUntil([&] {
+        desktop.advance(0);
+        return desktop.log().size() >= lines;
+    });
+}
+
+void UpdateStory::installFrom(const QString &path) {
+    UpdateChecker::install(url(path));
+    EXPECT_TRUE(desktop.mainQueue.runUntil([&] { return !application().hasProgress; }));
+}
+
+QStringList UpdateStory::temporaryFiles() const {
+    return QDir(folder.filePath(QStringLiteral("tmp")))
+        .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+} // namespace quillory::test
