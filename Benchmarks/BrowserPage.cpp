@@ -26,23 +26,17 @@ QByteArray pageSource(const BrowserPage::Chat &chat) {
             "<p>helo can u send me the price list</p></div><script>box.focus()</script>";
     if (chat.millisecondsBetweenMessages > 0) {
         page += "<script>let n=0;setInterval(()=>{const d=document.createElement('div');"
-                "d.innerHTML='<span>New message '+(++n)+'</span> <i>12:46 PM</i>';log.append(d)}," +
+                "d.innerHTML='<span>New message '+(++n)+'</span> <i>12:46 PM</i>';log.prepend(d)}," +
                 QByteArray::number(chat.millisecondsBetweenMessages) + ")</script>";
     }
     return page;
 }
 
 std::vector<std::string> chromiumCommand(const std::string &folder) {
-    return {"chromium",
-            "--no-sandbox",
-            "--test-type",
-            "--force-renderer-accessibility",
-            "--disable-gpu",
-            "--no-first-run",
-            "--disable-background-networking",
-            "--disable-component-update",
-            "--disable-sync",
-            "--user-data-dir=" + folder + "/profile",
+    return {"chromium", "--no-sandbox", "--test-type", "--force-renderer-accessibility", "--disable-gpu",
+            "--no-first-run", "--disable-background-networking", "--disable-component-update", "--disable-sync",
+            // No question for the password of a key ring.
+            "--password-store=basic", "--user-data-dir=" + folder + "/profile",
             "--app=file://" + folder + "/page.html"};
 }
 

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-// Reads the conversation of a page in Chromium in two ways, in turns: in bulk as the program does, and by walking it
-// with libatspi, one blocking call for each attribute. Prints the medians and their ratio.
+// Reads the conversation of a chat in each browser in two ways, in turns: in bulk as the program does when it asks the
+// page itself, and by walking it with libatspi, one blocking call for each attribute. Before that it asks a long chat
+// every 0.4 s, as the program does, of a page to which a message comes every second and of one that does not change.
 #include "BrowserPage.h"
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/QtMainQueue.h"
@@ -11,7 +12,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <string_view>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
 // Its headers use GLib's macros, which do not pass this project's warnings.
@@ -25,8 +30,11 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace quillory;
 
-constexpr int bubbles = 245;
-constexpr int rounds = 15;
+constexpr int shortChat = 245;
+// More than the limit of 2,500 elements has room for.
+constexpr int longChat = 900;
+constexpr int rounds = 9;
+constexpr int questions = 30;
 constexpr platform::AXSubtreeLimits limits{.maxDepth = 21, .maxNodes = 2500};
 
 struct Walked {
@@ -34,18 +42,40 @@ struct Walked {
     int lines = 0;
 };
 
+// Chromium has static texts, Firefox stretches of style in the text of a block.
+void readText(AtspiText *text, bool isFolded, Walked &walked) {
+    gchar *content = atspi_text_get_text(text, 0, -1, nullptr);
+    const auto size = content != nullptr ? g_utf8_strlen(content, -1) : 0;
+    for (gint from = 0; isFolded && from < size;) {
+        gint start = 0;
+        gint end = 0;
+        g_hash_table_unref(atspi_text_get_attribute_run(text, from, FALSE, &start, &end, nullptr));
+        const bool isChild = g_utf8_get_char(g_utf8_offset_to_pointer(content, from)) == 0xFFFC;
+        if (!isChild) {
+            g_free(atspi_text_get_range_extents(text, from, end, ATSPI_COORD_TYPE_SCREEN, nullptr));
+            ++walked.nodes;
+            ++walked.lines;
+        }
+        from = isChild ? from + 1 : std::max(end, from + 1);
+    }
+    g_free(content);
+}
+
 // The roles, texts and frames that the program needs, each asked for when it is needed.
-void walk(AtspiAccessible *element, int depth, Walked &walked) {
+void walk(AtspiAccessible *element, int depth, bool isFolded, Walked &walked) {
     if (walked.nodes >= limits.maxNodes || depth > limits.maxDepth) {
         return;
     }
     ++walked.nodes;
-    if (atspi_accessible_get_role(element, nullptr) == ATSPI_ROLE_STATIC) {
+    const bool isStatic = atspi_accessible_get_role(element, nullptr) == ATSPI_ROLE_STATIC;
+    if (isStatic || isFolded) {
         if (AtspiText *text = atspi_accessible_get_text_iface(element)) {
-            g_free(atspi_text_get_text(text, 0, -1, nullptr));
+            readText(text, isFolded, walked);
             g_object_unref(text);
-            ++walked.lines;
         }
+    }
+    if (isStatic) {
+        ++walked.lines;
         if (AtspiComponent *component = atspi_accessible_get_component_iface(element)) {
             g_free(atspi_component_get_extents(component, ATSPI_COORD_TYPE_SCREEN, nullptr));
             g_object_unref(component);
@@ -54,7 +84,7 @@ void walk(AtspiAccessible *element, int depth, Walked &walked) {
     const int count = atspi_accessible_get_child_count(element, nullptr);
     for (int i = 0; i < count; ++i) {
         if (AtspiAccessible *child = atspi_accessible_get_child_at_index(element, i, nullptr)) {
-            walk(child, depth + 1, walked);
+            walk(child, depth + 1, isFolded, walked);
             g_object_unref(child);
         }
     }
@@ -84,49 +114,129 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-void compare(const platform::AXUIElement &page, AtspiAccessible *samePage) {
+using platform::AXFreshness;
+using Browser = bench::BrowserPage::Browser;
+
+// question: the longest that the main thread stood still for one of the questions every 0.4 s, 0 if there were none.
+void compare(const platform::AXUIElement &page, AtspiAccessible *samePage, bool isFolded, double question) {
     std::vector<double> inBulk;
     std::vector<double> blocking;
     std::size_t nodes = 0;
     Walked walked;
     for (int round = 0; round < rounds; ++round) {
         auto start = Clock::now();
-        const auto read = page.copySubtree(limits);
+        const auto read = page.copySubtree(limits, AXFreshness::now);
         inBulk.push_back(millisecondsSince(start));
         nodes = std::max(nodes, read.size());
         walked = {};
         // What the library remembers is forgotten, so that every attribute is one call.
         atspi_accessible_clear_cache(samePage);
         start = Clock::now();
-        walk(samePage, 0, walked);
+        walk(samePage, 0, isFolded, walked);
         blocking.push_back(millisecondsSince(start));
+        // What the main thread may wait for in one second is bounded.
+        std::this_thread::sleep_for(std::chrono::seconds(1));
     }
-    std::printf("elements: %zu in bulk, %d walked, %d of them texts\n", nodes, walked.nodes, walked.lines);
+    std::printf("elements and lines: %zu in bulk, %d walked, %d of them lines\n", nodes, walked.nodes, walked.lines);
     std::printf("libatspi, one blocking call per attribute: median %.1f ms\n", median(blocking));
-    std::printf("in bulk, main thread stalled:              median %.1f ms, worst %.1f ms, first %.1f ms\n",
+    std::printf("in bulk, asked of the page itself:         median %.1f ms, worst %.1f ms, first %.1f ms\n",
                 median(inBulk), *std::max_element(inBulk.begin(), inBulk.end()), inBulk.front());
     std::printf("ratio: %.1f\n", median(blocking) / median(inBulk));
+    if (question > 0) {
+        std::printf("ratio to the dearest question every 0.4 s: %.0f\n", median(blocking) / question);
+    }
+}
+
+double cpuMilliseconds() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto milliseconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
+}
+
+// Between the questions the program ticks. The longest that a question took, in milliseconds.
+double askRegularly(platform::Accessibility &accessibility, const platform::AXUIElement &page, const char *which) {
+    (void)page.copySubtree(limits);
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    const double cpuBefore = cpuMilliseconds();
+    const auto begin = Clock::now();
+    std::vector<double> stalls;
+    double worstTick = 0;
+    int answered = 0;
+    for (int i = 0; i < 4 * questions; ++i) {
+        std::this_thread::sleep_until(begin + i * std::chrono::milliseconds(100));
+        auto start = Clock::now();
+        (void)accessibility.createSystemWide().copyAttributeValue(platform::axAttribute::focusedUIElement);
+        worstTick = std::max(worstTick, millisecondsSince(start));
+        if (i % 4 == 0) {
+            start = Clock::now();
+            answered += page.copySubtree(limits).empty() ? 0 : 1;
+            stalls.push_back(millisecondsSince(start));
+        }
+    }
+    const double worst = *std::max_element(stalls.begin(), stalls.end());
+    std::printf("every 0.4 s, %s: stall median %.2f ms, worst %.2f ms, %d of %d answered; "
+                "tick's question worst %.2f ms; CPU %.2f %% of one core\n",
+                which, median(stalls), worst, answered, questions, worstTick,
+                100 * (cpuMilliseconds() - cpuBefore) / millisecondsSince(begin));
+    return worst;
+}
+
+platform::AXUIElement pageOf(bench::BrowserPage &browser, platform::Accessibility &accessibility) {
+    const auto page = bench::pageAround(browser.waitForBox(accessibility));
+    if (!page) {
+        throw std::runtime_error("no page found");
+    }
+    return *page;
+}
+
+// The library comes last: it knows only what is there when it starts, and waits for ever for what changes meanwhile.
+void measure(Browser kind, int bubbles) {
+    const char *name = kind == Browser::firefox ? "Firefox" : "Chromium";
+    std::printf("%s, %d messages\n", name, bubbles);
+    platform::desktop::QtMainQueue mainQueue;
+    platform::desktop::AtspiAccessibility accessibility(mainQueue);
+    double question = 0;
+    if (bubbles == longChat) {
+        bench::BrowserPage changing(kind, {bubbles, 1000});
+        question = askRegularly(accessibility, pageOf(changing, accessibility), "a message a second");
+    }
+    bench::BrowserPage browser(kind, {bubbles});
+    const auto page = pageOf(browser, accessibility);
+    if (bubbles == longChat) {
+        question = std::max(question, askRegularly(accessibility, page, "unchanged"));
+    }
+    atspi_init();
+    AtspiAccessible *everything = atspi_get_desktop(0);
+    AtspiAccessible *samePage = findPage(everything, 0);
+    if (samePage == nullptr) {
+        throw std::runtime_error("no page found by the library");
+    }
+    atspi_accessible_set_cache_mask(everything, ATSPI_CACHE_NONE);
+    compare(page, samePage, kind == Browser::firefox, question);
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
-    const test::RealDesktop desktop;
-    const QCoreApplication application(argc, argv);
-    platform::desktop::QtMainQueue mainQueue;
-    platform::desktop::AtspiAccessibility accessibility(mainQueue);
-    const bool isFirefox = argc > 1 && std::string_view(argv[1]) == "firefox";
-    bench::BrowserPage browser(isFirefox ? bench::BrowserPage::Browser::firefox : bench::BrowserPage::Browser::chromium,
-                               {bubbles});
-    const auto page = bench::pageAround(browser.waitForBox(accessibility));
-    atspi_init();
-    AtspiAccessible *everything = atspi_get_desktop(0);
-    AtspiAccessible *samePage = findPage(everything, 0);
-    if (!page || samePage == nullptr) {
-        std::fprintf(stderr, "no page found\n");
-        return 1;
+    setvbuf(stdout, nullptr, _IOLBF, 0);
+    for (const auto kind : {Browser::chromium, Browser::firefox}) {
+        for (const int bubbles : {shortChat, longChat}) {
+            // Each in a process of its own, as the library serves one browser.
+            const pid_t child = fork();
+            if (child == 0) {
+                const test::RealDesktop desktop;
+                const QCoreApplication application(argc, argv);
+                measure(kind, bubbles);
+                return 0;
+            }
+            int status = 0;
+            if (waitpid(child, &status, 0) != child || status != 0) {
+                return 1;
+            }
+        }
     }
-    atspi_accessible_set_cache_mask(everything, ATSPI_CACHE_NONE);
-    compare(*page, samePage);
     return 0;
 }

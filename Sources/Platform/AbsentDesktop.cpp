@@ -16,7 +16,11 @@ class AbsentElement final : public AXElementBackend {
     bool setAttributeValue(QLatin1StringView /*attribute*/, const AXValue & /*value*/) const override { return false; }
     [[nodiscard]] qint32 pid() const override { return 0; }
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override { return this == &other; }
-    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits /*limits*/) const override { return {}; }
+    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits /*limits*/,
+                                                         AXFreshness /*freshness*/) const override {
+        return {};
+    }
+    void prepareSubtree(AXSubtreeLimits /*limits*/) const override {}
 };
 
 [[noreturn]] void throwNoFiles() {

@@ -62,6 +62,11 @@ struct AXSubtreeLimits {
     friend bool operator==(const AXSubtreeLimits &, const AXSubtreeLimits &) = default;
 };
 
+/// How old the outcome of a bulk read may be: as the desktop last saw it, a moment ago and usually kept up to date
+/// since, or read after the question, which takes longer and may fail. What decides where words are written needs the
+/// latter.
+enum class AXFreshness { recent, now };
+
 /// One element of a bulk read. The value and the frame (accessibility coordinates) are read for static texts alone, the
 /// frame for those that are not blank.
 struct AXSubtreeNode {
@@ -89,8 +94,12 @@ class AXElementBackend {
     /// Whether both handles stand for one element. Asks nobody.
     [[nodiscard]] virtual bool isEqual(const AXElementBackend &other) const = 0;
     /// The element and what lies below it, each element before its children and children in their order, cut off at
-    /// the limits: exactly the first nodes that a walk in that order would meet. Empty when it cannot be read.
-    [[nodiscard]] virtual std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits) const = 0;
+    /// the limits: exactly the first nodes that a walk in that order would meet. Empty when it cannot be read in time;
+    /// a recent one may be there a moment later.
+    [[nodiscard]] virtual std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits,
+                                                                 AXFreshness freshness) const = 0;
+    /// Says that a recent copySubtree() will be asked for soon. Never waits.
+    virtual void prepareSubtree(AXSubtreeLimits limits) const = 0;
 };
 
 /// A handle on one element (a window, a field, a text, a whole application) of some application's accessibility tree.
@@ -105,9 +114,11 @@ class AXUIElement {
     }
     bool setAttributeValue(QLatin1StringView attribute, const AXValue &value) const;
     [[nodiscard]] qint32 pid() const { return m_backend->pid(); }
-    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits) const {
-        return m_backend->copySubtree(limits);
+    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits,
+                                                         AXFreshness freshness = AXFreshness::recent) const {
+        return m_backend->copySubtree(limits, freshness);
     }
+    void prepareSubtree(AXSubtreeLimits limits) const { m_backend->prepareSubtree(limits); }
     /// For the desktop layer, which knows what it put in.
     [[nodiscard]] const AXElementBackend &backend() const { return *m_backend; }
 

@@ -95,23 +95,32 @@ std::optional<QString> messageLine(const platform::AXSubtreeNode &node, const Co
     return mark(*node.frame, column) + line;
 }
 
+// In a browser the page, elsewhere the whole window.
+std::optional<AXUIElement> conversationRoot(const AXUIElement &element) {
+    auto page = webArea(element);
+    return page ? page : containingWindow(element);
+}
+
 } // namespace
 
-std::optional<Conversation> extract(const AXUIElement &element) {
-    auto root = webArea(element);
-    if (!root) {
-        root = containingWindow(element);
-    }
+std::optional<Conversation> extract(const AXUIElement &element, platform::AXFreshness freshness) {
+    const auto root = conversationRoot(element);
     if (!root) {
         return std::nullopt;
     }
     const Column column = columnAround(AXText::frame(element));
-    QStringList lines = messageLines(root->copySubtree(walkLimits), column);
+    QStringList lines = messageLines(root->copySubtree(walkLimits, freshness), column);
     if (lines.isEmpty()) {
         return std::nullopt;
     }
     const QString text = transcript(std::move(lines));
     return Conversation{text, text::hash(text)};
+}
+
+void prepare(const AXUIElement &element) {
+    if (const auto root = conversationRoot(element)) {
+        root->prepareSubtree(walkLimits);
+    }
 }
 
 Recognition recognise(const AXUIElement &element) {

@@ -29,7 +29,10 @@ struct Conversation {
 };
 
 /// The conversation around a message box, or absent when there is none.
-[[nodiscard]] std::optional<Conversation> extract(const platform::AXUIElement &element);
+[[nodiscard]] std::optional<Conversation> extract(const platform::AXUIElement &element,
+                                                  platform::AXFreshness freshness = platform::AXFreshness::recent);
+/// Has the conversation read ahead that will be asked for soon. Never waits for it.
+void prepare(const platform::AXUIElement &element);
 /// What an element was taken for, and what that was judged by.
 struct Recognition {
     enum class Evidence {

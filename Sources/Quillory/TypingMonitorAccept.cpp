@@ -65,7 +65,11 @@ std::optional<double> TypingMonitor::conversationOverlap(const Element &target) 
     if (m_streamKind != SuggestionKind::reply || m_replyContextLines.empty()) {
         return std::nullopt;
     }
-    const auto conversation = ChatContext::extract(target);
+    auto conversation = ChatContext::extract(target, platform::AXFreshness::now);
+    if (!conversation) {
+        // What was seen a moment ago guards better than nothing.
+        conversation = ChatContext::extract(target);
+    }
     if (!conversation) {
         return std::nullopt;
     }

@@ -119,6 +119,9 @@ void TypingMonitor::adopt(const Element &element, bool isText) {
     dropSuggestion();
     m_focusIsBrowserUI = isText && AXText::isBrowserUIField(element);
     m_focusIsChatApp = isText && ChatContext::isChatApp(element);
+    if (m_focusIsChatApp) {
+        ChatContext::prepare(element);
+    }
 }
 
 void TypingMonitor::logFocus(const Element &element, bool isText) const {

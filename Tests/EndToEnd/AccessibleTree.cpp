@@ -19,7 +19,7 @@ template <class T> std::optional<T> read(const AXUIElement &element, QLatin1Stri
 QStringList textsIn(const std::optional<AXUIElement> &root) {
     QStringList texts;
     if (root) {
-        for (const auto &node : root->copySubtree({.maxDepth = 21, .maxNodes = 2500})) {
+        for (const auto &node : root->copySubtree({.maxDepth = 21, .maxNodes = 2500}, platform::AXFreshness::now)) {
             texts.append(node.value.value_or(QString()));
         }
     }

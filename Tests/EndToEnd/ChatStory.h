@@ -50,7 +50,7 @@ class ChatStory : public testing::TestWithParam<Browser::Kind> {
 };
 
 inline const auto everyBrowser = testing::Values(Browser::Kind::chromium, Browser::Kind::firefox);
-/// For stories in which a page must be read within a moment: Firefox gives its text too slowly for that as yet.
+/// For stories about the program's own doings, or about what Chromium alone does.
 inline const auto chromiumAlone = testing::Values(Browser::Kind::chromium);
 
 } // namespace quillory::test

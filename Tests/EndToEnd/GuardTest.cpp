@@ -2,31 +2,47 @@
 #include "EndToEnd/AccessibleTree.h"
 #include "EndToEnd/ReplyStory.h"
 
+#include <csignal>
+
 namespace quillory::test {
 
 namespace {
 
 const QString reply = QStringLiteral("Your trays are ready at nine.");
 
+/// Stops a process for a while.
+class Held {
+  public:
+    explicit Held(pid_t pid) : m_pid(pid) { kill(m_pid, SIGSTOP); }
+    ~Held() { release(); }
+    Held(const Held &) = delete;
+    Held &operator=(const Held &) = delete;
+    void release() const { kill(m_pid, SIGCONT); }
+
+  private:
+    pid_t m_pid;
+};
+
 /// A user who changes the chat, in which the box keeps the focus, while the reply to the chat before is on its card.
 class ConversationGuard : public ReplyStory {
   protected:
-    /// Tab comes when the other chat is there, but before the program has looked at it. It looks a few times in a
-    /// second and may be first; then it has put a card without an end in the reply's place, and everything is tried
-    /// again.
+    /// Tab comes when the other chat is there, but before the program has looked at it: the program is held meanwhile.
+    /// It may still look before it hears of the key; then it has put a card without an end in the reply's place, and
+    /// everything is tried again.
     bool tapsTabInTime(const char *from, const char *to) {
         m_tree.emplace();
-        for (int attempt = 0; attempt < 20; ++attempt) {
+        for (int attempt = 0; attempt < 5; ++attempt) {
             m_model.willAnswer(reply, Manner::answersAtOnce);
             if (!clickChat(QLatin1StringView(from)) || !replyIsReady()) {
                 return false;
             }
             m_model.willAnswer(QStringLiteral("not for this chat"), Manner::answers);
-            const int asked = timesAsked();
+            const Held held(m_assistant->pid());
             if (!switchesTo(to)) {
                 return false;
             }
-            if (timesAsked() == asked && tabIsTaken()) {
+            keyboard::tap("Tab");
+            if (tabIsTaken(held)) {
                 return true;
             }
         }
@@ -52,14 +68,14 @@ class ConversationGuard : public ReplyStory {
         return last;
     }
 
-    bool tabIsTaken() {
+    bool tabIsTaken(const Held &held) {
         const auto toPage = m_page.state().keys.count(QStringLiteral("Tab"));
         const auto taken = [] {
             return Assistant::timesLogged(QStringLiteral("accept blocked")) +
                    Assistant::timesLogged(QStringLiteral("web field, inserting"));
         };
         const int takenBefore = taken();
-        keyboard::tap("Tab");
+        held.release();
         waitUntil([&] { return taken() > takenBefore || m_page.state().keys.count(QStringLiteral("Tab")) > toPage; });
         clickBox();
         return taken() > takenBefore;
@@ -68,11 +84,9 @@ class ConversationGuard : public ReplyStory {
     std::optional<AccessibleTree> m_tree;
 };
 
-INSTANTIATE_TEST_SUITE_P(In, ConversationGuard, chromiumAlone, testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(In, ConversationGuard, everyBrowser, testing::PrintToStringParamName());
 
-// Disabled: when the program looks at the other chat first, Tab belongs to the page, and on a busy machine the story
-// does not always find back from there. The guard's rule itself is tested on the simulated desktop.
-TEST_P(ConversationGuard, DISABLED_TabGivesNoReplyToAnotherChatUnlessHalfOfItsLinesAreThere) {
+TEST_P(ConversationGuard, TabGivesNoReplyToAnotherChatUnlessHalfOfItsLinesAreThere) {
     ASSERT_NO_FATAL_FAILURE(openChat());
     ASSERT_TRUE(tapsTabInTime("mariam", "bakery"));
     EXPECT_EQ(blockedWith(), "accept blocked: only 0% conversation overlap (chat switch)");

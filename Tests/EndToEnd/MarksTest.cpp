@@ -7,12 +7,10 @@ namespace {
 
 /// Who said what, and where the conversation is cut off.
 class Transcript : public ReplyStory {};
-class TranscriptInChromium : public Transcript {};
 
 INSTANTIATE_TEST_SUITE_P(In, Transcript, everyBrowser, testing::PrintToStringParamName());
-INSTANTIATE_TEST_SUITE_P(In, TranscriptInChromium, chromiumAlone, testing::PrintToStringParamName());
 
-TEST_P(TranscriptInChromium, OfAnArabicPageIsInLogicalOrderAndMarkedByTheSideThatTheTextStandsOn) {
+TEST_P(Transcript, OfAnArabicPageIsInLogicalOrderAndMarkedByTheSideThatTheTextStandsOn) {
     const QString reply = QStringLiteral("هلا مريم! التوصيل Riffa بدينار ١ 🚚");
     m_model.willAnswer(reply, Manner::answersAtOnce);
     ASSERT_NO_FATAL_FAILURE(openChat(QStringLiteral("?language=ar&box=textarea")));

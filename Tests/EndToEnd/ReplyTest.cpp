@@ -37,10 +37,7 @@ class Reply : public ReplyStory {
     }
 };
 
-class ReplyInChromium : public Reply {};
-
 INSTANTIATE_TEST_SUITE_P(In, Reply, everyBrowser, testing::PrintToStringParamName());
-INSTANTIATE_TEST_SUITE_P(In, ReplyInChromium, chromiumAlone, testing::PrintToStringParamName());
 
 TEST_P(Reply, IsDraftedForTheVisibleConversationAndTakenWithTab) {
     ASSERT_NO_FATAL_FAILURE(openChat());
@@ -106,7 +103,7 @@ TEST_P(Reply, SkipAndEscEndADraftUntilTheCustomerWritesAgain) {
     EXPECT_TRUE(m_page.state().sent.isEmpty());
 }
 
-TEST_P(ReplyInChromium, ABoxThatIsMadeAnewWhileItHasTheFocus) {
+TEST_P(Reply, ABoxThatIsMadeAnewWhileItHasTheFocus) {
     ASSERT_NO_FATAL_FAILURE(openChat());
     ASSERT_TRUE(replyIsReady());
     ASSERT_TRUE(m_page.order("rebuildBox"));

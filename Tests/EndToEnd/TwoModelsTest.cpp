@@ -37,7 +37,7 @@ class TwoModels : public ReplyStory {
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(In, TwoModels, chromiumAlone, testing::PrintToStringParamName());
+INSTANTIATE_TEST_SUITE_P(In, TwoModels, everyBrowser, testing::PrintToStringParamName());
 
 TEST_P(TwoModels, RaceAndTheRecordTellsWhoWon) {
     const std::string time = "[0-9]+[.][0-9][0-9]";

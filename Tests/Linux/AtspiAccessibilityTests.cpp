@@ -62,8 +62,9 @@ struct Chromium : DesktopAccessibility {
         ASSERT_TRUE(page.open(QIODevice::WriteOnly));
         page.write(QByteArray("<!doctype html><meta charset=utf-8><title>Chat</title>") + body);
         page.close();
-        browser = ChildProcess({"chromium", "--no-sandbox", "--test-type", flag, "--disable-gpu", "--no-first-run",
-                                "--disable-background-networking", "--disable-component-update", "--disable-sync",
+        browser = ChildProcess({"chromium", "--no-sandbox", "--password-store=basic", "--test-type", flag,
+                                "--disable-gpu", "--no-first-run", "--disable-background-networking",
+                                "--disable-component-update", "--disable-sync",
                                 "--user-data-dir=" + folder.filePath(QStringLiteral("profile")).toStdString(),
                                 "--app=file://" + page.fileName().toStdString()},
                                Output::dropped);

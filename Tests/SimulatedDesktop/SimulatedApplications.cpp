@@ -48,13 +48,15 @@ class SimulatedElement final : public platform::AXElementBackend {
         const auto *same = dynamic_cast<const SimulatedElement *>(&other);
         return same != nullptr && same->m_node == m_node;
     }
-    [[nodiscard]] std::vector<platform::AXSubtreeNode> copySubtree(platform::AXSubtreeLimits limits) const override {
+    [[nodiscard]] std::vector<platform::AXSubtreeNode> copySubtree(platform::AXSubtreeLimits limits,
+                                                                   platform::AXFreshness) const override {
         std::vector<platform::AXSubtreeNode> nodes;
         if (!m_node->gone) {
             walk(*m_node, 0, limits, nodes);
         }
         return nodes;
     }
+    void prepareSubtree(platform::AXSubtreeLimits) const override {}
 
   private:
     template <class T> static std::optional<T> get(const SimulatedNode &node, QLatin1StringView attribute) {

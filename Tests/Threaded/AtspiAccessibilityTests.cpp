@@ -21,6 +21,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr unsigned active = 1;
+constexpr unsigned defunct = 6;
 constexpr unsigned editable = 7;
 constexpr unsigned focusable = 11;
 constexpr unsigned multiLine = 17;
@@ -212,15 +213,21 @@ TEST_F(AtspiAccessibility, ForgetsWhatIsGone) {
     bus.focus(other);
     start();
     ASSERT_TRUE(waitForValue("other"));
-    bus.remove(other);
+    const auto removed = *focused();
+    // Firefox still names the parent of what it has removed.
+    bus.change(other, [](FakeElement &changed) { changed.states.push_back(defunct); });
     EXPECT_TRUE(waitUntil([&] { return !focused(); }));
+    for (const auto name : {axAttribute::parent, axAttribute::window, axAttribute::position}) {
+        EXPECT_FALSE(removed.copyAttributeValue(name)) << name.data();
+    }
+    bus.remove(other);
     bus.focus(field);
     ASSERT_TRUE(waitForValue("helo"));
     const auto element = *focused();
     bus.quit();
     EXPECT_TRUE(waitUntil([&] { return !focused(); }));
     EXPECT_FALSE(element.copyAttributeValue(axAttribute::value));
-    EXPECT_THAT(element.copySubtree({21, 2500}), IsEmpty());
+    EXPECT_THAT(element.copySubtree({21, 2500}, AXFreshness::now), IsEmpty());
 }
 TEST_F(AtspiAccessibility, TakesAnswersOfWrongTypesForNone) {
     bus.focus(field);
@@ -233,7 +240,7 @@ TEST_F(AtspiAccessibility, TakesAnswersOfWrongTypesForNone) {
     for (const auto name : {axAttribute::value, axAttribute::position, axAttribute::size, axAttribute::children}) {
         EXPECT_FALSE(focused()->copyAttributeValue(name)) << name.data();
     }
-    EXPECT_THAT(focused()->copySubtree({21, 2500}), testing::SizeIs(1));
+    EXPECT_THAT(focused()->copySubtree({21, 2500}, AXFreshness::now), testing::SizeIs(1));
 }
 
 TEST_F(AtspiAccessibility, NeverAsksOurOwnWindowsAnything) {
@@ -293,17 +300,18 @@ struct BulkRead : AtspiAccessibility {
             walk(child, depth + 1, limits, lines);
         }
     }
-    void expectWalk(AXSubtreeLimits limits) {
+    void expectWalk(AXSubtreeLimits limits, AXFreshness freshness = AXFreshness::now) {
         std::vector<std::string> expected;
         walk(page, 0, limits, expected);
-        EXPECT_EQ(readPage(limits), expected) << "limits " << limits.maxDepth << " " << limits.maxNodes;
+        EXPECT_EQ(readPage(limits, freshness), expected) << "limits " << limits.maxDepth << " " << limits.maxNodes;
     }
-    std::vector<std::string> readPage(AXSubtreeLimits limits) {
+    // The application tells of no change here, so the page itself is asked unless it is said otherwise.
+    std::vector<std::string> readPage(AXSubtreeLimits limits, AXFreshness freshness = AXFreshness::now) {
         bus.focus(page);
         std::vector<AXSubtreeNode> nodes;
         waitUntil([&] {
             const auto element = focused();
-            nodes = element ? element->copySubtree(limits) : std::vector<AXSubtreeNode>();
+            nodes = element ? element->copySubtree(limits, freshness) : std::vector<AXSubtreeNode>();
             return !nodes.empty();
         });
         std::vector<std::string> lines;
@@ -353,6 +361,13 @@ TEST_F(BulkRead, SeesEveryChangeSinceTheLastRead) {
     expectWalk(limits);
     bus.add(row, {.role = staticRole, .text = "read"});
     expectWalk(limits);
+    for (int i = 0; i < 12; ++i) {
+        grow(page, 3);
+        const auto children = bus.element(page).children;
+        const auto &chosen = children[random() % children.size()];
+        i % 3 == 0 ? bus.remove(chosen) : grow(chosen, 4);
+        expectWalk(limits);
+    }
 }
 
 TEST_F(BulkRead, EndsOnCyclesAndOnAbsurdNumbersOfChildren) {
@@ -362,7 +377,7 @@ TEST_F(BulkRead, EndsOnCyclesAndOnAbsurdNumbersOfChildren) {
         bus.add(page, {.role = panelRole});
     }
     start();
-    EXPECT_THAT(readPage({21, 300}), testing::SizeIs(300));
+    EXPECT_THAT(readPage({21, 300}, AXFreshness::recent), testing::SizeIs(300));
     // The search for the focus looks at some of them, too.
     EXPECT_LT(bus.callsOf("GetChildren"), 5'000) << "far more was fetched than the limits let through";
 }
@@ -385,7 +400,7 @@ TEST_F(BulkRead, GoesOnWhereASlowApplicationMadeItStop) {
     for (const char *toolkit : {"Fake", "Chromium"}) {
         bus.setToolkit(toolkit);
         start();
-        expectWalk({21, 2500});
+        expectWalk({21, 2500}, AXFreshness::recent);
     }
 }
 
@@ -410,6 +425,94 @@ TEST_F(BulkRead, TakesFoldedTextApart) {
     EXPECT_FALSE(isTold);
     EXPECT_THAT(focused()->copySubtree({21, 2500}),
                 testing::Contains(testing::Field(&AXSubtreeNode::frame, Rect{1, 2, 3, 0})).Times(3));
+}
+
+// A chat whose last message is looked at.
+struct PageMirror : AtspiAccessibility {
+    std::string page = bus.add(window, {.role = pageRole});
+    std::string message = bus.add(page, {.role = staticRole, .text = "first"});
+    std::optional<AXUIElement> element;
+
+    void SetUp() override {
+        bus.focus(page);
+        start();
+        ASSERT_TRUE(waitUntil([&] { return (element = focused()).has_value(); }));
+        ASSERT_TRUE(waitUntil([&] { return ask() == "first"; }));
+    }
+    std::string ask(AXFreshness freshness = AXFreshness::recent) {
+        const auto nodes = element->copySubtree({21, 2500}, freshness);
+        return nodes.empty() ? "-" : nodes.back().value.value_or(QString()).toStdString();
+    }
+    void say(const char *text) {
+        bus.change(message, [&](FakeElement &changed) { changed.text = text; });
+    }
+    int readsWhile(int milliseconds, const std::function<void()> &deed) {
+        const int before = bus.callsOf("GetText");
+        for (const auto end = millisecondsNow() + milliseconds; millisecondsNow() < end;) {
+            deed();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        return bus.callsOf("GetText") - before;
+    }
+};
+
+TEST_F(PageMirror, AnswersForAnUnchangedPage) {
+    const int before = bus.calls();
+    for (int i = 0; i < 50; ++i) {
+        EXPECT_EQ(ask(), "first");
+    }
+    EXPECT_EQ(bus.calls(), before) << "an unchanged page was asked";
+    say("changed unheard");
+    EXPECT_EQ(ask(AXFreshness::now), "changed unheard");
+}
+
+TEST_F(PageMirror, FollowsWhatItIsToldAndFindsTheRest) {
+    // Of a part of the application that is not in the page nothing is to be known.
+    say("second");
+    bus.tell(field, "TextChanged");
+    EXPECT_EQ(readsWhile(300, [&] { EXPECT_EQ(ask(), "first"); }), 0);
+    for (const char *event : {"TextChanged", "ChildrenChanged", "PropertyChange"}) {
+        say(event);
+        bus.tell(event == std::string_view("ChildrenChanged") ? page : message, event);
+        EXPECT_TRUE(waitUntil([&] { return ask() == event; }, 1'000)) << event;
+    }
+    say("unheard");
+    EXPECT_TRUE(waitUntil([&] { return ask() == "unheard"; }, 5'000)) << "a lost signal does not heal";
+    // While nobody asks, nothing is read.
+    waitUntil([] { return false; }, 2'200);
+    EXPECT_EQ(readsWhile(500, [&] { bus.tell(message, "TextChanged"); }), 0);
+    say("asked again");
+    EXPECT_TRUE(waitUntil([&] { return ask() == "asked again"; }, 1'000));
+}
+
+TEST_F(PageMirror, ReadsAPageThatChangesAllTheTimeAtABoundedRate) {
+    int asked = 0;
+    int answered = 0;
+    std::int64_t longest = 0;
+    const int reads = readsWhile(2'000, [&] {
+        bus.tell(message, "TextChanged");
+        const auto begin = millisecondsNow();
+        ++asked;
+        answered += ask() == "first" ? 1 : 0;
+        longest = std::max<std::int64_t>(longest, millisecondsNow() - begin);
+    });
+    EXPECT_GE(reads, 5);
+    EXPECT_LE(reads, 2 * 21) << "each change was read";
+    EXPECT_EQ(answered, asked);
+}
+
+TEST_F(PageMirror, OfAHungApplicationIsKnownOnlyForAMoment) {
+    bus.hang(true);
+    EXPECT_EQ(ask(AXFreshness::now), "-");
+    EXPECT_TRUE(waitUntil([&] { return ask() == "-"; }, 5'000));
+    const auto begin = millisecondsNow();
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_EQ(ask(), "-");
+    }
+    EXPECT_LT(millisecondsNow() - begin, 400);
+    say("awake");
+    bus.hang(false);
+    EXPECT_TRUE(waitUntil([&] { return ask() == "awake"; }, 5'000));
 }
 
 } // namespace

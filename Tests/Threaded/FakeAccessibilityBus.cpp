@@ -121,8 +121,13 @@ void FakeAccessibilityBus::focus(const std::string &path, bool tell) {
     }
     m_elements[path].states.push_back(focused);
     if (tell) {
-        m_pendingSignals.push_back(path);
+        m_pendingSignals.push_back({path, "StateChanged", "focused"});
     }
+}
+
+void FakeAccessibilityBus::tell(const std::string &path, const std::string &event) {
+    const std::scoped_lock lock(m_mutex);
+    m_pendingSignals.push_back({path, event, "add"});
 }
 
 void FakeAccessibilityBus::setToolkit(const char *toolkit) {
@@ -148,6 +153,15 @@ void FakeAccessibilityBus::quit() {
 int FakeAccessibilityBus::callsOf(const std::string &member) {
     const std::scoped_lock lock(m_mutex);
     return m_calls[member];
+}
+
+int FakeAccessibilityBus::calls() {
+    const std::scoped_lock lock(m_mutex);
+    int sum = 0;
+    for (const auto &[member, count] : m_calls) {
+        sum += count;
+    }
+    return sum;
 }
 
 // The session's accessibility service and the registry.
@@ -212,9 +226,9 @@ void FakeAccessibilityBus::serve(const std::stop_token &stop) {
         }
         {
             const std::scoped_lock lock(m_mutex);
-            for (const auto &path : std::exchange(m_pendingSignals, {})) {
-                sd_bus_emit_signal(bus, path.c_str(), "org.a11y.atspi.Event.Object", "StateChanged", "siiva{sv}",
-                                   "focused", 1, 0, "i", 0, 0);
+            for (const auto &event : std::exchange(m_pendingSignals, {})) {
+                sd_bus_emit_signal(bus, event.path.c_str(), "org.a11y.atspi.Event.Object", event.member.c_str(),
+                                   "siiva{sv}", event.detail, 1, 0, "i", 0, 0);
             }
         }
         if (sd_bus_process(bus, nullptr) == 0) {

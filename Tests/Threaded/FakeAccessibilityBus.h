@@ -54,6 +54,8 @@ class FakeAccessibilityBus {
     void addHungApplication();
     /// Gives an element the focus, with or without telling anybody.
     void focus(const std::string &path, bool tell = true);
+    /// Tells that something about an element has changed, as the application's event of this name.
+    void tell(const std::string &path, const std::string &event);
     void setSearch(Search search) { m_search = search; }
     void setToolkit(const char *toolkit);
     void setAnswer(Answer answer);
@@ -63,6 +65,8 @@ class FakeAccessibilityBus {
     /// The application leaves the bus.
     void quit();
     [[nodiscard]] int callsOf(const std::string &member);
+    /// All of them together.
+    [[nodiscard]] int calls();
     /// Which element's caret was set last, and where.
     [[nodiscard]] int caret() const { return m_caret; }
 
@@ -84,7 +88,12 @@ class FakeAccessibilityBus {
     std::string m_hungName;
     sd_bus *m_hung = nullptr;
     std::string m_toolkit = "Fake";
-    std::vector<std::string> m_pendingSignals;
+    struct Event {
+        std::string path;
+        std::string member;
+        const char *detail;
+    };
+    std::vector<Event> m_pendingSignals;
     Answer m_answer;
     std::map<std::string, int> m_calls;
     int m_next = 1;

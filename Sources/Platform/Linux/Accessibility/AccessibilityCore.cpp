@@ -15,8 +15,8 @@ constexpr auto tickWait = 16ms;
 constexpr auto questionWait = 60ms;
 constexpr auto writeWait = 150ms;
 constexpr auto subtreeWait = 200ms;
-constexpr auto subtreeTime = 250ms;
-constexpr auto oldestBulkRead = 500ms;
+// What is left of a frame when a page has changed since it was read last.
+constexpr auto pageWait = 10ms;
 // The questions of one tick follow each other within this time.
 constexpr auto sameMoment = 40ms;
 // How old an answer may be when its application is too busy for a new one.
@@ -188,12 +188,22 @@ std::optional<AXValue> AccessibilityCore::fromAncestry(const Handle &element, QL
     return level->url ? std::optional<AXValue>(QUrl(*level->url)) : std::nullopt;
 }
 
+// Who is a little late has not moved meanwhile. Without the field's frame nobody knows who wrote what around it.
+const FieldSnapshot *AccessibilityCore::lastTold(const ElementRef &ref) const {
+    const bool isTold = m_told.element && m_told.element->ref == ref && m_told.snapshot != nullptr;
+    return isTold && Clock::now() - m_told.snapshot->takenAt < oldestAnswer ? m_told.snapshot.get() : nullptr;
+}
+
 std::optional<AXValue> AccessibilityCore::fromSnapshot(const Handle &element, QLatin1StringView name) {
     const auto wanted = name == axAttribute::value                ? TextWanted::value
                         : name == axAttribute::numberOfCharacters ? TextWanted::count
                                                                   : TextWanted::nothing;
     const auto *found = snapshot(element, wanted);
-    if (!found->isAnswered) {
+    const bool isFrame = name == axAttribute::position || name == axAttribute::size;
+    if (!found->isAnswered && isFrame) {
+        found = lastTold(element.ref);
+    }
+    if (found == nullptr || !found->isAnswered) {
         return std::nullopt;
     }
     if (name == axAttribute::role) {
@@ -305,17 +315,27 @@ bool AccessibilityCore::setAttribute(const Handle &element, QLatin1StringView na
     return false;
 }
 
-std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXSubtreeLimits limits) {
+// A page that has not changed is answered for by its mirror; one that has is waited for, but not for long.
+std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXSubtreeLimits limits,
+                                                      AXFreshness freshness) {
     if (element.pid == m_ownPid) {
         return {};
     }
-    startBulkRead(element.ref, limits);
-    const auto items = m_reader.await(*m_bulkRead.job, subtreeWait);
-    if (items) {
-        m_bulkRead.job = nullptr;
+    const PageName page{element.ref, limits};
+    const bool isNow = freshness == AXFreshness::now;
+    const auto askedAt = Clock::now();
+    auto mirrored = m_reader.board().page();
+    const auto request = requestPage(page, isNow ? askedAt : Clock::time_point());
+    if (isNow || !mirrored.isFresh(page, askedAt)) {
+        m_reader.await(*request, isNow ? subtreeWait : pageWait);
+        mirrored = m_reader.board().page();
     }
+    const auto oldest = isNow                             ? askedAt
+                        : mirrored.isFresh(page, askedAt) ? Clock::time_point()
+                                                          : askedAt - oldestAnswer;
+    const bool isGood = mirrored.shows(page) && (isNow ? mirrored.copy->begunAt : mirrored.copy->finishedAt) >= oldest;
     std::vector<AXSubtreeNode> nodes;
-    for (const auto &item : items.value_or(std::vector<SubtreeItem>())) {
+    for (const auto &item : isGood ? mirrored.copy->items : std::vector<SubtreeItem>()) {
         nodes.push_back({item.depth, item.role, item.value, {}});
         if (item.frame) {
             nodes.back().frame = inPoints(*item.frame);
@@ -324,19 +344,27 @@ std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXS
     return nodes;
 }
 
-void AccessibilityCore::startBulkRead(const ElementRef &root, AXSubtreeLimits limits) {
-    const auto now = Clock::now();
-    if (m_bulkRead.job != nullptr && m_bulkRead.root == root && m_bulkRead.limits == limits &&
-        now - m_bulkRead.startedAt < oldestBulkRead) {
-        return;
+void AccessibilityCore::prepareSubtree(const Handle &element, AXSubtreeLimits limits) {
+    if (element.pid != m_ownPid) {
+        requestPage({element.ref, limits}, {});
     }
-    m_bulkRead = {root, limits, now, m_reader.start([root, limits](Session &session) {
-                      return session.connection() == nullptr
-                                 ? std::vector<SubtreeItem>()
-                                 : session.subtrees()
-                                       .read({*session.connection(), Clock::now() + subtreeTime}, root, limits)
-                                       .items;
-                  })};
+}
+
+// Also tells the mirror that the page is wanted. One request at a time is enough, except for who wants it anew.
+AccessibilityCore::PageJob AccessibilityCore::requestPage(const PageName &page, Clock::time_point notBefore) {
+    const bool isAskedFor = m_request != nullptr && !m_request->isFinished() && m_requested == page;
+    if (!isAskedFor || notBefore != Clock::time_point()) {
+        m_requested = page;
+        m_request = m_reader.start(
+            [page, notBefore](Session &session) {
+                if (session.mirror() != nullptr) {
+                    session.mirror()->refresh(page, notBefore);
+                }
+                return true;
+            },
+            Reader::Length::longer);
+    }
+    return m_request;
 }
 
 std::optional<AXUIElement> AccessibilityCore::focusedWindow(qint32 pid) {

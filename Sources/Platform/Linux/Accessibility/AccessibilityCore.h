@@ -27,7 +27,10 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     [[nodiscard]] std::optional<AXValue> attribute(const Handle &element, QLatin1StringView name);
     [[nodiscard]] bool isValueSettable(const Handle &element);
     bool setAttribute(const Handle &element, QLatin1StringView name, const AXValue &value);
-    [[nodiscard]] std::vector<AXSubtreeNode> subtree(const Handle &element, AXSubtreeLimits limits);
+    [[nodiscard]] std::vector<AXSubtreeNode> subtree(const Handle &element, AXSubtreeLimits limits,
+                                                     AXFreshness freshness);
+    /// Has the reader begin with what subtree() will be asked for.
+    void prepareSubtree(const Handle &element, AXSubtreeLimits limits);
     [[nodiscard]] std::optional<AXUIElement> focusedWindow(qint32 pid);
     [[nodiscard]] std::optional<AXValue> applicationAttribute(qint32 pid, QLatin1StringView name);
 
@@ -39,6 +42,7 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     [[nodiscard]] const FieldSnapshot *snapshot(const Handle &element, TextWanted wanted);
     [[nodiscard]] std::shared_ptr<const Ancestry> ancestryAround(const ElementRef &ref);
     [[nodiscard]] std::optional<AXValue> fromAncestry(const Handle &element, QLatin1StringView name);
+    [[nodiscard]] const FieldSnapshot *lastTold(const ElementRef &ref) const;
     [[nodiscard]] std::optional<AXValue> fromSnapshot(const Handle &element, QLatin1StringView name);
     [[nodiscard]] std::optional<AXValue> fromQuery(const Handle &element, QLatin1StringView name);
     [[nodiscard]] std::optional<AXValue> wrap(const std::optional<Handle> &handle);
@@ -63,15 +67,11 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     Focus m_told;
     TextWanted m_wanted = TextWanted::value;
     Clock::time_point m_wantedUntil;
-    /// A bulk read that has not been taken yet: one that came late serves the next who asks for the same.
-    struct BulkRead {
-        ElementRef root;
-        AXSubtreeLimits limits;
-        Clock::time_point startedAt;
-        std::shared_ptr<Reader::Job<std::vector<SubtreeItem>>> job;
-    };
-    void startBulkRead(const ElementRef &root, AXSubtreeLimits limits);
-    BulkRead m_bulkRead;
+    using PageJob = std::shared_ptr<Reader::Job<bool>>;
+    PageJob requestPage(const PageName &page, Clock::time_point notBefore);
+    /// The latest request, which the reader may not have finished yet.
+    PageName m_requested;
+    PageJob m_request;
     /// The latest refresh, which the reader may not have finished yet.
     std::shared_ptr<Reader::Job<bool>> m_refresh;
 };

@@ -52,6 +52,13 @@ bool askAddresses(Connection &connection, Ancestry &ancestry, Deadline deadline)
 }
 } // namespace
 
+ParentAnswer askParent(Connection &connection, const ElementRef &ref, Deadline deadline) {
+    const auto replies = connection.callAll({calls::parent(ref), calls::states(ref)}, deadline);
+    const bool isRemoved = replies[1].states().value_or(States()).has(State::defunct);
+    return {replies[0].isAnswered() && replies[1].isAnswered(),
+            isRemoved ? std::nullopt : replies[0].referenceProperty()};
+}
+
 const Ancestry::Level *Ancestry::find(const ElementRef &ref) const {
     const auto found =
         std::find_if(levels.begin(), levels.end(), [&](const Level &level) { return level.element.ref == ref; });
@@ -70,12 +77,12 @@ bool Climb::isKnown(const ElementRef &ref) const {
 
 Climb::Outcome Climb::proceed(Connection &connection, Deadline deadline) {
     if (!m_hasBegun) {
-        const auto first = connection.call(calls::parent(m_ancestry.element.ref), deadline);
-        if (!first.isAnswered()) {
+        auto first = askParent(connection, m_ancestry.element.ref, deadline);
+        if (!first.isAnswered) {
             return Outcome::outOfTime;
         }
         m_hasBegun = true;
-        m_next = first.referenceProperty();
+        m_next = std::move(first.parent);
     }
     while (m_next && m_ancestry.levels.size() < maxLevels && !isKnown(*m_next)) {
         const auto outcome = climbLevel(connection, std::min(deadline, Clock::now() + levelTime));
@@ -117,8 +124,11 @@ bool refreshAncestry(Connection &connection, Ancestry &ancestry, Deadline deadli
     // Not std::vector<bool>, whose elements cannot be referred to.
     std::vector<char> answered(levels.size());
     Questions questions;
+    bool isRemoved = false;
     questions.ask(calls::parent(ancestry.element.ref),
                   [&](const Reply &reply) { parents.front() = reply.referenceProperty(); });
+    questions.ask(calls::states(ancestry.element.ref),
+                  [&](const Reply &reply) { isRemoved = reply.states().value_or(States()).has(State::defunct); });
     for (std::size_t i = 0; i < levels.size(); ++i) {
         const auto &ref = levels[i].element.ref;
         questions.ask(calls::parent(ref), [&, i](const Reply &reply) { parents[i + 1] = reply.referenceProperty(); });
@@ -134,6 +144,9 @@ bool refreshAncestry(Connection &connection, Ancestry &ancestry, Deadline deadli
         }
     }
     questions.run(connection, deadline);
+    if (isRemoved) {
+        return false;
+    }
     for (std::size_t i = 0; i < levels.size(); ++i) {
         if (answered[i] == 0 || parents[i] != levels[i].element.ref) {
             return false;

@@ -8,6 +8,13 @@
 
 namespace platform::desktop::atspi {
 
+/// What an element says of its parent. A removed element has none, though in Firefox it may go on naming one.
+struct ParentAnswer {
+    bool isAnswered = false;
+    std::optional<ElementRef> parent;
+};
+[[nodiscard]] ParentAnswer askParent(Connection &connection, const ElementRef &ref, Deadline deadline);
+
 /// The elements above an element, from its parent up to its application.
 struct Ancestry {
     struct Level {

@@ -26,8 +26,12 @@ bool AtspiElement::isEqual(const AXElementBackend &other) const {
     return element != nullptr && element->m_handle.ref == m_handle.ref;
 }
 
-std::vector<AXSubtreeNode> AtspiElement::copySubtree(AXSubtreeLimits limits) const {
-    return m_core->subtree(m_handle, limits);
+std::vector<AXSubtreeNode> AtspiElement::copySubtree(AXSubtreeLimits limits, AXFreshness freshness) const {
+    return m_core->subtree(m_handle, limits, freshness);
+}
+
+void AtspiElement::prepareSubtree(AXSubtreeLimits limits) const {
+    m_core->prepareSubtree(m_handle, limits);
 }
 
 RootElement::RootElement(std::shared_ptr<AccessibilityCore> core, std::optional<qint32> pid)

@@ -17,7 +17,8 @@ class AtspiElement final : public AXElementBackend {
     bool setAttributeValue(QLatin1StringView attribute, const AXValue &value) const override;
     [[nodiscard]] qint32 pid() const override { return m_handle.pid; }
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override;
-    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits) const override;
+    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits, AXFreshness freshness) const override;
+    void prepareSubtree(AXSubtreeLimits limits) const override;
 
   private:
     std::shared_ptr<AccessibilityCore> m_core;
@@ -34,7 +35,8 @@ class RootElement final : public AXElementBackend {
     [[nodiscard]] qint32 pid() const override { return m_pid.value_or(0); }
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override;
     /// Absent: a read starts at a window or a page.
-    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits) const override { return {}; }
+    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits, AXFreshness) const override { return {}; }
+    void prepareSubtree(AXSubtreeLimits) const override {}
 
   private:
     std::shared_ptr<AccessibilityCore> m_core;

@@ -48,7 +48,7 @@ std::optional<Handle> parent(Session &session, const Handle &element) {
     if (session.connection() == nullptr) {
         return std::nullopt;
     }
-    auto found = session.connection()->call(calls::parent(element.ref), soon()).referenceProperty();
+    auto found = askParent(*session.connection(), element.ref, soon()).parent;
     // Above an application there is only the registry's list of all of them.
     if (!found || element.ref.path == rootPath) {
         return std::nullopt;

@@ -23,12 +23,6 @@ constexpr auto firstPause = 150ms;
 constexpr auto otherWindowPause = 1000ms;
 constexpr auto newElementPause = 2000ms;
 constexpr auto ancestryLifetime = 1s;
-
-ElementRef sourceOf(sd_bus_message *message) {
-    const char *sender = sd_bus_message_get_sender(message);
-    const char *path = sd_bus_message_get_path(message);
-    return {sender != nullptr ? sender : "", path != nullptr ? path : ""};
-}
 } // namespace
 
 FocusTracker::FocusTracker(Connection &connection, qint32 ownPid, Publish publish)
@@ -260,7 +254,7 @@ bool FocusTracker::hasFocus(const FieldSnapshot &snapshot, const ElementRef &win
 
 // Whether the element still has the focus, by what was just read of it. Without an answer what was said last holds.
 void FocusTracker::judge(const FieldSnapshot &snapshot, const ElementRef &window) {
-    if (snapshot.isAnswered && hasFocus(snapshot, window)) {
+    if (snapshot.isAnswered && !snapshot.isGone && hasFocus(snapshot, window)) {
         m_focus.confirmedAt = snapshot.takenAt;
         m_lostSince.reset();
     } else if (snapshot.isGone || (m_lostSince && Clock::now() - *m_lostSince >= grace)) {

@@ -317,4 +317,10 @@ std::optional<ElementRef> Reply::referenceProperty() const {
     return reference && isRealElement(*reference) ? reference : std::nullopt;
 }
 
+ElementRef sourceOf(sd_bus_message *signal) {
+    const char *sender = sd_bus_message_get_sender(signal);
+    const char *path = sd_bus_message_get_path(signal);
+    return {sender != nullptr ? sender : "", path != nullptr ? path : ""};
+}
+
 } // namespace platform::desktop::atspi

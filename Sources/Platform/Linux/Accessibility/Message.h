@@ -106,4 +106,7 @@ class Reply {
     MessagePtr m_message;
 };
 
+/// The element that a signal is about.
+[[nodiscard]] ElementRef sourceOf(sd_bus_message *signal);
+
 } // namespace platform::desktop::atspi

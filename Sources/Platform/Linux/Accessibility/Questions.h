@@ -12,6 +12,16 @@ struct Asking {
     Connection &connection;
     Deadline deadline;
     std::function<void()> giveWay = [] {};
+    /// How many questions are asked in one go: as many as keep the application busy for a few milliseconds.
+    mutable std::size_t inOnePart = 32;
+
+    void adaptTo(Clock::duration lastPart) const {
+        if (lastPart > std::chrono::milliseconds(8)) {
+            inOnePart = std::max<std::size_t>(inOnePart / 2, 4);
+        } else if (lastPart < std::chrono::milliseconds(4)) {
+            inOnePart = std::min<std::size_t>(inOnePart * 2, 200);
+        }
+    }
 };
 
 /// Questions that are asked together in one round trip, each with what to do with its answer.
@@ -43,21 +53,23 @@ class Questions {
         auto calls = std::exchange(m_calls, {});
         auto takers = std::exchange(m_takers, {});
         bool isWhole = true;
-        for (std::size_t from = 0; from < calls.size(); from += inOnePart) {
-            const auto to = std::min(from + inOnePart, calls.size());
-            for (auto i = from; i < to; ++i) {
+        for (std::size_t i = 0; i < calls.size();) {
+            const auto begin = Clock::now();
+            const auto end = std::min(i + asking.inOnePart, calls.size());
+            const bool isFullPart = end - i == asking.inOnePart;
+            for (; i < end; ++i) {
                 ask(std::move(calls[i]), std::move(takers[i]));
             }
             isWhole = run(asking.connection, asking.deadline) && isWhole;
+            if (isFullPart) {
+                asking.adaptTo(Clock::now() - begin);
+            }
             asking.giveWay();
         }
         return isWhole;
     }
 
   private:
-    // A few milliseconds of an application's time.
-    static constexpr std::size_t inOnePart = 150;
-
     std::vector<Call> m_calls;
     std::vector<Taker> m_takers;
 };

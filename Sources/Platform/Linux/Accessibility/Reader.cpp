@@ -39,10 +39,10 @@ Reader::~Reader() {
     m_thread.join();
 }
 
-void Reader::post(std::function<void(Session &)> work) {
+void Reader::post(std::function<void(Session &)> work, Length length) {
     {
         const std::scoped_lock lock(m_mutex);
-        m_jobs.push_back(std::move(work));
+        (length == Length::brief ? m_jobs : m_longJobs).push_back(std::move(work));
     }
     wake();
 }
@@ -51,22 +51,45 @@ void Reader::wake() const {
     eventfd_write(m_wakeUp.get(), 1);
 }
 
-std::deque<std::function<void(Session &)>> Reader::takeJobs() {
-    eventfd_t count = 0;
-    eventfd_read(m_wakeUp.get(), &count);
-    const std::scoped_lock lock(m_mutex);
-    return std::exchange(m_jobs, {});
+void Reader::doBriefJobs(Session &session) {
+    Jobs jobs;
+    {
+        const std::scoped_lock lock(m_mutex);
+        jobs.swap(m_jobs);
+    }
+    for (const auto &job : jobs) {
+        if (m_stop.isRequested()) {
+            return;
+        }
+        job(session);
+    }
+}
+
+void Reader::doLongJob(Session &session) {
+    std::function<void(Session &)> job;
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_longJobs.empty()) {
+            return;
+        }
+        job = std::move(m_longJobs.front());
+        m_longJobs.pop_front();
+        if (!m_longJobs.empty()) {
+            wake();
+        }
+    }
+    job(session);
 }
 
 void Reader::run(std::string sessionBusAddress, qint32 ownPid) {
-    Session session(std::move(sessionBusAddress), ownPid, m_board, m_stop);
+    Session *current = nullptr;
+    Session session(std::move(sessionBusAddress), ownPid, m_board, m_stop, [&] { doBriefJobs(*current); });
+    current = &session;
     while (!m_stop.isRequested()) {
-        for (const auto &job : takeJobs()) {
-            if (m_stop.isRequested()) {
-                return;
-            }
-            job(session);
-        }
+        eventfd_t count = 0;
+        eventfd_read(m_wakeUp.get(), &count);
+        doBriefJobs(session);
+        doLongJob(session);
         session.process();
         waitForActivity(session.buses(), m_wakeUp.get(), session.nextWake());
     }

@@ -47,19 +47,23 @@ class Reader {
         std::atomic<bool> isGivenUp = false;
     };
 
-    template <class Work> auto start(Work work) {
+    /// A long job gives way to the others.
+    enum class Length { brief, longer };
+    template <class Work> auto start(Work work, Length length = Length::brief) {
         using Result = std::invoke_result_t<Work, Session &>;
         auto job = std::make_shared<Job<Result>>();
-        post([job, work = std::move(work)](Session &session) {
-            std::optional<Result> result;
-            if (!job->isGivenUp) {
-                result = work(session);
-            }
-            const std::scoped_lock lock(job->mutex);
-            job->result = std::move(result);
-            job->isDone = true;
-            job->finished.notify_one();
-        });
+        post(
+            [job, work = std::move(work)](Session &session) {
+                std::optional<Result> result;
+                if (!job->isGivenUp) {
+                    result = work(session);
+                }
+                const std::scoped_lock lock(job->mutex);
+                job->result = std::move(result);
+                job->isDone = true;
+                job->finished.notify_one();
+            },
+            length);
         return job;
     }
     /// The job's result, or nothing if it takes longer than the limit or than what the budget has left. One thread,
@@ -79,19 +83,22 @@ class Reader {
         return result;
     }
     /// Does the work on the reader's thread, some time.
-    void post(std::function<void(Session &)> work);
+    void post(std::function<void(Session &)> work, Length length = Length::brief);
 
     [[nodiscard]] const Board &board() const { return m_board; }
 
   private:
     void run(std::string sessionBusAddress, qint32 ownPid);
-    [[nodiscard]] std::deque<std::function<void(Session &)>> takeJobs();
+    void doBriefJobs(Session &session);
+    void doLongJob(Session &session);
     void wake() const;
 
     Board m_board;
     WaitBudget m_budget;
     std::mutex m_mutex;
-    std::deque<std::function<void(Session &)>> m_jobs;
+    using Jobs = std::deque<std::function<void(Session &)>>;
+    Jobs m_jobs;
+    Jobs m_longJobs;
     FileDescriptor m_wakeUp;
     StopSignal m_stop;
     std::jthread m_thread;

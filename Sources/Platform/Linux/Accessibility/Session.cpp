@@ -15,9 +15,10 @@ const ElementRef service{"org.a11y.Bus", "/org/a11y/bus"};
 constexpr const char *statusInterface = "org.a11y.Status";
 } // namespace
 
-Session::Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop)
+Session::Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop,
+                 std::function<void()> giveWay)
     : m_sessionBusAddress(std::move(sessionBusAddress)), m_ownPid(ownPid), m_board(board), m_stop(stop),
-      m_retryAt(Clock::now()) {}
+      m_giveWay(std::move(giveWay)), m_retryAt(Clock::now()) {}
 
 void Session::process() {
     if (m_session != nullptr && !m_session->process()) {
@@ -35,11 +36,13 @@ void Session::process() {
     decide();
     if (m_focus != nullptr) {
         m_focus->settle();
+        const auto &field = m_focus->focus().snapshot;
+        m_mirror->settle(field != nullptr ? field->frame : std::nullopt);
     }
 }
 
 Clock::time_point Session::nextWake() const {
-    return m_focus != nullptr && m_session != nullptr ? m_focus->nextLook() : m_retryAt;
+    return m_focus != nullptr && m_session != nullptr ? std::min(m_focus->nextLook(), m_mirror->nextLook()) : m_retryAt;
 }
 
 std::vector<sd_bus *> Session::buses() const {
@@ -65,9 +68,10 @@ void Session::connect() {
 // Another bus hands out the same names again: nothing that is known by them may outlive this one.
 void Session::loseAccessibility() {
     m_focus.reset();
+    m_mirror.reset();
     m_bus.reset();
-    m_subtrees = {};
     m_board.setFocus({});
+    m_board.setPage({});
     m_retryAt = Clock::now() + retryPause;
 }
 
@@ -105,6 +109,8 @@ void Session::connectAccessibility(bool mayStart) {
     }
     m_bus = std::move(bus);
     m_focus = std::make_unique<FocusTracker>(*m_bus, m_ownPid, [this](const Focus &focus) { m_board.setFocus(focus); });
+    m_mirror =
+        std::make_unique<PageMirror>(*m_bus, m_giveWay, [this](const MirroredPage &page) { m_board.setPage(page); });
     readEnabled(false);
 }
 

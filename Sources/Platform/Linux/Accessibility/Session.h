@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Platform/Linux/Accessibility/FocusTracker.h"
-#include "Platform/Linux/Accessibility/SubtreeReader.h"
+#include "Platform/Linux/Accessibility/PageMirror.h"
 
 #include <atomic>
 #include <mutex>
@@ -20,6 +20,14 @@ class Board {
         const std::scoped_lock lock(m_mutex);
         m_focus = focus;
     }
+    [[nodiscard]] MirroredPage page() const {
+        const std::scoped_lock lock(m_mutex);
+        return m_page;
+    }
+    void setPage(const MirroredPage &page) {
+        const std::scoped_lock lock(m_mutex);
+        m_page = page;
+    }
 
     /// Whether the bus answers and accessibility is on for the session.
     std::atomic<bool> isTrusted = false;
@@ -29,6 +37,7 @@ class Board {
   private:
     mutable std::mutex m_mutex;
     Focus m_focus;
+    MirroredPage m_page;
 };
 
 /// Everything that lives on the reader's thread: the two connections and what is known through them. Finds the
@@ -36,8 +45,9 @@ class Board {
 /// at most once a minute), and starts anew when it is lost.
 class Session {
   public:
-    /// stop ends every wait.
-    Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop);
+    /// stop ends every wait. giveWay is called in the course of long work, for what cannot wait for its end.
+    Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop,
+            std::function<void()> giveWay);
 
     /// Handles what has arrived and does what is due.
     void process();
@@ -46,10 +56,10 @@ class Session {
     /// The open connections, for waiting on.
     [[nodiscard]] std::vector<sd_bus *> buses() const;
 
-    /// Both are null while there is no accessibility bus.
+    /// All are null while there is no accessibility bus.
     [[nodiscard]] Connection *connection() { return m_bus.get(); }
     [[nodiscard]] FocusTracker *focus() { return m_focus.get(); }
-    [[nodiscard]] SubtreeReader &subtrees() { return m_subtrees; }
+    [[nodiscard]] PageMirror *mirror() { return m_mirror.get(); }
     [[nodiscard]] qint32 ownPid() const { return m_ownPid; }
     /// Switches accessibility on for the session.
     void enable();
@@ -66,10 +76,11 @@ class Session {
     qint32 m_ownPid;
     Board &m_board;
     const StopSignal &m_stop;
+    std::function<void()> m_giveWay;
     std::unique_ptr<Connection> m_session;
     std::unique_ptr<Connection> m_bus;
     std::unique_ptr<FocusTracker> m_focus;
-    SubtreeReader m_subtrees;
+    std::unique_ptr<PageMirror> m_mirror;
     Clock::time_point m_retryAt;
     /// When the bus may be asked to start the service, again.
     Clock::time_point m_startAt;

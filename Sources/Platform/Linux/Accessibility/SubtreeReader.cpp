@@ -8,7 +8,7 @@ namespace platform::desktop::atspi {
 namespace {
 using namespace std::chrono_literals;
 // Even what seems unchanged is read anew after this time.
-constexpr auto knownLifetime = 5s;
+constexpr auto knownLifetime = 10s;
 // How soon after it was left a read goes on without asking again what it knows.
 constexpr auto patience = 1s;
 } // namespace
@@ -74,7 +74,7 @@ SubtreeReader::Outcome SubtreeReader::read(const Asking &asking, const ElementRe
     const QString kindOfToolkit = toolkit(asking, root.bus);
     request.foldsText = kindOfToolkit == QLatin1StringView("Gecko");
     if (kindOfToolkit == QLatin1StringView("Chromium")) {
-        request.listing = list(asking, root, limits.maxNodes);
+        request.listing = list(asking, request);
     }
     if (Clock::now() >= asking.deadline || asking.connection.isSilent(root.bus)) {
         return {};
@@ -92,9 +92,9 @@ SubtreeReader::Outcome SubtreeReader::read(const Asking &asking, const ElementRe
 }
 
 std::vector<SubtreeItem> SubtreeReader::refine(const Asking &asking, const Request &request, Tree &tree) {
-    const auto &[connection, deadline, giveWay] = asking;
     const auto &root = request.root;
-    while (Clock::now() < deadline && connection.isOpen() && !connection.isSilent(root.bus)) {
+    const auto &connection = asking.connection;
+    while (Clock::now() < asking.deadline && connection.isOpen() && !connection.isSilent(root.bus)) {
         Walk walk{tree, request.limits, request.foldsText, {}, {}, {}};
         walk.visit(root, 0);
         if (walk.unknown.empty()) {
@@ -124,40 +124,70 @@ QString SubtreeReader::toolkit(const Asking &asking, const std::string &bus) {
     return m_toolkit;
 }
 
-SubtreeReader::Listing SubtreeReader::list(const Asking &asking, const ElementRef &root, int limit) {
-    const auto replies = asking.connection.callAll(
-        {calls::allMatches(root, limit), calls::staticTextMatches(root, limit)}, asking.deadline);
-    const auto most = static_cast<std::size_t>(limit);
-    return {replies[0].references(most).value_or(std::vector<ElementRef>()),
-            replies[1].references(most).value_or(std::vector<ElementRef>())};
+// A search goes through the whole page, even a long one; the second is spared where the first finds what it found
+// before.
+SubtreeReader::Listing SubtreeReader::list(const Asking &asking, const Request &request) {
+    const int limit = request.limits.maxNodes;
+    const auto search = [&](const Call &call) {
+        const auto reply = asking.connection.call(call, asking.deadline);
+        asking.giveWay();
+        return reply.references(static_cast<std::size_t>(limit)).value_or(std::vector<ElementRef>());
+    };
+    auto all = search(calls::allMatches(request.root, limit));
+    const auto &last = m_known.request;
+    const bool isKnown =
+        last.isLike(request) && m_known.isWhole && last.listing.all == all && isWalkKnown(Clock::now());
+    if (all.empty() || isKnown) {
+        return {std::move(all), isKnown ? last.listing.texts : std::vector<ElementRef>()};
+    }
+    return {std::move(all), search(calls::staticTextMatches(request.root, limit))};
+}
+
+bool SubtreeReader::isWalkKnown(Clock::time_point now) const {
+    return now - m_known.walkedAt < knownLifetime;
 }
 
 // What is known before the first question about a single element.
 SubtreeReader::Tree SubtreeReader::begin(const Asking &asking, const Request &request, bool isSame) {
-    const bool isKnown = isSame && m_known.isWhole && m_known.begunAt - m_known.walkedAt < knownLifetime;
+    const bool isKnown = isSame && m_known.isWhole && isWalkKnown(m_known.begunAt);
     if (isKnown && request.foldsText) {
         auto tree = std::exchange(m_known.tree, {});
         doubtAll(asking, request, tree);
         return tree;
     }
-    // If the same elements stand in the same order as a moment ago, nothing has moved between them; only their texts
-    // can have changed.
-    if (isKnown && !request.listing.all.empty() && m_known.request.listing == request.listing) {
-        auto tree = std::exchange(m_known.tree, {});
-        doubtTexts(asking, tree);
-        return tree;
-    }
-    m_known.walkedAt = m_known.begunAt;
-    // Most elements of a page are text leaves. That the application names them spares two questions about each.
     Tree tree;
+    if (isKnown && !request.listing.all.empty()) {
+        tree = std::exchange(m_known.tree, {});
+        doubtTexts(asking, tree);
+        // If the same elements stand in the same order as a moment ago, nothing has moved between them.
+        if (m_known.request.listing == request.listing) {
+            return tree;
+        }
+        doubtChildren(request, tree);
+    } else {
+        m_known.walkedAt = m_known.begunAt;
+    }
+    // Most elements of a page are text leaves. That the application names them spares two questions about each.
     for (const auto &ref : request.listing.texts) {
         auto &info = tree[ref];
-        info.isKnown = true;
-        info.hasKnownChildren = true;
-        info.isTakenForLeaf = true;
-        info.kind.role = Role::staticText;
+        if (!info.isKnown) {
+            info.isKnown = true;
+            info.hasKnownChildren = true;
+            info.isTakenForLeaf = true;
+            info.kind.role = Role::staticText;
+        }
     }
     return tree;
+}
+
+// What is still there keeps its role; a leaf that has children now shows it by what lies between the leaves.
+void SubtreeReader::doubtChildren(const Request &request, Tree &tree) {
+    std::unordered_set<ElementRef, ElementRefHash> listed(request.listing.all.begin(), request.listing.all.end());
+    listed.insert(request.root);
+    std::erase_if(tree, [&](const auto &entry) { return !listed.contains(entry.first) || entry.second.isGone; });
+    for (auto &[ref, info] : tree) {
+        info.hasKnownChildren = info.isTakenForLeaf;
+    }
 }
 
 // Where texts are folded a child stands in its parent's text, so an unchanged text without children has none. Roles

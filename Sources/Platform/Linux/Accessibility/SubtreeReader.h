@@ -95,8 +95,10 @@ class SubtreeReader {
     [[nodiscard]] QString toolkit(const Asking &asking, const std::string &bus);
     [[nodiscard]] Tree begin(const Asking &asking, const Request &request, bool isSame);
     std::vector<SubtreeItem> refine(const Asking &asking, const Request &request, Tree &tree);
-    static Listing list(const Asking &asking, const ElementRef &root, int limit);
+    Listing list(const Asking &asking, const Request &request);
+    [[nodiscard]] bool isWalkKnown(Clock::time_point now) const;
     static void doubtAll(const Asking &asking, const Request &request, Tree &tree);
+    static void doubtChildren(const Request &request, Tree &tree);
     static void doubtTexts(const Asking &asking, Tree &tree);
     static QString expectedText(const Tree &tree, const Info &info);
     static void forgetTexts(Tree &tree, const Info &info);
