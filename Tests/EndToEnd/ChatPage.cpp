@@ -9,7 +9,6 @@
 #include <QJsonObject>
 
 #include <httplib.h>
-
 #include <openssl/evp.h>
 #include <openssl/x509.h>
 
