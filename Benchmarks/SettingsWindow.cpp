@@ -26,7 +26,7 @@ namespace {
 using ui::SettingsWindow;
 
 constexpr int entries = 500;
-constexpr int edits = 300;
+constexpr int edits = 60;
 
 struct Times {
     std::vector<double> milliseconds;
@@ -176,6 +176,7 @@ platform::Platform withRealStore(platform::MainQueue &queue, platform::UserDefau
 } // namespace quillory
 
 int main(int argc, char **argv) {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // seen as it comes, through a pipe too
     const QApplication application(argc, argv);
     quillory::test::SimulatedDesktop desktop;
     const QTemporaryDir folder;

@@ -96,8 +96,8 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     QApplication::setQuitOnLastWindowClosed(false);
     const desktop::LinuxPlatform linuxPlatform(std::move(connection));
     const platform::Installation installation(linuxPlatform.services());
-    const auto instance = std::move(claim); // ends before the connection does
-    quillory::ui::AppDelegate delegate;
+    const auto instance = std::move(claim);                            // ends before the connection does
+    quillory::ui::AppDelegate delegate(quillory::ui::UpdateActions{}); // there is nothing yet that checks
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
     QTimer::singleShot(0, &application, [&] {
         delegate.applicationDidFinishLaunching();

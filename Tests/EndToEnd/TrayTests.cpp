@@ -13,8 +13,8 @@
 namespace quillory::test {
 namespace {
 
-const auto menuAtFirst = QStringLiteral(
-    "✓ Suggestions Enabled | Compare Two Models | - | Settings… Control+, | - | Quit Quillory Control+Q");
+const auto menuAtFirst = QStringLiteral("✓ Suggestions Enabled | Compare Two Models | - | Settings… Control+, | Check "
+                                        "for Updates… | - | Quit Quillory Control+Q");
 
 /// The built program with a key in its environment.
 ChildProcess started() {

@@ -23,7 +23,9 @@ using namespace Qt::StringLiterals;
 class AppDelegateTest : public testing::Test {
   protected:
     void launch() {
-        delegate.emplace();
+        delegate.emplace(UpdateActions{
+            .startPeriodicChecks = [this] { updates += u"periodic after "_s + desktop.log().constLast() + u'\n'; },
+            .check = [this](bool userInitiated) { updates += userInitiated ? u"by the user\n"_s : u"?\n"_s; }});
         delegate->applicationDidFinishLaunching();
     }
     template <typename Window> static std::vector<Window *> windows() {
@@ -63,6 +65,7 @@ class AppDelegateTest : public testing::Test {
     static bool isOn(const QString &key) { return AppSettings::shared().store().boolean(key); }
 
     SimulatedDesktop desktop;
+    QString updates;
     std::optional<AppDelegate> delegate;
 };
 
@@ -71,14 +74,16 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
     launch();
     EXPECT_EQ(desktop.log().value(0), u"launched, accessibility trusted = false"_s);
     EXPECT_EQ(desktop.applications.prompts, 1);
+    EXPECT_EQ(updates, u"periodic after launched, accessibility trusted = false\n"_s);
     EXPECT_TRUE(isShown<SettingsWindow>()) << "there is no API key";
     EXPECT_EQ(opened(), u"✓ Suggestions Enabled | Compare Two Models | Grant Accessibility Access… | - | "
-                        u"Settings… Ctrl+, | - | Quit Quillory Ctrl+Q"_s);
+                        u"Settings… Ctrl+, | Check for Updates… | - | Quit Quillory Ctrl+Q"_s);
     desktop.applications.trusted = true;
     desktop.userDefaults.set(settingsKey::enabled, false);
     desktop.userDefaults.set(settingsKey::compareMode, true);
-    EXPECT_EQ(opened(),
-              u"Suggestions Enabled | ✓ Compare Two Models | - | Settings… Ctrl+, | - | Quit Quillory Ctrl+Q"_s);
+    EXPECT_EQ(
+        opened(),
+        u"Suggestions Enabled | ✓ Compare Two Models | - | Settings… Ctrl+, | Check for Updates… | - | Quit Quillory Ctrl+Q"_s);
     delegate.reset();
     EXPECT_TRUE(windows<SettingsWindow>().empty());
 
@@ -105,6 +110,9 @@ TEST_F(AppDelegateTest, DoesWhatItsMenuSays) {
     EXPECT_EQ(desktop.applications.prompts, 1);
     EXPECT_EQ(desktop.applications.opened,
               std::vector{QUrl(u"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"_s)});
+    updates.clear();
+    item(u"Check for Updates…"_s).trigger();
+    EXPECT_EQ(updates, u"by the user\n"_s);
 
     QKeyEvent comma(QEvent::KeyPress, Qt::Key_Comma, Qt::ControlModifier, u","_s);
     QApplication::sendEvent(&menu(), &comma);
@@ -139,7 +147,8 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     for (const QAbstractButton *row : rows) {
         titles += row->text();
     }
-    EXPECT_EQ(titles.join(u" | "_s), u"Suggestions Enabled | Compare Two Models | Settings… | Quit Quillory"_s);
+    EXPECT_EQ(titles.join(u" | "_s),
+              u"Suggestions Enabled | Compare Two Models | Settings… | Check for Updates… | Quit Quillory"_s);
     rows.at(0)->click();
     EXPECT_FALSE(isOn(settingsKey::enabled));
     EXPECT_FALSE(rows.at(0)->isChecked());

@@ -30,8 +30,9 @@ void flip(const QString &key) {
 }
 } // namespace
 
-AppDelegate::AppDelegate()
-    : m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
+AppDelegate::AppDelegate(UpdateActions updates)
+    : m_updates(std::move(updates)),
+      m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
 
 AppDelegate::~AppDelegate() {
     abandonPastes();
@@ -46,6 +47,9 @@ void AppDelegate::applicationDidFinishLaunching() {
         accessibility.isProcessTrustedWithPrompt();
     }
     m_monitor->start();
+    if (m_updates.startPeriodicChecks) {
+        m_updates.startPeriodicChecks();
+    }
     if (AppSettings::shared().apiKey().isEmpty()) {
         std::fputs(
             "quillory: no OpenRouter API key is set; give one with: quillory defaults write openRouterAPIKey -\n",
@@ -63,6 +67,8 @@ void AppDelegate::setUpStatusItem() {
     m_menu->addSeparator();
     m_menu->addItem(
         QStringLiteral("Settings…"), [this] { openSettings(); }, Qt::Key_Comma);
+    m_menu->addItem(QStringLiteral("Check for Updates…"), [this] { checkForUpdates(); })
+        ->setEnabled(m_updates.check != nullptr);
     m_menu->addSeparator();
     m_menu->addItem(
         QStringLiteral("Quit Quillory"), [] { QApplication::quit(); }, Qt::Key_Q);
@@ -111,6 +117,10 @@ void AppDelegate::openSettings() {
         m_settingsWindow = std::make_unique<SettingsWindow>();
     }
     m_settingsWindow->makeKeyAndOrderFront();
+}
+
+void AppDelegate::checkForUpdates() {
+    m_updates.check(true);
 }
 
 void AppDelegate::applicationDidReopen() {

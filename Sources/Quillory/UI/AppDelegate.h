@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include <functional>
 #include <memory>
 
 class QAction;
@@ -16,11 +17,18 @@ class SettingsWindow;
 class StatusItem;
 class StatusMenu;
 
+/// The program's updates, as the delegate asks for them. main() fills it in; what is empty is not asked, and the menu
+/// offers no check then.
+struct UpdateActions {
+    std::function<void()> startPeriodicChecks;
+    std::function<void(bool userInitiated)> check;
+};
+
 /// Starts everything in its order and owns it for the life of the program. One per process, main thread only.
 class AppDelegate {
   public:
     /// Makes the typing monitor, and with it the settings and the suggestion panel. Starts nothing.
-    AppDelegate();
+    explicit AppDelegate(UpdateActions updates = {});
     ~AppDelegate();
 
     /// Called once, when the event loop runs.
@@ -35,9 +43,11 @@ class AppDelegate {
     void toggleCompare();
     void openAccessibilitySettings();
     void openSettings();
+    void checkForUpdates();
     void openMenu();
     void tellOfMissingTray();
 
+    UpdateActions m_updates;
     std::unique_ptr<StatusMenu> m_menu;
     QAction *m_enabledItem = nullptr;
     QAction *m_compareItem = nullptr;

@@ -30,6 +30,7 @@ class MenuRow final : public QAbstractButton {
         setText(item.text());
         setCheckable(item.isCheckable());
         setChecked(item.isChecked());
+        setEnabled(item.isEnabled());
         connect(this, &QAbstractButton::clicked, &item, &QAction::trigger);
         connect(&item, &QAction::changed, this, [this] { setChecked(m_item.isChecked()); });
     }
@@ -45,11 +46,12 @@ class MenuRow final : public QAbstractButton {
     void paintEvent(QPaintEvent * /*event*/) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        const bool isChosen = hasFocus() || m_hover.progress() > 0;
+        const bool isChosen = isEnabled() && (hasFocus() || m_hover.progress() > 0);
         if (isChosen) {
             painter.fillPath(continuousRoundedRect(rect(), 6), palette().color(QPalette::Highlight));
         }
-        const QColor color = isChosen ? palette().color(QPalette::HighlightedText) : lookOf(*this).primary;
+        const QColor plain = isEnabled() ? lookOf(*this).primary : lookOf(*this).tertiary;
+        const QColor color = isChosen ? palette().color(QPalette::HighlightedText) : plain;
         if (isChecked()) {
             const double side = symbolSide(10);
             drawSymbol(painter, {(checkColumn - side) / 2, (height() - side) / 2, side, side}, symbolName::checkmark,
