@@ -94,7 +94,7 @@ class SettingsWindowTest : public testing::Test {
     }
     void addFAQ() {
         for (auto *button : window->findChildren<QAbstractButton *>()) {
-            if (button->text() == u"Add FAQ"_s) {
+            if (button->text() == u"Add &FAQ"_s) {
                 button->click();
             }
         }
@@ -292,6 +292,7 @@ TEST_F(SettingsWindowTest, KeepsWhatIsBeingTyped) {
     EXPECT_EQ(profile->toPlainText(), u"A shop in Riffa"_s);
     type(profile, u"!"_s);
     EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(u"A shop in Riffa!"_s));
+    EXPECT_EQ(stored(settingsKey::businessProfile + u".replaced"_s), DefaultsValue(u"Another"_s));
 
     auto *const answer = child<QPlainTextEdit>(u"Answer 1"_s);
     answer->setFocus();

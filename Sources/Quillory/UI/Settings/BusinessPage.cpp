@@ -38,7 +38,8 @@ QWidget *BusinessPage::profileSection(SettingsBinding &binding) {
     auto *const section = new FormSection(
         {}, QStringLiteral("When a chat is open and your input box is empty, the visible conversation is read locally "
                            "and a reply is drafted. Nothing is sent automatically, and nothing is stored."));
-    auto *const label = new FormText(QStringLiteral("My business (used to write replies in your voice):"), fieldPoints);
+    auto *const label =
+        new FormText(QStringLiteral("M&y business (used to write replies in your voice):"), fieldPoints);
     label->setBuddy(m_profile);
     leaveWheelToPage(m_profile);
     m_profile->setFixedHeight(scaled(profileHeight));
@@ -58,6 +59,10 @@ QWidget *BusinessPage::profileSection(SettingsBinding &binding) {
         }
     });
     m_profile->onEdit = [this, &binding] {
+        const auto stored = binding.store().string(settingsKey::businessProfile);
+        if (stored && *stored != m_shownProfile) { // another process's, which the user has not seen
+            binding.store().set(settingsKey::businessProfile + QStringLiteral(".replaced"), *stored);
+        }
         m_shownProfile = m_profile->text();
         binding.set(settingsKey::businessProfile, m_shownProfile);
     };
@@ -68,7 +73,7 @@ QWidget *BusinessPage::faqSection(SettingsBinding &binding) {
     auto *const section =
         new FormSection(QStringLiteral("FAQs (replies answer from these and never invent what's missing)"));
     section->addRow(m_list);
-    auto *const add = new LinkButton(symbolName::plus, QStringLiteral("Add FAQ"));
+    auto *const add = new LinkButton(symbolName::plus, QStringLiteral("Add &FAQ"));
     connect(add, &QAbstractButton::clicked, this, [this] { m_list->add(); });
     auto *const row = new QWidget;
     auto *const line = new QHBoxLayout(row);

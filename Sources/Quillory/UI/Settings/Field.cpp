@@ -7,6 +7,7 @@
 
 #include <QMimeData>
 #include <QPainter>
+#include <QTextBlock>
 #include <QTextLayout>
 #include <QValidator>
 
@@ -70,10 +71,13 @@ void paintField(QPainter &painter, const QWidget &field) {
     }
 }
 
-void clearBase(QWidget &field) {
+/// The frame paints the background; the placeholder's own colour can be one that cannot be read on it.
+void applyColors(QWidget &field) {
     QPalette own = field.palette();
-    if (own.color(QPalette::Base) != Qt::transparent) {
+    const QColor placeholder = lookOf(field).tertiary;
+    if (own.color(QPalette::Base) != Qt::transparent || own.color(QPalette::PlaceholderText) != placeholder) {
         own.setColor(QPalette::Base, Qt::transparent);
+        own.setColor(QPalette::PlaceholderText, placeholder);
         field.setPalette(own);
     }
 }
@@ -86,7 +90,7 @@ LineField::LineField(const QString &placeholder) {
     setFrame(false);
     setTextMargins(fieldSideMargin - 2, 0, fieldSideMargin - 2, 0);
     setValidator(new OneLine(this));
-    clearBase(*this);
+    applyColors(*this);
 }
 
 QSize LineField::sizeHint() const {
@@ -98,7 +102,7 @@ void LineField::changeEvent(QEvent *event) {
     if (event->type() == QEvent::ApplicationFontChange) {
         setFont(formFont(fieldPoints));
     } else if (event->type() == QEvent::PaletteChange) {
-        clearBase(*this);
+        applyColors(*this);
     }
 }
 
@@ -116,16 +120,15 @@ TextField::TextField(const QString &placeholder) {
     setFrameShape(NoFrame);
     setTabChangesFocus(true);
     setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    QTextOption option = document()->defaultTextOption();
-    option.setTextDirection(Qt::LayoutDirectionAuto); // each paragraph by its own script
-    document()->setDefaultTextOption(option);
+    alignToScript();
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBar(new SlimScrollBar);
     setViewportMargins(fieldSideMargin, fieldTopMargin, fieldSideMargin, fieldTopMargin);
     document()->setDocumentMargin(0);
     viewport()->setAutoFillBackground(false);
-    clearBase(*this);
+    applyColors(*this);
     connect(this, &QPlainTextEdit::textChanged, this, [this] {
+        alignToScript();
         if (!m_isShowing && onEdit) {
             onEdit();
         }
@@ -145,6 +148,21 @@ void TextField::showText(const QString &text) {
     setTextCursor(cursor);
     document()->setModified(false);
     m_isShowing = false;
+}
+
+// Each paragraph runs in the direction of its own script; the toolkit can align only all of them to one side.
+void TextField::alignToScript() {
+    QTextBlock first = document()->begin();
+    while (first.length() <= 1 && first.next().isValid()) {
+        first = first.next();
+    }
+    QTextOption option = document()->defaultTextOption();
+    const Qt::Alignment side = first.text().isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft;
+    if (option.textDirection() != Qt::LayoutDirectionAuto || option.alignment() != side) {
+        option.setTextDirection(Qt::LayoutDirectionAuto);
+        option.setAlignment(side);
+        document()->setDefaultTextOption(option);
+    }
 }
 
 int TextField::lineHeight() {
@@ -188,7 +206,7 @@ void TextField::changeEvent(QEvent *event) {
     if (event->type() == QEvent::ApplicationFontChange) {
         setFont(formFont(fieldPoints));
     } else if (event->type() == QEvent::PaletteChange) {
-        clearBase(*this);
+        applyColors(*this);
     }
 }
 

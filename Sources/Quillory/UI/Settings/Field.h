@@ -46,6 +46,8 @@ class TextField : public QPlainTextEdit {
     void insertFromMimeData(const QMimeData *source) override;
 
   private:
+    void alignToScript();
+
     bool m_isShowing = false;
 };
 

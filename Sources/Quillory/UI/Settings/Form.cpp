@@ -9,9 +9,11 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QScreen>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace quillory::ui {
@@ -29,6 +31,32 @@ bool isDark(const QWidget &widget) {
 QColor mixed(const QColor &a, const QColor &b, double share) {
     const auto part = [share](int from, int to) { return qRound(from + (to - from) * share); };
     return {part(a.red(), b.red()), part(a.green(), b.green()), part(a.blue(), b.blue())};
+}
+
+/// The relative luminance and the contrast by which legibility is judged.
+double luminance(const QColor &color) {
+    const auto linear = [](double part) {
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor &a, const QColor &b) {
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+/// The desktop's accent, moved away from the background as far as text needs it.
+QColor legibleAccent(const QWidget &widget) {
+    constexpr double enough = 4.5;
+    const QColor primary(widget.palette().color(QPalette::WindowText));
+    const QColor background = mixed(widget.palette().color(QPalette::Window), primary, 0.09); // that of a chosen tab
+    const QColor accent = widget.palette().color(QPalette::Highlight);
+    QColor color = accent;
+    for (double share = 0; contrast(color, background) < enough && share <= 1; share += 0.05) {
+        color = mixed(accent, primary, share);
+    }
+    return color;
 }
 
 /// The rows' background and the lines between them.
@@ -99,8 +127,7 @@ QColor tintColor(const QWidget &widget, Tint tint) {
     case Tint::secondary:
         return lookOf(widget).secondary;
     case Tint::accent:
-        return dark ? widget.palette().color(QPalette::Highlight).lighter(150)
-                    : widget.palette().color(QPalette::Highlight).darker(115);
+        return legibleAccent(widget);
     case Tint::good:
         return dark ? QColor(0x5b, 0xc8, 0x6b) : QColor(0x17, 0x78, 0x33);
     case Tint::warning:
@@ -115,6 +142,11 @@ QColor tintColor(const QWidget &widget, Tint tint) {
 
 bool showsFocus(const QWidget &widget) {
     return widget.hasFocus() && widget.window()->testAttribute(Qt::WA_KeyboardFocusChange);
+}
+
+int mnemonicFlag(const QWidget &widget) {
+    const bool isUnderlined = widget.style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, &widget) != 0;
+    return isUnderlined ? Qt::TextShowMnemonic : Qt::TextHideMnemonic;
 }
 
 FormText::FormText(const QString &text, double points, Tint tint, QFont::Weight weight)

@@ -82,18 +82,18 @@ GeneralPage::GeneralPage(SettingsBinding &binding) {
 
 QWidget *GeneralPage::behaviorSection(SettingsBinding &binding) {
     auto *const section = new FormSection(QStringLiteral("Behavior"));
-    section->addRow(switchFor(QStringLiteral("Enable suggestions"), settingsKey::enabled, binding));
-    section->addRow(switchFor(QStringLiteral("Suggest replies in WhatsApp"), settingsKey::assistantMode, binding));
+    section->addRow(switchFor(QStringLiteral("&Enable suggestions"), settingsKey::enabled, binding));
+    section->addRow(switchFor(QStringLiteral("&Suggest replies in WhatsApp"), settingsKey::assistantMode, binding));
 
     QComboBox *const tone = tonePopUp(binding);
-    section->addControl(new FormText(QStringLiteral("Tone"), bodyPoints), tone);
+    section->addControl(new FormText(QStringLiteral("&Tone"), bodyPoints), tone);
 
     auto *const delayLabel = new FormText({}, bodyPoints);
     QSlider *const delay = delaySlider(binding);
     section->addControl(delayLabel, delay);
     binding.onRefresh([=, &binding] {
         const qint64 stored = binding.store().integer(settingsKey::debounceMs);
-        delayLabel->setText(QStringLiteral("Trigger delay: %1 ms").arg(stored));
+        delayLabel->setText(QStringLiteral("Trigger &delay: %1 ms").arg(stored));
         if (!delay->isSliderDown()) {
             delay->setValue(within(stored, shortestDelay, longestDelay));
         }
@@ -105,7 +105,7 @@ QWidget *GeneralPage::behaviorSection(SettingsBinding &binding) {
     section->addControl(charactersLabel, characters);
     binding.onRefresh([=, &binding] {
         const qint64 stored = binding.store().integer(settingsKey::minChars);
-        charactersLabel->setText(QStringLiteral("Minimum characters: %1").arg(stored));
+        charactersLabel->setText(QStringLiteral("&Minimum characters: %1").arg(stored));
         const QSignalBlocker quiet(characters);
         characters->setValue(within(stored, fewestCharacters, mostCharacters));
     });

@@ -25,7 +25,7 @@ LinkButton::LinkButton(const QString &symbol, const QString &label) : m_symbol(s
 QSize LinkButton::sizeHint() const {
     const QFontMetrics metrics(font());
     const int side = qRound(symbolSide(bodyPoints * textScale()));
-    return {2 * linkPadding + side + linkGap + metrics.horizontalAdvance(text()),
+    return {2 * linkPadding + side + linkGap + metrics.size(Qt::TextShowMnemonic, text()).width(),
             2 * linkPadding + std::max(side, metrics.height())};
 }
 
@@ -47,8 +47,8 @@ void LinkButton::paintEvent(QPaintEvent * /*event*/) {
     const double side = symbolSide(bodyPoints * textScale());
     drawSymbol(painter, {double(linkPadding), std::round((height() - side) / 2), side, side}, m_symbol, accent);
     painter.setPen(accent);
-    painter.drawText(rect().adjusted(linkPadding + qRound(side) + linkGap, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                     text());
+    painter.drawText(rect().adjusted(linkPadding + qRound(side) + linkGap, 0, 0, 0),
+                     Qt::AlignLeft | Qt::AlignVCenter | mnemonicFlag(*this), text());
 }
 
 } // namespace quillory::ui

@@ -35,7 +35,8 @@ void SettingsTabBar::add(const QString &symbol, const QString &label) {
 
 QSize SettingsTabBar::tabSizeHint(int index) const {
     const QFontMetrics metrics(font());
-    const int width = std::max(scaled(leastTabWidth), metrics.horizontalAdvance(tabText(index)) + 2 * tabSidePadding);
+    const int width = std::max(scaled(leastTabWidth),
+                               metrics.size(Qt::TextShowMnemonic, tabText(index)).width() + 2 * tabSidePadding);
     const int symbol = qRound(symbolSide(tabSymbolPoints * textScale()));
     return {width, tabTopPadding + symbol + tabGap + metrics.height() + tabTopPadding};
 }
@@ -79,7 +80,8 @@ void SettingsTabBar::paintTab(QPainter &painter, int index) const {
     drawSymbol(painter, {std::round(tab.center().x() - side / 2), double(tabTopPadding), side, side},
                tabData(index).toString(), color);
     painter.setPen(color);
-    painter.drawText(tab.adjusted(0, 0, 0, -tabTopPadding + 1), Qt::AlignHCenter | Qt::AlignBottom, tabText(index));
+    painter.drawText(tab.adjusted(0, 0, 0, -tabTopPadding + 1),
+                     Qt::AlignHCenter | Qt::AlignBottom | mnemonicFlag(*this), tabText(index));
 }
 
 } // namespace quillory::ui

@@ -34,8 +34,8 @@ SettingsView::SettingsView()
     column->addWidget(m_tabs, 0, Qt::AlignHCenter);
     column->addWidget(m_pages, 1);
     column->addWidget(m_warning);
-    m_tabs->add(symbolName::sliders, QStringLiteral("General"));
-    m_tabs->add(symbolName::briefcase, QStringLiteral("Business"));
+    m_tabs->add(symbolName::sliders, QStringLiteral("&General"));
+    m_tabs->add(symbolName::briefcase, QStringLiteral("&Business"));
     addPage()->setWidget(new GeneralPage(m_binding));
     addPage();
     connect(m_tabs, &QTabBar::currentChanged, this, [this](int index) { showTab(index); });

@@ -83,7 +83,7 @@ void StatusSection::showTrust() {
 
 void StatusSection::showTest() {
     showTrust();
-    m_testButton->setText(m_test.isTesting() ? QStringLiteral("Testing…") : QStringLiteral("Test AI connection"));
+    m_testButton->setText(m_test.isTesting() ? QStringLiteral("Testing…") : QStringLiteral("Test &AI connection"));
     m_testButton->setEnabled(!m_test.isTesting());
     const QString result = m_test.result().value_or(QString());
     m_testResult->setText(result, result.startsWith(u'✓') ? Tint::good : Tint::bad);

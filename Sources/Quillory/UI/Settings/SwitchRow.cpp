@@ -29,7 +29,7 @@ SwitchRow::SwitchRow(const QString &label) : QCheckBox(label) {
 
 QSize SwitchRow::sizeHint() const {
     const QMargins margins = rowMargins();
-    const int content = fontMetrics().horizontalAdvance(text()) + switchGap + scaled(trackWidth);
+    const int content = fontMetrics().size(Qt::TextShowMnemonic, text()).width() + switchGap + scaled(trackWidth);
     const int height = std::max(fontMetrics().height(), scaled(trackHeight)) + margins.top() + margins.bottom();
     return {margins.left() + content + margins.right(), std::max(height, scaled(leastSwitchRowHeight))};
 }
@@ -57,7 +57,7 @@ void SwitchRow::paintEvent(QPaintEvent * /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRect inner = rect().marginsRemoved(rowMargins());
     painter.setPen(lookOf(*this).primary);
-    painter.drawText(inner, Qt::AlignLeft | Qt::AlignVCenter, text());
+    painter.drawText(inner, Qt::AlignLeft | Qt::AlignVCenter | mnemonicFlag(*this), text());
     const double height = scaled(trackHeight);
     const double width = scaled(trackWidth);
     paintSwitch(painter, {inner.right() + 1 - width, inner.top() + (inner.height() - height) / 2, width, height});
