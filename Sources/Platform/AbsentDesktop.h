@@ -61,6 +61,7 @@ class AbsentDesktop final : public Accessibility,
     [[nodiscard]] std::optional<Screen> mainScreen() override { return std::nullopt; }
     [[nodiscard]] bool isAvailable() const override { return false; }
     [[nodiscard]] RegistrationHandle onChange(std::function<void()> changed) override;
+    void tell(const QString & /*title*/, const QString & /*text*/) override {}
     [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
     void activate(qint32 pid) override;
     bool open(const QUrl &url) override;

@@ -3,6 +3,8 @@
 
 #include "Platform/MainQueue.h"
 
+#include <QString>
+
 #include <functional>
 
 namespace platform {
@@ -15,6 +17,9 @@ class StatusBar {
     [[nodiscard]] virtual bool isAvailable() const = 0;
     /// Calls back whenever the answer changes, until the handle is destroyed. One listener at a time.
     [[nodiscard]] virtual RegistrationHandle onChange(std::function<void()> changed) = 0;
+    /// Tells the user something where there is no icon, without taking the focus and without waiting. Where the desktop
+    /// has no such messages either, nothing is seen.
+    virtual void tell(const QString &title, const QString &text) = 0;
 };
 
 } // namespace platform

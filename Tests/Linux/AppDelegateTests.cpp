@@ -139,6 +139,7 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     testing::internal::CaptureStderr();
     desktop.advance(60'000);
     EXPECT_EQ(QString::fromStdString(testing::internal::GetCapturedStderr()).count(u"no place for status icons"_s), 1);
+    EXPECT_EQ(desktop.statusBar.told.size(), 1);
     delegate->applicationDidReopen();
     ASSERT_TRUE(isShown<MenuWindow>());
     EXPECT_FALSE(isShown<SettingsWindow>());
@@ -161,6 +162,11 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     delegate->applicationDidReopen();
     EXPECT_TRUE(isShown<SettingsWindow>());
     EXPECT_FALSE(isShown<MenuWindow>());
+
+    desktop.statusBar.setAvailable(false);
+    launch();
+    desktop.advance(60'000);
+    EXPECT_EQ(desktop.statusBar.told.size(), 1) << "once and for all";
 }
 
 } // namespace

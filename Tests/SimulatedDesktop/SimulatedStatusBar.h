@@ -3,6 +3,8 @@
 
 #include "Platform/StatusBar.h"
 
+#include <QStringList>
+
 namespace quillory::test {
 
 /// A tray that comes and goes as the test says.
@@ -13,7 +15,10 @@ class SimulatedStatusBar final : public platform::StatusBar {
         m_changed = std::move(changed);
         return std::make_unique<platform::Registration>();
     }
+    void tell(const QString & /*title*/, const QString &text) override { told += text; }
 
+    /// What the user was told without an icon.
+    QStringList told;
     void setAvailable(bool isAvailable) {
         m_isAvailable = isAvailable;
         if (m_changed) {

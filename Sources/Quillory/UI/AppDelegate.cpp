@@ -23,6 +23,8 @@ namespace quillory::ui {
 namespace {
 /// A panel may start after us, when the session begins.
 constexpr std::chrono::seconds patienceForTray{10};
+/// Kept in the settings: who starts the program at every login is not to be told every time.
+const QString toldOfMissingTray = QStringLiteral("toldOfMissingTray");
 
 void flip(const QString &key) {
     platform::UserDefaults &store = AppSettings::shared().store();
@@ -83,9 +85,17 @@ void AppDelegate::setUpStatusItem() {
 }
 
 void AppDelegate::tellOfMissingTray() {
-    if (!platform::current().statusBar.isAvailable()) {
-        std::fputs("quillory: this desktop has no place for status icons; start quillory again to open its menu\n",
-                   stderr);
+    platform::StatusBar &statusBar = platform::current().statusBar;
+    if (statusBar.isAvailable()) {
+        return;
+    }
+    std::fputs("quillory: this desktop has no place for status icons; start quillory again to open its menu\n", stderr);
+    platform::UserDefaults &store = AppSettings::shared().store();
+    if (!store.boolean(toldOfMissingTray)) {
+        store.set(toldOfMissingTray, true);
+        statusBar.tell(QStringLiteral("Quillory is running"),
+                       QStringLiteral("This desktop has no place for status icons. Start Quillory again to open its "
+                                      "menu."));
     }
 }
 

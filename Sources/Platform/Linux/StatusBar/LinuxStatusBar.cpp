@@ -51,6 +51,16 @@ RegistrationHandle LinuxStatusBar::onChange(std::function<void()> changed) {
     return std::make_unique<Listening>(*this);
 }
 
+void LinuxStatusBar::tell(const QString &title, const QString &text) {
+    const auto service = QStringLiteral("org.freedesktop.Notifications");
+    QDBusMessage message = QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/Notifications"),
+                                                          service, QStringLiteral("Notify"));
+    constexpr int asLongAsUsual = -1;
+    message.setArguments({QStringLiteral("Quillory"), 0U, QStringLiteral("quillory"), title, text, QStringList(),
+                          QVariantMap(), asLongAsUsual});
+    QDBusConnection::sessionBus().send(message);
+}
+
 void LinuxStatusBar::watchNotifiers() {
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {

@@ -19,6 +19,7 @@ class LinuxStatusBar final : public StatusBar {
 
     [[nodiscard]] bool isAvailable() const override { return m_isAvailable; }
     [[nodiscard]] RegistrationHandle onChange(std::function<void()> changed) override;
+    void tell(const QString &title, const QString &text) override;
 
   private:
     class Listening;
