@@ -34,6 +34,10 @@ bool windowIsUp() {
     return run({"xdotool", "search", "--onlyvisible", "--name", "^Quillory$"}, Output::dropped) == 0;
 }
 
+bool windowIsActive() {
+    return run({"sh", "-c", "xdotool getactivewindow getwindowname | grep -qx Quillory"}, Output::dropped) == 0;
+}
+
 TEST(Tray, MenuIsReadAndChosenFromByTheDesktop) {
     ChildProcess program = started();
     StatusNotifierHost tray;
@@ -68,6 +72,45 @@ TEST(Tray, EmbedsTheIconWhereOnlyTheOldKindIs) {
         return !program.isRunning();
     }));
     EXPECT_EQ(program.end(), 0);
+}
+
+TEST(Settings, AreMadeByKeyboardAlone) {
+    ChildProcess program = started();
+    StatusNotifierHost tray;
+    tray.appear();
+    ASSERT_TRUE(tray.hasItem());
+    EXPECT_EQ(run({QUILLORY_PROGRAM}, Output::dropped), 0);
+    ASSERT_TRUE(waitUntil(windowIsActive));
+    const auto becomes = [](const char *key, const QByteArray &value) {
+        EXPECT_TRUE(waitUntil([&] { return setting(key).contains(value); })) << key << " is " << setting(key).data();
+    };
+    struct Choice {
+        std::vector<const char *> keys;
+        const char *setting;
+        const char *value;
+    };
+    for (const auto &[keys, key, value] :
+         std::vector<Choice>{{{"alt+e"}, "enabled", "false"},
+                             {{"alt+s"}, "assistantMode", "false"},
+                             {{"alt+t", "Down", "Down"}, "tone", "Concise"},
+                             {{"alt+d", "Right"}, "debounceMs", "550"},
+                             {{"alt+m", "Up", "Tab", "shift+Tab", "Up"}, "minChars", "10"}}) {
+        std::ranges::for_each(keys, keyboard::tap);
+        becomes(key, value);
+    }
+    keyboard::tap("alt+b");
+    keyboard::tap("alt+y");
+    keyboard::type(QStringLiteral("A shop"));
+    becomes("businessProfile", "A shop");
+    keyboard::tap("alt+f");
+    keyboard::type(QStringLiteral("Open"));
+    keyboard::tap("Tab");
+    keyboard::type(QStringLiteral("9 to 5"));
+    becomes("faqEntries", R"("question":"Open")");
+    becomes("faqEntries", R"("answer":"9 to 5")");
+    keyboard::tap("Escape");
+    EXPECT_TRUE(waitUntil([] { return !windowIsUp(); }));
+    EXPECT_TRUE(program.isRunning());
 }
 
 TEST(OneInstance, IsAskedToComeForwardByTheNextStart) {

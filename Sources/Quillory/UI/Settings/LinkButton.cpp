@@ -7,6 +7,7 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QShortcutEvent>
 
 namespace quillory::ui {
 
@@ -27,6 +28,15 @@ QSize LinkButton::sizeHint() const {
     const int side = qRound(symbolSide(bodyPoints * textScale()));
     return {2 * linkPadding + side + linkGap + metrics.size(Qt::TextShowMnemonic, text()).width(),
             2 * linkPadding + std::max(side, metrics.height())};
+}
+
+// The toolkit's own click by mnemonic takes a tenth of a second, and keys typed meanwhile go to where the focus was.
+bool LinkButton::event(QEvent *event) {
+    if (event->type() == QEvent::Shortcut && !static_cast<QShortcutEvent *>(event)->isAmbiguous()) {
+        click();
+        return true;
+    }
+    return QAbstractButton::event(event);
 }
 
 void LinkButton::changeEvent(QEvent *event) {

@@ -14,6 +14,7 @@ class LinkButton final : public QAbstractButton {
     [[nodiscard]] QSize sizeHint() const override;
 
   protected:
+    bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
