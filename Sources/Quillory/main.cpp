@@ -12,6 +12,7 @@
 #include "Platform/Linux/X11/X11Instance.h"
 #include "Quillory/CommandLine.h"
 #include "Quillory/UI/AppDelegate.h"
+#include "Quillory/UpdateChecker.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -96,14 +97,17 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     QApplication::setQuitOnLastWindowClosed(false);
     const desktop::LinuxPlatform linuxPlatform(std::move(connection));
     const platform::Installation installation(linuxPlatform.services());
-    const auto instance = std::move(claim);                            // ends before the connection does
-    quillory::ui::AppDelegate delegate(quillory::ui::UpdateActions{}); // there is nothing yet that checks
+    const auto instance = std::move(claim); // ends before the connection does
+    quillory::ui::AppDelegate delegate(
+        {.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks, .check = quillory::UpdateChecker::check});
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
     QTimer::singleShot(0, &application, [&] {
         delegate.applicationDidFinishLaunching();
         instance->onSummons([&delegate] { delegate.applicationDidReopen(); });
     });
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    quillory::UpdateChecker::stop();
+    return status;
 }
 
 } // namespace

@@ -39,10 +39,12 @@ void StatusNotifierHost::vanish() {
 }
 
 bool StatusNotifierHost::hasItem() {
-    return waitUntil([this] {
-        QCoreApplication::processEvents();
-        return !m_item.isEmpty();
-    });
+    return waitUntil(
+        [this] {
+            QCoreApplication::processEvents();
+            return !m_item.isEmpty();
+        },
+        60'000);
 }
 
 bool StatusNotifierHost::handleMessage(const QDBusMessage &message, const QDBusConnection &connection) {
