@@ -144,9 +144,9 @@ bool showsFocus(const QWidget &widget) {
     return widget.hasFocus() && widget.window()->testAttribute(Qt::WA_KeyboardFocusChange);
 }
 
-int mnemonicFlag(const QWidget &widget) {
+int labelFlags(const QWidget &widget, Qt::Alignment alignment) {
     const bool isUnderlined = widget.style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, &widget) != 0;
-    return isUnderlined ? Qt::TextShowMnemonic : Qt::TextHideMnemonic;
+    return alignment.toInt() | static_cast<int>(isUnderlined ? Qt::TextShowMnemonic : Qt::TextHideMnemonic);
 }
 
 FormText::FormText(const QString &text, double points, Tint tint, QFont::Weight weight)

@@ -27,8 +27,8 @@ enum class Tint { primary, secondary, accent, good, warning, bad };
 /// Whether a widget has to show that it has the keyboard focus: once the user has moved the focus by keyboard.
 [[nodiscard]] bool showsFocus(const QWidget &widget);
 
-/// How a text with a mnemonic is drawn: underlined where the desktop does that.
-[[nodiscard]] int mnemonicFlag(const QWidget &widget);
+/// How the painter draws a label: its mnemonic is underlined where the desktop does that.
+[[nodiscard]] int labelFlags(const QWidget &widget, Qt::Alignment alignment);
 
 /// A text of a form, broken into lines as needed. Never rich text, whatever is in it.
 class FormText final : public QLabel {

@@ -58,7 +58,7 @@ void LinkButton::paintEvent(QPaintEvent * /*event*/) {
     drawSymbol(painter, {double(linkPadding), std::round((height() - side) / 2), side, side}, m_symbol, accent);
     painter.setPen(accent);
     painter.drawText(rect().adjusted(linkPadding + qRound(side) + linkGap, 0, 0, 0),
-                     Qt::AlignLeft | Qt::AlignVCenter | mnemonicFlag(*this), text());
+                     labelFlags(*this, Qt::AlignLeft | Qt::AlignVCenter), text());
 }
 
 } // namespace quillory::ui

@@ -80,8 +80,8 @@ void SettingsTabBar::paintTab(QPainter &painter, int index) const {
     drawSymbol(painter, {std::round(tab.center().x() - side / 2), double(tabTopPadding), side, side},
                tabData(index).toString(), color);
     painter.setPen(color);
-    painter.drawText(tab.adjusted(0, 0, 0, -tabTopPadding + 1),
-                     Qt::AlignHCenter | Qt::AlignBottom | mnemonicFlag(*this), tabText(index));
+    painter.drawText(tab.adjusted(0, 0, 0, -tabTopPadding + 1), labelFlags(*this, Qt::AlignHCenter | Qt::AlignBottom),
+                     tabText(index));
 }
 
 } // namespace quillory::ui

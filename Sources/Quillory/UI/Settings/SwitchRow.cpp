@@ -57,7 +57,7 @@ void SwitchRow::paintEvent(QPaintEvent * /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRect inner = rect().marginsRemoved(rowMargins());
     painter.setPen(lookOf(*this).primary);
-    painter.drawText(inner, Qt::AlignLeft | Qt::AlignVCenter | mnemonicFlag(*this), text());
+    painter.drawText(inner, labelFlags(*this, Qt::AlignLeft | Qt::AlignVCenter), text());
     const double height = scaled(trackHeight);
     const double width = scaled(trackWidth);
     paintSwitch(painter, {inner.right() + 1 - width, inner.top() + (inner.height() - height) / 2, width, height});
