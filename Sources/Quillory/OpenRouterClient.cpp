@@ -115,8 +115,10 @@ QString decoded(const QByteArray &body) {
 } // namespace
 
 QUrl serviceURL() {
+    const platform::Process &process = platform::current().process;
     QUrl url(QStringLiteral("https://openrouter.ai/api/v1/chat/completions"));
-    const auto variable = platform::current().process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
+    url.setHost(process.infoDictionaryString(QStringLiteral("ModelServiceHost")).value_or(url.host()));
+    const auto variable = process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
     if (!variable || variable->isEmpty()) {
         return url;
     }

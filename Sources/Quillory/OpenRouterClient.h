@@ -18,8 +18,8 @@
 /// stop token asks for it.
 namespace quillory::OpenRouterClient {
 
-/// Where requests go: the service's address, or the one that QUILLORY_MODEL_SERVICE says instead. Throws RewriteError
-/// for an address to which the key must not go.
+/// Where requests go: the service's address, on the host that the bundle names, or the one that QUILLORY_MODEL_SERVICE
+/// says instead. Throws RewriteError for an address to which the key must not go.
 [[nodiscard]] QUrl serviceURL();
 
 struct Message {

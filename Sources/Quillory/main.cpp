@@ -8,6 +8,7 @@
 #include "Platform/Linux/Storage/FileUserDefaults.h"
 #include "Platform/Linux/Storage/LinuxProcess.h"
 #include "Platform/Linux/TerminationSignals.h"
+#include "Platform/Linux/Updates/UserApplications.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Instance.h"
 #include "Quillory/CommandLine.h"
@@ -110,12 +111,23 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     return status;
 }
 
+/// A newer Quillory in the user's own folder of applications runs instead of this one. Where it cannot be started,
+/// this one goes on.
+void startPreferred(char **argv) {
+    const QByteArray program = desktop::applications::programToPrefer(desktop::applications::runningBundle(),
+                                                                      quillory::UpdateChecker::isNewer);
+    if (!program.isEmpty()) {
+        execv(program.constData(), argv);
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
     if (const auto status = runCommand(argc, argv)) {
         return *status;
     }
+    startPreferred(argv);
     auto connection = desktop::X11Connection::open();
     if (!connection) {
         std::cerr << "quillory: no X display can be reached; start it in a desktop session, or set DISPLAY\n";

@@ -1,0 +1,173 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "EndToEnd/Assistant.h"
+#include "EndToEnd/Keyboard.h"
+#include "Platform/Linux/Updates/ArchiveUnpacker.h"
+#include "RealDesktop/ChildProcess.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <httplib.h>
+
+#include <csignal>
+#include <thread>
+
+namespace quillory::test {
+namespace {
+
+/// Runs a program that must succeed, and gives what it printed.
+QByteArray succeed(const QString &program, const QStringList &arguments) {
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start(program, arguments);
+    if (!process.waitForFinished(60'000) || process.exitCode() != 0) {
+        throw std::runtime_error("failed: " + program.toStdString());
+    }
+    return process.readAllStandardOutput();
+}
+
+void write(const QString &path, const QByteArray &text) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+        throw std::runtime_error("cannot write " + path.toStdString());
+    }
+}
+
+/// The maker's side: a key, the program's packages as versions of it, and a server that announces one.
+class Maker {
+  public:
+    Maker() {
+        qputenv("SOURCE_DATE_EPOCH", "1700000000");
+        qputenv("DEB_COMPRESSION", "none");
+        const QString sign = QStringLiteral(QUILLORY_BUILD "/bin/quillory-sign");
+        write(in("keys"), succeed(sign, {QStringLiteral("make-key"), QStringLiteral("QUILLORY26"), in("key")}));
+        succeed(QStringLiteral("cmake"), {QStringLiteral("--install"), QStringLiteral(QUILLORY_BUILD),
+                                          QStringLiteral("--prefix"), in("tree"), QStringLiteral("--strip")});
+        m_server.Get("/version.json", [this](const httplib::Request &, httplib::Response &answer) {
+            answer.set_content(R"({"version": "2", "notes": "Faster answers.", "url": ")" + address() +
+                                   "/Quillory.zip\"}",
+                               "application/json");
+        });
+        m_server.Get("/Quillory.zip", [this](const httplib::Request &, httplib::Response &answer) {
+            QFile archive(packageOf(QStringLiteral("2"), "archive"));
+            answer.set_content(archive.open(QIODevice::ReadOnly) ? archive.readAll().toStdString() : "",
+                               "application/zip");
+        });
+        m_port = m_server.bind_to_any_port("127.0.0.1");
+        m_thread = std::thread([this] { m_server.listen_after_bind(); });
+    }
+    ~Maker() {
+        m_server.stop();
+        m_thread.join();
+    }
+    Maker(const Maker &) = delete;
+    Maker &operator=(const Maker &) = delete;
+
+    [[nodiscard]] std::string address() const { return "http://127.0.0.1:" + std::to_string(m_port); }
+    /// Makes a package of a version and gives its path; a second time, the path alone.
+    QString packageOf(const QString &version, const char *kind) {
+        const QString folder = m_folder.filePath(version + QLatin1StringView(kind));
+        if (!QFileInfo::exists(folder)) {
+            const QString bundle = m_folder.filePath(version + QStringLiteral("/Quillory.app"));
+            QDir().mkpath(QFileInfo(bundle).path());
+            succeed(script("make-bundle"), {in("tree"), version, in("keys"), bundle});
+            succeed(QStringLiteral(QUILLORY_BUILD "/bin/quillory-sign"),
+                    {QStringLiteral("sign"), in("key"), version, bundle});
+            succeed(script("make-packages"), {bundle, version, folder, QString::fromLatin1(kind)});
+        }
+        return folder + u'/' + QDir(folder).entryList(QDir::Files).value(0);
+    }
+    [[nodiscard]] QString in(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
+
+  private:
+    [[nodiscard]] static QString script(const char *name) {
+        return QStringLiteral(QUILLORY_SOURCE "/Packaging/") + QLatin1StringView(name);
+    }
+
+    QTemporaryDir m_folder;
+    httplib::Server m_server;
+    int m_port = 0;
+    std::thread m_thread;
+};
+
+/// The processes that run a program: an update is started by nobody's child.
+std::vector<pid_t> processesOf(const QString &program) {
+    std::vector<pid_t> found;
+    for (const QString &name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        if (QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(name)) == program) {
+            found.push_back(name.toInt());
+        }
+    }
+    return found;
+}
+
+bool end(const QString &program) {
+    for (const pid_t process : processesOf(program)) {
+        kill(process, SIGTERM);
+    }
+    return waitUntil([&] { return processesOf(program).empty(); });
+}
+
+/// Whether the window that the user's keys go to is one of ours with that title.
+bool isInFront(const char *title) {
+    QProcess asking;
+    asking.start(QStringLiteral("xdotool"), {QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")});
+    return asking.waitForFinished() && asking.readAllStandardOutput().trimmed() == title;
+}
+
+class Update : public testing::Test {
+  protected:
+    Update() {
+        qputenv("OPENROUTER_API_KEY", "made-up-key");
+        qputenv("QUILLORY_UPDATE_FEED", QByteArray::fromStdString(maker.address()));
+        maker.packageOf(QStringLiteral("2"), "archive");
+    }
+    ~Update() override { end(updated); }
+
+    /// Version 1 runs from its package: it finds version 2, the user agrees, and version 2 runs in its place.
+    void expectUpdate(const QString &program) {
+        succeed(program, {QStringLiteral("defaults"), QStringLiteral("write"), QStringLiteral("tone"),
+                          QStringLiteral("Friendly")});
+        ChildProcess first({program.toStdString()});
+        ASSERT_TRUE(waitUntil([] { return isInFront("Quillory"); })) << Assistant::log().toStdString();
+        EXPECT_EQ(Assistant::timesLogged(QStringLiteral("update available: 2 (running 1)")), 1);
+        keyboard::tap("Return");
+        ASSERT_TRUE(waitUntil([&] { return !first.isRunning(); }, 30'000)) << Assistant::log().toStdString();
+        EXPECT_EQ(first.end(), 0);
+        ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 1; }, 30'000))
+            << Assistant::log().toStdString();
+        EXPECT_EQ(Assistant::timesLogged(QStringLiteral("update installed, relaunching")), 1);
+        EXPECT_EQ(processesOf(updated).size(), 1U);
+        EXPECT_EQ(
+            succeed(updated, {QStringLiteral("defaults"), QStringLiteral("read"), QStringLiteral("tone")}).trimmed(),
+            "Friendly");
+        EXPECT_TRUE(end(updated));
+    }
+
+    Maker maker;
+    QString applications = qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/quillory/Applications");
+    QString updated = applications + QStringLiteral("/Quillory.app/quillory");
+};
+
+TEST_F(Update, TakesThePlaceOfTheBundleThatTheUserUnpacked) {
+    QDir().mkpath(applications);
+    platform::desktop::unpackZip(maker.packageOf(QStringLiteral("1"), "archive"), applications, {});
+    QFile::setPermissions(applications, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    expectUpdate(updated);
+}
+
+TEST_F(Update, TakesPrecedenceOverTheDebianPackage) {
+    succeed(QStringLiteral("dpkg-deb"),
+            {QStringLiteral("-x"), maker.packageOf(QStringLiteral("1"), "deb"), maker.in("root")});
+    const QString installed = maker.in("root") + QStringLiteral("/usr/bin/quillory");
+    expectUpdate(installed);
+    const ChildProcess again({installed.toStdString()});
+    EXPECT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 2; }))
+        << Assistant::log().toStdString();
+}
+
+} // namespace
+} // namespace quillory::test
