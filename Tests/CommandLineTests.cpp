@@ -30,8 +30,10 @@ class CommandLineTest : public testing::Test {
         std::ostringstream output;
         std::ostringstream errors;
         const auto open = [this]() -> platform::UserDefaults & { return store; };
-        const std::optional<int> status = runCommandLine(
-            arguments, {open, home.path(), [] { return nullptr; }, [] { return nullptr; }}, {input, output, errors});
+        CommandServices services;
+        services.openUserDefaults = open;
+        services.homeDirectory = home.path();
+        const std::optional<int> status = runCommandLine(arguments, services, {input, output, errors});
         return {status, output.str(), errors.str()};
     }
     Outcome defaults(const QStringList &arguments, const std::string &typed = {}) {

@@ -3,6 +3,7 @@
 #include "Quillory/AppSettings.h"
 #include "Quillory/Diagnosis.h"
 #include "Quillory/DoctorCommand.h"
+#include "Quillory/SetupCommand.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <gmock/gmock.h>
@@ -181,6 +182,42 @@ TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     }
     EXPECT_EQ(runAutostartCommand({utf16("on")}, services, {input, output, errors}), exitStatus::success);
     EXPECT_TRUE(mendable.facts.startsAtLogin);
+}
+
+/// Takes keys into a simulated store.
+struct KeyTaker final : platform::KeyStorage {
+    explicit KeyTaker(platform::UserDefaults &keptIn) : store(keptIn) {}
+    platform::UserDefaults &store;
+    platform::KeyPlace storeKey(const QString &key, const std::stop_token & /*stop*/) override {
+        return store.set(settingsKey::openRouterAPIKey, key) ? platform::KeyPlace::settingsFile
+                                                             : platform::KeyPlace::nowhere;
+    }
+};
+
+TEST_F(Diagnosis, TheTerminalAsksForWhatIsMissing) {
+    test::SimulatedDesktop simulated;
+    simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
+    MendableDesktop mendable;
+    mendable.facts = desktop;
+    mendable.facts.isAccessibilityEnabled = mendable.facts.isAccessibilityKept = false;
+    CommandServices services;
+    services.install = [&] { return std::make_shared<KeyTaker>(simulated.userDefaults); };
+    services.examination = &mendable;
+    services.mending = &mendable;
+    services.setUpInWindow = [] { return std::nullopt; };
+    // Accessibility, autostart, a key that is none, the key, whether to try it.
+    std::istringstream input("\n\nsk and more\n  sk-secret \nn\n");
+    std::ostringstream output;
+    std::ostringstream errors;
+    EXPECT_EQ(runSetupCommand({}, services, {input, output, errors}), exitStatus::success);
+    EXPECT_EQ(simulated.userDefaults.string(settingsKey::openRouterAPIKey), utf16("sk-secret"));
+    EXPECT_TRUE(*mendable.facts.isAccessibilityEnabled);
+    EXPECT_FALSE(mendable.facts.startsAtLogin);
+    EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("copy the key again."), testing::Not(HasSubstr("sk"))));
+    std::istringstream nothing;
+    mendable.facts.isAccessibilityEnabled = false;
+    EXPECT_EQ(runSetupCommand({}, services, {nothing, output, errors}), exitStatus::failure);
+    EXPECT_FALSE(*mendable.facts.isAccessibilityEnabled) << "an input that ends agrees to nothing";
 }
 
 TEST(ApiKey, IsCleanedOrRefused) {

@@ -5,7 +5,7 @@ _quillory() {
         faqEntries faqKnowledge openRouterAPIKey debugAcceptOnce"
     local IFS=$' \t\n'
     case $COMP_CWORD:${COMP_WORDS[1]} in
-    1:*) words="autostart defaults doctor inspect rewrite stats --version --help" ;;
+    1:*) words="autostart defaults doctor inspect rewrite setup stats --version --help" ;;
     2:autostart) words="on off" ;;
     2:defaults) words="read write delete" ;;
     3:defaults) words=$keys ;;
@@ -18,6 +18,7 @@ _quillory() {
             words="--tone --json"
         fi
         ;;
+    2:setup) words="--terminal" ;;
     2:stats) words="--json" ;;
     esac
     COMPREPLY=($(compgen -W "$words" -- "$current"))

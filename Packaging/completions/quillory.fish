@@ -7,6 +7,7 @@ complete -c quillory -n __fish_use_subcommand -a defaults -d 'Show and change th
 complete -c quillory -n __fish_use_subcommand -a doctor -d 'Check what the program needs and say what to do'
 complete -c quillory -n __fish_use_subcommand -a inspect -d 'Show what is seen and what would be sent'
 complete -c quillory -n __fish_use_subcommand -a rewrite -d 'Rewrite a text'
+complete -c quillory -n __fish_use_subcommand -a setup -d 'Set it up, and enter the API key'
 complete -c quillory -n __fish_use_subcommand -a stats -d 'Show how often each model was chosen'
 complete -c quillory -n __fish_use_subcommand -l version -d 'Show the version'
 complete -c quillory -n __fish_use_subcommand -l help -d 'Show a short help'
@@ -16,3 +17,4 @@ complete -c quillory -n '__fish_seen_subcommand_from doctor' -l fix -d 'Do what 
 complete -c quillory -n '__fish_seen_subcommand_from inspect' -l wait -x -d 'Seconds to wait for a message box'
 complete -c quillory -n '__fish_seen_subcommand_from doctor inspect rewrite stats' -l json -d 'As JSON'
 complete -c quillory -n '__fish_seen_subcommand_from rewrite' -l tone -x -a "Professional Friendly Concise 'Grammar only'"
+complete -c quillory -n '__fish_seen_subcommand_from setup' -l terminal -d 'Ask in the terminal'

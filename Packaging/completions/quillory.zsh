@@ -8,6 +8,7 @@ _quillory() {
         'doctor:check what the program needs and say what to do'
         'inspect:show what is seen of the message box, and what would be sent'
         'rewrite:rewrite a text'
+        'setup:set it up, and enter the API key'
         'stats:show how often each model was chosen'
     )
     keys=(enabled assistantMode tone debounceMs minChars maxChars model compareMode secondModel businessProfile
@@ -29,6 +30,7 @@ _quillory() {
             compadd -- --tone --json
         fi
         ;;
+    setup) compadd -- --terminal ;;
     stats) compadd -- --json ;;
     esac
 }

@@ -29,14 +29,15 @@ class AbsentElement final : public AXElementBackend {
 
 } // namespace
 
-Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefaults &userDefaults) {
+Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefaults &userDefaults,
+                             MainQueue *mainQueue) {
     return {.accessibility = *this,
             .application = *this,
             .codeSigning = *this,
             .eventTaps = *this,
             .fileSystem = *this,
             .keyPoster = *this,
-            .mainQueue = *this,
+            .mainQueue = mainQueue != nullptr ? *mainQueue : *this,
             .panelWindows = *this,
             .pasteboard = *this,
             .process = process,

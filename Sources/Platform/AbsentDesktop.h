@@ -22,7 +22,9 @@ class AbsentDesktop final : public Accessibility,
                             public Workspace {
   public:
     /// The services of a program that runs without a desktop. All of them outlive the result.
-    [[nodiscard]] Platform with(Process &process, URLSession &urlSession, UserDefaults &userDefaults);
+    /// mainQueue: for programs that have an event loop.
+    [[nodiscard]] Platform with(Process &process, URLSession &urlSession, UserDefaults &userDefaults,
+                                MainQueue *mainQueue = nullptr);
 
     [[nodiscard]] bool isProcessTrusted() override { return false; }
     bool isProcessTrustedWithPrompt() override { return false; }

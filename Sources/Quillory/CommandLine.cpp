@@ -6,6 +6,7 @@
 #include "Quillory/DoctorCommand.h"
 #include "Quillory/InspectCommand.h"
 #include "Quillory/RewriteCommand.h"
+#include "Quillory/SetupCommand.h"
 #include "Quillory/StatsCommand.h"
 
 #include <ostream>
@@ -20,6 +21,7 @@ Usage:
   quillory defaults read [KEY]        show the settings, or one of them
   quillory defaults write KEY VALUE   change a setting; it counts at once, also in a running program
   quillory defaults delete KEY        go back to a setting's default
+  quillory setup [--terminal]         set it up: what the program needs, and the API key
   quillory doctor [--fix] [--json]    check what the program needs and say what to do; --fix does what is safe
   quillory autostart on|off           start it at every login, or no longer
   quillory inspect [--json] [--wait SECONDS]
@@ -31,8 +33,8 @@ Usage:
   quillory --version
   quillory --help
 
-A VALUE of - is read from standard input. The API key can be given in that way only, because the
-arguments of a program can be seen by others:
+A VALUE of - is read from standard input. The API key is never given as an argument, because other programs
+can see those. quillory setup asks for it; or:
   quillory defaults write openRouterAPIKey - < FILE
 
 Settings:
@@ -60,6 +62,7 @@ std::optional<int> runNamedCommand(const QString &command, const QStringList &ar
              const auto installed = services.install();
              return runRewriteCommand(arguments, streams);
          }},
+        {QLatin1StringView("setup"), [&] { return runSetupCommand(arguments, services, streams); }},
         {QLatin1StringView("stats"),
          [&] { return runStatsCommand(arguments, ChoiceStats::fileURL(services.homeDirectory), streams); }},
     };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Platform/DesktopFacts.h"
+#include "Platform/KeyStorage.h"
 #include "Platform/UserDefaults.h"
 
 #include <QStringList>
@@ -50,13 +51,18 @@ struct CommandServices {
     /// The folder under which the program keeps its own files.
     QString homeDirectory;
     /// Installs a platform without a desktop, for the commands that ask the model service; it stays while the result
-    /// lives.
-    std::function<std::shared_ptr<void>()> install;
+    /// lives, which takes a new key for it.
+    std::function<std::shared_ptr<platform::KeyStorage>()> install;
     /// Opens the desktop, for the commands that look at it; null when no display can be reached.
     std::function<std::unique_ptr<CommandDesktop>()> openDesktop;
     /// For the commands that look after the desktop; never null for those.
     platform::DesktopExamination *examination = nullptr;
     platform::DesktopMending *mending = nullptr;
+    /// Sets things up in a window and gives the exit status; absent when there is no display to show it on.
+    std::function<std::optional<int>()> setUpInWindow;
+    /// Reads a line that is not shown while it is typed, with what is pasted after its line breaks; none where the
+    /// input is no terminal.
+    std::function<QString()> readHidden;
 };
 
 /// Carries out the command that the arguments (without the program's name) ask for and gives the exit status; absent

@@ -13,8 +13,9 @@ QString failure(const QString &description) {
     return QStringLiteral("✗ ") + description;
 }
 
-// On the task's thread.
-QString outcome(const std::stop_token &stop) {
+} // namespace
+
+QString triedConnection(const std::stop_token &stop) {
     try {
         static_cast<void>(OpenRouterClient::rewrite(QStringLiteral("helo this is a quik test mesage"), stop));
         return QStringLiteral("✓ Working");
@@ -25,8 +26,6 @@ QString outcome(const std::stop_token &stop) {
     }
 }
 
-} // namespace
-
 ConnectionTest::ConnectionTest(std::function<void()> changed) : m_changed(std::move(changed)) {}
 
 void ConnectionTest::run() {
@@ -36,7 +35,7 @@ void ConnectionTest::run() {
     m_isTesting = true;
     m_result.reset();
     const auto task = m_tasks.start([this, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
-        platform::current().mainQueue.post([this, life, result = outcome(stop)] {
+        platform::current().mainQueue.post([this, life, result = triedConnection(stop)] {
             if (!life.expired()) {
                 finish(result);
             }

@@ -246,7 +246,7 @@ Finding aboutKey(const ProgramFacts &program) {
     }
     finding.state = State::problem;
     finding.found = program.hasKey ? program.keyFault : QStringLiteral("none is set");
-    finding.advice = QStringLiteral("Enter one with: quillory defaults write openRouterAPIKey -");
+    finding.advice = QStringLiteral("Enter one with: quillory setup");
     finding.remedy = Remedy::enterKey;
     return finding;
 }
@@ -294,6 +294,26 @@ std::vector<Finding> diagnose(const DesktopFacts &desktop, const ProgramFacts &p
         findings.push_back(std::move(finding));
     }
     return findings;
+}
+
+std::optional<Offer> offerFor(const Finding &finding) {
+    switch (finding.remedy) {
+    case Remedy::none:
+        return std::nullopt;
+    case Remedy::enableAccessibility:
+        return Offer{QStringLiteral("Switch On"), QStringLiteral("Switch accessibility on, now and for later logins?")};
+    case Remedy::restart:
+        return Offer{QStringLiteral("Restart…"),
+                     QStringLiteral("Restart %1? All its windows close. What is typed and not yet sent in them is "
+                                    "lost, and so are pages that it does not open again by itself.")
+                         .arg(finding.title),
+                     false};
+    case Remedy::startAtLogin:
+        return Offer{QStringLiteral("Switch On"), QStringLiteral("Start Quillory at every login?"), false};
+    case Remedy::enterKey:
+        break;
+    }
+    return Offer{QStringLiteral("Enter Key"), {}};
 }
 
 bool canWork(const std::vector<Finding> &findings) {

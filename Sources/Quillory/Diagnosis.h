@@ -43,6 +43,18 @@ struct Finding {
 /// A finding for each check, in the order in which things need each other.
 [[nodiscard]] std::vector<Finding> diagnose(const platform::DesktopFacts &desktop, const ProgramFacts &program);
 
+/// What a user is offered for a finding.
+struct Offer {
+    /// On a button.
+    QString label;
+    /// As a question in a dialogue.
+    QString question;
+    /// Whether it is what most users want, and loses nothing.
+    bool isHarmless = true;
+};
+/// Absent where there is nothing to offer.
+[[nodiscard]] std::optional<Offer> offerFor(const Finding &finding);
+
 /// Whether nothing stands in the way of the program's main work.
 [[nodiscard]] bool canWork(const std::vector<Finding> &findings);
 

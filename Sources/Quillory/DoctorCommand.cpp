@@ -46,6 +46,21 @@ const char *nameOf(State state) {
     return "PROBLEM";
 }
 
+void writeJSON(std::ostream &output, const std::vector<Finding> &findings) {
+    nlohmann::json checks = nlohmann::json::array();
+    for (const Finding &finding : findings) {
+        checks.push_back({{"check", finding.check.toStdString()},
+                          {"title", finding.title.toStdString()},
+                          {"state", finding.state == State::problem ? "problem" : nameOf(finding.state)},
+                          {"found", finding.found.toStdString()},
+                          {"advice", finding.advice.toStdString()},
+                          {"fixable", isSafe(finding.remedy)}});
+    }
+    output << nlohmann::json{{"canWork", canWork(findings)}, {"checks", std::move(checks)}}.dump(2) << '\n';
+}
+
+} // namespace
+
 void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
     qsizetype width = 0;
     for (const Finding &finding : findings) {
@@ -66,21 +81,6 @@ void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
         output << "\nQuillory cannot do its work yet: " << problems << (problems == 1 ? " problem.\n" : " problems.\n");
     }
 }
-
-void writeJSON(std::ostream &output, const std::vector<Finding> &findings) {
-    nlohmann::json checks = nlohmann::json::array();
-    for (const Finding &finding : findings) {
-        checks.push_back({{"check", finding.check.toStdString()},
-                          {"title", finding.title.toStdString()},
-                          {"state", finding.state == State::problem ? "problem" : nameOf(finding.state)},
-                          {"found", finding.found.toStdString()},
-                          {"advice", finding.advice.toStdString()},
-                          {"fixable", isSafe(finding.remedy)}});
-    }
-    output << nlohmann::json{{"canWork", canWork(findings)}, {"checks", std::move(checks)}}.dump(2) << '\n';
-}
-
-} // namespace
 
 int runDoctorCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
     const bool asJSON = arguments.contains(QStringLiteral("--json"));

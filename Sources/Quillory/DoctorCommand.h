@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Quillory/CommandLine.h"
+#include "Quillory/Diagnosis.h"
 
 namespace quillory {
 
@@ -10,6 +11,9 @@ namespace quillory {
 /// can do its work. Runs on the platform that the services install.
 [[nodiscard]] int runDoctorCommand(const QStringList &arguments, const CommandServices &services,
                                    const CommandStreams &streams);
+
+/// Shows findings as a table, and whether the program can do its work.
+void writeFindings(std::ostream &output, const std::vector<Finding> &findings);
 
 /// "quillory autostart on" and "off". Gives the exit status.
 [[nodiscard]] int runAutostartCommand(const QStringList &arguments, const CommandServices &services,

@@ -3,20 +3,24 @@
 #include "Platform/Linux/Desktop/LinuxExamination.h"
 #include "Platform/Linux/Desktop/LinuxMending.h"
 #include "Platform/Linux/Folders.h"
+#include "Platform/Linux/HiddenInput.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
-#include "Platform/Linux/Storage/FileUserDefaults.h"
+#include "Platform/Linux/QtMainQueue.h"
 #include "Platform/Linux/Storage/LinuxProcess.h"
+#include "Platform/Linux/Storage/SecretUserDefaults.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Platform/Linux/Updates/UserApplications.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Instance.h"
 #include "Quillory/CommandLine.h"
 #include "Quillory/UI/AppDelegate.h"
+#include "Quillory/UI/Setup/SetupWindow.h"
 #include "Quillory/UpdateChecker.h"
 
 #include <QApplication>
 #include <QEventLoop>
+#include <QProcess>
 #include <QTimer>
 
 #include <iostream>
@@ -31,10 +35,18 @@ struct CommandPlatform {
     platform::AbsentDesktop absent;
     desktop::LinuxProcess process;
     desktop::CurlURLSession urlSession;
-    desktop::FileUserDefaults userDefaults;
-    platform::Platform services = absent.with(process, urlSession, userDefaults);
+    desktop::QtMainQueue mainQueue;
+    desktop::SecretService secrets;
+    desktop::SecretUserDefaults userDefaults{secrets};
+    platform::Platform services = absent.with(process, urlSession, userDefaults, &mainQueue);
     platform::Installation installation{services};
 };
+
+/// The platform as the one who takes a new key for it.
+std::shared_ptr<platform::KeyStorage> installCommandPlatform() {
+    const auto made = std::make_shared<CommandPlatform>();
+    return {made, &made->userDefaults};
+}
 
 /// The panel is placed by screen position, which a native Wayland window cannot have; XWayland windows can.
 void preferX11() {
@@ -70,6 +82,23 @@ std::unique_ptr<quillory::CommandDesktop> openDesktop(int &argc, char **argv) {
     return std::make_unique<RealDesktop>(argc, argv, std::move(connection));
 }
 
+/// The exit status of the set-up window, once it is closed; absent when there is no display for it.
+std::optional<int> setUpInWindow(int &argc, char **argv, platform::DesktopExamination &examination,
+                                 platform::DesktopMending &mending) {
+    if (!desktop::X11Connection::open()) {
+        return std::nullopt;
+    }
+    preferX11();
+    const QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Quillory"));
+    QApplication::setDesktopFileName(QStringLiteral("quillory"));
+    const auto keys = installCommandPlatform();
+    quillory::ui::SetupWindow window({examination, mending, *keys});
+    window.QWidget::show();
+    QApplication::exec();
+    return window.canWork() ? quillory::exitStatus::success : quillory::exitStatus::failure;
+}
+
 /// The exit status of a command, or absent when the program itself is to run.
 std::optional<int> runCommand(int &argc, char **argv) {
     QStringList arguments;
@@ -78,16 +107,28 @@ std::optional<int> runCommand(int &argc, char **argv) {
     }
     desktop::LinuxExamination examination;
     desktop::LinuxMending mending;
-    std::unique_ptr<desktop::FileUserDefaults> store;
-    const auto openStore = [&store]() -> platform::UserDefaults & {
-        store = std::make_unique<desktop::FileUserDefaults>();
+    desktop::SecretService secrets;
+    std::unique_ptr<desktop::SecretUserDefaults> store;
+    quillory::CommandServices services;
+    services.openUserDefaults = [&]() -> platform::UserDefaults & {
+        store = std::make_unique<desktop::SecretUserDefaults>(secrets);
         return *store;
     };
-    return quillory::runCommandLine(arguments,
-                                    {openStore, desktop::folders::data(),
-                                     [] { return std::make_shared<CommandPlatform>(); },
-                                     [&argc, argv] { return openDesktop(argc, argv); }, &examination, &mending},
-                                    {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1});
+    services.homeDirectory = desktop::folders::data();
+    services.install = installCommandPlatform;
+    services.openDesktop = [&] { return openDesktop(argc, argv); };
+    services.examination = &examination;
+    services.mending = &mending;
+    services.setUpInWindow = [&] { return setUpInWindow(argc, argv, examination, mending); };
+    if (isatty(STDIN_FILENO) == 1) {
+        services.readHidden = desktop::readHidden;
+    }
+    return quillory::runCommandLine(arguments, services, {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1});
+}
+
+/// In a process of its own: this one never writes the key.
+void launchSetup() {
+    QProcess::startDetached(QCoreApplication::applicationFilePath(), {QStringLiteral("setup")});
 }
 
 int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection,
@@ -99,8 +140,9 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     const desktop::LinuxPlatform linuxPlatform(std::move(connection));
     const platform::Installation installation(linuxPlatform.services());
     const auto instance = std::move(claim); // ends before the connection does
-    quillory::ui::AppDelegate delegate(
-        {.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks, .check = quillory::UpdateChecker::check});
+    quillory::ui::AppDelegate delegate({.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks,
+                                        .check = quillory::UpdateChecker::check,
+                                        .launchSetup = launchSetup});
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
     QTimer::singleShot(0, &application, [&] {
         delegate.applicationDidFinishLaunching();

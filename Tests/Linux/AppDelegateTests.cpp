@@ -23,9 +23,10 @@ using namespace Qt::StringLiterals;
 class AppDelegateTest : public testing::Test {
   protected:
     void launch() {
-        delegate.emplace(UpdateActions{
+        delegate.emplace(AppActions{
             .startPeriodicChecks = [this] { updates += u"periodic after "_s + desktop.log().constLast() + u'\n'; },
-            .check = [this](bool userInitiated) { updates += userInitiated ? u"by the user\n"_s : u"?\n"_s; }});
+            .check = [this](bool userInitiated) { updates += userInitiated ? u"by the user\n"_s : u"?\n"_s; },
+            .launchSetup = [this] { ++setups; }});
         delegate->applicationDidFinishLaunching();
     }
     template <typename Window> static std::vector<Window *> windows() {
@@ -67,6 +68,7 @@ class AppDelegateTest : public testing::Test {
     SimulatedDesktop desktop;
     QString updates;
     std::optional<AppDelegate> delegate;
+    int setups = 0;
 };
 
 TEST_F(AppDelegateTest, StartsInItsOrder) {
@@ -92,6 +94,23 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
     EXPECT_FALSE(isShown<SettingsWindow>());
     EXPECT_EQ(desktop.applications.prompts, 1);
     EXPECT_EQ(desktop.log().constLast(), u"launched, accessibility trusted = true"_s);
+}
+
+TEST_F(AppDelegateTest, LaunchesTheSetUpWhereSomethingIsMissing) {
+    for (const auto &[hasKey, isTrusted, isExpected] :
+         {std::tuple(false, true, 1), {true, false, 1}, {true, true, 0}}) {
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, hasKey ? u"key"_s : u""_s);
+        desktop.applications.trusted = isTrusted;
+        setups = 0;
+        launch();
+        desktop.advance(5000);
+        EXPECT_EQ(setups, isExpected) << hasKey << isTrusted;
+    }
+    desktop.applications.trusted = false;
+    launch();
+    desktop.applications.trusted = true; // a session's bus may be late
+    desktop.advance(5000);
+    EXPECT_EQ(setups, 0);
 }
 
 TEST_F(AppDelegateTest, DoesWhatItsMenuSays) {

@@ -7,8 +7,8 @@
 #include "Platform/Linux/QtApplication.h"
 #include "Platform/Linux/QtMainQueue.h"
 #include "Platform/Linux/StatusBar/LinuxStatusBar.h"
-#include "Platform/Linux/Storage/FileUserDefaults.h"
 #include "Platform/Linux/Storage/LinuxProcess.h"
+#include "Platform/Linux/Storage/SecretUserDefaults.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
 #include "Platform/Linux/Updates/LinuxFileSystem.h"
 #include "Platform/Linux/Updates/LinuxSystemTools.h"
@@ -40,7 +40,8 @@ struct LinuxPlatform::Private {
 
     QtMainQueue mainQueue;
     LinuxProcess process;
-    FileUserDefaults userDefaults{folders::configuration(), Saving::inBackground};
+    SecretService secrets;
+    SecretUserDefaults userDefaults{secrets, folders::configuration(), Saving::inBackground};
     CurlURLSession urlSession;
     LinuxCodeSigning codeSigning = LinuxCodeSigning::ofBundle(applications::runningBundle());
     LinuxFileSystem fileSystem;

@@ -25,6 +25,8 @@ namespace {
 constexpr std::chrono::seconds patienceForTray{10};
 /// Kept in the settings: who starts the program at every login is not to be told every time.
 const QString toldOfMissingTray = QStringLiteral("toldOfMissingTray");
+/// The set-up comes in front of the windows of the start, and the accessibility bus may be a moment late in a session.
+constexpr std::chrono::seconds untilSettled{2};
 
 void flip(const QString &key) {
     platform::UserDefaults &store = AppSettings::shared().store();
@@ -32,8 +34,8 @@ void flip(const QString &key) {
 }
 } // namespace
 
-AppDelegate::AppDelegate(UpdateActions updates)
-    : m_updates(std::move(updates)),
+AppDelegate::AppDelegate(AppActions actions)
+    : m_actions(std::move(actions)),
       m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
 
 AppDelegate::~AppDelegate() {
@@ -49,15 +51,23 @@ void AppDelegate::applicationDidFinishLaunching() {
         accessibility.isProcessTrustedWithPrompt();
     }
     m_monitor->start();
-    if (m_updates.startPeriodicChecks) {
-        m_updates.startPeriodicChecks();
+    if (m_actions.startPeriodicChecks) {
+        m_actions.startPeriodicChecks();
     }
     if (AppSettings::shared().apiKey().isEmpty()) {
-        std::fputs(
-            "quillory: no OpenRouter API key is set; give one with: quillory defaults write openRouterAPIKey -\n",
-            stderr);
+        std::fputs("quillory: no OpenRouter API key is set; give one with: quillory setup\n", stderr);
         openSettings();
     }
+    launchSetupIfNeeded();
+}
+
+void AppDelegate::launchSetupIfNeeded() {
+    platform::current().mainQueue.postAfter(untilSettled, [this, life = std::weak_ptr(m_life)] {
+        if (!life.expired() && m_actions.launchSetup &&
+            (AppSettings::shared().apiKey().isEmpty() || !platform::current().accessibility.isProcessTrusted())) {
+            m_actions.launchSetup();
+        }
+    });
 }
 
 void AppDelegate::setUpStatusItem() {
@@ -70,7 +80,7 @@ void AppDelegate::setUpStatusItem() {
     m_menu->addItem(
         QStringLiteral("Settings…"), [this] { openSettings(); }, Qt::Key_Comma);
     m_menu->addItem(QStringLiteral("Check for Updates…"), [this] { checkForUpdates(); })
-        ->setEnabled(m_updates.check != nullptr);
+        ->setEnabled(m_actions.check != nullptr);
     m_menu->addSeparator();
     m_menu->addItem(
         QStringLiteral("Quit Quillory"), [] { QApplication::quit(); }, Qt::Key_Q);
@@ -130,7 +140,7 @@ void AppDelegate::openSettings() {
 }
 
 void AppDelegate::checkForUpdates() {
-    m_updates.check(true);
+    m_actions.check(true);
 }
 
 void AppDelegate::applicationDidReopen() {

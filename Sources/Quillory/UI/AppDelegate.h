@@ -17,18 +17,20 @@ class SettingsWindow;
 class StatusItem;
 class StatusMenu;
 
-/// The program's updates, as the delegate asks for them. main() fills it in; what is empty is not asked, and the menu
-/// offers no check then.
-struct UpdateActions {
+/// What the delegate has done elsewhere. main() fills it in; what is empty is not done.
+struct AppActions {
+    /// Updates; without a check the menu offers none.
     std::function<void()> startPeriodicChecks;
     std::function<void(bool userInitiated)> check;
+    /// Starts the set-up tool in a process of its own, where something is missing that it can mend.
+    std::function<void()> launchSetup;
 };
 
 /// Starts everything in its order and owns it for the life of the program. One per process, main thread only.
 class AppDelegate {
   public:
     /// Makes the typing monitor, and with it the settings and the suggestion panel. Starts nothing.
-    explicit AppDelegate(UpdateActions updates = {});
+    explicit AppDelegate(AppActions actions = {});
     ~AppDelegate();
 
     /// Called once, when the event loop runs.
@@ -46,8 +48,9 @@ class AppDelegate {
     void checkForUpdates();
     void openMenu();
     void tellOfMissingTray();
+    void launchSetupIfNeeded();
 
-    UpdateActions m_updates;
+    AppActions m_actions;
     std::unique_ptr<StatusMenu> m_menu;
     QAction *m_enabledItem = nullptr;
     QAction *m_compareItem = nullptr;

@@ -57,6 +57,18 @@ QString launcherOf(const processes::Fingerprint &process) {
     return launcher.isEmpty() && QFileInfo(executable).isExecutable() ? executable : launcher;
 }
 
+/// Whether a program that was started is still there after a moment; one that refuses to run ends at once.
+bool startsAndStays(QProcess &program) {
+    constexpr auto moment = 1500ms;
+    qint64 pid = 0;
+    if (!program.startDetached(&pid)) {
+        return false;
+    }
+    std::this_thread::sleep_for(moment);
+    const auto process = processes::fingerprint(static_cast<qint32>(pid));
+    return process && !process->executable.isEmpty();
+}
+
 void prepare(QProcess &program, const ApplicationFacts &application, QStringList arguments) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     if (application.bundleIdentifier.startsWith(QStringLiteral("org.mozilla."))) {
@@ -107,7 +119,7 @@ bool LinuxMending::restart(const ApplicationFacts &application) {
     QProcess program;
     program.setProgram(launcher);
     prepare(program, application, argumentsOf(application.pid));
-    return endProcess(application.pid, *process) && program.startDetached();
+    return endProcess(application.pid, *process) && startsAndStays(program);
 }
 
 } // namespace platform::desktop

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <QString>
+
+#include <optional>
+#include <stop_token>
+
+namespace platform::desktop {
+
+/// Keeps one secret of the program's own. Any thread. Each operation may wait for the user to unlock the store, until
+/// the token asks to stop; whatever goes wrong is false or absent.
+class SecretStore {
+  public:
+    virtual ~SecretStore() = default;
+    virtual bool store(const QString &secret, const std::stop_token &stop) = 0;
+    [[nodiscard]] virtual std::optional<QString> lookUp(const std::stop_token &stop) = 0;
+    virtual void clear(const std::stop_token &stop) = 0;
+};
+
+/// The desktop's Secret Service, as GNOME Keyring, KWallet and KeePassXC offer it.
+class SecretService final : public SecretStore {
+  public:
+    bool store(const QString &secret, const std::stop_token &stop) override;
+    [[nodiscard]] std::optional<QString> lookUp(const std::stop_token &stop) override;
+    void clear(const std::stop_token &stop) override;
+};
+
+} // namespace platform::desktop

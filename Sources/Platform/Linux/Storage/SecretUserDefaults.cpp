@@ -1,0 +1,108 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Storage/SecretUserDefaults.h"
+
+#include <QUuid>
+
+namespace platform::desktop {
+
+namespace {
+using namespace std::chrono_literals;
+const QString keySetting = QStringLiteral("openRouterAPIKey");
+const QString markSetting = QStringLiteral("openRouterAPIKeyInPasswordStore");
+constexpr auto longestLookUp = 2s;
+/// After a look-up that found nothing, for example because the user did not unlock the store.
+constexpr auto untilNextLookUp = 10s;
+} // namespace
+
+SecretUserDefaults::SecretUserDefaults(SecretStore &secrets, const QString &folder, Saving saving)
+    : m_secrets(secrets), m_file(folder, saving) {}
+
+SecretUserDefaults::~SecretUserDefaults() = default;
+
+void SecretUserDefaults::registerDefaults(const std::map<QString, DefaultsValue> &defaults) {
+    m_file.registerDefaults(defaults);
+}
+
+std::optional<QString> SecretUserDefaults::string(const QString &key) const {
+    auto stored = m_file.string(key);
+    if (key != keySetting || (stored && !stored->isEmpty())) {
+        return stored;
+    }
+    const auto mark = m_file.string(markSetting);
+    if (!mark) {
+        return stored;
+    }
+    std::unique_lock lock(m_mutex);
+    if (m_mark == *mark && m_secret) {
+        return m_secret;
+    }
+    if (!m_isLookingUp && (m_mark != *mark || std::chrono::steady_clock::now() >= m_nextTry)) {
+        startLookUp(*mark);
+    }
+    m_found.wait_for(lock, longestLookUp, [this] { return !m_isLookingUp; });
+    return m_mark == *mark ? m_secret : std::nullopt;
+}
+
+/// With the mutex held. An earlier look-up has ended by then, but for its last steps.
+void SecretUserDefaults::startLookUp(const QString &mark) const {
+    m_isLookingUp = true;
+    m_mark = mark;
+    m_secret.reset();
+    m_lookUp = std::jthread([this](const std::stop_token &stop) {
+        auto secret = m_secrets.lookUp(stop);
+        {
+            const std::scoped_lock lock(m_mutex);
+            m_secret = std::move(secret);
+            m_isLookingUp = false;
+            m_nextTry = std::chrono::steady_clock::now() + untilNextLookUp;
+        }
+        m_found.notify_all();
+    });
+}
+
+bool SecretUserDefaults::boolean(const QString &key) const {
+    return m_file.boolean(key);
+}
+
+qint64 SecretUserDefaults::integer(const QString &key) const {
+    return m_file.integer(key);
+}
+
+std::optional<QByteArray> SecretUserDefaults::data(const QString &key) const {
+    return m_file.data(key);
+}
+
+bool SecretUserDefaults::set(const QString &key, const DefaultsValue &value) {
+    if (key == keySetting) {
+        forgetSecret();
+    }
+    return m_file.set(key, value);
+}
+
+bool SecretUserDefaults::remove(const QString &key) {
+    if (key == keySetting) {
+        forgetSecret();
+    }
+    return m_file.remove(key);
+}
+
+void SecretUserDefaults::forgetSecret() {
+    if (m_file.string(markSetting)) {
+        m_file.remove(markSetting);
+        m_secrets.clear({});
+    }
+}
+
+KeyPlace SecretUserDefaults::storeKey(const QString &key, const std::stop_token &stop) {
+    if (m_secrets.store(key, stop) && m_file.set(markSetting, QUuid::createUuid().toString()) &&
+        m_file.remove(keySetting)) {
+        return KeyPlace::passwordStore;
+    }
+    if (stop.stop_requested()) {
+        return KeyPlace::nowhere;
+    }
+    m_file.remove(markSetting);
+    return m_file.set(keySetting, key) ? KeyPlace::settingsFile : KeyPlace::nowhere;
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/KeyStorage.h"
+#include "Platform/Linux/Storage/FileUserDefaults.h"
+#include "Platform/Linux/Storage/SecretStore.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <thread>
+
+namespace platform::desktop {
+
+/// Settings in the file, but for the API key, which may be in the desktop's password store instead. The file then holds
+/// a mark that changes with every new key, so that a running program notices, and a program whose user never used the
+/// password store never asks it. A key in the file comes first.
+class SecretUserDefaults final : public UserDefaults, public KeyStorage {
+  public:
+    /// The password store outlives this.
+    explicit SecretUserDefaults(SecretStore &secrets, const QString &folder = folders::configuration(),
+                                Saving saving = Saving::atOnce);
+    ~SecretUserDefaults() override;
+
+    void registerDefaults(const std::map<QString, DefaultsValue> &defaults) override;
+    /// For the key: waits a moment for a password store that has to be unlocked, and answers "absent" until it is.
+    [[nodiscard]] std::optional<QString> string(const QString &key) const override;
+    [[nodiscard]] bool boolean(const QString &key) const override;
+    [[nodiscard]] qint64 integer(const QString &key) const override;
+    [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
+    bool set(const QString &key, const DefaultsValue &value) override;
+    bool remove(const QString &key) override;
+    [[nodiscard]] bool isFailingToSave() const override { return m_file.isFailingToSave(); }
+    KeyPlace storeKey(const QString &key, const std::stop_token &stop) override;
+
+  private:
+    void startLookUp(const QString &mark) const;
+    void forgetSecret();
+
+    SecretStore &m_secrets;
+    mutable FileUserDefaults m_file;
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_found;
+    /// What was found last, and the mark that it was found under; absent when nothing was.
+    mutable std::optional<QString> m_secret;
+    mutable QString m_mark;
+    mutable bool m_isLookingUp = false;
+    mutable std::chrono::steady_clock::time_point m_nextTry;
+    /// Last, so that it ends first.
+    mutable std::jthread m_lookUp;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/CommandLine.h"
+
+namespace quillory {
+
+/// Sets the program up: in a window, or with questions in the terminal where there is no display or "--terminal" is
+/// said. Gives the exit status: success when the program can do its work afterwards.
+[[nodiscard]] int runSetupCommand(const QStringList &arguments, const CommandServices &services,
+                                  const CommandStreams &streams);
+
+} // namespace quillory

@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/SetupWork.h"
+
+#include "Quillory/ApiKey.h"
+#include "Quillory/ProgramExamination.h"
+
+namespace quillory {
+
+std::vector<Finding> SetupWork::look() const {
+    return diagnose(m_examination.examine(), examineProgram());
+}
+
+QString SetupWork::mend(const Finding &finding) const {
+    switch (finding.remedy) {
+    case Remedy::enableAccessibility:
+        return m_mending.enableAccessibility()
+                   ? QStringLiteral("Accessibility is on. Browsers that were running must be restarted once.")
+                   : QStringLiteral("Accessibility could not be switched on.");
+    case Remedy::restart:
+        return finding.application && m_mending.restart(*finding.application)
+                   ? finding.title + QStringLiteral(" was started again.")
+                   : finding.title + QStringLiteral(" could not be started again. Start it yourself.");
+    case Remedy::startAtLogin:
+        return m_mending.setStartsAtLogin(true) ? QStringLiteral("Quillory starts at your next login.")
+                                                : QStringLiteral("The entry for the autostart could not be written.");
+    case Remedy::enterKey:
+    case Remedy::none:
+        break;
+    }
+    return {};
+}
+
+SetupWork::Saved SetupWork::saveKey(const QString &typed, const std::stop_token &stop) const {
+    const auto [key, refusal] = enteredKey(typed);
+    if (!refusal.isEmpty()) {
+        return {false, refusal};
+    }
+    switch (m_keys.storeKey(key, stop)) {
+    case platform::KeyPlace::passwordStore:
+        return {true, QStringLiteral("Saved in the desktop's password store.")};
+    case platform::KeyPlace::settingsFile:
+        return {true, QStringLiteral("Saved in the settings file, which you alone can read.")};
+    case platform::KeyPlace::nowhere:
+        break;
+    }
+    return {false, QStringLiteral("The key could not be saved: the settings file cannot be written.")};
+}
+
+} // namespace quillory

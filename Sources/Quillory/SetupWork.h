@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Platform/KeyStorage.h"
+#include "Quillory/Diagnosis.h"
+
+namespace quillory {
+
+/// What setting up does, whether a window or a terminal asks for it. Runs on the installed platform. Every operation
+/// may take some seconds, or wait for the user; one at a time, never on the main thread of a program with windows.
+class SetupWork {
+  public:
+    SetupWork(platform::DesktopExamination &examination, platform::DesktopMending &mending, platform::KeyStorage &keys)
+        : m_examination(examination), m_mending(mending), m_keys(keys) {}
+
+    [[nodiscard]] std::vector<Finding> look() const;
+    /// Does what was offered for a finding. What came of it, as a sentence.
+    [[nodiscard]] QString mend(const Finding &finding) const;
+
+    struct Saved {
+        bool isSaved = false;
+        /// What came of it. Never holds any of the key.
+        QString sentence;
+    };
+    /// Takes a key as the user typed it.
+    [[nodiscard]] Saved saveKey(const QString &typed, const std::stop_token &stop) const;
+
+  private:
+    platform::DesktopExamination &m_examination;
+    platform::DesktopMending &m_mending;
+    platform::KeyStorage &m_keys;
+};
+
+} // namespace quillory

@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/Setup/KeySection.h"
+
+#include "Quillory/UI/Settings/ClampedText.h"
+#include "Quillory/UI/Settings/Field.h"
+#include "Quillory/UI/Settings/Form.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+
+namespace quillory::ui {
+
+namespace {
+const QString whereKeysComeFrom = QStringLiteral(
+    "Requests go to OpenRouter and need a key of your account there (openrouter.ai, Keys). It goes into the desktop's "
+    "password store where there is one, and is never shown again.");
+
+LineField *makeKeyField() {
+    auto *const field = new LineField({});
+    field->setValidator(nullptr); // it makes line breaks spaces, after which nobody could tell them from real ones
+    field->setEchoMode(QLineEdit::Password);
+    field->setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText |
+                               Qt::ImhNoAutoUppercase);
+    field->setAccessibleName(QStringLiteral("API key"));
+    return field;
+}
+
+} // namespace
+
+KeySection::KeySection(std::function<void(const QString &)> save)
+    : m_save(std::move(save)), m_field(makeKeyField()), m_saveButton(new QPushButton(QStringLiteral("&Save Key"))),
+      m_testButton(new QPushButton), m_result(new ClampedText(captionPoints, 2)), m_test([this] { showTest(); }) {
+    auto *const section = new FormSection(QStringLiteral("API key"), whereKeysComeFrom);
+    section->addRow(fieldRow());
+    section->addRow(testRow());
+    auto *const column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(section);
+    connect(m_field, &QLineEdit::textChanged, this, [this] { showButtons(); });
+    connect(m_field, &QLineEdit::returnPressed, this, [this] { submit(); });
+    connect(m_saveButton, &QPushButton::clicked, this, [this] { submit(); });
+    connect(m_testButton, &QPushButton::clicked, this, [this] { m_test.run(); });
+    setKeyKnown(false);
+}
+
+QWidget *KeySection::fieldRow() {
+    auto *const row = new QWidget;
+    auto *const line = new QHBoxLayout(row);
+    line->setContentsMargins(rowMargins());
+    line->setSpacing(10);
+    line->addWidget(m_field, 1);
+    line->addWidget(m_saveButton);
+    m_saveButton->setAutoDefault(false);
+    return row;
+}
+
+QWidget *KeySection::testRow() {
+    auto *const row = new QWidget;
+    auto *const line = new QHBoxLayout(row);
+    line->setContentsMargins(rowMargins());
+    line->setSpacing(10);
+    line->addWidget(m_testButton);
+    line->addWidget(m_result, 1);
+    m_testButton->setAutoDefault(false);
+    return row;
+}
+
+void KeySection::submit() {
+    if (m_saveButton->isEnabled()) {
+        m_result->setText(QStringLiteral("Saving… The desktop may ask for the password of its password store."),
+                          Tint::secondary);
+        m_save(m_field->text());
+    }
+}
+
+void KeySection::showOutcome(const QString &sentence, bool isSaved) {
+    m_result->setText(sentence, isSaved ? Tint::good : Tint::bad);
+    if (isSaved) {
+        m_field->clear();
+        setKeyKnown(true);
+    }
+}
+
+void KeySection::setKeyKnown(bool hasKey) {
+    m_hasKey = hasKey;
+    m_field->setPlaceholderText(hasKey ? QStringLiteral("A key is set. Enter another one to replace it.")
+                                       : QStringLiteral("Paste your key here"));
+    showButtons();
+}
+
+void KeySection::setBusy(bool isBusy) {
+    m_isBusy = isBusy;
+    showButtons();
+}
+
+void KeySection::focusField() {
+    m_field->setFocus(Qt::OtherFocusReason);
+}
+
+void KeySection::showTest() {
+    showButtons();
+    const QString result = m_test.result().value_or(QString());
+    m_result->setText(result, result.startsWith(u'✓') ? Tint::good : Tint::bad);
+}
+
+void KeySection::showButtons() {
+    m_saveButton->setEnabled(!m_isBusy && !m_field->text().isEmpty());
+    m_testButton->setText(m_test.isTesting() ? QStringLiteral("Testing…") : QStringLiteral("&Test"));
+    m_testButton->setEnabled(!m_isBusy && m_hasKey && !m_test.isTesting());
+}
+
+} // namespace quillory::ui

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/ConnectionTest.h"
+
+#include <QWidget>
+
+class QPushButton;
+
+namespace quillory::ui {
+
+class ClampedText;
+class LineField;
+
+/// Takes the API key in a field that does not show it, and tries the one that is stored. Once saved it is gone from
+/// here and never shown again.
+class KeySection final : public QWidget {
+  public:
+    /// save: called with what the user entered.
+    explicit KeySection(std::function<void(const QString &)> save);
+    /// Says what came of saving. A key that was saved leaves the field.
+    void showOutcome(const QString &sentence, bool isSaved);
+    void setKeyKnown(bool hasKey);
+    void setBusy(bool isBusy);
+    void focusField();
+
+  private:
+    [[nodiscard]] QWidget *fieldRow();
+    [[nodiscard]] QWidget *testRow();
+    void submit();
+    void showTest();
+    void showButtons();
+
+    std::function<void(const QString &)> m_save;
+    LineField *m_field;
+    QPushButton *m_saveButton;
+    QPushButton *m_testButton;
+    ClampedText *m_result;
+    bool m_isBusy = false;
+    bool m_hasKey = false;
+    ConnectionTest m_test;
+};
+
+} // namespace quillory::ui

@@ -1,0 +1,174 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Quillory/UI/Setup/SetupWindow.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Settings/SlimScrollBar.h"
+#include "Quillory/UI/Setup/FindingRow.h"
+#include "Quillory/UI/Setup/KeySection.h"
+#include "Quillory/UI/StatusItem.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace quillory::ui {
+
+namespace {
+constexpr QSize initialSize(600, 640);
+
+/// The user is asked before what may lose something of his.
+bool isAgreed(QWidget *parent, const Offer &offer) {
+    return offer.isHarmless ||
+           QMessageBox::question(parent, QStringLiteral("Quillory"), offer.question) == QMessageBox::Yes;
+}
+} // namespace
+
+SetupWindow::SetupWindow(SetupWork work)
+    : m_work(work), m_list(new QScrollArea), m_key(new KeySection([this](const QString &typed) { saveKey(typed); })),
+      m_status(new FormText({}, captionPoints, Tint::secondary)),
+      m_again(new QPushButton(QStringLiteral("Check &Again"))) {
+    setWindowTitle(QStringLiteral("Set Up Quillory"));
+    setWindowIcon(programIcon());
+    m_list->setWidgetResizable(true);
+    m_list->setFrameShape(QFrame::NoFrame);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->setVerticalScrollBar(new SlimScrollBar);
+    m_list->setFocusPolicy(Qt::NoFocus);
+    m_list->viewport()->setAutoFillBackground(false);
+    auto *const column = new QVBoxLayout(this);
+    column->setContentsMargins(pageMargins());
+    column->setSpacing(sectionGap);
+    column->addWidget(m_key);
+    column->addWidget(m_list, 1);
+    column->addWidget(bottomRow());
+    resize(initialSize);
+    const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
+    const QRect room = (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+    resize(size().boundedTo(room.size() * 0.9));
+    move(room.center() - rect().center());
+    look();
+}
+
+SetupWindow::~SetupWindow() = default;
+
+QWidget *SetupWindow::bottomRow() {
+    auto *const row = new QWidget;
+    auto *const line = new QHBoxLayout(row);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(10);
+    auto *const closing = new QPushButton(QStringLiteral("&Close"));
+    line->addWidget(m_status, 1);
+    line->addWidget(m_again);
+    line->addWidget(closing);
+    m_again->setAutoDefault(false);
+    closing->setAutoDefault(false);
+    connect(m_again, &QPushButton::clicked, this, [this] { look(); });
+    connect(closing, &QPushButton::clicked, this, [this] { close(); });
+    return row;
+}
+
+template <typename Work, typename Done> void SetupWindow::start(const QString &said, Work work, Done done) {
+    if (m_isBusy) {
+        return;
+    }
+    setBusy(true, said);
+    const auto task = m_tasks.start([this, work, done, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
+        platform::current().mainQueue.post([this, life, done, result = work(stop)] {
+            if (!life.expired()) {
+                setBusy(false, {});
+                done(result);
+            }
+        });
+    });
+    if (!task) {
+        setBusy(false, QStringLiteral("The system has no thread to give; try again later."));
+    }
+}
+
+void SetupWindow::look() {
+    start(
+        QStringLiteral("Looking…"), [work = m_work](const std::stop_token & /*stop*/) { return work.look(); },
+        [this](const std::vector<Finding> &findings) { show(findings); });
+}
+
+void SetupWindow::show(std::vector<Finding> findings) {
+    std::ranges::stable_sort(findings, std::greater(), &Finding::state); // what is to be done first
+    auto *const page = new QWidget;
+    auto *const column = new QVBoxLayout(page);
+    column->setContentsMargins(0, 0, 12, 0);
+    auto *const section = new FormSection(QStringLiteral("What Quillory needs"));
+    for (const Finding &finding : findings) {
+        section->addRow(new FindingRow(finding, [this](const Finding &chosen) { mend(chosen); }));
+    }
+    column->addWidget(section);
+    column->addStretch(1);
+    m_list->setWidget(page);
+    page->setAutoFillBackground(false);
+    m_canWork = quillory::canWork(findings);
+    m_key->setKeyKnown(
+        std::ranges::none_of(findings, [](const Finding &finding) { return finding.remedy == Remedy::enterKey; }));
+    const QString verdict = m_canWork
+                                ? QStringLiteral("Everything is ready. Click into WhatsApp's message box and type.")
+                                : QStringLiteral("Something is missing still.");
+    m_status->setText(m_outcome.isEmpty() ? verdict : m_outcome + u' ' + verdict);
+}
+
+void SetupWindow::mend(const Finding &finding) {
+    const auto offer = offerFor(finding);
+    if (finding.remedy == Remedy::enterKey) {
+        m_key->focusField();
+        return;
+    }
+    if (!offer || !isAgreed(this, *offer)) {
+        return;
+    }
+    start(
+        QStringLiteral("Working…"),
+        [work = m_work, finding](const std::stop_token & /*stop*/) { return work.mend(finding); },
+        [this](const QString &outcome) {
+            m_outcome = outcome;
+            look();
+        });
+}
+
+void SetupWindow::saveKey(const QString &typed) {
+    start(
+        QStringLiteral("Saving…"),
+        [work = m_work, typed](const std::stop_token &stop) { return work.saveKey(typed, stop); },
+        [this](const SetupWork::Saved &saved) {
+            m_key->showOutcome(saved.sentence, saved.isSaved);
+            if (saved.isSaved) {
+                m_outcome.clear();
+                look();
+            }
+        });
+}
+
+void SetupWindow::setBusy(bool isBusy, const QString &said) {
+    m_isBusy = isBusy;
+    m_status->setText(said);
+    m_again->setEnabled(!isBusy);
+    m_key->setBusy(isBusy);
+    if (QWidget *const page = m_list->widget()) {
+        page->setEnabled(!isBusy);
+    }
+}
+
+void SetupWindow::keyPressEvent(QKeyEvent *event) {
+    if (event->key() == Qt::Key_Escape || event->keyCombination() == QKeyCombination(Qt::CTRL, Qt::Key_W)) {
+        close();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+} // namespace quillory::ui

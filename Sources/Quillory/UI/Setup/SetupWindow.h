@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include "Quillory/SetupWork.h"
+#include "Quillory/Tasks.h"
+
+#include <QWidget>
+
+class QPushButton;
+class QScrollArea;
+
+namespace quillory::ui {
+
+class FormText;
+class KeySection;
+
+/// Shows what the program needs, with a button at each line that can be mended, and takes the API key. The work runs on
+/// threads of its own, one piece at a time.
+class SetupWindow final : public QWidget {
+  public:
+    explicit SetupWindow(SetupWork work);
+    ~SetupWindow() override;
+
+    /// Whether everything was in order when it was last looked at.
+    [[nodiscard]] bool canWork() const { return m_canWork; }
+
+  protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+  private:
+    /// Runs work off the main thread, then done() on it with what came of it.
+    template <typename Work, typename Done> void start(const QString &said, Work work, Done done);
+    void look();
+    void show(std::vector<Finding> findings);
+    void mend(const Finding &finding);
+    void saveKey(const QString &typed);
+    void setBusy(bool isBusy, const QString &said);
+    [[nodiscard]] QWidget *bottomRow();
+
+    SetupWork m_work;
+    QScrollArea *m_list;
+    KeySection *m_key;
+    FormText *m_status;
+    QPushButton *m_again;
+    bool m_isBusy = false;
+    bool m_canWork = false;
+    /// What the last change said, shown until the next one.
+    QString m_outcome;
+    std::shared_ptr<bool> m_life = std::make_shared<bool>(true);
+    /// Last, so that no work is left when the rest goes.
+    Tasks m_tasks;
+};
+
+} // namespace quillory::ui

@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Linux/XClient.h"
+#include "Quillory/AppSettings.h"
+#include "Quillory/UI/Setup/SetupWindow.h"
+#include "SimulatedDesktop/SimulatedDesktop.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <gmock/gmock.h>
+
+namespace quillory::test {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// A desktop on which accessibility is off, and a key storage.
+struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::DesktopMending, platform::KeyStorage {
+    SimulatedDesktop desktop;
+    platform::DesktopFacts facts;
+    QString stored;
+
+    [[nodiscard]] platform::DesktopFacts examine() override { return facts; }
+    bool enableAccessibility() override {
+        facts.isAccessibilityEnabled = true;
+        return true;
+    }
+    bool setStartsAtLogin(bool /*starts*/) override { return false; }
+    bool restart(const platform::ApplicationFacts & /*application*/) override { return false; }
+    platform::KeyPlace storeKey(const QString &key, const std::stop_token & /*stop*/) override {
+        stored = key;
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, key);
+        return platform::KeyPlace::settingsFile;
+    }
+    void SetUp() override {
+        facts.hasDisplay = facts.hasSessionBus = facts.hasAccessibilityBus = true;
+        facts.isAccessibilityEnabled = false;
+        desktop.urlSession.onRequest([](SimulatedExchange &exchange) { exchange.answer({}); });
+    }
+    /// Work runs on threads of its own and posts its end.
+    bool runUntil(const std::function<bool()> &condition) {
+        return spinUntil([&] {
+            desktop.advance(1);
+            return condition();
+        });
+    }
+};
+
+QPushButton *button(const QWidget &window, const QString &label) {
+    for (auto *found : window.findChildren<QPushButton *>()) {
+        if (found->text().remove(u'&') == label && found->isEnabled()) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+bool says(const QWidget &window, const QString &text) {
+    return std::ranges::any_of(window.findChildren<QWidget *>(), [&](const QWidget *part) {
+        const auto *label = qobject_cast<const QLabel *>(part);
+        return (label != nullptr ? label->text() : part->toolTip() + part->accessibleName()).contains(text);
+    });
+}
+
+TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
+    ui::SetupWindow window({*this, *this, *this});
+    window.QWidget::show();
+    ASSERT_TRUE(runUntil([&] { return button(window, u"Switch On"_s) != nullptr; }));
+    button(window, u"Switch On"_s)->click();
+    ASSERT_TRUE(runUntil([&] { return says(window, u"Accessibility is on."_s); }));
+
+    auto *const field = window.findChild<QLineEdit *>();
+    EXPECT_EQ(field->echoMode(), QLineEdit::Password);
+    QApplication::clipboard()->setText(u"sk-or-\r\nv1 \n"_s);
+    field->paste();
+    ASSERT_TRUE(runUntil([&] { return button(window, u"Save Key"_s) != nullptr; }));
+    button(window, u"Save Key"_s)->click();
+    ASSERT_TRUE(runUntil([&] { return !stored.isEmpty() && field->text().isEmpty(); }));
+    EXPECT_EQ(stored, u"sk-or-v1"_s);
+    EXPECT_TRUE(runUntil([&] { return button(window, u"Test"_s) != nullptr; }));
+    EXPECT_FALSE(says(window, u"sk-or"_s));
+}
+
+} // namespace
+} // namespace quillory::test

@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Storage/SecretUserDefaults.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+
+namespace quillory::test {
+
+using platform::KeyPlace;
+using platform::desktop::SecretUserDefaults;
+
+namespace {
+
+/// A password store that the desktop shares between processes.
+struct FakeStore final : platform::desktop::SecretStore {
+    std::mutex mutex;
+    std::optional<QString> kept;
+    std::atomic<bool> answers = true;
+    std::atomic<int> lookUps = 0;
+
+    bool store(const QString &secret, const std::stop_token & /*stop*/) override {
+        const std::scoped_lock lock(mutex);
+        kept = answers ? secret : kept;
+        return answers;
+    }
+    [[nodiscard]] std::optional<QString> lookUp(const std::stop_token & /*stop*/) override {
+        ++lookUps;
+        const std::scoped_lock lock(mutex);
+        return answers ? kept : std::nullopt;
+    }
+    void clear(const std::stop_token & /*stop*/) override {
+        const std::scoped_lock lock(mutex);
+        kept.reset();
+    }
+};
+
+struct SecretUserDefaultsTest : testing::Test {
+    QTemporaryDir folder;
+    FakeStore passwords;
+    SecretUserDefaults store{passwords, folder.path()};
+    const QString key = u"openRouterAPIKey"_qs;
+
+    QByteArray onDisk() const {
+        QFile file(folder.filePath(u"settings.json"_qs));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+};
+
+TEST_F(SecretUserDefaultsTest, TheKeyLivesInThePasswordStoreAndEveryProcessSeesANewOne) {
+    SecretUserDefaults running(passwords, folder.path());
+    EXPECT_EQ(running.string(key), std::nullopt);
+    EXPECT_EQ(passwords.lookUps, 0) << "who never used the password store never waits for it";
+    for (const QString &value : {u"first"_qs, u"second"_qs}) {
+        EXPECT_EQ(store.storeKey(value, {}), KeyPlace::passwordStore);
+        EXPECT_EQ(running.string(key), value);
+        EXPECT_EQ(running.string(key), value);
+    }
+    EXPECT_EQ(passwords.lookUps, 2);
+    EXPECT_FALSE(onDisk().contains("second"));
+    EXPECT_TRUE(store.remove(key));
+    EXPECT_EQ(running.string(key), std::nullopt);
+    EXPECT_EQ(passwords.kept, std::nullopt);
+}
+
+TEST_F(SecretUserDefaultsTest, TheSettingsFileIsTheFallbackAndComesFirst) {
+    EXPECT_EQ(store.storeKey(u"secret"_qs, {}), KeyPlace::passwordStore);
+    passwords.answers = false;
+    EXPECT_EQ(SecretUserDefaults(passwords, folder.path()).string(key), std::nullopt) << "it is locked";
+    EXPECT_EQ(store.storeKey(u"in the file"_qs, {}), KeyPlace::settingsFile);
+    EXPECT_EQ(SecretUserDefaults(passwords, folder.path()).string(key), u"in the file"_qs);
+    EXPECT_TRUE(onDisk().contains("in the file"));
+    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    EXPECT_EQ(QFile::permissions(folder.filePath(u"settings.json"_qs)) & others, QFile::Permissions());
+    passwords.answers = true;
+    EXPECT_EQ(store.storeKey(u"secret"_qs, {}), KeyPlace::passwordStore);
+    EXPECT_FALSE(onDisk().contains("in the file"));
+    EXPECT_TRUE(store.set(key, u"by command"_qs));
+    EXPECT_EQ(store.string(key), u"by command"_qs);
+    EXPECT_EQ(passwords.kept, std::nullopt);
+}
+
+} // namespace
+
+} // namespace quillory::test
