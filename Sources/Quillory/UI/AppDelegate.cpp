@@ -86,6 +86,7 @@ void AppDelegate::setUpStatusItem() {
         QStringLiteral("Quit Quillory"), [] { QApplication::quit(); }, Qt::Key_Q);
     QObject::connect(m_menu.get(), &QMenu::aboutToShow, m_menu.get(), [this] { menuNeedsUpdate(); });
     menuNeedsUpdate(); // a tray may read the menu long before it opens it
+    QApplication::setWindowIcon(programIcon());
     m_statusItem = std::make_unique<StatusItem>(*m_menu);
     platform::current().mainQueue.postAfter(patienceForTray, [this, life = std::weak_ptr(m_life)] {
         if (!life.expired()) {

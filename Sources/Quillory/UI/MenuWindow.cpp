@@ -2,8 +2,8 @@
 #include "Quillory/UI/MenuWindow.h"
 
 #include "Quillory/UI/AccessibleViews.h"
-#include "Quillory/UI/Hover.h"
 #include "Quillory/UI/Look.h"
+#include "Quillory/UI/Settings/Form.h"
 #include "Quillory/UI/Symbols.h"
 
 #include <QAbstractButton>
@@ -19,14 +19,14 @@ namespace {
 
 constexpr int menuWindowMargin = 5;
 constexpr int menuRowPadding = 5;
-constexpr int checkColumn = 26;
+constexpr double checkColumn = 26;
 constexpr int keyGap = 30;
 
 class MenuRow final : public QAbstractButton {
   public:
-    MenuRow(QAction &item, QWidget *parent) : QAbstractButton(parent), m_item(item), m_hover(*this) {
+    MenuRow(QAction &item, QWidget *parent) : QAbstractButton(parent), m_item(item) {
         setFocusPolicy(Qt::StrongFocus);
-        setFont(systemFont(13));
+        setFont(formFont(bodyPoints));
         setText(item.text());
         setCheckable(item.isCheckable());
         setChecked(item.isChecked());
@@ -37,27 +37,29 @@ class MenuRow final : public QAbstractButton {
 
     [[nodiscard]] QSize sizeHint() const override {
         const QFontMetrics metrics(font());
-        return {checkColumn + metrics.horizontalAdvance(text()) + keyGap + metrics.horizontalAdvance(key()) +
+        return {scaled(checkColumn) + metrics.horizontalAdvance(text()) + keyGap + metrics.horizontalAdvance(key()) +
                     menuWindowMargin * 2,
-                metrics.height() + 2 * menuRowPadding};
+                metrics.height() + 2 * scaled(menuRowPadding)};
     }
 
   protected:
+    // One item is chosen at a time, by pointer or by key.
+    void enterEvent(QEnterEvent * /*event*/) override { setFocus(Qt::MouseFocusReason); }
     void paintEvent(QPaintEvent * /*event*/) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        const bool isChosen = isEnabled() && (hasFocus() || m_hover.progress() > 0);
+        const bool isChosen = isEnabled() && hasFocus();
         if (isChosen) {
             painter.fillPath(continuousRoundedRect(rect(), 6), palette().color(QPalette::Highlight));
         }
         const QColor plain = isEnabled() ? lookOf(*this).primary : lookOf(*this).tertiary;
         const QColor color = isChosen ? palette().color(QPalette::HighlightedText) : plain;
         if (isChecked()) {
-            const double side = symbolSide(10);
-            drawSymbol(painter, {(checkColumn - side) / 2, (height() - side) / 2, side, side}, symbolName::checkmark,
-                       color);
+            const double side = symbolSide(10 * textScale());
+            drawSymbol(painter, {(scaled(checkColumn) - side) / 2, (height() - side) / 2, side, side},
+                       symbolName::checkmark, color);
         }
-        const QRect texts = rect().adjusted(checkColumn, 0, -menuWindowMargin * 2, 0);
+        const QRect texts = rect().adjusted(scaled(checkColumn), 0, -menuWindowMargin * 2, 0);
         painter.setPen(color);
         painter.drawText(texts, Qt::AlignLeft | Qt::AlignVCenter, text());
         painter.setPen(isChosen ? color : lookOf(*this).tertiary);
@@ -68,7 +70,6 @@ class MenuRow final : public QAbstractButton {
     [[nodiscard]] QString key() const { return m_item.shortcut().toString(QKeySequence::NativeText); }
 
     QAction &m_item;
-    Hover m_hover;
 };
 
 class MenuLine final : public QWidget {

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/UI/StatusMenu.h"
 
+#include <QActionEvent>
 #include <QKeyEvent>
 
 namespace quillory::ui {
@@ -21,6 +22,13 @@ QAction *StatusMenu::addToggle(const QString &title, std::function<void()> actio
     QAction *item = addItem(title, std::move(action));
     item->setCheckable(true);
     return item;
+}
+
+void StatusMenu::actionEvent(QActionEvent *event) {
+    QMenu::actionEvent(event);
+    // With a large font the toolkit's style reserves a little less than it draws, and would shorten a title.
+    setMinimumWidth(0);
+    setMinimumWidth(sizeHint().width() + 2 * fontMetrics().averageCharWidth());
 }
 
 void StatusMenu::keyPressEvent(QKeyEvent *event) {

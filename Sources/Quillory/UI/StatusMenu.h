@@ -16,6 +16,7 @@ class StatusMenu final : public QMenu {
     QAction *addToggle(const QString &title, std::function<void()> action);
 
   protected:
+    void actionEvent(QActionEvent *event) override;
     /// An open menu has the keyboard, and the toolkit looks for key equivalents in windows only.
     void keyPressEvent(QKeyEvent *event) override;
 };

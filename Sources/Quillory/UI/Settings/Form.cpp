@@ -146,7 +146,8 @@ bool showsFocus(const QWidget &widget) {
 
 int labelFlags(const QWidget &widget, Qt::Alignment alignment) {
     const bool isUnderlined = widget.style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, &widget) != 0;
-    return alignment.toInt() | static_cast<int>(isUnderlined ? Qt::TextShowMnemonic : Qt::TextHideMnemonic);
+    return static_cast<int>(alignment.toInt()) |
+           static_cast<int>(isUnderlined ? Qt::TextShowMnemonic : Qt::TextHideMnemonic);
 }
 
 FormText::FormText(const QString &text, double points, Tint tint, QFont::Weight weight)
@@ -247,7 +248,7 @@ QMargins rowMargins() {
 }
 
 QMargins pageMargins() {
-    return {20, 10, 9, 14}; // a scroll bar's room comes to the right one
+    return {20, 6, 9, 14}; // a scroll bar's room comes to the right one
 }
 
 void leaveWheelToPage(QWidget *control) {

@@ -30,7 +30,7 @@ SettingsView::SettingsView()
     setFixedSize(contentSize);
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 6, 0, 0);
-    column->setSpacing(0);
+    column->setSpacing(4); // what scrolls ends a little below the tabs
     column->addWidget(m_tabs, 0, Qt::AlignHCenter);
     column->addWidget(m_pages, 1);
     column->addWidget(m_warning);

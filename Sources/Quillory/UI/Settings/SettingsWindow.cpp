@@ -4,11 +4,9 @@
 #include "Platform/Platform.h"
 #include "Quillory/UI/AccessibleViews.h"
 #include "Quillory/UI/Settings/SettingsView.h"
-#include "Quillory/UI/StatusItem.h"
 
 #include <QCursor>
 #include <QGuiApplication>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QScreen>
@@ -24,7 +22,6 @@ SettingsWindow::SettingsWindow()
     : QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
     installAccessibleViews();
     setWindowTitle(QStringLiteral("Quillory"));
-    setWindowIcon(programIcon());
     auto *const content = new QVBoxLayout(this);
     content->setContentsMargins(0, 0, 0, 0);
     content->setSizeConstraint(QLayout::SetFixedSize);
