@@ -95,8 +95,11 @@ std::vector<StatusNotifierHost::MenuItem> StatusNotifierHost::menuItems() const 
         MenuItem item;
         entry.beginStructure();
         entry >> item.id >> item.properties;
+        entry.endStructure();
         items.push_back(item);
     }
+    root.endArray();
+    root.endStructure();
     return items;
 }
 

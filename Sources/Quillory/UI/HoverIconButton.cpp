@@ -22,8 +22,14 @@ HoverIconButton::HoverIconButton(const QString &systemName, const QString &name,
     setCursor(Qt::PointingHandCursor);
 }
 
-int HoverIconButton::symbolExtent() {
-    return static_cast<int>(symbolSide(14));
+int HoverIconButton::symbolExtent() const {
+    return static_cast<int>(symbolSide(14 * m_scale));
+}
+
+void HoverIconButton::setScale(double scale) {
+    m_scale = scale;
+    updateGeometry();
+    update();
 }
 
 QSize HoverIconButton::sizeHint() const {

@@ -16,13 +16,16 @@ class HoverIconButton final : public QAbstractButton {
     HoverIconButton(const QString &systemName, const QString &name, QWidget *parent);
     [[nodiscard]] QSize sizeHint() const override;
     /// The side of the symbol itself, in points.
-    [[nodiscard]] static int symbolExtent();
+    [[nodiscard]] int symbolExtent() const;
+    /// How much larger than usual the symbol is; 1 at first.
+    void setScale(double scale);
 
   protected:
     void paintEvent(QPaintEvent *event) override;
 
   private:
     QString m_systemName;
+    double m_scale = 1;
     Hover m_hover;
 };
 

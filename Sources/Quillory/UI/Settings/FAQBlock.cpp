@@ -93,6 +93,7 @@ void FAQBlock::resizeEvent(QResizeEvent *event) {
     const int left = rowMargins().left();
     const int inner = fieldsWidth(width());
     const int line = TextField::lineHeight();
+    m_trash->setScale(textScale());
     const QSize trash = m_trash->sizeHint();
     m_question->setGeometry(left, blockPadding, inner - trash.width() - trashGap, line);
     m_trash->setGeometry(left + inner - trash.width(), blockPadding + (line - trash.height()) / 2, trash.width(),
