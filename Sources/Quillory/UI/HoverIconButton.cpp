@@ -22,8 +22,8 @@ HoverIconButton::HoverIconButton(const QString &systemName, const QString &name,
     setCursor(Qt::PointingHandCursor);
 }
 
-int HoverIconButton::symbolExtent() const {
-    return static_cast<int>(symbolSide(14 * m_scale));
+int HoverIconButton::symbolExtent(double scale) {
+    return static_cast<int>(symbolSide(14 * scale));
 }
 
 void HoverIconButton::setScale(double scale) {
@@ -33,14 +33,14 @@ void HoverIconButton::setScale(double scale) {
 }
 
 QSize HoverIconButton::sizeHint() const {
-    const int side = symbolExtent() + 2 * clickMargin;
+    const int side = symbolExtent(m_scale) + 2 * clickMargin;
     return {side, side};
 }
 
 void HoverIconButton::paintEvent(QPaintEvent * /*event*/) {
     QPainter painter(this);
     const Look &look = lookOf(*this);
-    const QRectF symbol(clickMargin, clickMargin, symbolExtent(), symbolExtent());
+    const QRectF symbol(clickMargin, clickMargin, symbolExtent(m_scale), symbolExtent(m_scale));
     if (focusPolicy() == Qt::NoFocus) {
         const double opacity = restOpacity + (1 - restOpacity) * m_hover.progress();
         drawSymbol(painter, symbol, m_systemName, faded(look.secondary, opacity));

@@ -16,7 +16,7 @@ class HoverIconButton final : public QAbstractButton {
     HoverIconButton(const QString &systemName, const QString &name, QWidget *parent);
     [[nodiscard]] QSize sizeHint() const override;
     /// The side of the symbol itself, in points.
-    [[nodiscard]] int symbolExtent() const;
+    [[nodiscard]] static int symbolExtent(double scale = 1);
     /// How much larger than usual the symbol is; 1 at first.
     void setScale(double scale);
 
