@@ -41,6 +41,7 @@ class AbsentDesktop final : public Accessibility,
     void createDirectory(const QString &path) override;
     [[nodiscard]] QStringList contentsOfDirectory(const QString &path) override;
     void removeItem(const QString & /*path*/) noexcept override {}
+    void removeAbandoned(const QStringList & /*beginnings*/) noexcept override {}
     void replaceItem(const QString &installed, const QString &found, const Approval &approve,
                      const std::stop_token &stop) override;
     [[nodiscard]] int run(const QString &executable, const QStringList &arguments,

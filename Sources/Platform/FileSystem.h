@@ -29,6 +29,9 @@ class FileSystem {
     [[nodiscard]] virtual QStringList contentsOfDirectory(const QString &path) = 0;
     /// Removes a file, or a folder with all that is in it; what cannot be removed stays.
     virtual void removeItem(const QString &path) noexcept = 0;
+    /// Removes what earlier runs of this user left in the temporary folder under names that begin so, and have not
+    /// touched for minutes.
+    virtual void removeAbandoned(const QStringList &beginnings) noexcept = 0;
     /// Looks at a bundle and throws when it is not to be installed.
     using Approval = std::function<void(const QString &bundle)>;
     /// Puts a copy of a bundle in the place of an installed one, or where there is none yet, as one step: whatever

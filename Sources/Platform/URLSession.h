@@ -66,6 +66,9 @@ struct URLResponse {
     QByteArray body;
 };
 
+/// What the names of downloaded files begin with.
+inline constexpr auto downloadName = "quillory-download-";
+
 /// Told how many bytes have come, and how many are to come where that is known.
 using DownloadProgress = std::function<void(qint64 received, std::optional<qint64> expected)>;
 

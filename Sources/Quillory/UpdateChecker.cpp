@@ -107,6 +107,8 @@ void startPeriodicChecks() {
 void check(bool userInitiated) {
     const std::weak_ptr<bool> life = updateState().life;
     const auto task = updateState().tasks->start([userInitiated, life](const std::stop_token &stop) {
+        // Of installs that were ended from outside.
+        platform::current().fileSystem.removeAbandoned({updateWorkName, QLatin1StringView(platform::downloadName)});
         try {
             report(fetchedFeed(stop), userInitiated, life);
         } catch (...) {

@@ -39,7 +39,7 @@ class Installing {
 
     void run() const {
         const Temporary archive(downloaded());
-        const Temporary work(platform::current().fileSystem.temporaryDirectory() + QStringLiteral("/QuilloryUpdate-") +
+        const Temporary work(platform::current().fileSystem.temporaryDirectory() + u'/' + updateWorkName +
                              QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
         platform::current().fileSystem.createDirectory(work.path());
         show(QStringLiteral("Unpacking the update…"), std::nullopt);

@@ -8,6 +8,9 @@
 
 namespace quillory {
 
+/// What the names of an update's work folders begin with.
+inline const QString updateWorkName = QStringLiteral("QuilloryUpdate-");
+
 /// What the update keeps between its steps.
 struct UpdateState {
     platform::RegistrationHandle timer;

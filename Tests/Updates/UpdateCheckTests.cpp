@@ -2,6 +2,12 @@
 #include "Quillory/UpdateChecker.h"
 #include "Updates/UpdateStory.h"
 
+#include <QDir>
+
+#include <array>
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace quillory::test {
 namespace {
 
@@ -148,6 +154,23 @@ TEST_F(UpdateCheck, IsMadeAtLaunchAndEverySixHoursAndIsSilentUnlessThereIsSometh
     application().answer(1);
     desktop.advance(21'600'000);
     EXPECT_TRUE(awaitAlerts(2)) << "what was put off comes again";
+}
+
+TEST_F(UpdateCheck, ClearsAwayWhatAnInterruptedInstallLeft) {
+    const QString temporary = folder.filePath(QStringLiteral("tmp/"));
+    for (const char *name : {"QuilloryUpdate-OLD", "QuilloryUpdate-NEW", "quillory-download-old", "another-old"}) {
+        const QString path = temporary + QLatin1StringView(name);
+        QDir().mkpath(path);
+        writeFile(path + QStringLiteral("/file"), "x", 0444);
+        if (!path.endsWith(QStringLiteral("NEW"))) {
+            const std::array<timespec, 2> longAgo{timespec{1000, 0}, timespec{1000, 0}};
+            utimensat(AT_FDCWD, qPrintable(path), longAgo.data(), 0);
+        }
+    }
+    UpdateChecker::check(false);
+    ASSERT_TRUE(awaitLog(1));
+    EXPECT_THAT(temporaryFiles(),
+                testing::UnorderedElementsAre(QStringLiteral("QuilloryUpdate-NEW"), QStringLiteral("another-old")));
 }
 
 TEST_F(UpdateCheck, CountsAsVersion0WithoutABundle) {

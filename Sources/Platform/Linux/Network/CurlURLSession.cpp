@@ -175,7 +175,7 @@ URLResponse CurlURLSession::data(const URLRequest &request, std::stop_token stop
 }
 
 QString CurlURLSession::download(const URLRequest &request, const DownloadProgress &progress, std::stop_token stop) {
-    QTemporaryFile file(QDir::tempPath() + QStringLiteral("/quillory-download-XXXXXX"));
+    QTemporaryFile file(QDir::tempPath() + u'/' + QLatin1StringView(downloadName) + QStringLiteral("XXXXXX"));
     const auto failed = [&file] {
         throw URLError("The download could not be saved: " + file.errorString().toStdString() + '.');
     };

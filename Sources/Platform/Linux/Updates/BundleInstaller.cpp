@@ -87,7 +87,7 @@ void copyFile(int from, int to, const BundleEntry &entry, const std::stop_token 
         fileTree::writeAll(copy.get(), piece);
     });
     fileTree::checked(::fchmod(copy.get(), entry.mode & bundleMode), QStringLiteral("A mode could not be set"));
-    sync(copy.get());
+    ::sync_file_range(copy.get(), 0, 0, SYNC_FILE_RANGE_WRITE); // it need not wait for the next file
 }
 
 /// Copies a bundle into a new folder of that name, on the disk when this returns, and gives the open copy.
@@ -104,9 +104,7 @@ FileDescriptor stage(int folder, const QByteArray &name, const QString &found, c
         }
     }
     for (const BundleEntry &entry : entries) {
-        if (entry.isFolder) {
-            sync(fileTree::openBelow(to.get(), entry.path).get());
-        }
+        sync(fileTree::openBelow(to.get(), entry.path).get());
     }
     sync(to.get());
     return to;

@@ -10,7 +10,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <ctime>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace platform::desktop {
 
@@ -33,6 +35,24 @@ QStringList LinuxFileSystem::contentsOfDirectory(const QString &path) {
 
 void LinuxFileSystem::removeItem(const QString &path) noexcept {
     fileTree::remove(AT_FDCWD, QFile::encodeName(applications::resolved(path)).constData());
+}
+
+void LinuxFileSystem::removeAbandoned(const QStringList &beginnings) noexcept {
+    // A download that lives gets bytes or gives up sooner.
+    constexpr time_t abandonedAfter = 600;
+    QStringList patterns;
+    for (const QString &beginning : beginnings) {
+        patterns += beginning + u'*';
+    }
+    const QDir folder(temporaryDirectory());
+    for (const QString &name : folder.entryList(patterns, QDir::AllEntries | QDir::Hidden | QDir::System)) {
+        struct stat status {};
+        const QByteArray path = QFile::encodeName(folder.filePath(name));
+        if (::lstat(path.constData(), &status) == 0 && status.st_uid == ::geteuid() &&
+            status.st_mtime + abandonedAfter < ::time(nullptr)) {
+            fileTree::remove(AT_FDCWD, path.constData());
+        }
+    }
 }
 
 void LinuxFileSystem::replaceItem(const QString &installed, const QString &found, const Approval &approve,

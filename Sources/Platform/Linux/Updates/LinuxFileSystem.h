@@ -12,6 +12,7 @@ class LinuxFileSystem final : public FileSystem {
     void createDirectory(const QString &path) override;
     [[nodiscard]] QStringList contentsOfDirectory(const QString &path) override;
     void removeItem(const QString &path) noexcept override;
+    void removeAbandoned(const QStringList &beginnings) noexcept override;
     void replaceItem(const QString &installed, const QString &found, const Approval &approve,
                      const std::stop_token &stop) override;
 };

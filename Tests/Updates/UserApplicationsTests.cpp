@@ -1,0 +1,131 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Updates/LinuxFileSystem.h"
+#include "Platform/Linux/Updates/LinuxSystemTools.h"
+#include "Platform/Linux/Updates/UserApplications.h"
+#include "Quillory/UpdateChecker.h"
+#include "RealDesktop/ChildProcess.h"
+#include "Updates/SampleBundle.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace quillory::test {
+namespace {
+
+using platform::FileError;
+using platform::desktop::LinuxFileSystem;
+using platform::desktop::LinuxSystemTools;
+using platform::desktop::SigningKey;
+using testing::HasSubstr;
+using testing::Not;
+
+class UserApplications : public testing::Test {
+  protected:
+    UserApplications() {
+        qputenv("XDG_DATA_HOME", folder.path().toUtf8());
+        LinuxFileSystem().createDirectory(own);
+        makeSignedBundle(installed, 2);
+    }
+    ~UserApplications() override { qunsetenv("XDG_DATA_HOME"); }
+
+    [[nodiscard]] QByteArray preferred(const QString &running) const {
+        return platform::desktop::applications::programToPrefer(running, UpdateChecker::isNewer);
+    }
+
+    QTemporaryDir folder{folderTemplate()};
+    QString own = folder.filePath(QStringLiteral("quillory/Applications/Quillory.app"));
+    QString installed = folder.filePath(QStringLiteral("usr/lib/quillory/Quillory.app"));
+};
+
+TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
+    const QByteArray ownProgram = own.toUtf8() + "/quillory";
+    const struct {
+        const char *what;
+        std::function<void()> change;
+        bool isPreferred;
+    } cases[] = {
+        {"newer", [&] { makeSignedBundle(own, 3); }, true},
+        {"the same", [&] { makeSignedBundle(own, 2); }, false},
+        {"older", [&] { makeSignedBundle(own, 1); }, false},
+        {"unsigned", [&] { makeBundle(own, 3); }, false},
+        {"of another key", [&] { makeSignedBundle(own, 3, SigningKey::generated(team)); }, false},
+        {"changed since",
+         [&] {
+             makeSignedBundle(own, 3);
+             writeFile(own + QStringLiteral("/quillory"), "#!/bin/sh", 0755);
+         },
+         false},
+        {"left half way where names cannot be exchanged",
+         [&] { makeSignedBundle(own + QStringLiteral(".previous"), 3); }, true},
+        {"none", [] {}, false},
+    };
+    for (const auto &[what, change, isPreferred] : cases) {
+        QDir(own).removeRecursively();
+        change();
+        EXPECT_EQ(preferred(installed), isPreferred ? ownProgram : QByteArray()) << what;
+    }
+    makeSignedBundle(own, 3);
+    EXPECT_EQ(preferred(own), "") << "it runs already";
+    QFile::remove(installed + QStringLiteral("/Manifest"));
+    EXPECT_EQ(preferred(installed), "") << "a program that was just built runs itself";
+}
+
+TEST_F(UserApplications, AreMadeInFreshFoldersOnly) {
+    const QString path = folder.filePath(QStringLiteral("work"));
+    QDir().mkpath(path);
+    EXPECT_THROW(LinuxFileSystem().createDirectory(path), FileError) << "that another user may have made";
+    QFile::link(folder.path(), folder.filePath(QStringLiteral("link")));
+    EXPECT_THROW(LinuxFileSystem().createDirectory(folder.filePath(QStringLiteral("link"))), FileError);
+    LinuxFileSystem().createDirectory(folder.filePath(QStringLiteral("fresh")));
+    EXPECT_EQ(QFile::permissions(folder.filePath(QStringLiteral("fresh"))) &
+                  (QFile::ReadGroup | QFile::ReadOther | QFile::ExeGroup | QFile::ExeOther),
+              QFile::Permissions());
+}
+
+TEST_F(UserApplications, AreOpenedDetachedFromWhatEnds) {
+    const QString seen = folder.filePath(QStringLiteral("seen"));
+    const QByteArray script = "#!/bin/sh\n(readlink /proc/$$/fd/*; cut -d' ' -f4,6 /proc/$$/stat) >" + seen.toUtf8() +
+                              ".new; mv " + seen.toUtf8() + ".new " + seen.toUtf8() + '\n';
+    makeBundle(own, 3);
+    writeFile(own + QStringLiteral("/quillory"), script, 0755);
+    const pid_t program = fork();
+    if (program == 0) {
+        (void)open(qPrintable(own + QStringLiteral("/Info.json")), O_RDONLY); // inherited, unless somebody sees to it
+        LinuxSystemTools().startDetached(
+            QStringLiteral("/bin/sh"),
+            {QStringLiteral("-c"), QStringLiteral("sleep 1; open '/Applications/Quillory.app'")});
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(program, &status, 0);
+    ASSERT_EQ(status, 0);
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(seen); }));
+    const std::string found = readFile(seen).toStdString();
+    EXPECT_THAT(found, HasSubstr("/dev/null\n/dev/null\n"));
+    EXPECT_THAT(found, Not(HasSubstr("Info.json")));
+    EXPECT_THAT(found, Not(HasSubstr(' ' + std::to_string(getsid(0)) + '\n'))) << "it has a session of its own";
+}
+
+TEST_F(UserApplications, AreAllThatToolsAreStartedFor) {
+    const QStringList unpack{QStringLiteral("-xk"), QStringLiteral("/none"), QStringLiteral("/none")};
+    LinuxSystemTools tools;
+    EXPECT_EQ(tools.run(QStringLiteral("/usr/bin/ditto"), unpack, {}), 1);
+    EXPECT_THROW((void)tools.run(QStringLiteral("/bin/rm"), unpack, {}), FileError);
+    EXPECT_THROW((void)tools.run(QStringLiteral("/usr/bin/ditto"), {QStringLiteral("-c")}, {}), FileError);
+    for (const char *command :
+         {"rm -rf /", "sleep 1; open '/Applications/Quillory.app'; rm", "sleep 1; open '/Applications/None.app'"}) {
+        EXPECT_THROW(tools.startDetached(QStringLiteral("/bin/sh"), {QStringLiteral("-c"), QLatin1StringView(command)}),
+                     FileError)
+            << command;
+    }
+}
+
+} // namespace
+} // namespace quillory::test
