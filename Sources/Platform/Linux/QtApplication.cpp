@@ -96,7 +96,8 @@ class QtProgressWindow final : public ProgressWindow {
         auto *const layout = new QVBoxLayout(&m_dialog);
         layout->addWidget(m_label);
         layout->addWidget(m_bar);
-        auto *const box = new QDialogButtonBox(QDialogButtonBox::Cancel);
+        auto *const box = new QDialogButtonBox;
+        box->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
         layout->addWidget(box);
         m_bar->setTextVisible(false);
         m_bar->setRange(0, 0);
