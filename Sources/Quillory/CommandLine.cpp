@@ -45,6 +45,7 @@ Environment:
   OPENROUTER_API_KEY       the API key, when the settings have none
   QUILLORY_MODEL_SERVICE   address of another service that speaks the same protocol; its scheme, host and port
                            count, the path stays /api/v1/chat/completions
+  QUILLORY_UPDATE_FEED     address of another server that announces versions; the path stays /version.json
 
 Exit status: 0 done, 1 it failed or there is nothing to show, 2 wrong arguments.
 )";
