@@ -19,6 +19,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace quillory::ui {
 
@@ -35,7 +36,7 @@ bool isAgreed(QWidget *parent, const Offer &offer) {
 SetupWindow::SetupWindow(SetupWork work)
     : m_work(work), m_list(new QScrollArea), m_key(new KeySection([this](const QString &typed) { saveKey(typed); })),
       m_status(new FormText({}, captionPoints, Tint::secondary)),
-      m_again(new QPushButton(QStringLiteral("Check &Again"))) {
+      m_again(new QPushButton(QStringLiteral("Check &Again"))), m_close(new QPushButton(QStringLiteral("&Close"))) {
     setWindowTitle(QStringLiteral("Set Up Quillory"));
     setWindowIcon(programIcon());
     m_list->setWidgetResizable(true);
@@ -65,14 +66,13 @@ QWidget *SetupWindow::bottomRow() {
     auto *const line = new QHBoxLayout(row);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(10);
-    auto *const closing = new QPushButton(QStringLiteral("&Close"));
     line->addWidget(m_status, 1);
     line->addWidget(m_again);
-    line->addWidget(closing);
+    line->addWidget(m_close);
     m_again->setAutoDefault(false);
-    closing->setAutoDefault(false);
+    m_close->setAutoDefault(false);
     connect(m_again, &QPushButton::clicked, this, [this] { look(); });
-    connect(closing, &QPushButton::clicked, this, [this] { close(); });
+    connect(m_close, &QPushButton::clicked, this, [this] { close(); });
     return row;
 }
 
@@ -112,6 +112,7 @@ void SetupWindow::show(std::vector<Finding> findings) {
     column->addWidget(section);
     column->addStretch(1);
     m_list->setWidget(page);
+    orderFocus(*page);
     page->setAutoFillBackground(false);
     m_canWork = quillory::canWork(findings);
     m_key->setKeyKnown(
@@ -120,6 +121,18 @@ void SetupWindow::show(std::vector<Finding> findings) {
                                 ? QStringLiteral("Everything is ready. Click into WhatsApp's message box and type.")
                                 : QStringLiteral("Something is missing still.");
     m_status->setText(m_outcome.isEmpty() ? verdict : m_outcome + u' ' + verdict);
+}
+
+/// By keyboard one goes through the window from its top to its bottom, and after mending something to what is left.
+void SetupWindow::orderFocus(const QWidget &page) {
+    const auto buttons = page.findChildren<QPushButton *>();
+    if (!buttons.isEmpty()) {
+        setTabOrder(buttons.last(), m_again);
+        setTabOrder(m_again, m_close);
+    }
+    if (std::exchange(m_hasMended, false)) {
+        (buttons.isEmpty() ? m_close : buttons.first())->setFocus(Qt::TabFocusReason);
+    }
 }
 
 void SetupWindow::mend(const Finding &finding) {
@@ -136,6 +149,7 @@ void SetupWindow::mend(const Finding &finding) {
         [work = m_work, finding](const std::stop_token & /*stop*/) { return work.mend(finding); },
         [this](const QString &outcome) {
             m_outcome = outcome;
+            m_hasMended = true;
             look();
         });
 }

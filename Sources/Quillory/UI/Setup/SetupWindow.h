@@ -32,6 +32,7 @@ class SetupWindow final : public QWidget {
     template <typename Work, typename Done> void start(const QString &said, Work work, Done done);
     void look();
     void show(std::vector<Finding> findings);
+    void orderFocus(const QWidget &page);
     void mend(const Finding &finding);
     void saveKey(const QString &typed);
     void setBusy(bool isBusy, const QString &said);
@@ -42,8 +43,10 @@ class SetupWindow final : public QWidget {
     KeySection *m_key;
     FormText *m_status;
     QPushButton *m_again;
+    QPushButton *m_close;
     bool m_isBusy = false;
     bool m_canWork = false;
+    bool m_hasMended = false;
     /// What the last change said, shown until the next one.
     QString m_outcome;
     std::shared_ptr<bool> m_life = std::make_shared<bool>(true);
