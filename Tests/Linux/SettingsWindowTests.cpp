@@ -204,6 +204,11 @@ TEST_F(SettingsWindowTest, StoresWhatTheUserSetsAndShowsWhatOthersStore) {
     auto *const characters = child<QSpinBox>();
     enabled->click();
     EXPECT_EQ(stored(settingsKey::enabled), DefaultsValue(false));
+    QStringList tones;
+    for (int i = 0; i < tone->count(); ++i) {
+        tones.append(tone->itemText(i));
+    }
+    EXPECT_EQ(tones.join(u'|'), u"Professional|Friendly|Concise|Grammar only"_s);
     tone->setFocus();
     press(tone, Qt::Key_Down);
     EXPECT_EQ(stored(settingsKey::tone), DefaultsValue(u"Friendly"_s));
@@ -345,6 +350,14 @@ TEST_F(SettingsWindowTest, TakesAnyText) {
     question->paste();
     EXPECT_EQ(AppSettings::shared().faqEntries().constLast().question, u"ab[1mc d e😊"_s);
 
+    for (const auto &[text, side] :
+         {std::pair(u"\n12 دينار\nhello"_s, Qt::AlignRight), {u"hello\nدينار"_s, Qt::AlignLeft}}) {
+        desktop.userDefaults.set(settingsKey::businessProfile, text);
+        question->setFocus();
+        desktop.advance(200);
+        EXPECT_EQ(profile->document()->defaultTextOption().alignment(), side) << text.toStdString();
+    }
+
     const QString large = u"We sell dresses and deliver all over Bahrain.\n"_s.repeated(22'000);
     desktop.userDefaults.set(settingsKey::businessProfile, large);
     desktop.advance(200);
@@ -412,10 +425,12 @@ TEST_F(SettingsWindowTest, FitsItsWindow) {
             desktop.applications.trusted = trusted;
             open();
             expectNothingClipped("general, " + name.toStdString());
+            EXPECT_EQ(child<QSlider>()->width(), 180);
             savePicture(u"settings-general-"_s + name + (trusted ? u""_s : u"-untrusted"_s), *window);
         }
         open(1);
         expectNothingClipped("business, " + name.toStdString());
+        EXPECT_EQ(child<QPlainTextEdit>()->height(), 8 * points);
         savePicture(u"settings-business-"_s + name, *window);
     }
 }
