@@ -118,6 +118,21 @@ bool isInFront(const char *title) {
     return asking.waitForFinished() && asking.readAllStandardOutput().trimmed() == title;
 }
 
+/// Clicks on the button that the offer's row of buttons begins with.
+void clickInstall() {
+    constexpr int fromTheLeft = 290;
+    constexpr int fromTheBottom = 30;
+    const QString active = QStringLiteral("getactivewindow");
+    const QByteArray frame =
+        succeed(QStringLiteral("xdotool"), {active, QStringLiteral("getwindowgeometry"), QStringLiteral("--shell")});
+    const QByteArray label = "HEIGHT=";
+    const int height = frame.sliced(frame.indexOf(label) + label.size()).split('\n').first().toInt();
+    succeed(QStringLiteral("xdotool"),
+            {active, QStringLiteral("mousemove"), QStringLiteral("--window"), QStringLiteral("%1"),
+             QString::number(fromTheLeft), QString::number(height - fromTheBottom), QStringLiteral("click"),
+             QStringLiteral("1")});
+}
+
 class Update : public testing::Test {
   protected:
     Update() {
@@ -132,9 +147,9 @@ class Update : public testing::Test {
         succeed(program, {QStringLiteral("defaults"), QStringLiteral("write"), QStringLiteral("tone"),
                           QStringLiteral("Friendly")});
         ChildProcess first({program.toStdString()});
-        ASSERT_TRUE(waitUntil([] { return isInFront("Quillory"); })) << Assistant::log().toStdString();
+        ASSERT_TRUE(waitUntil([] { return isInFront("Quillory"); }, 30'000)) << Assistant::log().toStdString();
         EXPECT_EQ(Assistant::timesLogged(QStringLiteral("update available: 2 (running 1)")), 1);
-        keyboard::tap("Return");
+        clickInstall();
         ASSERT_TRUE(waitUntil([&] { return !first.isRunning(); }, 30'000)) << Assistant::log().toStdString();
         EXPECT_EQ(first.end(), 0);
         ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 1; }, 30'000))
@@ -165,7 +180,7 @@ TEST_F(Update, TakesPrecedenceOverTheDebianPackage) {
     const QString installed = maker.in("root") + QStringLiteral("/usr/bin/quillory");
     expectUpdate(installed);
     const ChildProcess again({installed.toStdString()});
-    EXPECT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 2; }))
+    EXPECT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 2; }, 30'000))
         << Assistant::log().toStdString();
 }
 
