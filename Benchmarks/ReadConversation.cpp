@@ -125,7 +125,7 @@ void compare(const platform::AXUIElement &page, AtspiAccessible *samePage, bool 
     Walked walked;
     for (int round = 0; round < rounds; ++round) {
         auto start = Clock::now();
-        const auto read = page.copySubtree(limits, AXFreshness::now);
+        const auto read = page.copySubtree(limits, AXFreshness::now());
         inBulk.push_back(millisecondsSince(start));
         nodes = std::max(nodes, read.size());
         walked = {};

@@ -34,7 +34,10 @@ struct RewriteStory : test::MonitorStory {
 
 TEST_F(RewriteStory, ADraftBecomesBetterFromTypingToTab) {
     desktop.pasteboard.copy(text("the user's own"));
-    type(draft, 300);
+    const int announcedBefore = page->announced;
+    type(draft, 200);
+    EXPECT_GT(page->announced, announcedBefore) << "the conversation must be at hand when the draft is asked about";
+    desktop.advance(100);
     EXPECT_THAT(newLog(), ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5)")));
     const auto request = desktop.urlSession.exchange(0);
     EXPECT_TRUE(request->request().body.contains(text("«customer» do you have it in blue?").toUtf8()));

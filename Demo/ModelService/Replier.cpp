@@ -40,7 +40,7 @@ QSet<QString> tellingWords(const QString &text) {
     return result;
 }
 
-/// What the customer said since the business last wrote; empty when the business wrote last.
+/// The last line that the customer wrote; empty when the business wrote after it.
 QString lastQuestion(const QString &conversation) {
     QStringList said;
     const QStringList lines = conversation.split(u'\n', Qt::SkipEmptyParts);

@@ -20,7 +20,7 @@ class AbsentElement final : public AXElementBackend {
                                                          AXFreshness /*freshness*/) const override {
         return {};
     }
-    void prepareSubtree(AXSubtreeLimits /*limits*/) const override {}
+    void prepareSubtree(AXSubtreeLimits /*limits*/, AXFreshness /*freshness*/) const override {}
 };
 
 [[noreturn]] void throwNoFiles() {

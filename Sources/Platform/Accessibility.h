@@ -6,6 +6,7 @@
 #include <QString>
 #include <QUrl>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <variant>
@@ -62,10 +63,15 @@ struct AXSubtreeLimits {
     friend bool operator==(const AXSubtreeLimits &, const AXSubtreeLimits &) = default;
 };
 
-/// How old the outcome of a bulk read may be: as the desktop last saw it, a moment ago and usually kept up to date
-/// since, or read after the question, which takes longer and may fail. What decides where words are written needs the
-/// latter.
-enum class AXFreshness { recent, now };
+/// How old the outcome of a bulk read may be. What decides where words are written asks for now(); who gets no answer
+/// may ask again with the same value, and then gets what was read since it was made.
+struct AXFreshness {
+    /// Absent: as the desktop last saw it, a moment ago and usually kept up to date since.
+    std::optional<std::chrono::steady_clock::time_point> notBefore;
+
+    /// Read from this moment on, which takes longer and may fail.
+    static AXFreshness now() { return {std::chrono::steady_clock::now()}; }
+};
 
 /// One element of a bulk read. The value and the frame (accessibility coordinates) are read for static texts alone, the
 /// frame for those that are not blank.
@@ -98,8 +104,9 @@ class AXElementBackend {
     /// a recent one may be there a moment later.
     [[nodiscard]] virtual std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits,
                                                                  AXFreshness freshness) const = 0;
-    /// Says that a recent copySubtree() will be asked for soon. Never waits.
-    virtual void prepareSubtree(AXSubtreeLimits limits) const = 0;
+    /// Says that a recent copySubtree() will be asked for soon, for which nothing will do that is older than this, if
+    /// it is known to have changed. Never waits.
+    virtual void prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness) const = 0;
 };
 
 /// A handle on one element (a window, a field, a text, a whole application) of some application's accessibility tree.
@@ -114,11 +121,12 @@ class AXUIElement {
     }
     bool setAttributeValue(QLatin1StringView attribute, const AXValue &value) const;
     [[nodiscard]] qint32 pid() const { return m_backend->pid(); }
-    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits,
-                                                         AXFreshness freshness = AXFreshness::recent) const {
+    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits, AXFreshness freshness = {}) const {
         return m_backend->copySubtree(limits, freshness);
     }
-    void prepareSubtree(AXSubtreeLimits limits) const { m_backend->prepareSubtree(limits); }
+    void prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness) const {
+        m_backend->prepareSubtree(limits, freshness);
+    }
     /// For the desktop layer, which knows what it put in.
     [[nodiscard]] const AXElementBackend &backend() const { return *m_backend; }
 

@@ -103,23 +103,28 @@ std::optional<AXUIElement> conversationRoot(const AXUIElement &element) {
 
 } // namespace
 
-std::optional<Conversation> extract(const AXUIElement &element, platform::AXFreshness freshness) {
-    const auto root = conversationRoot(element);
-    if (!root) {
-        return std::nullopt;
-    }
-    const Column column = columnAround(AXText::frame(element));
-    QStringList lines = messageLines(root->copySubtree(walkLimits, freshness), column);
-    if (lines.isEmpty()) {
-        return std::nullopt;
-    }
-    const QString text = transcript(std::move(lines));
-    return Conversation{text, text::hash(text)};
+std::optional<Conversation> extract(const AXUIElement &element) {
+    return look(element, {}).conversation;
 }
 
-void prepare(const AXUIElement &element) {
+Look look(const AXUIElement &element, platform::AXFreshness freshness) {
+    const auto root = conversationRoot(element);
+    if (!root) {
+        return {};
+    }
+    const Column column = columnAround(AXText::frame(element));
+    const auto nodes = root->copySubtree(walkLimits, freshness);
+    QStringList lines = messageLines(nodes, column);
+    if (lines.isEmpty()) {
+        return {!nodes.empty(), std::nullopt};
+    }
+    const QString text = transcript(std::move(lines));
+    return {true, Conversation{text, text::hash(text)}};
+}
+
+void prepare(const AXUIElement &element, platform::AXFreshness freshness) {
     if (const auto root = conversationRoot(element)) {
-        root->prepareSubtree(walkLimits);
+        root->prepareSubtree(walkLimits, freshness);
     }
 }
 

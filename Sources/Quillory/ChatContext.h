@@ -28,11 +28,16 @@ struct Conversation {
     std::int64_t hash = 0;
 };
 
-/// The conversation around a message box, or absent when there is none.
-[[nodiscard]] std::optional<Conversation> extract(const platform::AXUIElement &element,
-                                                  platform::AXFreshness freshness = platform::AXFreshness::recent);
-/// Has the conversation read ahead that will be asked for soon. Never waits for it.
-void prepare(const platform::AXUIElement &element);
+/// The conversation around a message box as it was seen last, or absent when there is none.
+[[nodiscard]] std::optional<Conversation> extract(const platform::AXUIElement &element);
+/// The same, telling a page without a conversation from one that cannot be read at the moment.
+struct Look {
+    bool isAnswered = false;
+    std::optional<Conversation> conversation;
+};
+[[nodiscard]] Look look(const platform::AXUIElement &element, platform::AXFreshness freshness);
+/// Has the conversation read ahead that will be asked for soon, so that it is no older than this. Never waits for it.
+void prepare(const platform::AXUIElement &element, platform::AXFreshness freshness);
 /// What an element was taken for, and what that was judged by.
 struct Recognition {
     enum class Evidence {

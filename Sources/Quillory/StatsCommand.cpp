@@ -16,7 +16,7 @@ namespace quillory {
 namespace {
 
 // Identifiers have some fifty characters; a line of this length is no record.
-constexpr qint64 longestLine = 64 * 1024;
+constexpr qint64 longestLine = 4 * 1024;
 constexpr qsizetype shownDamage = 60;
 constexpr int slowPercent = 90;
 

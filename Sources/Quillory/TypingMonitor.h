@@ -4,6 +4,7 @@
 #include "Platform/Accessibility.h"
 #include "Platform/MainQueue.h"
 #include "Quillory/AppSettings.h"
+#include "Quillory/ChatContext.h"
 #include "Quillory/ModelStream.h"
 #include "Quillory/ReplyRules.h"
 #include "Quillory/SuggestionKind.h"
@@ -84,11 +85,22 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
 
     // Accept and dismiss (TypingMonitorAccept.cpp).
     void connectPanel();
+    /// The card that the user took, whose stream it shows, and when: the conversation is read from then on.
+    struct Choice {
+        qint64 index;
+        StreamPointer stream;
+        platform::AXFreshness askedAt;
+    };
     void accept(qint64 index);
+    void accept(const Choice &choice, int looksLeft);
+    void insert(const QString &text, const Element &target);
+    [[nodiscard]] StreamPointer streamAt(qint64 index) const;
+    /// A look at the conversation that a reply would go into; absent for a rewrite.
+    [[nodiscard]] std::optional<ChatContext::Look> guardedLook(const Element &target, platform::AXFreshness since,
+                                                               bool isLast) const;
+    /// Whether a reply belongs to a conversation; logs that it does not.
+    [[nodiscard]] bool isDraftedFor(const ChatContext::Conversation &conversation) const;
     void dismiss();
-    /// How much of the conversation that a reply was drafted for is still around its field; absent for a rewrite, and
-    /// where it cannot be read.
-    [[nodiscard]] std::optional<double> conversationOverlap(const Element &target) const;
     void recordChoice(std::size_t index) const;
     void acceptForDebugging();
 

@@ -120,7 +120,8 @@ void TypingMonitor::adopt(const Element &element, bool isText) {
     m_focusIsBrowserUI = isText && AXText::isBrowserUIField(element);
     m_focusIsChatApp = isText && ChatContext::isChatApp(element);
     if (m_focusIsChatApp) {
-        ChatContext::prepare(element);
+        // The field may have got the focus because another conversation came.
+        ChatContext::prepare(element, platform::AXFreshness::now());
     }
 }
 
@@ -216,6 +217,8 @@ void TypingMonitor::followPause(const Element &element, const QString &value) {
     }
     switch (pausePhase(now - *m_lastChangeAt, store.integer(settingsKey::debounceMs))) {
     case PausePhase::wait:
+        // Nobody has looked at the conversation while the draft was typed.
+        ChatContext::prepare(element, {});
         break;
     case PausePhase::prefetch:
         prefetchSuggestion(element, value);

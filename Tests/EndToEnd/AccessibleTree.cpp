@@ -19,7 +19,7 @@ template <class T> std::optional<T> read(const AXUIElement &element, QLatin1Stri
 QStringList textsIn(const std::optional<AXUIElement> &root) {
     QStringList texts;
     if (root) {
-        for (const auto &node : root->copySubtree({.maxDepth = 21, .maxNodes = 2500}, platform::AXFreshness::now)) {
+        for (const auto &node : root->copySubtree({.maxDepth = 21, .maxNodes = 2500}, platform::AXFreshness::now())) {
             texts.append(node.value.value_or(QString()));
         }
     }
@@ -32,13 +32,14 @@ bool oneBegins(const QStringList &texts, const QString &start) {
 
 } // namespace
 
-bool AccessibleTree::pageLacks(const QString &text) {
+bool AccessibleTree::pageShows(const QStringList &wanted, const QString &unwanted) {
     auto element = read<AXUIElement>(m_accessibility.createSystemWide(), axAttribute::focusedUIElement);
     while (element && read<QString>(*element, axAttribute::role) != platform::axRole::webArea) {
         element = read<AXUIElement>(*element, axAttribute::parent);
     }
     const QStringList texts = textsIn(element);
-    return !texts.isEmpty() && !oneBegins(texts, text);
+    return !oneBegins(texts, unwanted) &&
+           std::ranges::all_of(wanted, [&](const QString &text) { return oneBegins(texts, text); });
 }
 
 bool AccessibleTree::windowShows(qint32 pid, const QString &text) {

@@ -56,16 +56,19 @@ class ConversationGuard : public ReplyStory {
 
   private:
     bool switchesTo(const char *chat) {
-        const QString lastBefore = lastMessage();
-        return clickChat(QLatin1StringView(chat)) && waitUntil([&] { return m_tree->pageLacks(lastBefore); });
+        const QStringList before = messages();
+        return clickChat(QLatin1StringView(chat)) &&
+               waitUntil([&] { return m_tree->pageShows(messages(), before.last()); });
     }
 
-    [[nodiscard]] QString lastMessage() const {
-        QString last;
+    [[nodiscard]] QStringList messages() const {
+        QStringList messages;
         for (const ChatPage::Text &text : m_page.state().texts) {
-            last = text.kind == QStringLiteral("message") ? text.text : last;
+            if (text.kind == QStringLiteral("message")) {
+                messages.append(text.text);
+            }
         }
-        return last;
+        return messages;
     }
 
     bool tabIsTaken(const Held &held) {
@@ -100,6 +103,14 @@ TEST_P(ConversationGuard, TabGivesNoReplyToAnotherChatUnlessHalfOfItsLinesAreThe
     EXPECT_TRUE(boxHolds(reply));
     EXPECT_EQ(Assistant::timesLogged(QStringLiteral("accept blocked")), 2);
     EXPECT_TRUE(m_page.state().sent.isEmpty());
+}
+
+TEST_P(ConversationGuard, HoldsWhereAnotherChatMakesTheBoxAnew) {
+    ASSERT_NO_FATAL_FAILURE(openChat(QStringLiteral("?remake")));
+    ASSERT_TRUE(tapsTabInTime("mariam", "bakery"));
+    EXPECT_EQ(blockedWith(), "accept blocked: only 0% conversation overlap (chat switch)");
+    EXPECT_TRUE(m_page.text().isEmpty());
+    EXPECT_THAT(Assistant::choices(), testing::IsEmpty());
 }
 
 } // namespace

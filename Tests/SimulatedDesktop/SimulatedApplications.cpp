@@ -56,7 +56,7 @@ class SimulatedElement final : public platform::AXElementBackend {
         }
         return nodes;
     }
-    void prepareSubtree(platform::AXSubtreeLimits) const override {}
+    void prepareSubtree(platform::AXSubtreeLimits, platform::AXFreshness) const override { ++m_node->announced; }
 
   private:
     template <class T> static std::optional<T> get(const SimulatedNode &node, QLatin1StringView attribute) {

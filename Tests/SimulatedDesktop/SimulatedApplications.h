@@ -29,6 +29,8 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
     std::function<std::optional<QString>(const QString &)> onWrite = [](const QString &text) { return text; };
     bool settable = false;
     std::optional<platform::AXRange> caret;
+    /// How often somebody said that what lies below will be read soon.
+    int announced = 0;
 
     [[nodiscard]] platform::AXUIElement element();
     Node add(QLatin1StringView role);

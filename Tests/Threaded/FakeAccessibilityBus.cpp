@@ -127,7 +127,7 @@ void FakeAccessibilityBus::focus(const std::string &path, bool tell) {
 
 void FakeAccessibilityBus::tell(const std::string &path, const std::string &event) {
     const std::scoped_lock lock(m_mutex);
-    m_pendingSignals.push_back({path, event, "add"});
+    m_pendingSignals.push_back({path, event, event == "PropertyChange" ? "accessible-name" : "add"});
 }
 
 void FakeAccessibilityBus::setToolkit(const char *toolkit) {

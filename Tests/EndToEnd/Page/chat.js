@@ -2,6 +2,7 @@
 // A web chat of our own. Its address chooses how it is built:
 //   ?box=textarea, ?box=password   another message box than the rich-text editor
 //   ?language=ar                   in Arabic, from right to left
+//   ?remake                        each chat that is opened makes the message box anew
 //   ?long=N                        the first chat has N messages; &rows=all puts them all into the page at once
 // It tells its server what its own document holds, so that a test need not ask the browser, and does what the server says.
 import { languages, longChat } from './chats.js';
@@ -82,6 +83,9 @@ function show(chat) {
   document.querySelector('.presence').textContent = chat.presence;
   showChats();
   conversation.open(chat.messages);
+  if (options.has('remake') && document.getElementById('box')) {
+    buildBox('').focus();
+  }
 }
 
 function send(text) {

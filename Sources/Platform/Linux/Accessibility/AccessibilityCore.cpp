@@ -19,12 +19,16 @@ constexpr auto subtreeWait = 200ms;
 constexpr auto pageWait = 10ms;
 // The questions of one tick follow each other within this time.
 constexpr auto sameMoment = 40ms;
-// How old an answer may be when its application is too busy for a new one.
+// How old an answer may be when its application is too busy for a new one. Fields seldom move.
 constexpr auto oldestAnswer = 1s;
+constexpr auto oldestFrame = 5s;
+constexpr auto oldestCopy = 3s;
 // An element that was not named the last time is asked about at once, and what cannot be answered then is taken for no.
 constexpr auto oldestConfirmation = 300ms;
 constexpr auto wantedFor = 1s;
+// After this time the chain above the focused element is asked anew, after the longer one it is waited for.
 constexpr auto ancestryLifetime = 1s;
+constexpr auto oldestAncestry = 4s;
 } // namespace
 
 AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints,
@@ -152,20 +156,28 @@ std::shared_ptr<const Ancestry> AccessibilityCore::ancestryAround(const ElementR
     if (told == nullptr || (told->element.ref != ref && told->find(ref) == nullptr)) {
         return nullptr;
     }
-    if (Clock::now() - told->takenAt >= ancestryLifetime) {
-        const auto focused = told->element.ref;
-        auto fresh = m_reader.ask(questionWait, [focused](Session &session) {
+    const auto age = Clock::now() - told->takenAt;
+    const bool isUnderWay = m_chain != nullptr && !m_chain->isFinished();
+    if (age >= ancestryLifetime && !isUnderWay) {
+        m_chain = m_reader.start([focused = told->element.ref](Session &session) {
             return session.focus() != nullptr ? session.focus()->ancestryOf(focused) : nullptr;
         });
-        m_told.ancestry = fresh.value_or(nullptr);
+    }
+    if (age >= oldestAncestry) {
+        m_told.ancestry = m_reader.await(*m_chain, questionWait).value_or(nullptr);
+        m_unclimbableUntil = m_told.ancestry == nullptr ? Clock::now() + ancestryLifetime : Clock::time_point();
     }
     return m_told.ancestry;
+}
+
+bool AccessibilityCore::isUnclimbable(const ElementRef &ref) const {
+    return m_told.element && m_told.element->ref == ref && Clock::now() < m_unclimbableUntil;
 }
 
 std::optional<AXValue> AccessibilityCore::fromAncestry(const Handle &element, QLatin1StringView name) {
     const auto ancestry = ancestryAround(element.ref);
     if (ancestry == nullptr) {
-        return fromQuery(element, name);
+        return isUnclimbable(element.ref) ? std::nullopt : fromQuery(element, name);
     }
     const auto *level = ancestry->find(element.ref);
     if (name == axAttribute::parent) {
@@ -191,7 +203,7 @@ std::optional<AXValue> AccessibilityCore::fromAncestry(const Handle &element, QL
 // Who is a little late has not moved meanwhile. Without the field's frame nobody knows who wrote what around it.
 const FieldSnapshot *AccessibilityCore::lastTold(const ElementRef &ref) const {
     const bool isTold = m_told.element && m_told.element->ref == ref && m_told.snapshot != nullptr;
-    return isTold && Clock::now() - m_told.snapshot->takenAt < oldestAnswer ? m_told.snapshot.get() : nullptr;
+    return isTold && Clock::now() - m_told.snapshot->takenAt < oldestFrame ? m_told.snapshot.get() : nullptr;
 }
 
 std::optional<AXValue> AccessibilityCore::fromSnapshot(const Handle &element, QLatin1StringView name) {
@@ -322,20 +334,20 @@ std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXS
         return {};
     }
     const PageName page{element.ref, limits};
-    const bool isNow = freshness == AXFreshness::now;
     const auto askedAt = Clock::now();
     auto mirrored = m_reader.board().page();
-    const auto request = requestPage(page, isNow ? askedAt : Clock::time_point());
-    if (isNow || !mirrored.isFresh(page, askedAt)) {
-        m_reader.await(*request, isNow ? subtreeWait : pageWait);
+    const auto request = requestPage(page, freshness.notBefore.value_or(Clock::time_point()));
+    const bool isGood =
+        freshness.notBefore ? mirrored.wasReadSince(page, *freshness.notBefore) : mirrored.isFresh(page, askedAt);
+    if (!isGood) {
+        m_reader.await(*request, freshness.notBefore ? subtreeWait : pageWait);
         mirrored = m_reader.board().page();
     }
-    const auto oldest = isNow                             ? askedAt
-                        : mirrored.isFresh(page, askedAt) ? Clock::time_point()
-                                                          : askedAt - oldestAnswer;
-    const bool isGood = mirrored.shows(page) && (isNow ? mirrored.copy->begunAt : mirrored.copy->finishedAt) >= oldest;
+    if (!mirrored.wasReadSince(page, freshness.notBefore.value_or(oldestUseful(page, mirrored, askedAt)))) {
+        return {};
+    }
     std::vector<AXSubtreeNode> nodes;
-    for (const auto &item : isGood ? mirrored.copy->items : std::vector<SubtreeItem>()) {
+    for (const auto &item : mirrored.copy->items) {
         nodes.push_back({item.depth, item.role, item.value, {}});
         if (item.frame) {
             nodes.back().frame = inPoints(*item.frame);
@@ -344,10 +356,24 @@ std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXS
     return nodes;
 }
 
-void AccessibilityCore::prepareSubtree(const Handle &element, AXSubtreeLimits limits) {
-    if (element.pid != m_ownPid) {
-        requestPage({element.ref, limits}, {});
+// A fresh copy will do however old it is.
+Clock::time_point AccessibilityCore::oldestUseful(const PageName &page, const MirroredPage &mirrored,
+                                                  Clock::time_point askedAt) const {
+    if (mirrored.isFresh(page, askedAt)) {
+        return {};
     }
+    return std::max(askedAt - oldestCopy, m_prepared == page ? m_preparedAt : Clock::time_point());
+}
+
+void AccessibilityCore::prepareSubtree(const Handle &element, AXSubtreeLimits limits, AXFreshness freshness) {
+    if (element.pid == m_ownPid) {
+        return;
+    }
+    if (freshness.notBefore) {
+        m_prepared = {element.ref, limits};
+        m_preparedAt = *freshness.notBefore;
+    }
+    requestPage({element.ref, limits}, {});
 }
 
 // Also tells the mirror that the page is wanted. One request at a time is enough, except for who wants it anew.

@@ -30,7 +30,7 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     [[nodiscard]] std::vector<AXSubtreeNode> subtree(const Handle &element, AXSubtreeLimits limits,
                                                      AXFreshness freshness);
     /// Has the reader begin with what subtree() will be asked for.
-    void prepareSubtree(const Handle &element, AXSubtreeLimits limits);
+    void prepareSubtree(const Handle &element, AXSubtreeLimits limits, AXFreshness freshness);
     [[nodiscard]] std::optional<AXUIElement> focusedWindow(qint32 pid);
     [[nodiscard]] std::optional<AXValue> applicationAttribute(qint32 pid, QLatin1StringView name);
 
@@ -67,10 +67,19 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     Focus m_told;
     TextWanted m_wanted = TextWanted::value;
     Clock::time_point m_wantedUntil;
+    /// Whether the chain above the focused element took too long a moment ago; it is not climbed level by level then.
+    [[nodiscard]] bool isUnclimbable(const ElementRef &ref) const;
+    std::shared_ptr<Reader::Job<std::shared_ptr<const Ancestry>>> m_chain;
+    Clock::time_point m_unclimbableUntil;
     using PageJob = std::shared_ptr<Reader::Job<bool>>;
+    [[nodiscard]] Clock::time_point oldestUseful(const PageName &page, const MirroredPage &mirrored,
+                                                 Clock::time_point askedAt) const;
     PageJob requestPage(const PageName &page, Clock::time_point notBefore);
     /// The latest request, which the reader may not have finished yet.
     PageName m_requested;
+    /// Since when a page that was announced must have been read, if it is known to have changed.
+    PageName m_prepared;
+    Clock::time_point m_preparedAt;
     PageJob m_request;
     /// The latest refresh, which the reader may not have finished yet.
     std::shared_ptr<Reader::Job<bool>> m_refresh;

@@ -30,8 +30,8 @@ std::vector<AXSubtreeNode> AtspiElement::copySubtree(AXSubtreeLimits limits, AXF
     return m_core->subtree(m_handle, limits, freshness);
 }
 
-void AtspiElement::prepareSubtree(AXSubtreeLimits limits) const {
-    m_core->prepareSubtree(m_handle, limits);
+void AtspiElement::prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness) const {
+    m_core->prepareSubtree(m_handle, limits, freshness);
 }
 
 RootElement::RootElement(std::shared_ptr<AccessibilityCore> core, std::optional<qint32> pid)

@@ -18,7 +18,7 @@ class AtspiElement final : public AXElementBackend {
     [[nodiscard]] qint32 pid() const override { return m_handle.pid; }
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override;
     [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits, AXFreshness freshness) const override;
-    void prepareSubtree(AXSubtreeLimits limits) const override;
+    void prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness) const override;
 
   private:
     std::shared_ptr<AccessibilityCore> m_core;
@@ -36,7 +36,7 @@ class RootElement final : public AXElementBackend {
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override;
     /// Absent: a read starts at a window or a page.
     [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits, AXFreshness) const override { return {}; }
-    void prepareSubtree(AXSubtreeLimits) const override {}
+    void prepareSubtree(AXSubtreeLimits, AXFreshness) const override {}
 
   private:
     std::shared_ptr<AccessibilityCore> m_core;

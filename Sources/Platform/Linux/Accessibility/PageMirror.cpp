@@ -16,6 +16,8 @@ constexpr auto listenFor = 10s;
 // A page changes in several places at once: read when nothing more comes, but do not wait for that for ever.
 constexpr auto quiet = 40ms;
 constexpr auto longestUnrest = 100ms;
+// A page that changes all the time is read no more often than it is asked for, this long before the next question.
+constexpr auto ahead = 150ms;
 // The least pause after a read; after a whole one twice the time that the application was busy with it, up to the most.
 constexpr auto shortestRest = 100ms;
 constexpr auto longestRest = 500ms;
@@ -26,12 +28,13 @@ constexpr auto lateness = 500ms;
 struct Event {
     const char *name;
     const char *member;
+    const char *argument = "";
 };
 // What Chromium and Firefox tell when a message comes or goes or its text changes, and when the box is typed into.
 // Neither tells of scrolling, nor that an element has moved.
-constexpr std::array events{Event{"object:children-changed", "ChildrenChanged"},
-                            Event{"object:text-changed", "TextChanged"},
-                            Event{"object:property-change:accessible-name", "PropertyChange"}};
+constexpr std::array events{
+    Event{"object:children-changed", "ChildrenChanged"}, Event{"object:text-changed", "TextChanged"},
+    Event{"object:property-change:accessible-name", "PropertyChange", ",arg0='accessible-name'"}};
 } // namespace
 
 bool MirroredPage::isFresh(const PageName &page, Clock::time_point now) const {
@@ -49,7 +52,10 @@ void PageMirror::want(const PageName &page) {
         m_page = page;
         m_readyAt = {};
     }
-    m_wantedUntil = Clock::now() + wantedFor;
+    const auto now = Clock::now();
+    m_askedEvery = now - m_askedAt < wantedFor ? now - m_askedAt : Clock::duration();
+    m_askedAt = now;
+    m_wantedUntil = now + wantedFor;
     listen();
 }
 
@@ -78,6 +84,7 @@ void PageMirror::settle(const std::optional<PixelRect> &field) {
         read(true);
     } else {
         stopListening();
+        forget();
     }
 }
 
@@ -88,9 +95,11 @@ Clock::time_point PageMirror::nextLook() const {
     if (!hasCopy()) {
         return m_readyAt;
     }
-    const auto due =
-        m_isStale ? std::min(m_lastChangeAt + quiet, m_firstChangeAt + longestUnrest) : m_copy->begunAt + copyLifetime;
-    return std::max(due, m_readyAt);
+    if (!m_isStale) {
+        return std::max(m_copy->begunAt + copyLifetime, m_readyAt);
+    }
+    const auto settled = std::min(m_lastChangeAt + quiet, m_firstChangeAt + longestUnrest);
+    return std::max({settled, m_readyAt, m_askedAt + m_askedEvery - ahead});
 }
 
 void PageMirror::read(bool mayGoOn) {
@@ -135,11 +144,18 @@ void PageMirror::listen() {
     }
     for (const auto &event : events) {
         const auto rule = "type='signal',interface='org.a11y.atspi.Event.Object',member='" + std::string(event.member) +
-                          "',sender='" + m_page.root.bus + "'";
+                          "',sender='" + m_page.root.bus + "'" + event.argument;
         m_subscriptions.push_back(
             m_connection.subscribe(rule, [this](sd_bus_message *message) { onChange(sourceOf(message)); }));
     }
     sendToRegistry("RegisterEvent");
+}
+
+// A conversation is kept no longer than it is of use.
+void PageMirror::forget() {
+    m_copy.reset();
+    m_reader = {};
+    publish();
 }
 
 // Every application sends what anybody has registered for, so that ends when it is not needed.
@@ -148,7 +164,6 @@ void PageMirror::stopListening() {
         m_subscriptions.clear();
         sendToRegistry("DeregisterEvent");
         m_isStale = true;
-        publish();
     }
 }
 

@@ -29,13 +29,16 @@ struct MirroredPage {
     bool isStale = false;
 
     [[nodiscard]] bool shows(const PageName &page) const { return copy != nullptr && copy->page == page; }
+    [[nodiscard]] bool wasReadSince(const PageName &page, Clock::time_point begin) const {
+        return shows(page) && copy->begunAt >= begin;
+    }
     /// Whether it answers for now. Nobody tells of everything, so the answer holds for a few seconds.
     [[nodiscard]] bool isFresh(const PageName &page, Clock::time_point now) const;
 };
 
-/// Keeps a copy of one page while somebody asks for it: reads it anew soon after its application tells of a change, at
-/// a bounded rate, and every few seconds, as no application tells of everything. An unchanged page costs no question
-/// in between. Belongs to the reader's thread.
+/// Keeps a copy of one page while somebody asks for it: after its application told of a change it is read anew for the
+/// next question, at a bounded rate, and every few seconds, as no application tells of everything. An unchanged page
+/// costs no question in between. Belongs to the reader's thread.
 class PageMirror {
   public:
     using Publish = std::function<void(const MirroredPage &)>;
@@ -60,6 +63,7 @@ class PageMirror {
     void publish() const { m_publish({m_copy, m_isStale}); }
     void listen();
     void stopListening();
+    void forget();
     void sendToRegistry(const char *member) const;
     [[nodiscard]] bool isWanted(Clock::time_point now) const { return now < m_wantedUntil; }
     [[nodiscard]] bool hasCopy() const { return m_copy != nullptr && m_copy->page == m_page; }
@@ -70,6 +74,9 @@ class PageMirror {
     SubtreeReader m_reader;
     PageName m_page;
     Clock::time_point m_wantedUntil;
+    /// When it was asked for last, and how long after the time before.
+    Clock::time_point m_askedAt;
+    Clock::duration m_askedEvery{};
     std::shared_ptr<const PageCopy> m_copy;
     bool m_isReading = false;
     /// The changes since the copy was begun.

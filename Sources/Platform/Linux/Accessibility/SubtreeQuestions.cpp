@@ -35,8 +35,10 @@ void SubtreeReader::askUnknown(const Asking &asking, const Request &request, Tre
             info.hasKnownChildren = false;
         }
         if (asking.connection.isSilent(ref.bus)) {
-            info.isKnown = true;
-            info.isGone = true;
+            // What a hung application shows inside the page is left out of it; the page's own application may answer
+            // later.
+            info.isKnown = ref.bus != request.root.bus;
+            info.isGone = info.isKnown;
             continue;
         }
         if (info.isKnown && request.foldsText && !isSecret(info.kind)) {
@@ -207,7 +209,9 @@ bool SubtreeReader::waitForPlaces(const Asking &asking, const std::vector<Step> 
         return !which.empty();
     };
     for (int attempt = 0; keepUnplaced() && attempt < placeAttempts; ++attempt) {
+        asking.giveWay();
         asking.connection.idle(std::min(Clock::now() + placePause, asking.deadline));
+        asking.giveWay();
         askFrames(asking, steps, which, items);
     }
     if (which.empty()) {
