@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/InspectCommand.h"
 
-#include "Platform/Platform.h"
+#include "Quillory/AXText.h"
 #include "Quillory/Inspection.h"
 #include "Quillory/RewriteError.h"
 
@@ -112,6 +112,10 @@ QString placeOf(const std::optional<platform::Rect> &frame) {
                  : QStringLiteral("not told");
 }
 
+bool isPastedInto(const InspectedElement &focus) {
+    return !focus.canWriteValue || AXText::isBrowserIdentifier(focus.bundleIdentifier);
+}
+
 void writeFocus(std::ostream &output, const InspectedElement &focus) {
     const auto row = [&output](const char *name, const std::string &value) {
         output << "  " << name << std::string(18 - std::string_view(name).size(), ' ') << value << '\n';
@@ -125,7 +129,7 @@ void writeFocus(std::ostream &output, const InspectedElement &focus) {
     row("text field", yesNo(focus.field.isTextElement));
     row("browser's own", yesNo(focus.field.isBrowserUI));
     row("can be written", std::string("text ") + yesNo(focus.canWriteValue) + ", caret " + yesNo(focus.canPlaceCaret) +
-                              (focus.field.isTextElement && !focus.canWriteValue ? " (an answer is pasted)" : ""));
+                              (focus.field.isTextElement && isPastedInto(focus) ? " (an answer is pasted)" : ""));
     row("WhatsApp", yesNo(focus.recognition.isChat) + ": " + printable(because(focus.recognition)));
 }
 
