@@ -23,8 +23,9 @@ SymbolView *symbolFor(Finding::State state) {
     return new SymbolView(symbolName::warning, bodyPoints, Tint::warning);
 }
 
+/// Host names stay as they are.
 QString withCapital(const QString &text) {
-    return text.left(1).toUpper() + text.mid(1);
+    return text.section(u' ', 0, 0).contains(u'.') ? text : text.left(1).toUpper() + text.mid(1);
 }
 
 } // namespace
