@@ -100,15 +100,6 @@ class Installing : public testing::Test {
     QString found = folder.filePath(QStringLiteral("work/Quillory.app"));
 };
 
-/// The system calls that change something on the disk.
-bool writes(const TracedCall &call) {
-    static const std::set<unsigned long long> changing{SYS_write,     SYS_mkdirat,  SYS_fchmod,    SYS_fsync,
-                                                       SYS_renameat2, SYS_unlinkat, SYS_ftruncate, SYS_pwrite64};
-    constexpr std::size_t flagsOfOpen = 2;
-    return changing.contains(call.number) ||
-           (call.number == SYS_openat && (call.arguments[flagsOfOpen] & O_CREAT) != 0);
-}
-
 bool isExchange(const TracedCall &call) {
     return call.number == SYS_renameat2 && call.arguments[4] == RENAME_EXCHANGE;
 }
@@ -181,7 +172,7 @@ TEST_F(Installing, ChangesNothingWhenTheDiskIsFullAtAnyWrite) {
             const int status = runTraced([&] { return install(); },
                                          [&](const TracedCall &call) {
                                              isOver = isOver || isExchange(call);
-                                             return !isOver && writes(call) && ++count == at ? error : goOn;
+                                             return !isOver && changesDisk(call) && ++count == at ? error : goOn;
                                          });
             if (count < at) {
                 EXPECT_EQ(status, 0);

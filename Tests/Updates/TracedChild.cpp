@@ -6,8 +6,11 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
+#include <fcntl.h>
+#include <set>
 #include <stdexcept>
 #include <sys/ptrace.h>
+#include <sys/syscall.h>
 #include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -76,6 +79,15 @@ class Tracer {
 };
 
 } // namespace
+
+bool changesDisk(const TracedCall &call) {
+    static const std::set<unsigned long long> changing{SYS_write,  SYS_pwrite64,  SYS_mkdir,   SYS_mkdirat,
+                                                       SYS_chmod,  SYS_fchmod,    SYS_fsync,   SYS_ftruncate,
+                                                       SYS_rename, SYS_renameat2, SYS_unlinkat};
+    const bool isAt = call.number == SYS_openat;
+    return changing.contains(call.number) ||
+           ((isAt || call.number == SYS_open) && (call.arguments[isAt ? 2 : 1] & O_CREAT) != 0);
+}
 
 int runTraced(const std::function<int()> &work, const std::function<Verdict(const TracedCall &)> &before) {
     const pid_t child = fork();

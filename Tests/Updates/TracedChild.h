@@ -14,6 +14,9 @@ struct TracedCall {
     std::array<unsigned long long, 6> arguments{};
 };
 
+/// Whether it changes something on a disk.
+[[nodiscard]] bool changesDisk(const TracedCall &call);
+
 /// What becomes of it: 0 it is made, killed the process is killed before it, or it fails with that error number.
 using Verdict = int;
 inline constexpr Verdict goOn = 0;

@@ -148,6 +148,16 @@ TEST_F(UpdateInstall, LeavesNothingWhenItIsCancelled) {
     EXPECT_EQ(vouchedVersion(target), "1");
 }
 
+TEST_F(UpdateInstall, SaysThatTheDownloadCannotBeSaved) {
+    serve(archiveOf(2));
+    qputenv("TMPDIR", "/proc");
+    installFrom(QStringLiteral("/Quillory.zip"));
+    ASSERT_EQ(application().alerts.size(), 1U);
+    EXPECT_THAT(application().alerts.front().body.toStdString(),
+                testing::StartsWith("The download could not be saved: "));
+    EXPECT_EQ(vouchedVersion(target), "1");
+}
+
 TEST_F(UpdateInstall, WaitsForNoOtherProcess) {
     serve(archiveOf(2));
     const QByteArray lock = target.toUtf8() + "/../.install.lock";
