@@ -478,6 +478,8 @@ TEST_F(PageMirror, FollowsWhatItIsToldAndFindsTheRest) {
     }
     say("unheard");
     EXPECT_TRUE(waitUntil([&] { return ask() == "unheard"; }, 5'000)) << "a lost signal does not heal";
+    bus.restartRegistry();
+    EXPECT_TRUE(waitUntil([&] { return bus.hearsOf("TextChanged"); })) << "not registered again";
     // While nobody asks, nothing is read.
     waitUntil([] { return false; }, 2'200);
     EXPECT_EQ(readsWhile(500, [&] { bus.tell(message, "TextChanged"); }), 0);

@@ -164,6 +164,19 @@ int FakeAccessibilityBus::calls() {
     return sum;
 }
 
+bool FakeAccessibilityBus::hearsOf(const std::string &event) {
+    const std::scoped_lock lock(m_mutex);
+    return !m_mustRestart && isRegistered(event);
+}
+
+bool FakeAccessibilityBus::isRegistered(const std::string &member) const {
+    static const std::map<std::string, std::string> events{{"ChildrenChanged", "object:children-changed"},
+                                                           {"TextChanged", "object:text-changed"},
+                                                           {"PropertyChange", "object:property-change:accessible-name"},
+                                                           {"StateChanged", "object:state-changed:focused"}};
+    return m_registered.contains(events.at(member));
+}
+
 // The session's accessibility service and the registry.
 void FakeAccessibilityBus::serveService(const std::stop_token &stop) {
     sd_bus *bus = connectTo(m_address);
@@ -175,6 +188,12 @@ void FakeAccessibilityBus::serveService(const std::stop_token &stop) {
         if (m_mustTell.exchange(false)) {
             sd_bus_emit_signal(bus, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
                                "org.a11y.Status", 1, "IsEnabled", "b", m_isEnabled ? 1 : 0, 0);
+        }
+        if (m_mustRestart.exchange(false)) {
+            sd_bus_release_name(bus, "org.a11y.atspi.Registry");
+            const std::scoped_lock lock(m_mutex);
+            m_registered.clear();
+            sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
         }
         if (sd_bus_process(bus, nullptr) == 0) {
             sd_bus_wait(bus, pollMicroseconds);
@@ -190,6 +209,14 @@ int FakeAccessibilityBus::onServiceCall(sd_bus_message *call, void *self, sd_bus
     }
     const std::scoped_lock lock(fake.m_mutex);
     const std::string_view member = sd_bus_message_get_member(call);
+    if (const char *event = nullptr; member == "RegisterEvent" || member == "DeregisterEvent") {
+        sd_bus_message_read(call, "s", &event);
+        if (member == "RegisterEvent") {
+            fake.m_registered.insert(event);
+        } else {
+            fake.m_registered.erase(event);
+        }
+    }
     if (member == "GetAddress") {
         return sd_bus_reply_method_return(call, "s", fake.m_address.c_str());
     }
@@ -227,6 +254,9 @@ void FakeAccessibilityBus::serve(const std::stop_token &stop) {
         {
             const std::scoped_lock lock(m_mutex);
             for (const auto &event : std::exchange(m_pendingSignals, {})) {
+                if (!isRegistered(event.member)) {
+                    continue;
+                }
                 sd_bus_emit_signal(bus, event.path.c_str(), "org.a11y.atspi.Event.Object", event.member.c_str(),
                                    "siiva{sv}", event.detail, 1, 0, "i", 0, 0);
             }

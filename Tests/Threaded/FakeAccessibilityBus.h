@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -54,14 +55,19 @@ class FakeAccessibilityBus {
     void addHungApplication();
     /// Gives an element the focus, with or without telling anybody.
     void focus(const std::string &path, bool tell = true);
-    /// Tells that something about an element has changed, as the application's event of this name.
+    /// Tells that something about an element has changed, as the application's event of this name, if anybody has
+    /// registered for it.
     void tell(const std::string &path, const std::string &event);
+    /// Whether an event of this name would be sent.
+    [[nodiscard]] bool hearsOf(const std::string &event);
     void setSearch(Search search) { m_search = search; }
     void setToolkit(const char *toolkit);
     void setAnswer(Answer answer);
     /// From now on nothing is answered; false: all that has piled up is.
     void hang(bool hangs) { m_hangs = hangs; }
     void setEnabled(bool enabled);
+    /// The registry starts anew and knows of no registration.
+    void restartRegistry() { m_mustRestart = true; }
     /// The application leaves the bus.
     void quit();
     [[nodiscard]] int callsOf(const std::string &member);
@@ -72,6 +78,7 @@ class FakeAccessibilityBus {
 
   private:
     void serve(const std::stop_token &stop);
+    [[nodiscard]] bool isRegistered(const std::string &member) const;
     void serveService(const std::stop_token &stop);
     bool answer(sd_bus_message *call, sd_bus_message *reply);
     void answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply);
@@ -88,6 +95,9 @@ class FakeAccessibilityBus {
     std::string m_hungName;
     sd_bus *m_hung = nullptr;
     std::string m_toolkit = "Fake";
+    std::atomic<bool> m_mustRestart = false;
+    /// The kinds of events that somebody has registered for.
+    std::set<std::string> m_registered;
     struct Event {
         std::string path;
         std::string member;

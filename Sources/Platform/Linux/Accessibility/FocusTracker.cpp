@@ -40,14 +40,13 @@ void FocusTracker::registerForEvents() {
                        [this](sd_bus_message *message) { onWindow(message); });
     m_connection.match("type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg2=''",
                        [this](sd_bus_message *message) { onOwnerChanged(message); });
-    // Applications send only those events that somebody has registered for.
+    m_connection.match(registryStarted, [this](sd_bus_message *) { sendRegistrations(); });
+    sendRegistrations();
+}
+
+void FocusTracker::sendRegistrations() {
     for (const char *event : {"object:state-changed:focused", "window:activate", "window:deactivate"}) {
-        m_connection.send(
-            {{registryName, "/org/a11y/atspi/registry"},
-             "org.a11y.atspi.Registry",
-             "RegisterEvent",
-             [event](sd_bus_message *message) { return sd_bus_message_append(message, "sass", event, 0, ""); },
-             true});
+        m_connection.send(calls::registration(event, true));
     }
 }
 

@@ -41,6 +41,7 @@ class FocusTracker {
 
   private:
     void registerForEvents();
+    void sendRegistrations();
     void onStateChanged(sd_bus_message *message);
     void onWindow(sd_bus_message *message);
     void onOwnerChanged(sd_bus_message *message);

@@ -61,6 +61,17 @@ Call name(const ElementRef &target) {
     return property(target, accessibleInterface, "Name");
 }
 
+Call registration(const char *event, bool isOn) {
+    return {{registryName, "/org/a11y/atspi/registry"},
+            "org.a11y.atspi.Registry",
+            isOn ? "RegisterEvent" : "DeregisterEvent",
+            [event, isOn](sd_bus_message *message) {
+                return isOn ? sd_bus_message_append(message, "sass", event, 0, "")
+                            : sd_bus_message_append(message, "s", event);
+            },
+            true};
+}
+
 Call parent(const ElementRef &target) {
     return property(target, accessibleInterface, "Parent");
 }

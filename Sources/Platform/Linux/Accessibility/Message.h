@@ -65,6 +65,8 @@ namespace calls {
 /// The first elements below the target, in the order of a walk, at most the limit of them: all, or the static texts.
 [[nodiscard]] Call allMatches(const ElementRef &target, int limit);
 [[nodiscard]] Call staticTextMatches(const ElementRef &target, int limit);
+/// Applications send only those events that somebody has registered for.
+[[nodiscard]] Call registration(const char *event, bool isOn);
 } // namespace calls
 
 /// The answer to a call: a value, an error, or nothing in time. Applications send what they like, so every unpacking

@@ -148,7 +148,9 @@ void PageMirror::listen() {
         m_subscriptions.push_back(
             m_connection.subscribe(rule, [this](sd_bus_message *message) { onChange(sourceOf(message)); }));
     }
-    sendToRegistry("RegisterEvent");
+    m_subscriptions.push_back(
+        m_connection.subscribe(registryStarted, [this](sd_bus_message *) { sendRegistrations(true); }));
+    sendRegistrations(true);
 }
 
 // A conversation is kept no longer than it is of use.
@@ -162,22 +164,14 @@ void PageMirror::forget() {
 void PageMirror::stopListening() {
     if (!m_subscriptions.empty()) {
         m_subscriptions.clear();
-        sendToRegistry("DeregisterEvent");
+        sendRegistrations(false);
         m_isStale = true;
     }
 }
 
-void PageMirror::sendToRegistry(const char *member) const {
-    const bool isOn = std::string_view(member) == "RegisterEvent";
+void PageMirror::sendRegistrations(bool isOn) const {
     for (const auto &event : events) {
-        m_connection.send({{registryName, "/org/a11y/atspi/registry"},
-                           "org.a11y.atspi.Registry",
-                           member,
-                           [name = event.name, isOn](sd_bus_message *message) {
-                               return isOn ? sd_bus_message_append(message, "sass", name, 0, "")
-                                           : sd_bus_message_append(message, "s", name);
-                           },
-                           true});
+        m_connection.send(calls::registration(event.name, isOn));
     }
 }
 

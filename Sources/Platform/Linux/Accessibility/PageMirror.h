@@ -64,7 +64,7 @@ class PageMirror {
     void listen();
     void stopListening();
     void forget();
-    void sendToRegistry(const char *member) const;
+    void sendRegistrations(bool isOn) const;
     [[nodiscard]] bool isWanted(Clock::time_point now) const { return now < m_wantedUntil; }
     [[nodiscard]] bool hasCopy() const { return m_copy != nullptr && m_copy->page == m_page; }
 

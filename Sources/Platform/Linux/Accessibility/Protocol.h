@@ -104,6 +104,9 @@ class States {
 using Attributes = std::map<std::string, std::string, std::less<>>;
 
 inline constexpr const char *registryName = "org.a11y.atspi.Registry";
+/// The signal that the registry has been started. It remembers nothing of what was registered before.
+inline constexpr const char *registryStarted = "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
+                                               "arg0='org.a11y.atspi.Registry',arg1=''";
 inline constexpr const char *rootPath = "/org/a11y/atspi/accessible/root";
 inline constexpr const char *nullPath = "/org/a11y/atspi/null";
 inline constexpr const char *accessibleInterface = "org.a11y.atspi.Accessible";
