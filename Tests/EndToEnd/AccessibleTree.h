@@ -9,8 +9,8 @@ namespace quillory::test {
 /// What applications tell of their windows at the moment, which for a page is a little later than its document changes.
 class AccessibleTree {
   public:
-    /// Whether the page around the focused field can be read and has, for each of the wanted, a text that begins so, but
-    /// none that begins like the unwanted.
+    /// Whether the page around the focused field can be read and has, for each of the wanted, a text that begins so,
+    /// but none that begins like the unwanted.
     [[nodiscard]] bool pageShows(const QStringList &wanted, const QString &unwanted);
     /// Whether a window of a process shows a text that begins so.
     [[nodiscard]] bool windowShows(qint32 pid, const QString &text);
