@@ -58,13 +58,18 @@ void AppDelegate::applicationDidFinishLaunching() {
         std::fputs("quillory: no OpenRouter API key is set; give one with: quillory setup\n", stderr);
         openSettings();
     }
-    launchSetupIfNeeded();
+    if (lacksSetup()) {
+        launchSetup();
+    }
 }
 
-void AppDelegate::launchSetupIfNeeded() {
+bool AppDelegate::lacksSetup() {
+    return AppSettings::shared().apiKey().isEmpty() || !platform::current().accessibility.isProcessTrusted();
+}
+
+void AppDelegate::launchSetup() {
     platform::current().mainQueue.postAfter(untilSettled, [this, life = std::weak_ptr(m_life)] {
-        if (!life.expired() && m_actions.launchSetup &&
-            (AppSettings::shared().apiKey().isEmpty() || !platform::current().accessibility.isProcessTrusted())) {
+        if (!life.expired() && m_actions.launchSetup && lacksSetup()) {
             m_actions.launchSetup();
         }
     });

@@ -48,7 +48,8 @@ class AppDelegate {
     void checkForUpdates();
     void openMenu();
     void tellOfMissingTray();
-    void launchSetupIfNeeded();
+    [[nodiscard]] static bool lacksSetup();
+    void launchSetup();
 
     AppActions m_actions;
     std::unique_ptr<StatusMenu> m_menu;
