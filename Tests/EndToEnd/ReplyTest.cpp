@@ -105,9 +105,14 @@ TEST_P(Reply, SkipAndEscEndADraftUntilTheCustomerWritesAgain) {
 
 TEST_P(Reply, ABoxThatIsMadeAnewWhileItHasTheFocus) {
     ASSERT_NO_FATAL_FAILURE(openChat());
-    ASSERT_TRUE(replyIsReady());
-    ASSERT_TRUE(m_page.order("rebuildBox"));
-    ASSERT_TRUE(logged(QStringLiteral("field re-created, adopted (chatApp=true)")));
+    // A busy browser may give the new box no place at first; then it counts as another one, and all begins anew.
+    const auto isAdopted = [] { return Assistant::timesLogged(QStringLiteral("field re-created, adopted")) > 0; };
+    for (int attempt = 0; attempt < 5 && !isAdopted(); ++attempt) {
+        ASSERT_TRUE(replyIsReady());
+        ASSERT_TRUE(m_page.order("rebuildBox"));
+        waitUntil(isAdopted, 2'000);
+    }
+    EXPECT_EQ(Assistant::timesLogged(QStringLiteral("field re-created, adopted (chatApp=true)")), 1);
     EXPECT_TRUE(panelIsUp());
     keyboard::tap("Tab");
     EXPECT_TRUE(boxHolds(reply));
