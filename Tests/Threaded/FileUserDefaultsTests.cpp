@@ -280,6 +280,48 @@ TEST_F(FileUserDefaultsTest, TheProgramDoesNotWaitForTheDisk) {
     EXPECT_EQ(FileUserDefaults(folder).integer(u"minChars"_qs), last - 1);
 }
 
+TEST_F(FileUserDefaultsTest, WhileTheFileCannotBeReadNothingIsLost) {
+    const QString away = root.filePath(u"away.json"_qs);
+    putOnDisk(R"({"faqEntries": "five hundred", "tone": "Concise"})");
+    FileUserDefaults running(folder);
+    ASSERT_TRUE(QFile::rename(path, away) && QFile::link(u"/dev/null"_qs, path)); // no file to read, whoever reads
+    CaptureStderr();
+    EXPECT_EQ(running.string(u"faqEntries"_qs), u"five hundred"_qs);
+    EXPECT_FALSE(running.set(u"faqEntries"_qs, u"five hundred and one"_qs));
+    FileUserDefaults started(folder);
+    EXPECT_EQ(started.string(u"faqEntries"_qs), std::nullopt);
+    EXPECT_FALSE(started.set(u"faqEntries"_qs, u"one"_qs));
+    EXPECT_EQ(QByteArray::fromStdString(GetCapturedStderr()).count('\n'), 2);
+    ASSERT_TRUE(QFile::remove(path) && QFile::rename(away, path));
+    EXPECT_EQ(started.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_TRUE(running.set(u"minChars"_qs, qint64{3}));
+    EXPECT_FALSE(onDisk().contains(".replaced")) << onDisk().data();
+    EXPECT_TRUE(started.set(u"minChars"_qs, qint64{4}));
+    EXPECT_TRUE(started.set(u"faqEntries"_qs, u"two"_qs));
+    EXPECT_EQ(running.string(u"faqEntries"_qs), u"two"_qs);
+    EXPECT_EQ(running.string(u"faqEntries.replaced"_qs), u"five hundred and one"_qs);
+}
+
+TEST_F(FileUserDefaultsTest, AReadOnlyFileIsLeftAlone) {
+    for (const QByteArray &bytes : {QByteArray("{\"tone\": \"Concise\"}"), QByteArray("broken")}) {
+        putOnDisk(bytes);
+        ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+        CaptureStderr();
+        FileUserDefaults store(folder);
+        EXPECT_FALSE(store.set(u"minChars"_qs, qint64{3}));
+        EXPECT_FALSE(store.set(u"maxChars"_qs, qint64{7}));
+        EXPECT_EQ(QByteArray::fromStdString(GetCapturedStderr()).count('\n'), 1);
+        EXPECT_EQ(store.integer(u"minChars"_qs), 3);
+        EXPECT_TRUE(store.isFailingToSave());
+        EXPECT_EQ(onDisk(), bytes);
+        struct stat status {};
+        ASSERT_EQ(::stat(QFile::encodeName(path).constData(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777U, 0400U);
+        EXPECT_TRUE(keptAside().isEmpty());
+        QFile::remove(path);
+    }
+}
+
 TEST_F(FileUserDefaultsTest, LinksStay) {
     QDir().mkpath(folder);
     ASSERT_TRUE(QFile::link(u"../real.json"_qs, path));

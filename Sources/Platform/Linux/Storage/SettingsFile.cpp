@@ -19,6 +19,7 @@ namespace {
 /// Settings with a long profile and hundreds of FAQ entries take some hundred kilobytes.
 constexpr off_t largestFile = 8 << 20;
 constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR;
+constexpr mode_t ownersAll = S_IRWXU;
 constexpr mode_t othersToo = S_IRWXG | S_IRWXO;
 
 FileStamp stampOf(const struct stat &status) {
@@ -86,6 +87,11 @@ std::optional<FileStamp> SettingsFile::stamp() const {
     return stampOf(status);
 }
 
+bool SettingsFile::isReadOnly() const {
+    struct stat status {};
+    return ::stat(QFile::encodeName(m_path).constData(), &status) == 0 && (status.st_mode & S_IWUSR) == 0;
+}
+
 SettingsFile::Content SettingsFile::read() const {
     // Not waiting for a writer, should it be a pipe.
     const FileDescriptor file = opened(m_path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
@@ -101,7 +107,7 @@ SettingsFile::Content SettingsFile::read() const {
         return {Content::State::tooLarge, {}, stampOf(status)};
     }
     if ((status.st_mode & othersToo) != 0) {
-        ::fchmod(file.get(), ownerOnly); // the key may be in it
+        ::fchmod(file.get(), status.st_mode & ownersAll); // the key may be in it
     }
     std::optional<QByteArray> bytes = readWhole(file, status.st_size);
     return bytes ? Content{Content::State::readable, *std::move(bytes), stampOf(status)}
@@ -126,7 +132,7 @@ SettingsFile::Lock::Lock(const SettingsFile &file, std::chrono::milliseconds lon
 
 std::optional<FileStamp> SettingsFile::replace(const QByteArray &bytes, const Lock & /*lock*/) const {
     const std::optional<QString> target = linkTarget(m_path);
-    if (!target || bytes.size() > largestFile) {
+    if (!target || isReadOnly() || bytes.size() > largestFile) {
         return std::nullopt;
     }
     const QByteArray temporary = QFile::encodeName(*target + QStringLiteral(".new"));
@@ -148,7 +154,7 @@ std::optional<FileStamp> SettingsFile::replace(const QByteArray &bytes, const Lo
 std::optional<QString> SettingsFile::moveAside(const Lock & /*lock*/) const {
     const QString name =
         m_path + QStringLiteral(".broken-") + QDateTime::currentDateTimeUtc().toString(u"yyyyMMdd-HHmmss-zzz");
-    if (QFileInfo::exists(name) ||
+    if (isReadOnly() || QFileInfo::exists(name) ||
         ::rename(QFile::encodeName(m_path).constData(), QFile::encodeName(name).constData()) != 0) {
         return std::nullopt;
     }

@@ -32,6 +32,8 @@ class SettingsFile {
     [[nodiscard]] const QString &path() const { return m_path; }
     /// What the file looks like now, links followed; absent when there is none.
     [[nodiscard]] std::optional<FileStamp> stamp() const;
+    /// Whether its owner took the right to write it away. It is left alone then, though it could be replaced.
+    [[nodiscard]] bool isReadOnly() const;
 
     struct Content {
         enum class State {

@@ -50,6 +50,21 @@ std::optional<Content> written(const SettingsFile &file, const Content &content,
     const std::optional<FileStamp> stamp = merged == content.bytes ? content.stamp : file.replace(merged, lock);
     return stamp ? std::optional(Content{Content::State::readable, merged, stamp}) : std::nullopt;
 }
+
+/// The changes, and with them as "<key>.replaced" what nobody knew of who made them: it could not be read then.
+settingsDocument::Changes keepingReplaced(settingsDocument::Changes changes, const settingsDocument::Changes &basis,
+                                          const Content &content) {
+    const auto values = valuesOf(content).value_or(settingsDocument::Values());
+    for (const auto &[key, known] : basis) {
+        const auto found = values.find(key);
+        const auto change = changes.find(key);
+        const bool isWanted = change != changes.end() && change->second; // a removal is meant as one
+        if (found != values.end() && isWanted && known != found->second && change->second != found->second) {
+            changes.insert_or_assign(key + QStringLiteral(".replaced"), found->second);
+        }
+    }
+    return changes;
+}
 } // namespace
 
 StoredSettings::StoredSettings(const QString &folder, Saving saving) : m_file(folder), m_saving(saving) {
@@ -81,6 +96,10 @@ std::optional<DefaultsValue> StoredSettings::value(const QString &key) {
 bool StoredSettings::change(const QString &key, const std::optional<DefaultsValue> &value) {
     {
         const std::scoped_lock lock(m_mutex);
+        if (m_isUncertain) {
+            const auto known = m_onDisk.find(key);
+            m_basis.try_emplace(key, known == m_onDisk.end() ? std::nullopt : std::optional(known->second));
+        }
         m_unsaved.insert_or_assign(key, value);
     }
     if (m_saving == Saving::atOnce) {
@@ -96,6 +115,9 @@ void StoredSettings::load() {
         remember(content.stamp); // taking a long file to pieces again would cost milliseconds
     } else if (auto values = valuesOf(content)) {
         adopt(*std::move(values), content);
+    } else if (content.state == Content::State::unreadable) {
+        m_isBroken = m_isBroken || !m_isUncertain || content.stamp != m_stamp; // to be told once
+        holdOn(content.stamp);
     } else if (mayBecomeWhole(content)) {
         m_stampIsFresh = true;
     } else {
@@ -105,20 +127,22 @@ void StoredSettings::load() {
 }
 
 bool StoredSettings::mayBecomeWhole(const Content &content) const {
-    return m_hadContent && content.stamp && age(*content.stamp) < longestPartialWrite;
+    return content.state != Content::State::unreadable && m_hadContent && content.stamp &&
+           age(*content.stamp) < longestPartialWrite;
 }
 
 void StoredSettings::adopt(settingsDocument::Values values, const Content &content) {
     m_onDisk = std::move(values);
     m_hash = qHash(content.bytes);
     m_hadContent = content.stamp.has_value();
-    m_isBroken = false;
     remember(content.stamp);
 }
 
 void StoredSettings::remember(const std::optional<FileStamp> &stamp) {
     m_stamp = stamp;
     m_stampIsFresh = stamp && age(*stamp) < coarsestFileTime;
+    m_isBroken = false;
+    m_isUncertain = false;
 }
 
 /// Lets the defaults hold for as long as the file looks like this.
@@ -127,22 +151,39 @@ void StoredSettings::forget(const std::optional<FileStamp> &stamp) {
     m_stamp = stamp;
     m_stampIsFresh = false;
     m_hadContent = false;
-    m_isBroken = false;
+    m_isUncertain = stamp.has_value();
+}
+
+/// Lets what was last known hold until the file can be read again. That need not show in its stamp.
+void StoredSettings::holdOn(const std::optional<FileStamp> &stamp) {
+    m_stamp = stamp;
+    m_stampIsFresh = true;
+    m_isUncertain = true;
 }
 
 bool StoredSettings::save() {
     const std::scoped_lock oneAtATime(m_saveMutex);
     const bool isSaved = trySave();
-    m_isFailing = !isSaved;
-    return isSaved;
+    if (m_isFailing.exchange(!isSaved) || isSaved || m_hasComplained) {
+        return isSaved;
+    }
+    if (m_file.isReadOnly()) {
+        sayOnStandardError(QStringLiteral("%1 is read-only, so no setting can be saved").arg(m_file.path()));
+    } else if (m_saving == Saving::inBackground) {
+        sayOnStandardError(QStringLiteral("the settings in %1 could not be saved yet").arg(m_file.path()));
+    }
+    return false;
 }
 
 /// Saves all that is unsaved on top of what is on disk now, after a broken file has been got out of the way.
 bool StoredSettings::trySave() {
-    const auto changes = [this] {
+    settingsDocument::Changes changes;
+    settingsDocument::Changes basis;
+    {
         const std::scoped_lock lock(m_mutex);
-        return m_unsaved;
-    }();
+        changes = m_unsaved;
+        basis = m_basis;
+    }
     const SettingsFile::Lock fileLock(m_file, longestWaitOfAWrite);
     Content content = m_file.read();
     if (!valuesOf(content)) {
@@ -151,7 +192,7 @@ bool StoredSettings::trySave() {
         }
         content = {};
     }
-    const std::optional<Content> saved = written(m_file, content, changes, fileLock);
+    const std::optional<Content> saved = written(m_file, content, keepingReplaced(changes, basis, content), fileLock);
     if (!saved) {
         return false;
     }
@@ -161,12 +202,13 @@ bool StoredSettings::trySave() {
         const auto done = changes.find(unsaved.first);
         return done != changes.end() && done->second == unsaved.second;
     });
+    std::erase_if(m_basis, [&changes](const auto &known) { return changes.contains(known.first); });
     adopt(std::move(values), *saved);
     return true;
 }
 
-/// Gets a file out of the way that can't be taken for settings, and lets the defaults hold. False when it stays: it
-/// must not be written to then.
+/// Gets a file out of the way that can't be taken for settings, and lets the defaults hold; what was last known, where
+/// it can't be read at all. False when it stays: it must not be written to then.
 bool StoredSettings::moveAside(const Content &content, const SettingsFile::Lock &fileLock) {
     {
         const std::scoped_lock lock(m_mutex);
@@ -176,14 +218,17 @@ bool StoredSettings::moveAside(const Content &content, const SettingsFile::Lock 
     }
     const bool isMovable = fileLock && content.state != Content::State::unreadable;
     const std::optional<QString> newPath = isMovable ? m_file.moveAside(fileLock) : std::nullopt;
-    {
+    const QString whatApplies = [&] {
         const std::scoped_lock lock(m_mutex);
-        forget(newPath ? std::nullopt : content.stamp);
-    }
+        m_isBroken = false;
+        content.state == Content::State::unreadable ? holdOn(content.stamp)
+                                                    : forget(newPath ? std::nullopt : content.stamp);
+        return m_hadContent ? QStringLiteral("those read last") : QStringLiteral("the defaults");
+    }();
     if (!std::exchange(m_hasComplained, !newPath) || content.stamp != m_complainedOf) {
-        sayOnStandardError(
-            QStringLiteral("the settings in %1 cannot be read, so the defaults apply; %2")
-                .arg(m_file.path(), newPath ? QStringLiteral("the file was kept as %1").arg(*newPath)
+        sayOnStandardError(QStringLiteral("the settings in %1 cannot be read, so %2 apply; %3")
+                               .arg(m_file.path(), whatApplies,
+                                    newPath ? QStringLiteral("the file was kept as %1").arg(*newPath)
                                             : QStringLiteral("the file was left as it is, and no setting can be "
                                                              "saved")));
     }
@@ -192,15 +237,11 @@ bool StoredSettings::moveAside(const Content &content, const SettingsFile::Lock 
 }
 
 void StoredSettings::saveInBackground(const std::stop_token &stop) {
-    bool hasFailed = false;
     std::unique_lock lock(m_mutex);
     while (m_work.wait(lock, stop, [this] { return m_isBroken || !m_unsaved.empty(); })) {
         const bool isLast = stop.stop_requested();
         lock.unlock();
         const bool isSaved = save();
-        if (!std::exchange(hasFailed, !isSaved) && !isSaved && !m_hasComplained) {
-            sayOnStandardError(QStringLiteral("the settings in %1 could not be saved yet").arg(m_file.path()));
-        }
         lock.lock();
         if (!isSaved && isLast) {
             return;

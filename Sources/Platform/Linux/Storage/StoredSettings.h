@@ -39,6 +39,7 @@ class StoredSettings {
     void adopt(settingsDocument::Values values, const SettingsFile::Content &content);
     void remember(const std::optional<FileStamp> &stamp);
     void forget(const std::optional<FileStamp> &stamp);
+    void holdOn(const std::optional<FileStamp> &stamp);
     [[nodiscard]] bool mayBecomeWhole(const SettingsFile::Content &content) const;
     // Without it: these wait for the disk and for other writers.
     bool save();
@@ -52,6 +53,8 @@ class StoredSettings {
     std::mutex m_mutex;
     settingsDocument::Values m_onDisk;
     settingsDocument::Changes m_unsaved;
+    /// For what was changed while the file could not be read: what it was taken to hold.
+    settingsDocument::Changes m_basis;
     /// Of the content in m_onDisk.
     std::size_t m_hash = 0;
     std::optional<FileStamp> m_stamp;
@@ -60,6 +63,8 @@ class StoredSettings {
     bool m_hadContent = false;
     /// Whether the file has to be got out of the way.
     bool m_isBroken = false;
+    /// Whether m_onDisk is only what was last known, or nothing, while there is a file.
+    bool m_isUncertain = false;
 
     std::atomic<bool> m_isFailing = false;
     /// One save at a time. Locked before m_mutex.
