@@ -55,6 +55,7 @@ void FAQList::refresh() {
 
 // Entries have moved. The block that the user is in goes with its entry, the others are given out anew.
 void FAQList::reload() {
+    measure(); // letting go of a block moves the focus, which scrolls, which places blocks
     FAQBlock *const kept = focusedBlock();
     for (const auto &[index, block] : m_blocks) {
         if (block != kept) {
@@ -104,11 +105,15 @@ void FAQList::paintEvent(QPaintEvent *event) {
     }
 }
 
-void FAQList::layOut() {
+void FAQList::measure() {
     m_tops.resize(1);
     for (const FAQEntry &entry : m_editor.entries()) {
         m_tops.push_back(m_tops.back() + measuredHeight(entry));
     }
+}
+
+void FAQList::layOut() {
+    measure();
     setFixedHeight(m_tops.back());
     setVisible(m_tops.back() > 0);
     place();

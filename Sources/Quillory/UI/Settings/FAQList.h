@@ -38,6 +38,7 @@ class FAQList final : public QWidget {
 
   private:
     void reload();
+    void measure();
     void layOut();
     [[nodiscard]] int measuredHeight(const FAQEntry &entry);
     [[nodiscard]] int heightOf(qsizetype index) const;
