@@ -174,6 +174,14 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     rows.at(0)->click();
     EXPECT_FALSE(isOn(settingsKey::enabled));
     EXPECT_FALSE(rows.at(0)->isChecked());
+    desktop.userDefaults.set(settingsKey::compareMode, true); // by another process
+    rows.at(1)->click();
+    EXPECT_FALSE(isOn(settingsKey::compareMode));
+    EXPECT_FALSE(rows.at(1)->isChecked());
+    desktop.userDefaults.set(settingsKey::compareMode, true);
+    QEvent activation(QEvent::ActivationChange);
+    QApplication::sendEvent(windows<MenuWindow>().at(0), &activation);
+    EXPECT_TRUE(rows.at(1)->isChecked());
     rows.at(2)->click();
     EXPECT_TRUE(isShown<SettingsWindow>());
 

@@ -124,10 +124,12 @@ void AppDelegate::menuNeedsUpdate() {
 
 void AppDelegate::toggleEnabled() {
     flip(settingsKey::enabled);
+    menuNeedsUpdate(); // its own mark was turned from what it was, not from what is stored
 }
 
 void AppDelegate::toggleCompare() {
     flip(settingsKey::compareMode);
+    menuNeedsUpdate();
 }
 
 void AppDelegate::openAccessibilitySettings() {

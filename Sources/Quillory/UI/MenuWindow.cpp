@@ -115,6 +115,14 @@ void MenuWindow::addRows() {
     }
 }
 
+// Another process may have changed what is shown, while the window stood open behind others.
+void MenuWindow::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::ActivationChange && isVisible()) {
+        Q_EMIT m_menu.aboutToShow();
+    }
+    QWidget::changeEvent(event);
+}
+
 void MenuWindow::keyPressEvent(QKeyEvent *event) {
     switch (event->key()) {
     case Qt::Key_Escape:

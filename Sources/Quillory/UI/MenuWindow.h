@@ -16,6 +16,7 @@ class MenuWindow final : public QWidget {
     void open();
 
   protected:
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
   private:
