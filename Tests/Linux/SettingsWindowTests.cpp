@@ -252,6 +252,12 @@ TEST_F(SettingsWindowTest, StoresWhatTheUserSetsAndShowsWhatOthersStore) {
 
 TEST_F(SettingsWindowTest, TestsTheConnection) {
     open();
+    for (const bool trusted : {false, true}) {
+        desktop.applications.trusted = trusted;
+        desktop.advance(2000);
+        EXPECT_THAT(texts(), Contains(trusted ? "StaticText Accessibility access granted"
+                                              : "StaticText Accessibility access required"));
+    }
     auto *const button = child<QPushButton>();
     const auto outcome = [&] {
         EXPECT_TRUE(desktop.mainQueue.runUntil([&] { return button->isEnabled(); }));
@@ -407,6 +413,23 @@ TEST_F(SettingsWindowTest, GoesThroughHundredsOfEntriesByKeyboard) {
     EXPECT_EQ(AppSettings::shared().faqEntries().size(), 500);
     EXPECT_EQ(child<QLineEdit>(u"Question 1"_s)->text(), u"Q2"_s);
     EXPECT_TRUE(child<QLineEdit>(u"Question 1"_s)->hasFocus());
+
+    entries = {entries.constFirst()};
+    store(entries); // now by another process, without the entry that has the focus, and then with many more
+    desktop.advance(2000);
+    QApplication::processEvents();
+    ASSERT_NE(child<QLineEdit>(u"Question 1"_s), nullptr);
+    child<QLineEdit>(u"Question 1"_s)->setFocus();
+    entries.clear();
+    for (int i = 0; i < 50; ++i) {
+        entries.append({QUuid::createUuid(), u"N%1"_s.arg(i + 1), {}});
+    }
+    store(entries);
+    desktop.advance(2000);
+    bar->setValue(0); // the focus has gone to the end
+    QApplication::processEvents();
+    ASSERT_NE(child<QLineEdit>(u"Question 1"_s), nullptr);
+    EXPECT_EQ(child<QLineEdit>(u"Question 1"_s)->text(), u"N1"_s);
 }
 
 TEST_F(SettingsWindowTest, FitsItsWindow) {

@@ -76,7 +76,7 @@ GeneralPage::GeneralPage(SettingsBinding &binding) {
     column->setContentsMargins(pageMargins());
     column->setSpacing(sectionGap);
     column->addWidget(behaviorSection(binding));
-    column->addWidget(new StatusSection);
+    column->addWidget(new StatusSection(binding));
     column->addStretch();
 }
 

@@ -4,15 +4,15 @@
 #include "Platform/Platform.h"
 #include "Quillory/UI/Settings/ClampedText.h"
 #include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Settings/SettingsBinding.h"
 #include "Quillory/UI/Symbols.h"
 
-#include <QEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 namespace quillory::ui {
 
-StatusSection::StatusSection()
+StatusSection::StatusSection(SettingsBinding &binding)
     : m_trustSymbol(new SymbolView({}, bodyPoints, Tint::warning)), m_trust(new FormText({}, bodyPoints)),
       m_trustAdvice(
           new FormText(QStringLiteral("Grant it in System Settings → Privacy & Security → Accessibility, then "
@@ -26,23 +26,12 @@ StatusSection::StatusSection()
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(section);
     showTest();
+    binding.onRefresh([this] { showTrust(); }); // it comes and goes while the window is open
 }
 
 void StatusSection::showEvent(QShowEvent *event) {
     showTrust();
     QWidget::showEvent(event);
-}
-
-void StatusSection::enterEvent(QEnterEvent *event) {
-    showTrust();
-    QWidget::enterEvent(event);
-}
-
-void StatusSection::changeEvent(QEvent *event) {
-    if (event->type() == QEvent::ActivationChange) {
-        showTrust();
-    }
-    QWidget::changeEvent(event);
 }
 
 QWidget *StatusSection::trustRow() {

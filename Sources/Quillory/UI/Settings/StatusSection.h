@@ -11,18 +11,16 @@ namespace quillory::ui {
 
 class ClampedText;
 class FormText;
+class SettingsBinding;
 class SymbolView;
 
 /// Whether the program may read other applications, and whether the model service answers.
 class StatusSection final : public QWidget {
   public:
-    StatusSection();
+    explicit StatusSection(SettingsBinding &binding);
 
   protected:
-    // Trust is looked at when there is reason to draw it anew; nothing polls it.
     void showEvent(QShowEvent *event) override;
-    void enterEvent(QEnterEvent *event) override;
-    void changeEvent(QEvent *event) override;
 
   private:
     [[nodiscard]] QWidget *trustRow();

@@ -44,6 +44,13 @@ void Stepper::mouseReleaseEvent(QMouseEvent * /*event*/) {
     update();
 }
 
+// A window that goes while an arrow is held takes the release with it.
+void Stepper::hideEvent(QHideEvent *event) {
+    m_pressed = 0;
+    m_repeat.stop();
+    QSpinBox::hideEvent(event);
+}
+
 // The toolkit's own would look for arrows where its style draws them.
 void Stepper::mouseMoveEvent(QMouseEvent *event) {
     event->accept();
