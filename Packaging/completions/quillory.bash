@@ -13,7 +13,8 @@ _quillory() {
     *:inspect) [ "$previous" = --wait ] || words="--json --wait" ;;
     *:rewrite)
         if [ "$previous" = --tone ]; then
-            words="professional friendly concise"
+            local IFS=$'\n'
+            words=$'professional\nfriendly\nconcise\n"grammar\\\\ only"' # as it is to be typed
         else
             words="--tone --json"
         fi
