@@ -19,6 +19,8 @@ class UserDefaults {
     virtual ~UserDefaults() = default;
     virtual void registerDefaults(const std::map<QString, DefaultsValue> &defaults) = 0;
     [[nodiscard]] virtual std::optional<QString> string(const QString &key) const = 0;
+    /// Whether a text is kept that is not empty. Tells it at once, also where the text itself waits for the user.
+    [[nodiscard]] virtual bool isKept(const QString &key) const { return !string(key).value_or(QString()).isEmpty(); }
     /// False when there is no value.
     [[nodiscard]] virtual bool boolean(const QString &key) const = 0;
     /// 0 when there is no value.
@@ -29,6 +31,8 @@ class UserDefaults {
     /// Forgets a stored value, so that the registered default shows again; false when that is known not to have
     /// been saved.
     virtual bool remove(const QString &key) = 0;
+    /// For what the user does on purpose: a question that was turned down may be asked once more.
+    virtual void askAgain() {}
     /// Whether changes are kept in memory only, because the last attempt to save them failed.
     [[nodiscard]] virtual bool isFailingToSave() const = 0;
 };

@@ -122,17 +122,28 @@ AppSettings::AppSettings(platform::UserDefaults &store) : m_store(store) {
     registerSettingsDefaults(store);
 }
 
-QString AppSettings::apiKey() const {
+namespace {
+bool isUsable(const std::optional<QString> &key) {
+    return key && !key->isEmpty();
+}
+
+/// The key for who has stored none.
+QString keyFromOutside() {
     const platform::Process &process = platform::current().process;
-    const auto isUsable = [](const std::optional<QString> &key) { return key && !key->isEmpty(); };
-    if (const auto stored = m_store.string(settingsKey::openRouterAPIKey); isUsable(stored)) {
-        return *stored;
-    }
-    if (const auto fromEnvironment = process.environment(QStringLiteral("OPENROUTER_API_KEY"));
-        isUsable(fromEnvironment)) {
-        return *fromEnvironment;
-    }
-    return process.infoDictionaryString(QStringLiteral("EmbeddedAPIKey")).value_or(QString());
+    const auto fromEnvironment = process.environment(QStringLiteral("OPENROUTER_API_KEY"));
+    return isUsable(fromEnvironment)
+               ? *fromEnvironment
+               : process.infoDictionaryString(QStringLiteral("EmbeddedAPIKey")).value_or(QString());
+}
+} // namespace
+
+QString AppSettings::apiKey() const {
+    const auto stored = m_store.string(settingsKey::openRouterAPIKey);
+    return isUsable(stored) ? *stored : keyFromOutside();
+}
+
+bool AppSettings::isKeySet() const {
+    return m_store.isKept(settingsKey::openRouterAPIKey) || !keyFromOutside().isEmpty();
 }
 
 QList<FAQEntry> AppSettings::faqEntries() const {

@@ -70,6 +70,8 @@ class AppSettings {
     [[nodiscard]] platform::UserDefaults &store() const { return m_store; }
     /// The key as stored, else OPENROUTER_API_KEY, else the bundle's "EmbeddedAPIKey", else "". Not trimmed.
     [[nodiscard]] QString apiKey() const;
+    /// Whether there is a key, told at once: a password store that has to be unlocked for it is not asked.
+    [[nodiscard]] bool isKeySet() const;
     /// The stored list in its order; empty when there is none or it cannot be read.
     [[nodiscard]] QList<FAQEntry> faqEntries() const;
     void setFAQEntries(const QList<FAQEntry> &entries);

@@ -2,6 +2,7 @@
 #include "Quillory/ConnectionTest.h"
 
 #include "Platform/Platform.h"
+#include "Quillory/AppSettings.h"
 #include "Quillory/OpenRouterClient.h"
 #include "Quillory/RewriteError.h"
 
@@ -33,6 +34,7 @@ void ConnectionTest::run() {
         return;
     }
     m_isTesting = true;
+    AppSettings::shared().store().askAgain();
     m_result.reset();
     const auto task = m_tasks.start([this, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
         platform::current().mainQueue.post([this, life, result = triedConnection(stop)] {

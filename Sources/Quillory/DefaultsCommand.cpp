@@ -161,10 +161,20 @@ class Command {
         if (verb == QStringLiteral("read")) {
             return read(*setting);
         }
-        return count == 3 ? write(*setting, arguments[2]) : saved(m_store.remove(setting->key));
+        return count == 3 ? write(*setting, arguments[2]) : remove(*setting);
     }
 
   private:
+    int remove(const Setting &setting) {
+        const bool isRemoved = m_store.remove(setting.key);
+        if (isRemoved || setting.type != Type::secret) {
+            return saved(isRemoved);
+        }
+        note(QStringLiteral("the key could not be deleted everywhere, so it may still be in the desktop's password "
+                            "store or in the settings file; unlock the password store and try again"));
+        return exitStatus::failure;
+    }
+
     int readAll() {
         for (const Setting &setting : allSettings()) {
             QString value = shownValue(setting, m_store).value_or(QStringLiteral("(not set)"));

@@ -21,20 +21,24 @@ struct FakeStore final : platform::desktop::SecretStore {
     std::optional<QString> kept;
     std::atomic<bool> answers = true;
     std::atomic<int> lookUps = 0;
+    std::atomic<int> questions = 0;
 
     bool store(const QString &secret, const std::stop_token & /*stop*/) override {
         const std::scoped_lock lock(mutex);
         kept = answers ? secret : kept;
         return answers;
     }
-    [[nodiscard]] std::optional<QString> lookUp(const std::stop_token & /*stop*/) override {
+    [[nodiscard]] std::optional<QString> lookUp(platform::desktop::Unlocking unlocking,
+                                                const std::stop_token & /*stop*/) override {
         ++lookUps;
+        questions += unlocking == platform::desktop::Unlocking::asks ? 1 : 0;
         const std::scoped_lock lock(mutex);
         return answers ? kept : std::nullopt;
     }
-    void clear(const std::stop_token & /*stop*/) override {
+    bool clear(const std::stop_token & /*stop*/) override {
         const std::scoped_lock lock(mutex);
-        kept.reset();
+        kept = answers ? std::nullopt : kept;
+        return answers;
     }
 };
 
@@ -64,6 +68,29 @@ TEST_F(SecretUserDefaultsTest, TheKeyLivesInThePasswordStoreAndEveryProcessSeesA
     EXPECT_TRUE(store.remove(key));
     EXPECT_EQ(running.string(key), std::nullopt);
     EXPECT_EQ(passwords.kept, std::nullopt);
+}
+
+TEST_F(SecretUserDefaultsTest, ALockedStoreKeepsTheKeyAndIsNotAskedAgainByItself) {
+    EXPECT_EQ(store.storeKey(u"secret"_qs, {}), KeyPlace::passwordStore);
+    passwords.answers = false;
+    SecretUserDefaults running(passwords, folder.path());
+    EXPECT_TRUE(running.isKept(key));
+    EXPECT_EQ(passwords.lookUps, 0) << "a start waits for nobody";
+    EXPECT_EQ(running.string(key), std::nullopt);
+    EXPECT_EQ(running.string(key), std::nullopt);
+    EXPECT_EQ(passwords.lookUps, 1);
+    running.askAgain();
+    EXPECT_EQ(running.string(key), std::nullopt);
+    EXPECT_EQ(passwords.questions, 2);
+
+    EXPECT_FALSE(store.remove(key));
+    EXPECT_TRUE(store.isKept(key));
+    EXPECT_EQ(store.storeKey(u"in the file"_qs, {}), KeyPlace::settingsFile);
+    EXPECT_FALSE(store.remove(key)) << "the first one is still there";
+    passwords.answers = true;
+    EXPECT_TRUE(store.remove(key));
+    EXPECT_EQ(passwords.kept, std::nullopt);
+    EXPECT_FALSE(running.isKept(key));
 }
 
 TEST_F(SecretUserDefaultsTest, TheSettingsFileIsTheFallbackAndComesFirst) {

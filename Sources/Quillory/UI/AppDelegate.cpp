@@ -54,7 +54,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     if (m_actions.startPeriodicChecks) {
         m_actions.startPeriodicChecks();
     }
-    if (AppSettings::shared().apiKey().isEmpty()) {
+    if (!AppSettings::shared().isKeySet()) {
         std::fputs("quillory: no OpenRouter API key is set; give one with: quillory setup\n", stderr);
         openSettings();
     }
@@ -64,7 +64,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 bool AppDelegate::lacksSetup() {
-    return AppSettings::shared().apiKey().isEmpty() || !platform::current().accessibility.isProcessTrusted();
+    return !AppSettings::shared().isKeySet() || !platform::current().accessibility.isProcessTrusted();
 }
 
 void AppDelegate::launchSetup() {

@@ -71,6 +71,29 @@ template <typename Result> Result outcome(const Operation<Result> &operation, co
     return *std::move(underWay->result);
 }
 
+struct FreeItems {
+    void operator()(GList *items) const { g_list_free_full(items, g_object_unref); }
+};
+using Items = std::unique_ptr<GList, FreeItems>;
+
+/// What there is, locked items too. Nobody is asked to unlock anything.
+Items search(SecretSearchFlags flags, GCancellable *cancellable, GError **error) {
+    return Items(
+        secret_password_search_sync(schema(), flags, cancellable, error, "service", serviceAttribute, nullptr));
+}
+
+std::optional<QString> unlockedSecret(GCancellable *cancellable, GError **error) {
+    const Items items = search(SECRET_SEARCH_LOAD_SECRETS, cancellable, error);
+    if (!items) {
+        return std::nullopt;
+    }
+    const std::unique_ptr<SecretValue, void (*)(SecretValue *)> value(
+        secret_retrievable_retrieve_secret_sync(static_cast<SecretRetrievable *>(items->data), cancellable, error),
+        [](SecretValue *held) { secret_value_unref(held); });
+    const gchar *const text = value ? secret_value_get_text(value.get()) : nullptr;
+    return text == nullptr ? std::nullopt : std::optional(QString::fromUtf8(text));
+}
+
 } // namespace
 
 bool SecretService::store(const QString &secret, const std::stop_token &stop) {
@@ -82,7 +105,10 @@ bool SecretService::store(const QString &secret, const std::stop_token &stop) {
     return outcome<bool>(operation, stop);
 }
 
-std::optional<QString> SecretService::lookUp(const std::stop_token &stop) {
+std::optional<QString> SecretService::lookUp(Unlocking unlocking, const std::stop_token &stop) {
+    if (unlocking == Unlocking::never) {
+        return outcome<std::optional<QString>>(unlockedSecret, stop);
+    }
     const auto operation = [](GCancellable *cancellable, GError **error) {
         const std::unique_ptr<gchar, void (*)(gchar *)> secret(
             secret_password_lookup_nonpageable_sync(schema(), cancellable, error, "service", serviceAttribute, nullptr),
@@ -92,11 +118,13 @@ std::optional<QString> SecretService::lookUp(const std::stop_token &stop) {
     return outcome<std::optional<QString>>(operation, stop);
 }
 
-void SecretService::clear(const std::stop_token &stop) {
+bool SecretService::clear(const std::stop_token &stop) {
+    // The answer to the clearing is the same for a store that has nothing and for one that stayed locked.
     const auto operation = [](GCancellable *cancellable, GError **error) {
-        return secret_password_clear_sync(schema(), cancellable, error, "service", serviceAttribute, nullptr) != 0;
+        secret_password_clear_sync(schema(), cancellable, error, "service", serviceAttribute, nullptr);
+        return *error == nullptr && !search(SECRET_SEARCH_ALL, cancellable, error) && *error == nullptr;
     };
-    outcome<bool>(operation, stop);
+    return outcome<bool>(operation, stop);
 }
 
 } // namespace platform::desktop

@@ -3,6 +3,8 @@
 
 #include <QUuid>
 
+#include <utility>
+
 namespace platform::desktop {
 
 namespace {
@@ -10,7 +12,8 @@ using namespace std::chrono_literals;
 const QString keySetting = QStringLiteral("openRouterAPIKey");
 const QString markSetting = QStringLiteral("openRouterAPIKeyInPasswordStore");
 constexpr auto longestLookUp = 2s;
-/// After a look-up that found nothing, for example because the user did not unlock the store.
+/// After a look-up that found nothing, for example because the user did not unlock the store. The next ones do not ask
+/// for that: a question that was turned down must not come back by itself.
 constexpr auto untilNextLookUp = 10s;
 } // namespace
 
@@ -45,11 +48,12 @@ std::optional<QString> SecretUserDefaults::string(const QString &key) const {
 
 /// With the mutex held. An earlier look-up has ended by then, but for its last steps.
 void SecretUserDefaults::startLookUp(const QString &mark) const {
+    const bool isNew = std::exchange(m_mark, mark) != mark;
+    const bool asks = std::exchange(m_mayAsk, false) || isNew;
     m_isLookingUp = true;
-    m_mark = mark;
     m_secret.reset();
-    m_lookUp = std::jthread([this](const std::stop_token &stop) {
-        auto secret = m_secrets.lookUp(stop);
+    m_lookUp = std::jthread([this, asks](const std::stop_token &stop) {
+        auto secret = m_secrets.lookUp(asks ? Unlocking::asks : Unlocking::never, stop);
         {
             const std::scoped_lock lock(m_mutex);
             m_secret = std::move(secret);
@@ -58,6 +62,18 @@ void SecretUserDefaults::startLookUp(const QString &mark) const {
         }
         m_found.notify_all();
     });
+}
+
+bool SecretUserDefaults::isKept(const QString &key) const {
+    return UserDefaults::isKept(key == keySetting && m_file.isKept(markSetting) ? markSetting : key);
+}
+
+void SecretUserDefaults::askAgain() {
+    const std::scoped_lock lock(m_mutex);
+    if (!m_isLookingUp) {
+        m_mayAsk = true;
+        m_nextTry = {};
+    }
 }
 
 bool SecretUserDefaults::boolean(const QString &key) const {
@@ -73,35 +89,32 @@ std::optional<QByteArray> SecretUserDefaults::data(const QString &key) const {
 }
 
 bool SecretUserDefaults::set(const QString &key, const DefaultsValue &value) {
-    if (key == keySetting) {
-        forgetSecret();
-    }
-    return m_file.set(key, value);
+    // Where the old key stays in the password store, it does no harm to the new one, which comes first.
+    const bool isForgotten = key != keySetting || forgetSecret();
+    return m_file.set(key, value) && (isForgotten || m_file.isKept(key));
 }
 
 bool SecretUserDefaults::remove(const QString &key) {
-    if (key == keySetting) {
-        forgetSecret();
-    }
-    return m_file.remove(key);
+    const bool isForgotten = key != keySetting || forgetSecret();
+    return m_file.remove(key) && isForgotten;
 }
 
-void SecretUserDefaults::forgetSecret() {
-    if (m_file.string(markSetting)) {
-        m_file.remove(markSetting);
-        m_secrets.clear({});
-    }
+/// The mark stays for as long as the password store may have a key: without it nobody would ever clear that.
+bool SecretUserDefaults::forgetSecret() {
+    return !m_file.string(markSetting) || (m_secrets.clear({}) && m_file.remove(markSetting));
 }
 
 KeyPlace SecretUserDefaults::storeKey(const QString &key, const std::stop_token &stop) {
-    if (m_secrets.store(key, stop) && m_file.set(markSetting, QUuid::createUuid().toString()) &&
-        m_file.remove(keySetting)) {
+    const bool isStored = m_secrets.store(key, stop);
+    if (isStored && m_file.set(markSetting, QUuid::createUuid().toString()) && m_file.remove(keySetting)) {
         return KeyPlace::passwordStore;
     }
     if (stop.stop_requested()) {
         return KeyPlace::nowhere;
     }
-    m_file.remove(markSetting);
+    if (isStored) { // else who has just turned the password store down would be asked again
+        forgetSecret();
+    }
     return m_file.set(keySetting, key) ? KeyPlace::settingsFile : KeyPlace::nowhere;
 }
 

@@ -24,17 +24,20 @@ class SecretUserDefaults final : public UserDefaults, public KeyStorage {
     void registerDefaults(const std::map<QString, DefaultsValue> &defaults) override;
     /// For the key: waits a moment for a password store that has to be unlocked, and answers "absent" until it is.
     [[nodiscard]] std::optional<QString> string(const QString &key) const override;
+    [[nodiscard]] bool isKept(const QString &key) const override;
     [[nodiscard]] bool boolean(const QString &key) const override;
     [[nodiscard]] qint64 integer(const QString &key) const override;
     [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
     bool set(const QString &key, const DefaultsValue &value) override;
+    /// Of the key: false as well when the password store still has it, or may have it.
     bool remove(const QString &key) override;
+    void askAgain() override;
     [[nodiscard]] bool isFailingToSave() const override { return m_file.isFailingToSave(); }
     KeyPlace storeKey(const QString &key, const std::stop_token &stop) override;
 
   private:
     void startLookUp(const QString &mark) const;
-    void forgetSecret();
+    bool forgetSecret();
 
     SecretStore &m_secrets;
     mutable FileUserDefaults m_file;
@@ -44,6 +47,8 @@ class SecretUserDefaults final : public UserDefaults, public KeyStorage {
     mutable std::optional<QString> m_secret;
     mutable QString m_mark;
     mutable bool m_isLookingUp = false;
+    /// Whether the user may be asked to unlock the store: once, until something new happens.
+    mutable bool m_mayAsk = true;
     mutable std::chrono::steady_clock::time_point m_nextTry;
     /// Last, so that it ends first.
     mutable std::jthread m_lookUp;
