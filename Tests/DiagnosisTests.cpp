@@ -51,6 +51,7 @@ struct Diagnosis : testing::Test {
         desktop.isAccessibilityEnabled = desktop.isAccessibilityKept = true;
         desktop.applications = {program("org.chromium.Chromium", {chat})};
         desktop.hasStatusNotifier = true;
+        desktop.isRunning = true;
         desktop.canGrabTab = desktop.canGrabEscape = true;
         own.hasKey = true;
         own.serviceHost = utf16("service.example");
@@ -90,6 +91,8 @@ TEST_F(Diagnosis, TellsWhatStandsInTheWayFromWhatIsWorthKnowing) {
         {"key", [](auto &d) { d.own.hasKey = false; }, State::problem, "none is set", Remedy::enterKey},
         {"key", [](auto &d) { d.own.keyFault = utf16("broken"); }, State::problem, "broken", Remedy::enterKey},
         {"service", [](auto &d) { d.own.serviceFault = utf16("unreachable"); }, State::problem, "unreachable"},
+        {"suggestions", [](auto &d) { d.own.areSuggestionsOn = false; }, State::problem, "switched off"},
+        {"running", [](auto &d) { d.desktop.isRunning = false; }, State::note, "not running", Remedy::start},
         {"browser", [](auto &d) { d.desktop.applications.clear(); }, State::note, "none is running"},
     };
     EXPECT_TRUE(works());
@@ -152,6 +155,7 @@ struct MendableDesktop final : platform::DesktopExamination, platform::DesktopMe
         facts.startsAtLogin = starts;
         return true;
     }
+    bool start() override { return false; }
     bool restart(const ApplicationFacts & /*application*/) override { return false; }
 };
 
@@ -174,6 +178,14 @@ TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     };
     EXPECT_EQ(doctor({}), exitStatus::failure);
     EXPECT_EQ(doctor({utf16("--fix"), utf16("--json")}), exitStatus::success);
+    EXPECT_THAT(errors.str(), HasSubstr("Switched accessibility on."));
+    errors.str({});
+    mendable.facts.isAccessibilityKept = mendable.facts.isRunning = false;
+    EXPECT_EQ(doctor({utf16("--fix")}), exitStatus::success);
+    EXPECT_EQ(errors.str(), "Accessibility stays on at the next login.\n");
+    EXPECT_THAT(output.str(), testing::EndsWith("once it is started.\n"));
+    simulated.userDefaults.set(settingsKey::enabled, false);
+    EXPECT_EQ(doctor({}), exitStatus::failure);
     EXPECT_EQ(doctor({utf16("--fix"), utf16("--fix")}), exitStatus::misuse);
     EXPECT_FALSE(mendable.facts.startsAtLogin);
     EXPECT_THAT(output.str(), testing::Not(HasSubstr("sk-secret")));

@@ -53,6 +53,8 @@ struct DesktopFacts {
     bool hasCompositor = false;
     bool hasClipboardManager = false;
     bool startsAtLogin = false;
+    /// Whether the program runs on this display.
+    std::optional<bool> isRunning;
     /// Of the system and the libraries, for bug reports.
     QStringList versions;
 };
@@ -74,6 +76,8 @@ class DesktopMending {
     virtual bool enableAccessibility() = 0;
     /// Whether the program starts with the session.
     virtual bool setStartsAtLogin(bool starts) = 0;
+    /// Starts the program on this display; whether it runs. May take some seconds.
+    virtual bool start() = 0;
     /// Ends a program as its user would and starts it again, so that it comes up with its tree and, in a Wayland
     /// session, on the X display. May take some seconds.
     virtual bool restart(const ApplicationFacts &application) = 0;

@@ -12,6 +12,8 @@ namespace {
 using platform::ApplicationFacts;
 using platform::DesktopFacts;
 using State = Finding::State;
+const auto keptCheck = QStringLiteral("accessibility-kept");
+const auto runningCheck = QStringLiteral("running");
 
 Finding about(const QString &check, const QString &title) {
     Finding finding;
@@ -88,7 +90,7 @@ Finding aboutAccessibilitySwitch(const DesktopFacts &desktop) {
 }
 
 Finding aboutAccessibilityLater(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("accessibility-kept"), QStringLiteral("At the next login"));
+    Finding finding = about(keptCheck, QStringLiteral("At the next login"));
     if (!desktop.isAccessibilityKept) {
         finding.found = QStringLiteral("this desktop has no setting that keeps accessibility on");
         finding.state = State::note;
@@ -263,6 +265,35 @@ Finding aboutService(const ProgramFacts &program) {
     return finding;
 }
 
+Finding aboutSuggestions(const ProgramFacts &program) {
+    Finding finding = about(QStringLiteral("suggestions"), QStringLiteral("Suggestions"));
+    finding.found = program.areSuggestionsOn ? QStringLiteral("on") : QStringLiteral("switched off");
+    if (!program.areSuggestionsOn) {
+        finding.state = State::problem;
+        finding.advice = QStringLiteral("Switch them on in Quillory's menu or settings, or with: quillory defaults "
+                                        "write enabled true");
+    }
+    return finding;
+}
+
+/// A note only, since one may ask before the start.
+Finding aboutRunning(const DesktopFacts &desktop) {
+    Finding finding = about(runningCheck, QStringLiteral("Quillory"));
+    if (desktop.isRunning.value_or(false)) {
+        finding.found = QStringLiteral("running");
+        return finding;
+    }
+    finding.state = State::note;
+    if (desktop.isRunning) {
+        finding.found = QStringLiteral("not running, so nothing is suggested yet");
+        finding.advice = QStringLiteral("Start it with: quillory");
+        finding.remedy = Remedy::start;
+    } else {
+        finding.found = QStringLiteral("without an X display it cannot run");
+    }
+    return finding;
+}
+
 Finding aboutStartsAtLogin(const DesktopFacts &desktop) {
     Finding finding = about(QStringLiteral("autostart"), QStringLiteral("Start at login"));
     finding.found = desktop.startsAtLogin ? QStringLiteral("on") : QStringLiteral("off");
@@ -290,7 +321,8 @@ std::vector<Finding> diagnose(const DesktopFacts &desktop, const ProgramFacts &p
     }
     for (Finding finding :
          {aboutKeys(desktop), aboutStatusArea(desktop), aboutCompositor(desktop), aboutClipboardManager(desktop),
-          aboutKey(program), aboutService(program), aboutStartsAtLogin(desktop), aboutVersions(desktop, program)}) {
+          aboutKey(program), aboutService(program), aboutSuggestions(program), aboutRunning(desktop),
+          aboutStartsAtLogin(desktop), aboutVersions(desktop, program)}) {
         findings.push_back(std::move(finding));
     }
     return findings;
@@ -310,14 +342,26 @@ std::optional<Offer> offerFor(const Finding &finding) {
                      false};
     case Remedy::startAtLogin:
         return Offer{QStringLiteral("Switch On"), QStringLiteral("Start Quillory at every login?"), false};
+    case Remedy::start:
+        return Offer{QStringLiteral("Start"), {}}; // in a terminal one starts it oneself
     case Remedy::enterKey:
         break;
     }
     return Offer{QStringLiteral("Enter Key"), {}};
 }
 
+bool isOnlyForLater(const Finding &finding) {
+    return finding.check == keptCheck;
+}
+
 bool canWork(const std::vector<Finding> &findings) {
     return std::ranges::none_of(findings, [](const Finding &f) { return f.state == State::problem; });
+}
+
+bool isAtWork(const std::vector<Finding> &findings) {
+    return canWork(findings) && std::ranges::any_of(findings, [](const Finding &finding) {
+               return finding.check == runningCheck && finding.state == State::good;
+           });
 }
 
 } // namespace quillory

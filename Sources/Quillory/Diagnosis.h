@@ -16,10 +16,12 @@ struct ProgramFacts {
     /// Why no request gets there, as a sentence; empty when one would.
     QString serviceFault;
     QString version;
+    /// Whether the user has suggestions switched on.
+    bool areSuggestionsOn = true;
 };
 
 /// What can be done about a finding without the user's doing more than agreeing.
-enum class Remedy { none, enableAccessibility, restart, startAtLogin, enterKey };
+enum class Remedy { none, enableAccessibility, restart, startAtLogin, start, enterKey };
 
 struct Finding {
     enum class State {
@@ -55,7 +57,13 @@ struct Offer {
 /// Absent where there is nothing to offer.
 [[nodiscard]] std::optional<Offer> offerFor(const Finding &finding);
 
+/// Whether it asks for no more than a setting for later logins.
+[[nodiscard]] bool isOnlyForLater(const Finding &finding);
+
 /// Whether nothing stands in the way of the program's main work.
 [[nodiscard]] bool canWork(const std::vector<Finding> &findings);
+
+/// Whether it does its main work already: it can, and runs.
+[[nodiscard]] bool isAtWork(const std::vector<Finding> &findings);
 
 } // namespace quillory

@@ -22,16 +22,29 @@ std::vector<Finding> findingsNow(const CommandServices &services) {
     return diagnose(services.examination->examine(), examineProgram());
 }
 
-/// Does what is safe; false when it was tried in vain.
-bool fix(const std::vector<Finding> &findings, const CommandServices &services, const CommandStreams &streams) {
-    if (std::ranges::none_of(findings, [](const Finding &finding) { return isSafe(finding.remedy); })) {
+bool isToBeKept(const Finding &finding) {
+    return isSafe(finding.remedy) && isOnlyForLater(finding);
+}
+
+/// Does what is safe and looks again.
+void fix(std::vector<Finding> &findings, const CommandServices &services, const CommandStreams &streams) {
+    const auto safe = std::ranges::count_if(findings, [](const Finding &f) { return isSafe(f.remedy); });
+    if (safe == 0) {
         streams.errors << "There is nothing that could be fixed safely.\n";
-        return true;
+        return;
     }
-    const bool isFixed = services.mending->enableAccessibility();
-    streams.errors << (isFixed ? "Switched accessibility on. Browsers that were running must be restarted once.\n"
-                               : "quillory: accessibility could not be switched on.\n");
-    return isFixed;
+    const bool isOnNow = safe == std::ranges::count_if(findings, isToBeKept);
+    const bool isDone = services.mending->enableAccessibility();
+    findings = findingsNow(services);
+    if (!isDone) {
+        streams.errors << "quillory: accessibility could not be switched on.\n";
+    } else if (!isOnNow) {
+        streams.errors << "Switched accessibility on. Browsers that were running must be restarted once.\n";
+    } else {
+        streams.errors << (std::ranges::none_of(findings, isToBeKept)
+                               ? "Accessibility stays on at the next login.\n"
+                               : "quillory: the setting that keeps accessibility on could not be changed.\n");
+    }
 }
 
 const char *nameOf(State state) {
@@ -76,7 +89,8 @@ void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
     }
     const auto problems = std::ranges::count(findings, State::problem, &Finding::state);
     if (problems == 0) {
-        output << "\nQuillory can do its work.\n";
+        output << (isAtWork(findings) ? "\nQuillory can do its work.\n"
+                                      : "\nQuillory can do its work once it is started.\n");
     } else {
         output << "\nQuillory cannot do its work yet: " << problems << (problems == 1 ? " problem.\n" : " problems.\n");
     }
@@ -91,8 +105,8 @@ int runDoctorCommand(const QStringList &arguments, const CommandServices &servic
     }
     const auto installed = services.install();
     std::vector<Finding> findings = findingsNow(services);
-    if (mayFix && fix(findings, services, streams)) {
-        findings = findingsNow(services);
+    if (mayFix) {
+        fix(findings, services, streams);
     }
     asJSON ? writeJSON(streams.output, findings) : writeFindings(streams.output, findings);
     return canWork(findings) ? exitStatus::success : exitStatus::failure;

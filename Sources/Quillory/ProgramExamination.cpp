@@ -42,6 +42,7 @@ ProgramFacts examineProgram() {
     if (facts.hasKey && enteredKey(key).key != key) {
         facts.keyFault = QStringLiteral("the key holds a space, a line break or a character that no key has");
     }
+    facts.areSuggestionsOn = AppSettings::shared().store().boolean(settingsKey::enabled);
     examineService(facts);
     return facts;
 }

@@ -13,9 +13,12 @@ std::vector<Finding> SetupWork::look() const {
 QString SetupWork::mend(const Finding &finding) const {
     switch (finding.remedy) {
     case Remedy::enableAccessibility:
-        return m_mending.enableAccessibility()
-                   ? QStringLiteral("Accessibility is on. Browsers that were running must be restarted once.")
-                   : QStringLiteral("Accessibility could not be switched on.");
+        if (!m_mending.enableAccessibility()) {
+            return QStringLiteral("Accessibility could not be switched on.");
+        }
+        return isOnlyForLater(finding)
+                   ? QStringLiteral("The desktop was asked to keep accessibility on.")
+                   : QStringLiteral("Accessibility is on. Browsers that were running must be restarted once.");
     case Remedy::restart:
         return finding.application && m_mending.restart(*finding.application)
                    ? finding.title + QStringLiteral(" was started again.")
@@ -23,6 +26,9 @@ QString SetupWork::mend(const Finding &finding) const {
     case Remedy::startAtLogin:
         return m_mending.setStartsAtLogin(true) ? QStringLiteral("Quillory starts at your next login.")
                                                 : QStringLiteral("The entry for the autostart could not be written.");
+    case Remedy::start:
+        return m_mending.start() ? QStringLiteral("Quillory runs.")
+                                 : QStringLiteral("Quillory could not be started. Start it yourself.");
     case Remedy::enterKey:
     case Remedy::none:
         break;

@@ -29,6 +29,7 @@ struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::
         return true;
     }
     bool setStartsAtLogin(bool /*starts*/) override { return false; }
+    bool start() override { return false; }
     bool restart(const platform::ApplicationFacts & /*application*/) override { return false; }
     platform::KeyPlace storeKey(const QString &key, const std::stop_token & /*stop*/) override {
         stored = key;

@@ -5,6 +5,7 @@
 #include "Platform/Linux/Desktop/Autostart.h"
 #include "Platform/Linux/Desktop/BusExamination.h"
 #include "Platform/Linux/Desktop/DesktopSettings.h"
+#include "Platform/Linux/Desktop/X11Examination.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -108,6 +109,17 @@ bool LinuxMending::enableAccessibility() {
 
 bool LinuxMending::setStartsAtLogin(bool starts) {
     return autostart::set(starts);
+}
+
+bool LinuxMending::start() {
+    if (!QProcess::startDetached(QFile::symLinkTarget(QStringLiteral("/proc/self/exe")), {})) {
+        return false;
+    }
+    const auto giveUp = std::chrono::steady_clock::now() + patience;
+    while (!isProgramRunning() && std::chrono::steady_clock::now() < giveUp) {
+        std::this_thread::sleep_for(pause);
+    }
+    return isProgramRunning();
 }
 
 bool LinuxMending::restart(const ApplicationFacts &application) {

@@ -10,6 +10,7 @@ class LinuxMending final : public DesktopMending {
   public:
     bool enableAccessibility() override;
     bool setStartsAtLogin(bool starts) override;
+    bool start() override;
     bool restart(const ApplicationFacts &application) override;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Desktop/X11Examination.h"
 
+#include "Platform/Linux/X11/X11Instance.h"
 #include "Platform/Linux/X11/X11Keyboard.h"
 
 namespace platform::desktop {
@@ -81,9 +82,15 @@ std::set<qint32> examineX11(DesktopFacts &facts) {
     facts.hasTray = isOwned(*connection, withScreenNumber("_NET_SYSTEM_TRAY_S", *connection));
     facts.hasCompositor = isOwned(*connection, withScreenNumber("_NET_WM_CM_S", *connection));
     facts.hasClipboardManager = isOwned(*connection, "CLIPBOARD_MANAGER");
+    facts.isRunning = X11Instance::isThere(*connection);
     facts.canGrabTab = canGrab(*connection, keyboard, keyCode::tab);
     facts.canGrabEscape = canGrab(*connection, keyboard, keyCode::escape);
     return processesWithWindows(*connection);
+}
+
+bool isProgramRunning() {
+    const auto connection = X11Connection::open();
+    return connection && X11Instance::isThere(*connection);
 }
 
 } // namespace platform::desktop

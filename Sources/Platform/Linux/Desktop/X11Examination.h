@@ -11,4 +11,7 @@ namespace platform::desktop {
 /// Gives the processes that have windows there.
 std::set<qint32> examineX11(DesktopFacts &facts);
 
+/// Whether the program runs on the display; false also where there is no display.
+[[nodiscard]] bool isProgramRunning();
+
 } // namespace platform::desktop

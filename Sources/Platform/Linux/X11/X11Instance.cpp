@@ -51,6 +51,10 @@ std::unique_ptr<X11Instance> X11Instance::become(X11Connection &connection) {
     return isFree ? std::unique_ptr<X11Instance>(new X11Instance(connection)) : nullptr;
 }
 
+bool X11Instance::isThere(X11Connection &connection) {
+    return instanceOn(connection) != XCB_NONE;
+}
+
 bool X11Instance::summon(X11Connection &connection, std::chrono::milliseconds longestWait) {
     const xcb_window_t instance = instanceOn(connection);
     if (instance == XCB_NONE) {

@@ -12,6 +12,8 @@ class X11Instance {
   public:
     /// Becomes the display's instance; null when another one is.
     [[nodiscard]] static std::unique_ptr<X11Instance> become(X11Connection &connection);
+    /// Whether the display has one.
+    [[nodiscard]] static bool isThere(X11Connection &connection);
     /// Has the display's instance come forward, as the user wants who started the program again; false when none
     /// answers in time.
     [[nodiscard]] static bool summon(X11Connection &connection, std::chrono::milliseconds longestWait);

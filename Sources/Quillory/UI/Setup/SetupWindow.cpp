@@ -117,9 +117,10 @@ void SetupWindow::show(std::vector<Finding> findings) {
     m_canWork = quillory::canWork(findings);
     m_key->setKeyKnown(
         std::ranges::none_of(findings, [](const Finding &finding) { return finding.remedy == Remedy::enterKey; }));
-    const QString verdict = m_canWork
-                                ? QStringLiteral("Everything is ready. Click into WhatsApp's message box and type.")
-                                : QStringLiteral("Something is missing still.");
+    const QString ready = isAtWork(findings)
+                              ? QStringLiteral("Everything is ready. Click into WhatsApp's message box and type.")
+                              : QStringLiteral("Everything is in order. Start Quillory now.");
+    const QString verdict = m_canWork ? ready : QStringLiteral("Something is missing still.");
     m_status->setText(m_outcome.isEmpty() ? verdict : m_outcome + u' ' + verdict);
 }
 
