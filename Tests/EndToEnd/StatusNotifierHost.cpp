@@ -33,6 +33,22 @@ void StatusNotifierHost::appear() {
     m_bus.registerService(watcher);
 }
 
+bool StatusNotifierHost::appearInSteps() {
+    m_isShown = false;
+    m_timesAsked = 0;
+    appear();
+    const bool isAsked = waitUntil(
+        [this] {
+            QCoreApplication::processEvents();
+            return m_timesAsked > 0;
+        },
+        60'000);
+    m_isShown = true;
+    m_bus.send(QDBusMessage::createSignal(QStringLiteral("/StatusNotifierWatcher"), watcher,
+                                          QStringLiteral("StatusNotifierHostRegistered")));
+    return isAsked;
+}
+
 void StatusNotifierHost::vanish() {
     m_bus.unregisterService(watcher);
     m_item.clear();
@@ -53,7 +69,8 @@ bool StatusNotifierHost::handleMessage(const QDBusMessage &message, const QDBusC
         return connection.send(message.createReply());
     }
     if (message.member() == QStringLiteral("Get")) {
-        return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(true))));
+        ++m_timesAsked;
+        return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(m_isShown))));
     }
     return false;
 }

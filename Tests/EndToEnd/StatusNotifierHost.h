@@ -18,6 +18,8 @@ class StatusNotifierHost final : private QDBusVirtualObject {
 
     /// Takes or gives up the name under which items look for the tray.
     void appear();
+    /// Takes the name with no tray behind it yet, waits until somebody asks for one, and says that it has come.
+    bool appearInSteps();
     void vanish();
     /// Waits until an item has registered since the tray appeared.
     bool hasItem();
@@ -39,6 +41,8 @@ class StatusNotifierHost final : private QDBusVirtualObject {
 
     QDBusConnection m_bus;
     QString m_item;
+    bool m_isShown = true;
+    int m_timesAsked = 0;
 };
 
 } // namespace quillory::test

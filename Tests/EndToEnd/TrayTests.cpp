@@ -47,7 +47,7 @@ TEST(Tray, MenuIsReadAndChosenFromByTheDesktop) {
     ChildProcess program = started();
     StatusNotifierHost tray;
     sleepBriefly();
-    tray.appear(); // the panel may start after the program, and again
+    ASSERT_TRUE(tray.appearInSteps()); // the panel may start after the program and piece by piece, and again
     ASSERT_TRUE(tray.hasItem());
     tray.vanish();
     tray.appear();

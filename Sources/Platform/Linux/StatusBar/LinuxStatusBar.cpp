@@ -6,6 +6,8 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
+#include <QDBusVariant>
+#include <QTimer>
 
 #include <xcb/xfixes.h>
 
@@ -17,6 +19,8 @@ namespace {
 using namespace std::chrono_literals;
 
 const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
+const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
+constexpr int longestAnswer = 5000;
 /// How far apart a panel's two kinds of tray may start.
 constexpr auto settling = 1s;
 } // namespace
@@ -69,25 +73,33 @@ void LinuxStatusBar::watchNotifiers() {
     }
     m_watcher = std::make_unique<QDBusServiceWatcher>(watcherName, bus, QDBusServiceWatcher::WatchForOwnerChange);
     QObject::connect(m_watcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, m_watcher.get(),
-                     [this](const QString &, const QString &, const QString &newOwner) {
-                         m_busHasAnswered = true;
-                         m_hasNotifiers = !newOwner.isEmpty();
-                         update();
-                     });
+                     [this] { askForNotifiers(); });
+    m_ask = std::make_unique<QTimer>();
+    m_ask->setSingleShot(true);
+    QObject::connect(m_ask.get(), &QTimer::timeout, m_ask.get(), [this] { askForNotifiers(); });
+    for (const auto &signal :
+         {QStringLiteral("StatusNotifierHostRegistered"), QStringLiteral("StatusNotifierHostUnregistered")}) {
+        QDBusConnection(bus).connect(QString(), watcherPath, watcherName, signal, m_ask.get(), SLOT(start()));
+    }
     askForNotifiers();
 }
 
+// The toolkit asks the same when the first icon is made, and keeps to the older kind of tray when the answer is no.
 void LinuxStatusBar::askForNotifiers() {
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
-    question.setArguments({watcherName});
-    auto *const call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), m_watcher.get());
-    QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [this, call] {
-        const QDBusPendingReply<bool> reply = *call;
-        m_busHasAnswered = true;
-        m_hasNotifiers = m_hasNotifiers || (reply.isValid() && reply.value());
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    question.setArguments({watcherName, QStringLiteral("IsStatusNotifierHostRegistered")});
+    question.setAutoStartService(false);
+    auto *const call =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question, longestAnswer), m_watcher.get());
+    QObject::connect(call, &QDBusPendingCallWatcher::finished, call, [this, call, number = ++m_timesAsked] {
         call->deleteLater();
+        if (number != m_timesAsked) {
+            return; // asked again since
+        }
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        m_busHasAnswered = true;
+        m_hasNotifiers = reply.isValid() && reply.value().variant().toBool();
         update();
     });
 }

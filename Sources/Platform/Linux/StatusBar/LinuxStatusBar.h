@@ -5,13 +5,14 @@
 #include "Platform/StatusBar.h"
 
 class QDBusServiceWatcher;
+class QTimer;
 
 namespace platform::desktop {
 
-/// The desktop's tray: a watcher of status notifiers on the session bus, or an X11 window that icons are embedded in.
-/// The toolkit chooses between the two with its first icon and stays with its choice, so the one that is there first
-/// is the one that counts. A panel that serves both starts them one after the other: an embedding tray that has only
-/// just appeared counts a moment later.
+/// The desktop's tray: a host of status notifiers on the session bus, whose watcher may be up before it, or an X11
+/// window that icons are embedded in. The toolkit chooses between the two with its first icon and stays with its
+/// choice, so the one that is there first is the one that counts. A panel that serves both starts them one after the
+/// other: an embedding tray that has only just appeared counts a moment later.
 class LinuxStatusBar final : public StatusBar {
   public:
     LinuxStatusBar(MainQueue &mainQueue, X11Connection &connection);
@@ -43,6 +44,9 @@ class LinuxStatusBar final : public StatusBar {
     std::optional<bool> m_usesNotifiers;
     std::function<void()> m_changed;
     std::unique_ptr<QDBusServiceWatcher> m_watcher;
+    /// Started by the bus's signals, which call slots only.
+    std::unique_ptr<QTimer> m_ask;
+    int m_timesAsked = 0;
     RegistrationHandle m_events;
     /// Gone with this, so that what was put off knows.
     std::shared_ptr<bool> m_life = std::make_shared<bool>();
