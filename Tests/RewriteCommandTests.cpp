@@ -44,6 +44,9 @@ TEST_F(RewriteCommand, TakesTheDraftFromArgumentsOrInput) {
     EXPECT_THAT(asked(), testing::AllOf(HasSubstr("--json\\nمرحبا"), HasSubstr("as clear and concise")));
     EXPECT_EQ(run({u"--"_qs, u"--tone"_qs}, {}, true), exitStatus::success);
     EXPECT_THAT(asked(), HasSubstr(R"(<draft>\n--tone\n</draft>)"));
+    answer({u"He\x1B[2J"_qs, u"l\tl\x9Bo."_qs});
+    EXPECT_EQ(run({u"helo"_qs}, {}, true), exitStatus::success);
+    EXPECT_EQ(output.str(), "He?[2Jl\tl?o.\n");
 }
 
 TEST_F(RewriteCommand, SaysWhatIsWrong) {
@@ -57,6 +60,8 @@ TEST_F(RewriteCommand, SaysWhatIsWrong) {
     EXPECT_EQ(run({QString(50, u'd')}), exitStatus::failure);
     EXPECT_THAT(errors.str(), HasSubstr("The model went off script: 400 chars for a 50-char draft"));
     EXPECT_EQ(output.str(), "");
+    EXPECT_EQ(run({QString(50, u'd')}, {}, true), exitStatus::failure);
+    EXPECT_TRUE(output.str().ends_with("x\n")) << "the error starts a line";
     desktop.userDefaults.remove(settingsKey::openRouterAPIKey);
     EXPECT_EQ(run({u"helo"_qs}), exitStatus::failure);
     EXPECT_THAT(errors.str(), HasSubstr("quillory: No OpenRouter API key set."));

@@ -42,6 +42,8 @@ class CommandDesktop {
     CommandDesktop &operator=(const CommandDesktop &) = delete;
     /// Handles what happens on the desktop until so much time has passed.
     virtual void pass(std::chrono::milliseconds time) = 0;
+    /// What that and all work in between moves on.
+    [[nodiscard]] virtual std::chrono::steady_clock::time_point now() const = 0;
 };
 
 /// What commands need of the platform, since most run without the rest of it.

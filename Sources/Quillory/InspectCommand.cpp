@@ -2,8 +2,10 @@
 #include "Quillory/InspectCommand.h"
 
 #include "Quillory/AXText.h"
+#include "Quillory/AppSettings.h"
 #include "Quillory/Inspection.h"
 #include "Quillory/RewriteError.h"
+#include "Quillory/Text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -54,28 +56,25 @@ bool isSettled(const Inspection &seen) {
 }
 
 Inspection look(CommandDesktop &desktop, const std::optional<std::chrono::seconds> &wait) {
-    std::chrono::milliseconds left = wait.value_or(0s);
+    auto deadline = desktop.now() + wait.value_or(0s); // a look can take longer than a pause
     Inspection seen = inspectFocus();
-    while (left > 0ms && !isMessageBox(seen)) {
+    while (desktop.now() < deadline && !isMessageBox(seen)) {
         desktop.pass(pause);
-        left -= pause;
         seen = inspectFocus();
     }
     // A second look even then: what a page gives right after the focus came may be half of it.
-    left = longestSettling;
+    deadline = desktop.now() + longestSettling;
     do {
         desktop.pass(pause);
-        left -= pause;
         seen = inspectFocus();
-    } while (left > 0ms && !isSettled(seen));
+    } while (desktop.now() < deadline && !isSettled(seen));
+    seen.hasKey = !text::trimmed(AppSettings::shared().apiKey()).isEmpty();
     return seen;
 }
 
-/// What a page says may hold anything; a terminal must not obey it.
-std::string printable(QString text) {
-    std::ranges::replace_if(
-        text, [](QChar c) { return c != u'\n' && c.category() == QChar::Other_Control; }, QChar(u'?'));
-    return text.toStdString();
+/// What a page says may hold anything.
+std::string printable(const QString &text) {
+    return text::printable(text).toStdString();
 }
 
 std::string indented(const QString &text) {

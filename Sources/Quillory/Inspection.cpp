@@ -57,7 +57,6 @@ InspectedElement inspected(const platform::AXUIElement &element) {
 
 Inspection inspectFocus() {
     Inspection seen;
-    seen.hasKey = !text::trimmed(AppSettings::shared().apiKey()).isEmpty();
     seen.isTrusted = platform::current().accessibility.isProcessTrusted();
     const auto focused = seen.isTrusted ? AXText::focusedElement() : std::nullopt;
     if (!focused || focused->pid() == platform::current().process.identifier()) {

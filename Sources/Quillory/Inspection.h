@@ -31,6 +31,7 @@ struct Inspection {
     /// Of the request that is planned; empty when none is.
     std::vector<OpenRouterClient::Message> messages;
     std::vector<ModelChoice> models;
+    /// Not looked at by inspectFocus(): a locked password store would hold up every look.
     bool hasKey = false;
 };
 

@@ -84,12 +84,19 @@ Order orderFrom(QStringList arguments, std::istream &input) {
     return order;
 }
 
-/// Shows an answer as it grows.
+/// Shows an answer as it grows on a terminal, and ends its line, whatever comes next.
 class Growing {
   public:
     explicit Growing(std::ostream &output) : m_output(output) {}
+    ~Growing() {
+        if (m_shown > 0) {
+            m_output << std::endl;
+        }
+    }
+    Growing(const Growing &) = delete;
+    Growing &operator=(const Growing &) = delete;
     void show(const QString &answer) {
-        m_output << answer.sliced(std::min(m_shown, answer.size())).toStdString() << std::flush;
+        m_output << text::printable(answer.sliced(std::min(m_shown, answer.size()))).toStdString() << std::flush;
         m_shown = answer.size();
     }
 
@@ -128,13 +135,14 @@ void carryOut(const Order &order, const CommandStreams &streams) {
         const nlohmann::json document{
             {"rewrite", answer.toStdString()}, {"model", model.toStdString()}, {"seconds", clock.now() - start}};
         streams.output << document.dump(2) << '\n';
-    } else {
-        streams.output << (isShownGrowing ? std::string() : answer.toStdString()) << '\n';
+    } else if (!isShownGrowing) {
+        streams.output << answer.toStdString() << '\n';
     }
 }
 
 int fail(const CommandStreams &streams, const QString &sentence, int status) {
-    streams.errors << "quillory: " << sentence.toStdString() << (sentence.endsWith(u'.') ? "\n" : ".\n");
+    streams.errors << "quillory: " << text::printable(sentence).toStdString()
+                   << (sentence.endsWith(u'.') ? "\n" : ".\n");
     return status;
 }
 

@@ -173,6 +173,14 @@ QString fixed(double number, int decimals) {
     return QString::fromLatin1(digits.data(), end - digits.data());
 }
 
+QString printable(QString text) {
+    const auto isObeyed = [](QChar character) {
+        return character.category() == QChar::Other_Control && character != u'\n' && character != u'\t';
+    };
+    std::ranges::replace_if(text, isObeyed, QChar(u'?'));
+    return text;
+}
+
 bool isWhitespaceOrNewline(char32_t character) {
     return (character >= 0x09 && character <= 0x0d) || character == 0x85 ||
            (QChar::category(character) >= QChar::Separator_Space &&

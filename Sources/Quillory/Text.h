@@ -45,6 +45,8 @@ struct CodePoint {
 /// A number with a fixed count of decimals as C's "%.nf" writes it, ties to even included, but with a full stop in
 /// every locale.
 [[nodiscard]] QString fixed(double number, int decimals);
+/// With a question mark for every control character but line breaks and tabs: a terminal must not obey what others say.
+[[nodiscard]] QString printable(QString text);
 /// Without the white space and line breaks at both ends.
 [[nodiscard]] QString trimmed(const QString &text);
 /// Without the spaces (category Zs) and tabs at both ends; line breaks stay.

@@ -66,6 +66,9 @@ class RealDesktop final : public quillory::CommandDesktop {
         QTimer::singleShot(time, &loop, &QEventLoop::quit);
         loop.exec();
     }
+    [[nodiscard]] std::chrono::steady_clock::time_point now() const override {
+        return std::chrono::steady_clock::now();
+    }
 
   private:
     QApplication m_application;
