@@ -284,16 +284,23 @@ TEST_F(FileUserDefaultsTest, WhileTheFileCannotBeReadNothingIsLost) {
     const QString away = root.filePath(u"away.json"_qs);
     putOnDisk(R"({"faqEntries": "five hundred", "tone": "Concise"})");
     FileUserDefaults running(folder);
+    FileUserDefaults idle(folder);
     ASSERT_TRUE(QFile::rename(path, away) && QFile::link(u"/dev/null"_qs, path)); // no file to read, whoever reads
     CaptureStderr();
     EXPECT_EQ(running.string(u"faqEntries"_qs), u"five hundred"_qs);
     EXPECT_FALSE(running.set(u"faqEntries"_qs, u"five hundred and one"_qs));
+    EXPECT_EQ(idle.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_TRUE(idle.isFailingToSave());
     FileUserDefaults started(folder);
     EXPECT_EQ(started.string(u"faqEntries"_qs), std::nullopt);
+    EXPECT_TRUE(started.isFailingToSave());
     EXPECT_FALSE(started.set(u"faqEntries"_qs, u"one"_qs));
-    EXPECT_EQ(QByteArray::fromStdString(GetCapturedStderr()).count('\n'), 2);
+    EXPECT_EQ(QByteArray::fromStdString(GetCapturedStderr()).count('\n'), 3);
     ASSERT_TRUE(QFile::remove(path) && QFile::rename(away, path));
+    EXPECT_EQ(idle.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_FALSE(idle.isFailingToSave());
     EXPECT_EQ(started.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_TRUE(started.isFailingToSave()) << "an entry is still to be saved";
     EXPECT_TRUE(running.set(u"minChars"_qs, qint64{3}));
     EXPECT_FALSE(onDisk().contains(".replaced")) << onDisk().data();
     EXPECT_TRUE(started.set(u"minChars"_qs, qint64{4}));

@@ -143,6 +143,7 @@ void StoredSettings::remember(const std::optional<FileStamp> &stamp) {
     m_stampIsFresh = stamp && age(*stamp) < coarsestFileTime;
     m_isBroken = false;
     m_isUncertain = false;
+    m_isFailing = m_isFailing && !m_unsaved.empty();
 }
 
 /// Lets the defaults hold for as long as the file looks like this.

@@ -30,7 +30,7 @@ class StoredSettings {
     [[nodiscard]] std::optional<DefaultsValue> value(const QString &key);
     /// Takes a change (absent: the key is removed); false when it is known not to have been saved.
     bool change(const QString &key, const std::optional<DefaultsValue> &value);
-    /// Whether the last save failed.
+    /// Whether the last save failed, and there is still something to save.
     [[nodiscard]] bool isFailingToSave() const { return m_isFailing; }
 
   private:
