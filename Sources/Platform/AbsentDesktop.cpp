@@ -29,8 +29,8 @@ class AbsentElement final : public AXElementBackend {
 
 } // namespace
 
-Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefaults &userDefaults,
-                             MainQueue *mainQueue) {
+Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefaults &userDefaults, MainQueue *mainQueue,
+                             Workspace *workspace) {
     return {.accessibility = *this,
             .application = *this,
             .codeSigning = *this,
@@ -46,7 +46,7 @@ Platform AbsentDesktop::with(Process &process, URLSession &urlSession, UserDefau
             .systemTools = *this,
             .urlSession = urlSession,
             .userDefaults = userDefaults,
-            .workspace = *this};
+            .workspace = workspace != nullptr ? *workspace : *this};
 }
 
 AXUIElement AbsentDesktop::createSystemWide() {

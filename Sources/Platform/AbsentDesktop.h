@@ -22,9 +22,9 @@ class AbsentDesktop final : public Accessibility,
                             public Workspace {
   public:
     /// The services of a program that runs without a desktop. All of them outlive the result.
-    /// mainQueue: for programs that have an event loop.
+    /// mainQueue: for programs that have an event loop. workspace: for those that have windows.
     [[nodiscard]] Platform with(Process &process, URLSession &urlSession, UserDefaults &userDefaults,
-                                MainQueue *mainQueue = nullptr);
+                                MainQueue *mainQueue = nullptr, Workspace *workspace = nullptr);
 
     [[nodiscard]] bool isProcessTrusted() override { return false; }
     bool isProcessTrustedWithPrompt() override { return false; }

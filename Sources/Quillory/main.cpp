@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/AbsentDesktop.h"
+#include "Platform/Linux/Applications/LinuxWorkspace.h"
 #include "Platform/Linux/Desktop/LinuxExamination.h"
 #include "Platform/Linux/Desktop/LinuxMending.h"
 #include "Platform/Linux/Folders.h"
@@ -15,6 +16,7 @@
 #include "Platform/Linux/X11/X11Instance.h"
 #include "Quillory/CommandLine.h"
 #include "Quillory/UI/AppDelegate.h"
+#include "Quillory/UI/BringToFront.h"
 #include "Quillory/UI/Setup/SetupWindow.h"
 #include "Quillory/UpdateChecker.h"
 
@@ -32,19 +34,22 @@ namespace desktop = platform::desktop;
 
 /// What commands run on.
 struct CommandPlatform {
+    explicit CommandPlatform(platform::Workspace *workspace) : ownWindows(workspace) {}
+
+    platform::Workspace *ownWindows;
     platform::AbsentDesktop absent;
     desktop::LinuxProcess process;
     desktop::CurlURLSession urlSession;
     desktop::QtMainQueue mainQueue;
     desktop::SecretService secrets;
     desktop::SecretUserDefaults userDefaults{secrets};
-    platform::Platform services = absent.with(process, urlSession, userDefaults, &mainQueue);
+    platform::Platform services = absent.with(process, urlSession, userDefaults, &mainQueue, ownWindows);
     platform::Installation installation{services};
 };
 
 /// The platform as the one who takes a new key for it.
-std::shared_ptr<platform::KeyStorage> installCommandPlatform() {
-    const auto made = std::make_shared<CommandPlatform>();
+std::shared_ptr<platform::KeyStorage> installCommandPlatform(platform::Workspace *workspace = nullptr) {
+    const auto made = std::make_shared<CommandPlatform>(workspace);
     return {made, &made->userDefaults};
 }
 
@@ -85,21 +90,45 @@ std::unique_ptr<quillory::CommandDesktop> openDesktop(int &argc, char **argv) {
     return std::make_unique<RealDesktop>(argc, argv, std::move(connection));
 }
 
-/// The exit status of the set-up window, once it is closed; absent when there is no display for it.
-std::optional<int> setUpInWindow(int &argc, char **argv, platform::DesktopExamination &examination,
-                                 platform::DesktopMending &mending) {
-    if (!desktop::X11Connection::open()) {
-        return std::nullopt;
-    }
+/// What the set-up works with.
+struct SetupServices {
+    platform::DesktopExamination &examination;
+    platform::DesktopMending &mending;
+};
+
+int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> opened,
+             std::unique_ptr<desktop::X11Instance> claim, const SetupServices &services) {
     preferX11();
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillory"));
     QApplication::setDesktopFileName(QStringLiteral("quillory"));
-    const auto keys = installCommandPlatform();
-    quillory::ui::SetupWindow window({examination, mending, *keys});
-    window.QWidget::show();
+    const auto connection = std::move(opened); // ends before the application does
+    const auto instance = std::move(claim);
+    connection->watch();
+    desktop::LinuxWorkspace workspace(connection->get());
+    const auto keys = installCommandPlatform(&workspace);
+    quillory::ui::SetupWindow window({services.examination, services.mending, *keys});
+    if (instance) { // else the display has another, which does not answer
+        instance->onSummons([&window] { quillory::ui::bringToFront(window); });
+    }
+    quillory::ui::bringToFront(window);
     QApplication::exec();
     return window.canWork() ? quillory::exitStatus::success : quillory::exitStatus::failure;
+}
+
+/// The exit status of the set-up window, once it is closed; absent when there is no display for it. A display has one:
+/// a second one brings it to the front and ends.
+std::optional<int> setUpInWindow(int &argc, char **argv, const SetupServices &services) {
+    using desktop::X11Instance;
+    auto connection = desktop::X11Connection::open();
+    if (!connection) {
+        return std::nullopt;
+    }
+    auto instance = X11Instance::become(*connection, X11Instance::Kind::setup);
+    if (!instance && X11Instance::summon(*connection, std::chrono::seconds(5), X11Instance::Kind::setup)) {
+        return quillory::exitStatus::success;
+    }
+    return runSetup(argc, argv, std::move(connection), std::move(instance), services);
 }
 
 /// The exit status of a command, or absent when the program itself is to run.
@@ -118,11 +147,11 @@ std::optional<int> runCommand(int &argc, char **argv) {
         return *store;
     };
     services.homeDirectory = desktop::folders::data();
-    services.install = installCommandPlatform;
+    services.install = [] { return installCommandPlatform(); };
     services.openDesktop = [&] { return openDesktop(argc, argv); };
     services.examination = &examination;
     services.mending = &mending;
-    services.setUpInWindow = [&] { return setUpInWindow(argc, argv, examination, mending); };
+    services.setUpInWindow = [&] { return setUpInWindow(argc, argv, {examination, mending}); };
     if (isatty(STDIN_FILENO) == 1) {
         services.readHidden = desktop::readHidden;
     }
@@ -130,8 +159,8 @@ std::optional<int> runCommand(int &argc, char **argv) {
 }
 
 /// In a process of its own: this one never writes the key.
-void launchSetup() {
-    QProcess::startDetached(QCoreApplication::applicationFilePath(), {QStringLiteral("setup")});
+bool launchSetup() {
+    return QProcess::startDetached(QCoreApplication::applicationFilePath(), {QStringLiteral("setup")});
 }
 
 int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection,
@@ -140,12 +169,13 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     QApplication::setApplicationName(QStringLiteral("Quillory"));
     QApplication::setDesktopFileName(QStringLiteral("quillory"));
     QApplication::setQuitOnLastWindowClosed(false);
-    const desktop::LinuxPlatform linuxPlatform(std::move(connection));
+    bool isSetupLaunched = false; // it offers what the trust prompt does
+    const desktop::LinuxPlatform linuxPlatform(std::move(connection), [&] { return isSetupLaunched; });
     const platform::Installation installation(linuxPlatform.services());
     const auto instance = std::move(claim); // ends before the connection does
     quillory::ui::AppDelegate delegate({.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks,
                                         .check = quillory::UpdateChecker::check,
-                                        .launchSetup = launchSetup});
+                                        .launchSetup = [&] { isSetupLaunched = launchSetup(); }});
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
     QTimer::singleShot(0, &application, [&] {
         delegate.applicationDidFinishLaunching();

@@ -28,6 +28,11 @@ bool setupIsUp() {
     return run({"xdotool", "search", "--onlyvisible", "--name", "^Set Up Quillory$"}, Output::dropped) == 0;
 }
 
+bool setupIsActive() {
+    return run({"sh", "-c", "xdotool getactivewindow getwindowname | grep -qx 'Set Up Quillory'"}, Output::dropped) ==
+           0;
+}
+
 class FirstStart : public ChatStory {};
 INSTANTIATE_TEST_SUITE_P(In, FirstStart, chromiumAlone, testing::PrintToStringParamName());
 
@@ -46,6 +51,8 @@ TEST_P(FirstStart, LeadsToTheFirstRewrite) {
         {});
     const ChildProcess program({QUILLORY_PROGRAM});
     ASSERT_TRUE(waitUntil(setupIsUp, 20'000));
+    EXPECT_EQ(runWithInput({QStringLiteral("setup")}, {}).status, 0) << "the first one comes to the front instead";
+    EXPECT_TRUE(waitUntil(setupIsActive));
     EXPECT_TRUE(waitUntil([] {
         keyboard::tap("Escape");
         return !setupIsUp();

@@ -26,7 +26,8 @@ namespace platform::desktop {
 
 /// In the order in which they need each other.
 struct LinuxPlatform::Private {
-    explicit Private(std::unique_ptr<X11Connection> opened) : connection(std::move(opened)) {
+    Private(std::unique_ptr<X11Connection> opened, std::function<bool()> isTrustOffered)
+        : isTrustOfferedElsewhere(std::move(isTrustOffered)), connection(std::move(opened)) {
         connection->watch();
         workspace.onAccessibilitySettings = [this] { accessibility.showPrompt(); };
     }
@@ -34,10 +35,12 @@ struct LinuxPlatform::Private {
     [[nodiscard]] AtspiAccessibility::Options accessibilityOptions() {
         AtspiAccessibility::Options options;
         options.inPoints = [this](const Rect &pixels) { return screens.accessibilityRect(pixels); };
+        options.isOfferedElsewhere = isTrustOfferedElsewhere;
         options.activeWindow = [this] { return activeWindow.ask(); };
         return options;
     }
 
+    std::function<bool()> isTrustOfferedElsewhere;
     QtMainQueue mainQueue;
     LinuxProcess process;
     SecretService secrets;
@@ -76,8 +79,8 @@ struct LinuxPlatform::Private {
                       .workspace = workspace};
 };
 
-LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection)
-    : m_private(std::make_unique<Private>(std::move(connection))) {}
+LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, std::function<bool()> isTrustOfferedElsewhere)
+    : m_private(std::make_unique<Private>(std::move(connection), std::move(isTrustOfferedElsewhere))) {}
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -3,6 +3,7 @@
 
 #include "Platform/Platform.h"
 
+#include <functional>
 #include <memory>
 
 namespace platform::desktop {
@@ -12,7 +13,10 @@ class X11Connection;
 /// The services of a Linux desktop with an X server. Made after the QApplication and destroyed before it.
 class LinuxPlatform {
   public:
-    explicit LinuxPlatform(std::unique_ptr<X11Connection> connection);
+    /// isTrustOfferedElsewhere: whether another window offers to switch accessibility on already.
+    explicit LinuxPlatform(
+        std::unique_ptr<X11Connection> connection,
+        std::function<bool()> isTrustOfferedElsewhere = [] { return false; });
     ~LinuxPlatform();
     LinuxPlatform(const LinuxPlatform &) = delete;
     LinuxPlatform &operator=(const LinuxPlatform &) = delete;

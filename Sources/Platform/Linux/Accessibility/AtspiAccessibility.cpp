@@ -14,7 +14,8 @@ namespace platform::desktop {
 namespace {
 using namespace std::chrono_literals;
 constexpr auto firstWord = 200ms;
-constexpr auto secondThought = 1500ms;
+/// By then the program's other windows have had their chance to offer the same.
+constexpr auto secondThought = 3s;
 
 std::string sessionBusFromEnvironment() {
     const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
@@ -33,7 +34,8 @@ AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue, Options options)
       m_core(std::make_shared<atspi::AccessibilityCore>(
           options.sessionBusAddress.empty() ? sessionBusFromEnvironment() : options.sessionBusAddress,
           options.ownPid != 0 ? options.ownPid : static_cast<qint32>(QCoreApplication::applicationPid()),
-          std::move(options.inPoints), std::move(options.activeWindow))) {
+          std::move(options.inPoints), std::move(options.activeWindow))),
+      m_isOfferedElsewhere(std::move(options.isOfferedElsewhere)) {
     m_core->reader().ask(firstWord, [](atspi::Session &session) {
         session.process();
         return true;
@@ -51,7 +53,7 @@ bool AtspiAccessibility::isProcessTrustedWithPrompt() {
     if (!isTrusted) {
         // At the start of a session the bus may be a moment late; nobody is to be asked about that.
         m_mainQueue.postAfter(secondThought, [this, life = std::weak_ptr(m_life), shownBefore = m_timesPrompted] {
-            if (!life.expired() && !isProcessTrusted() && m_timesPrompted == shownBefore) {
+            if (!life.expired() && !isProcessTrusted() && m_timesPrompted == shownBefore && !m_isOfferedElsewhere()) {
                 showPrompt();
             }
         });

@@ -25,6 +25,8 @@ class AtspiAccessibility final : public Accessibility {
         /// Which window is active by the desktop's word, absent where it has none. Asked on the main thread whenever
         /// the focused element is.
         std::function<std::optional<ActiveWindow>()> activeWindow = [] { return std::nullopt; };
+        /// Whether another window offers to switch the service on, so that the prompt need not.
+        std::function<bool()> isOfferedElsewhere = [] { return false; };
         /// Where the session bus is; by default where the environment says.
         std::string sessionBusAddress;
         /// The process whose elements are never asked anything; by default this one. For tests, whose applications
@@ -55,6 +57,7 @@ class AtspiAccessibility final : public Accessibility {
     MainQueue &m_mainQueue;
     std::shared_ptr<atspi::AccessibilityCore> m_core;
     std::unique_ptr<atspi::TrustDialog> m_prompt;
+    std::function<bool()> m_isOfferedElsewhere;
     int m_timesPrompted = 0;
     /// Ends with this object, for work that is queued.
     std::shared_ptr<bool> m_life = std::make_shared<bool>(true);

@@ -10,8 +10,12 @@ namespace platform::desktop {
 
 namespace {
 
-xcb_window_t instanceOn(X11Connection &connection) {
-    const xcb_atom_t selection = connection.atom("_QUILLORY_INSTANCE");
+xcb_atom_t selectionOf(X11Connection &connection, X11Instance::Kind kind) {
+    return connection.atom(kind == X11Instance::Kind::program ? "_QUILLORY_INSTANCE" : "_QUILLORY_SETUP");
+}
+
+xcb_window_t instanceOn(X11Connection &connection, X11Instance::Kind kind) {
+    const xcb_atom_t selection = selectionOf(connection, kind);
     const auto found =
         connection.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(connection.get(), selection));
     return found ? found->owner : xcb_window_t{XCB_NONE};
@@ -38,25 +42,24 @@ constexpr auto coming = "_QUILLORY_COMING";
 
 } // namespace
 
-std::unique_ptr<X11Instance> X11Instance::become(X11Connection &connection) {
+std::unique_ptr<X11Instance> X11Instance::become(X11Connection &connection, Kind kind) {
     // Two starts at once: nobody else may come between the question and the claim.
     xcb_grab_server(connection.get());
-    const bool isFree = instanceOn(connection) == XCB_NONE;
+    const bool isFree = instanceOn(connection, kind) == XCB_NONE;
     if (isFree) {
-        xcb_set_selection_owner(connection.get(), connection.window(), connection.atom("_QUILLORY_INSTANCE"),
-                                XCB_CURRENT_TIME);
+        xcb_set_selection_owner(connection.get(), connection.window(), selectionOf(connection, kind), XCB_CURRENT_TIME);
     }
     xcb_ungrab_server(connection.get());
     connection.flush();
     return isFree ? std::unique_ptr<X11Instance>(new X11Instance(connection)) : nullptr;
 }
 
-bool X11Instance::isThere(X11Connection &connection) {
-    return instanceOn(connection) != XCB_NONE;
+bool X11Instance::isThere(X11Connection &connection, Kind kind) {
+    return instanceOn(connection, kind) != XCB_NONE;
 }
 
-bool X11Instance::summon(X11Connection &connection, std::chrono::milliseconds longestWait) {
-    const xcb_window_t instance = instanceOn(connection);
+bool X11Instance::summon(X11Connection &connection, std::chrono::milliseconds longestWait, Kind kind) {
+    const xcb_window_t instance = instanceOn(connection, kind);
     if (instance == XCB_NONE) {
         return false;
     }
@@ -66,7 +69,7 @@ bool X11Instance::summon(X11Connection &connection, std::chrono::milliseconds lo
     send(connection, instance, summons);
     const QDeadlineTimer deadline(longestWait);
     // An instance that ends meanwhile says nothing any more.
-    while (!answered && !deadline.hasExpired() && instanceOn(connection) == instance) {
+    while (!answered && !deadline.hasExpired() && instanceOn(connection, kind) == instance) {
         constexpr qint64 lookAgain = 100;
         connection.dispatchWithin(static_cast<int>(std::min(lookAgain, deadline.remainingTime()))); // never negative
     }

@@ -1,22 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/UI/Settings/SettingsWindow.h"
 
-#include "Platform/Platform.h"
 #include "Quillory/UI/AccessibleViews.h"
+#include "Quillory/UI/BringToFront.h"
 #include "Quillory/UI/Settings/SettingsView.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QPointer>
 #include <QScreen>
 #include <QVBoxLayout>
 
 namespace quillory::ui {
-
-namespace {
-constexpr std::chrono::milliseconds untilManaged{300};
-}
 
 SettingsWindow::SettingsWindow()
     : QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
@@ -33,21 +28,7 @@ SettingsWindow::SettingsWindow()
 }
 
 void SettingsWindow::makeKeyAndOrderFront() {
-    show();
-    raise();
-    activateWindow();
-    activate();
-    // A window manager may take a new window for an intruder, which a second request on the user's behalf mends.
-    platform::current().mainQueue.postAfter(untilManaged, [window = QPointer(this)] {
-        if (window != nullptr && window->isVisible() && !window->isActiveWindow()) {
-            activate();
-        }
-    });
-}
-
-void SettingsWindow::activate() {
-    const auto &services = platform::current();
-    services.workspace.activate(services.process.identifier());
+    bringToFront(*this);
 }
 
 void SettingsWindow::keyPressEvent(QKeyEvent *event) {

@@ -15,9 +15,6 @@ class SettingsWindow final : public QWidget {
 
   protected:
     void keyPressEvent(QKeyEvent *event) override;
-
-  private:
-    static void activate();
 };
 
 } // namespace quillory::ui

@@ -1,0 +1,11 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+class QWidget;
+
+namespace quillory::ui {
+
+/// Shows a window in front of all others, with the keyboard focus, as the user asked for it.
+void bringToFront(QWidget &window);
+
+} // namespace quillory::ui
