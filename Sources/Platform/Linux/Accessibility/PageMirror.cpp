@@ -117,7 +117,7 @@ void PageMirror::read(bool mayGoOn) {
     m_readyAt = end + std::clamp<Clock::duration>(2 * (end - begin), shortestRest, longestRest);
     // What was told meanwhile may have come too late for this read.
     m_isStale = m_isStale || (changedBefore && m_lastChangeAt >= outcome.begunAt);
-    m_copy = std::make_shared<const PageCopy>(PageCopy{m_page, std::move(outcome.items), outcome.begunAt, end});
+    m_copy = std::make_shared<const PageCopy>(PageCopy{m_page, std::move(outcome.items), outcome.begunAt});
     publish();
 }
 

@@ -20,7 +20,6 @@ struct PageCopy {
     PageName page;
     std::vector<SubtreeItem> items;
     Clock::time_point begunAt;
-    Clock::time_point finishedAt;
 };
 
 /// The last copy of the mirrored page, and whether something changed since it was begun, as far as anybody told.
@@ -46,10 +45,8 @@ class PageMirror {
     /// giveWay: called in the course of a read, lets those have their turn who cannot wait for its end.
     PageMirror(Connection &connection, std::function<void()> giveWay, Publish publish);
 
-    /// Somebody asks for this page and may do so again.
-    void want(const PageName &page);
-    /// Reads it now, unless the copy is fresh and was not begun before. If any copy will do, the application gets its
-    /// pause first.
+    /// Somebody asks for this page and may do so again. Reads it now, unless the copy is fresh and was not begun
+    /// before. If any copy will do, the application gets its pause first.
     void refresh(const PageName &page, Clock::time_point notBefore);
     /// Does what is due. field: where the focused field stands; when it moves, so has the page's content.
     void settle(const std::optional<PixelRect> &field);
@@ -57,6 +54,7 @@ class PageMirror {
     [[nodiscard]] Clock::time_point nextLook() const;
 
   private:
+    void want(const PageName &page);
     void read(bool mayGoOn);
     void onChange(const ElementRef &source);
     void noteChange();
