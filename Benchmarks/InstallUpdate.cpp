@@ -59,18 +59,27 @@ void resetPeakMemory() {
     std::ofstream("/proc/self/clear_refs") << "5";
 }
 
+void write(const QString &path, const QByteArray &bytes, QFile::Permissions permissions) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+        throw std::runtime_error("cannot write the bundle");
+    }
+    file.setPermissions(permissions);
+}
+
 void makeLargeBundle(const QString &bundle, const SigningKey &key) {
+    const QFile::Permissions readable = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
     QDir().mkpath(bundle);
     std::srand(1);
     for (int i = 0; i < files; ++i) {
         QByteArray bytes(fileSize, '\0');
         std::ranges::generate(bytes, [] { return static_cast<char>(std::rand()); });
-        QFile file(bundle + QStringLiteral("/%1").arg(i));
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != fileSize) {
-            throw std::runtime_error("cannot write the bundle");
-        }
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
+        write(bundle + QStringLiteral("/%1").arg(i), bytes, readable);
     }
+    // What every bundle has: a program that starts, and its version.
+    write(bundle + QStringLiteral("/Info.json"), R"({"CFBundleShortVersionString": "1"})", readable);
+    write(bundle + QStringLiteral("/quillory"), "#!/bin/sh\nexit 0\n",
+          readable | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther);
     signBundle(bundle, QStringLiteral("1"), LinuxCodeSigning::hostArchitecture(), key);
 }
 
@@ -103,7 +112,7 @@ int main() {
         const long before = peakMemory();
         installs.push_back(millisecondsOf([&] {
             approve(bundle);
-            BundleInstaller(applications).install(bundle, "Quillory.app", approve, {});
+            BundleInstaller(applications, signing).install(bundle, "Quillory.app", approve, {});
         }));
         extra = std::max(extra, peakMemory() - before);
     }

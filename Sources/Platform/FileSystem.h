@@ -20,7 +20,7 @@ class FileError : public std::runtime_error {
 class FileSystem {
   public:
     virtual ~FileSystem() = default;
-    /// The folder for files of no lasting worth.
+    /// The folder for files of no lasting worth. Throws FileError when others could change what is put there.
     [[nodiscard]] virtual QString temporaryDirectory() const = 0;
     /// Makes a folder that only this user can look into, with what is missing above it. Throws FileError, also when
     /// there is something at the path already.

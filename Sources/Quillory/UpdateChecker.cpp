@@ -50,7 +50,7 @@ constexpr auto feedTimeout = 15s;
 constexpr qint64 longestFeed = 1 << 20;
 
 qint64 versionNumber(const QString &component) {
-    static const QRegularExpression form(QStringLiteral("^[+-]?[0-9]+$"));
+    static const QRegularExpression form(QRegularExpression::anchoredPattern(QStringLiteral("[+-]?[0-9]+")));
     return form.match(component).hasMatch() ? component.toLongLong() : 0;
 }
 
@@ -99,7 +99,7 @@ void reportFailure(const QString &description, bool userInitiated, const std::we
 } // namespace
 
 void startPeriodicChecks() {
-    versionHistory::remember(currentVersion());
+    versionHistory::remember(currentVersion(), platform::current().process.homeDirectory());
     check(/*userInitiated=*/false);
     updateState().timer = platform::current().mainQueue.repeat(checkInterval, [] { check(/*userInitiated=*/false); });
 }
@@ -151,8 +151,8 @@ bool isNewer(const QString &version, const QString &other) {
 }
 
 void offerUpdate(const QString &version, const QString &notes, const QUrl &archive) {
-    if (std::exchange(updateState().isOfferOpen, true)) {
-        return;
+    if (updateState().progress || std::exchange(updateState().isOfferOpen, true)) {
+        return; // it is being installed, or the user is being asked
     }
     const QString question = QStringLiteral("Install now and relaunch?");
     const platform::Alert offer{.title = QStringLiteral("Quillory %1 is available").arg(version),

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include "Platform/CodeSigning.h"
+
 #include <QString>
 #include <QUrl>
 
@@ -22,8 +24,12 @@ void stop();
 [[nodiscard]] QString currentVersion();
 /// Whether a version of dotted numbers comes after another one. Any thread.
 [[nodiscard]] bool isNewer(const QString &version, const QString &other);
+/// Whether a genuine bundle runs in place of a running version: it is ours, newer, and not older than the highest
+/// version that has ever run for the user with that home of the program. Any thread.
+[[nodiscard]] bool takesPrecedence(const platform::SigningInformation &bundle, const QString &running,
+                                   const QString &home);
 /// Offers a version with its notes, and installs it from the address on consent. An offer that is made while another
-/// one stands is dropped.
+/// one stands, or while a version is being installed, is dropped.
 void offerUpdate(const QString &version, const QString &notes, const QUrl &archive);
 /// Downloads an archive, verifies the application in it, puts it in the place of the installed one, starts that and
 /// ends this program. Says in an alert why it could not.

@@ -85,7 +85,8 @@ class Installing {
         if (!found || found->teamIdentifier != expectedTeam) {
             throw RewriteError::badResponse(QStringLiteral("update signature mismatch — refusing to install"));
         }
-        if (!isNewer(found->version, currentVersion()) || !isNewer(found->version, versionHistory::highest())) {
+        if (!isNewer(found->version, currentVersion()) ||
+            !isNewer(found->version, versionHistory::highest(platform::current().process.homeDirectory()))) {
             throw RewriteError::badResponse(
                 QStringLiteral("update is not newer than what has run here — refusing to install"));
         }
@@ -112,11 +113,21 @@ class Installing {
     mutable int m_percent = -1;
 };
 
+void logFailure(const QString &description) {
+    FileLog::log(QStringLiteral("update install failed: ") + description);
+}
+
 void reportOutcome(const std::optional<QString> &failure) {
     updateState().progress.reset();
     if (failure) {
         showAlert(QStringLiteral("Update failed"), *failure);
     }
+}
+
+/// Before there was an install to show the progress of.
+void refuse(const QString &description) {
+    logFailure(description);
+    showAlert(QStringLiteral("Update failed"), description);
 }
 
 void carryOut(const QUrl &archive, const std::stop_token &stop, const std::weak_ptr<bool> &life) {
@@ -126,8 +137,11 @@ void carryOut(const QUrl &archive, const std::stop_token &stop, const std::weak_
         onMainThread(life, [] { platform::current().application.terminate(); });
     } catch (...) {
         failure = descriptionOfCurrentError();
-        FileLog::log(failure ? QStringLiteral("update install failed: ") + *failure
-                             : QStringLiteral("update install cancelled"));
+        if (failure) {
+            logFailure(*failure);
+        } else {
+            FileLog::log(QStringLiteral("update install cancelled"));
+        }
     }
     onMainThread(life, [failure] { reportOutcome(failure); });
 }
@@ -136,17 +150,22 @@ void carryOut(const QUrl &archive, const std::stop_token &stop, const std::weak_
 void install(const QUrl &archive) {
     UpdateState &state = updateState();
     if (state.progress) {
-        showAlert(QStringLiteral("Update failed"), QStringLiteral("Another update is being installed."));
+        refuse(QStringLiteral("Another update is being installed."));
         return;
     }
     const auto task = state.tasks->start(
         [archive, life = std::weak_ptr(state.life)](const std::stop_token &stop) { carryOut(archive, stop, life); });
     if (!task) {
-        reportOutcome(QStringLiteral("The system has no thread to give."));
+        refuse(QStringLiteral("The system has no thread to give."));
         return;
     }
     state.progress = platform::current().application.showProgress(QStringLiteral("Updating Quillory"),
                                                                   [task = *task]() mutable { task.cancel(); });
+}
+
+bool takesPrecedence(const platform::SigningInformation &bundle, const QString &running, const QString &home) {
+    return bundle.teamIdentifier == expectedTeam && isNewer(bundle.version, running) &&
+           !isNewer(versionHistory::highest(home), bundle.version);
 }
 
 std::optional<QString> teamID(const QString &bundle) {

@@ -33,10 +33,11 @@ void showAlert(const QString &title, const QString &body);
 
 /// Which versions there have been on this computer.
 namespace versionHistory {
-/// The highest version that has ever run; "0" when that is not known. Any thread.
-[[nodiscard]] QString highest();
+/// The highest version that has ever run for the user with that home of the program; "0" when that is not known. Any
+/// thread.
+[[nodiscard]] QString highest(const QString &home);
 /// Remembers a version that runs.
-void remember(const QString &version);
+void remember(const QString &version, const QString &home);
 } // namespace versionHistory
 
 } // namespace quillory

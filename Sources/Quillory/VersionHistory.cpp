@@ -8,27 +8,27 @@
 namespace quillory::versionHistory {
 
 namespace {
-QString versionFolder() {
-    return platform::current().process.homeDirectory() + QStringLiteral("/Library/Application Support/Quillory");
+QString versionFolder(const QString &home) {
+    return home + QStringLiteral("/Library/Application Support/Quillory");
 }
 
-QString versionFile() {
-    return versionFolder() + QStringLiteral("/highest-version");
+QString versionFile(const QString &home) {
+    return versionFolder(home) + QStringLiteral("/highest-version");
 }
 } // namespace
 
-QString highest() {
+QString highest(const QString &home) {
     constexpr qint64 longest = 256;
-    QFile file(versionFile());
+    QFile file(versionFile(home));
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.read(longest)).trimmed() : QStringLiteral("0");
 }
 
-void remember(const QString &version) {
-    if (!UpdateChecker::isNewer(version, highest())) {
+void remember(const QString &version, const QString &home) {
+    if (!UpdateChecker::isNewer(version, highest(home))) {
         return;
     }
-    QDir().mkpath(versionFolder());
-    QSaveFile file(versionFile());
+    QDir().mkpath(versionFolder(home));
+    QSaveFile file(versionFile(home));
     if (file.open(QIODevice::WriteOnly)) {
         file.write(version.toUtf8() + '\n');
         file.commit(); // what cannot be written is no reason not to run

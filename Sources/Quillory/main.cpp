@@ -189,8 +189,10 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
 /// A newer Quillory in the user's own folder of applications runs instead of this one. Where it cannot be started,
 /// this one goes on.
 void startPreferred(char **argv) {
-    const QByteArray program = desktop::applications::programToPrefer(desktop::applications::runningBundle(),
-                                                                      quillory::UpdateChecker::isNewer);
+    const QByteArray program = desktop::applications::programToPrefer(
+        desktop::applications::runningBundle(), [](const platform::SigningInformation &own, const QString &running) {
+            return quillory::UpdateChecker::takesPrecedence(own, running, desktop::folders::data());
+        });
     if (!program.isEmpty()) {
         execv(program.constData(), argv);
     }

@@ -65,7 +65,7 @@ class Installing : public testing::Test {
     /// An exit status.
     [[nodiscard]] int install() const {
         try {
-            BundleInstaller(applications).install(found, name, approve, {});
+            BundleInstaller(applications, signing).install(found, name, approve, {});
             return 0;
         } catch (const FileError &) {
             return failed;
@@ -75,7 +75,7 @@ class Installing : public testing::Test {
     }
     [[nodiscard]] std::string failure() const {
         try {
-            BundleInstaller(applications).install(found, name, approve, {});
+            BundleInstaller(applications, signing).install(found, name, approve, {});
             return {};
         } catch (const FileError &error) {
             return error.what();
@@ -94,6 +94,7 @@ class Installing : public testing::Test {
         EXPECT_THAT(left(), ElementsAre(QStringLiteral(".install.lock"), QStringLiteral("Quillory.app")));
     }
 
+    platform::desktop::LinuxCodeSigning signing = trustingTeam();
     QTemporaryDir folder{folderTemplate()};
     QString applications = folder.filePath(QStringLiteral("Applications"));
     QString target = applications + QStringLiteral("/Quillory.app");
@@ -109,8 +110,59 @@ TEST_F(Installing, ReplacesTheBundleAndLeavesNothingElse) {
     EXPECT_EQ(vouchedVersion(target), "2");
     expectClean();
     QDir(target).removeRecursively();
-    EXPECT_EQ(install(), 0) << "where there is none yet";
+    const auto withoutFlags = [](const TracedCall &call) { return call.number == SYS_renameat2 ? EINVAL : goOn; };
+    EXPECT_EQ(runTraced([&] { return install(); }, withoutFlags), 0)
+        << "where there is none yet, on a file system without exchange";
     EXPECT_EQ(vouchedVersion(target), "2");
+}
+
+TEST_F(Installing, LeavesTheOldOneWhereTheNewOneCannotStart) {
+    writeFile(found + QStringLiteral("/quillory"), "#!/lib/that/is/missing\n", 0755);
+    platform::desktop::signBundle(found, QStringLiteral("2"), platform::desktop::LinuxCodeSigning::hostArchitecture(),
+                                  teamKey());
+    EXPECT_EQ(failure(), "The new version does not start on this computer.");
+    EXPECT_EQ(vouchedVersion(target), "1");
+    expectClean();
+}
+
+TEST_F(Installing, GivesTheNameBackToTheGenuineOneOfTwo) {
+    const QString staged = applications + QStringLiteral("/.Quillory.app.new");
+    const QString previous = target + QStringLiteral(".previous");
+    const struct {
+        const char *what;
+        std::function<void()> change;
+        std::string version;
+        bool isClean;
+    } cases[] = {
+        {"ended after the exchange", [&] { makeSignedBundle(staged, 3); }, "1", true},
+        {"changed in the instant before it",
+         [&] {
+             QDir().rename(target, staged);
+             makeBundle(target, 2);
+         },
+         "1", true},
+        {"the same where names cannot be exchanged",
+         [&] {
+             QDir().rename(target, previous);
+             makeBundle(target, 2);
+         },
+         "1", true},
+        {"none of them is anybody's we know",
+         [&] {
+             makeBundle(staged, 3);
+             QFile::remove(target + QStringLiteral("/Manifest"));
+         },
+         "none", false},
+    };
+    for (const auto &[what, change, version, isClean] : cases) {
+        QDir(target).removeRecursively();
+        QDir(staged).removeRecursively();
+        makeSignedBundle(target, 1);
+        change();
+        BundleInstaller(applications, signing).recover(name);
+        EXPECT_EQ(vouchedVersion(target), version) << what;
+        EXPECT_EQ(left().size(), isClean ? 2 : 3) << what << ": nothing is thrown away that may be the user's";
+    }
 }
 
 TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
@@ -125,7 +177,7 @@ TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
         }
         calls = at;
         expectStartable(target, at);
-        BundleInstaller(applications).recover(name);
+        BundleInstaller(applications, signing).recover(name);
         EXPECT_NE(vouchedVersion(target), "none") << "before call " << at;
         EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "before call " << at;
     }
@@ -154,7 +206,7 @@ TEST_F(Installing, LeavesOneOfTheTwoWhereNamesCannotBeExchanged) {
         }
         calls = at;
         expectStartable(QFile::exists(target) ? target : target + QStringLiteral(".previous"), at);
-        BundleInstaller(applications).recover(name);
+        BundleInstaller(applications, signing).recover(name);
         expectStartable(target, at);
         expectClean();
     }
@@ -178,7 +230,7 @@ TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskIsFullAtAnyWrite) {
             tried = at;
             EXPECT_EQ(vouchedVersion(target), status == failed ? "1" : "2") << "write " << at;
             expectStartable(target, at);
-            BundleInstaller(applications).recover(name);
+            BundleInstaller(applications, signing).recover(name);
             EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "write " << at;
         }
         EXPECT_GT(tried, 20);
@@ -195,23 +247,26 @@ TEST_F(Installing, TakesBackWhatWasChangedBetweenTheCheckAndTheExchange) {
          [&] { writeFile(applications + QStringLiteral("/.Quillory.app.new/quillory"), "#!/bin/sh\nexit 9\n", 0755); }},
         {"another bundle in the copy's place",
          [&] {
+             QDir(folder.filePath(QStringLiteral("gone"))).removeRecursively();
              QDir().rename(applications + QStringLiteral("/.Quillory.app.new"),
                            folder.filePath(QStringLiteral("gone")));
              makeSignedBundle(applications + QStringLiteral("/.Quillory.app.new"), 3);
          }},
     };
     for (const auto &[attack, change] : attacks) {
-        reset();
-        const int status = runTraced([&] { return install(); },
-                                     [&, once = true](const TracedCall &call) mutable {
-                                         if (isExchange(call) && std::exchange(once, false)) {
-                                             change();
-                                         }
-                                         return goOn;
-                                     });
-        EXPECT_THAT(status, AnyOf(failed, refused)) << attack;
-        EXPECT_EQ(vouchedVersion(target), "1") << attack;
-        expectClean();
+        for (const Verdict exchange : {goOn, EINVAL}) {
+            reset();
+            const int status = runTraced([&] { return install(); },
+                                         [&, once = true](const TracedCall &call) mutable {
+                                             if (isExchange(call) && std::exchange(once, false)) {
+                                                 change();
+                                             }
+                                             return isExchange(call) ? exchange : goOn;
+                                         });
+            EXPECT_THAT(status, AnyOf(failed, refused)) << attack;
+            EXPECT_EQ(vouchedVersion(target), "1") << attack << ", exchange " << exchange;
+            expectClean();
+        }
     }
 }
 
@@ -251,7 +306,7 @@ TEST_F(Installing, IsDoneByOneProcessAtATime) {
     ASSERT_EQ(flock(lock, LOCK_EX), 0);
     EXPECT_EQ(failure(), "Another update is being installed.");
     QDir().mkpath(applications + QStringLiteral("/.Quillory.app.new"));
-    BundleInstaller(applications).recover(name);
+    BundleInstaller(applications, signing).recover(name);
     EXPECT_THAT(left(), testing::Contains(QStringLiteral(".Quillory.app.new"))) << "that is the other one's";
     close(lock);
     EXPECT_EQ(failure(), "");
@@ -310,6 +365,10 @@ TEST_F(Installing, ChangesNothingOnADiskThatIsReallyFull) {
 TEST_F(Installing, NeedsAFolderThatIsTheUsersAlone) {
     chmod(QFile::encodeName(applications).constData(), 0777);
     EXPECT_THAT(failure(), HasSubstr("can be changed by others"));
+    chmod(QFile::encodeName(applications).constData(), 0700);
+    chmod(QFile::encodeName(folder.path()).constData(), 0777);
+    EXPECT_THAT(failure(), HasSubstr("can be changed by others")) << "who can change the folder above can replace it";
+    chmod(QFile::encodeName(folder.path()).constData(), 0700);
     QDir().rename(applications, folder.filePath(QStringLiteral("elsewhere")));
     QFile::link(folder.filePath(QStringLiteral("elsewhere")), applications);
     EXPECT_THAT(failure(), HasSubstr("could not be opened"));
@@ -318,7 +377,7 @@ TEST_F(Installing, NeedsAFolderThatIsTheUsersAlone) {
 TEST_F(Installing, StopsWhenAsked) {
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_THROW(BundleInstaller(applications).install(found, name, approve, stop.get_token()),
+    EXPECT_THROW(BundleInstaller(applications, signing).install(found, name, approve, stop.get_token()),
                  platform::CancellationError);
     EXPECT_EQ(vouchedVersion(target), "1");
     expectClean();

@@ -144,6 +144,13 @@ TEST_F(BundleSignature, FollowsATeamFromKeyToKey) {
         signWith(key);
         EXPECT_EQ(vouchedVersion(bundle), version) << what;
     }
+    writeFile(in("UpdateKeys.rotations"), toSecond);
+    const LinuxCodeSigning ofNewBundle = LinuxCodeSigning::ofBundle(bundle);
+    QFile::remove(in("UpdateKeys.rotations"));
+    signWith(second);
+    EXPECT_TRUE(ofNewBundle.signingInformation(bundle, {})) << "its program has followed the statement";
+    signWith(teamKey());
+    EXPECT_FALSE(ofNewBundle.signingInformation(bundle, {})) << "and is through with the old key";
 }
 
 TEST_F(BundleSignature, CanBeGivenUpOnTheWay) {
@@ -169,6 +176,8 @@ TEST_F(BundleSignature, IsNotMadeForWhatNobodyShouldTrust) {
     EXPECT_THROW(signWith(teamKey()), platform::FileError);
     QFile::remove(in("two\nlines"));
     EXPECT_NO_THROW(signWith(teamKey()));
+    makeBundle(bundle, 3);
+    EXPECT_THROW(signWith(teamKey()), platform::FileError) << "its program would call itself another version";
 }
 
 } // namespace

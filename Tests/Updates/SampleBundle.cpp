@@ -55,7 +55,7 @@ void makeBundle(const QString &path, int version) {
         ::chmod(QFile::encodeName(folder).constData(), 0755);
     }
     const QByteArray number = QByteArray::number(version);
-    writeFile(path + QStringLiteral("/quillory"), "#!/bin/sh\nexit " + number + '\n', 0755);
+    writeFile(path + QStringLiteral("/quillory"), "#!/bin/sh\n[ \"$1\" = --version ] || exit " + number + '\n', 0755);
     writeFile(path + QStringLiteral("/Info.json"), R"({"CFBundleShortVersionString": ")" + number + "\"}\n");
     writeFile(path + QStringLiteral("/UpdateKeys"), TrustedKeys::line(team, teamKey().publicKey()));
     writeFile(resources + QStringLiteral("/quillory.svg"), QByteArray(10'000, 'x'));

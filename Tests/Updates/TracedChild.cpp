@@ -81,9 +81,9 @@ class Tracer {
 } // namespace
 
 bool changesDisk(const TracedCall &call) {
-    static const std::set<unsigned long long> changing{SYS_write,  SYS_pwrite64,  SYS_mkdir,   SYS_mkdirat,
-                                                       SYS_chmod,  SYS_fchmod,    SYS_fsync,   SYS_ftruncate,
-                                                       SYS_rename, SYS_renameat2, SYS_unlinkat};
+    static const std::set<unsigned long long> changing{SYS_write,  SYS_pwrite64, SYS_mkdir,     SYS_mkdirat,
+                                                       SYS_chmod,  SYS_fchmod,   SYS_fsync,     SYS_ftruncate,
+                                                       SYS_rename, SYS_renameat, SYS_renameat2, SYS_unlinkat};
     const bool isAt = call.number == SYS_openat;
     return changing.contains(call.number) ||
            ((isAt || call.number == SYS_open) && (call.arguments[isAt ? 2 : 1] & O_CREAT) != 0);

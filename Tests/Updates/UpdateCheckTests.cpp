@@ -34,6 +34,7 @@ TEST(UpdateVersion, IsComparedNumberByNumber) {
                  {"1.+3", "1.2", true},
                  {"1.-3", "1", false},
                  {"1. 3", "1.1", false},
+                 {"1.3\n", "1.1", false},
                  {"1.99999999999999999999", "1.1", false},
                  {"1.9223372036854775807", "1.1", true},
                  {"\u0662", "1", false},
@@ -74,6 +75,9 @@ TEST_F(UpdateCheck, TellsTheUserWhoAsked) {
          answerWith("200 OK", R"({"version": "2.\n12:00 x", "url": "https://a/b"})"),
          QStringLiteral("update available: 2. 12:00 x (running 1)"),
          QStringLiteral("Quillory 2.\n12:00 x is available|Install now and relaunch?|Install & Relaunch|Later")},
+        {"a redirect to nowhere", answerWith("302 Found", R"({"version": "1", "url": "https://a/b"})"),
+         QStringLiteral("update check: up to date (1)"),
+         QStringLiteral("You're up to date|Quillory 1 is the latest version.")},
         {"a redirect", "HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n",
          QStringLiteral("update check: up to date (1)"),
          QStringLiteral("You're up to date|Quillory 1 is the latest version.")},
@@ -158,19 +162,25 @@ TEST_F(UpdateCheck, IsMadeAtLaunchAndEverySixHoursAndIsSilentUnlessThereIsSometh
 
 TEST_F(UpdateCheck, ClearsAwayWhatAnInterruptedInstallLeft) {
     const QString temporary = folder.filePath(QStringLiteral("tmp/"));
+    const std::array<timespec, 2> longAgo{timespec{1000, 0}, timespec{1000, 0}};
     for (const char *name : {"QuilloryUpdate-OLD", "QuilloryUpdate-NEW", "quillory-download-old", "another-old"}) {
         const QString path = temporary + QLatin1StringView(name);
         QDir().mkpath(path);
         writeFile(path + QStringLiteral("/file"), "x", 0444);
         if (!path.endsWith(QStringLiteral("NEW"))) {
-            const std::array<timespec, 2> longAgo{timespec{1000, 0}, timespec{1000, 0}};
             utimensat(AT_FDCWD, qPrintable(path), longAgo.data(), 0);
         }
     }
+    // Another process installs since before the computer was put to sleep.
+    const platform::desktop::LinuxCodeSigning signing = trustingTeam();
+    platform::desktop::LinuxFileSystem other(signing);
+    other.createDirectory(temporary + QStringLiteral("QuilloryUpdate-LIVING"));
+    utimensat(AT_FDCWD, qPrintable(temporary + QStringLiteral("QuilloryUpdate-LIVING")), longAgo.data(), 0);
     UpdateChecker::check(false);
     ASSERT_TRUE(awaitLog(1));
     EXPECT_THAT(temporaryFiles(),
-                testing::UnorderedElementsAre(QStringLiteral("QuilloryUpdate-NEW"), QStringLiteral("another-old")));
+                testing::UnorderedElementsAre(QStringLiteral("QuilloryUpdate-LIVING"),
+                                              QStringLiteral("QuilloryUpdate-NEW"), QStringLiteral("another-old")));
 }
 
 TEST_F(UpdateCheck, CountsAsVersion0WithoutABundle) {

@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quillory::test {
@@ -104,6 +105,8 @@ TEST_F(UpdateInstall, RefusesWhatABrokenServerSends) {
     answers["/truncated"] = answerWith("200 OK", genuine).chopped(100);
     answers["/longer"] = "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n" + genuine;
     answers["/redirect"] = "HTTP/1.1 307 Moved\r\nLocation: http://192.0.2.1/\r\nContent-Length: 0\r\n\r\n";
+    answers["/verbose"] =
+        "HTTP/1.1 307 Moved\r\nLocation: /Quillory.zip\r\nContent-Length: 99999\r\n\r\n" + QByteArray(99'999, ' ');
     answers["/huge"] = "HTTP/1.1 200 OK\r\nContent-Length: 999999999999\r\n\r\n";
     const struct {
         QString path;
@@ -112,6 +115,7 @@ TEST_F(UpdateInstall, RefusesWhatABrokenServerSends) {
         {QStringLiteral("/truncated"), QStringLiteral("The connection to the server was lost.")},
         {QStringLiteral("/longer"), unzipFailed},
         {QStringLiteral("/redirect"), QStringLiteral("The address is not secure: it must begin with https://.")},
+        {QStringLiteral("/verbose"), QStringLiteral("The answer is too long.")},
         {QStringLiteral("/huge"), QStringLiteral("The answer is too long.")},
         {QStringLiteral("/missing"), unzipFailed},
     };
@@ -133,16 +137,26 @@ TEST_F(UpdateInstall, NeverGoesBackBehindTheHighestVersionThatRan) {
     serve(archiveOf(6));
     installFrom(QStringLiteral("/Quillory.zip"));
     EXPECT_EQ(vouchedVersion(target), "6");
+    // The same at a start, among genuine ones.
+    const QString home = desktop.process.homeDirectory();
+    const auto comesFirst = [&](const QString &whose, const char *version) {
+        return UpdateChecker::takesPrecedence({whose, {}, QLatin1StringView(version)}, QStringLiteral("1"), home);
+    };
+    EXPECT_FALSE(comesFirst(team, "4"));
+    EXPECT_TRUE(comesFirst(team, "5")) << "which is the one that ran";
+    EXPECT_FALSE(comesFirst(QStringLiteral("OTHERTEAM1"), "6"));
 }
 
 TEST_F(UpdateInstall, LeavesNothingWhenItIsCancelled) {
     UpdateChecker::install(url(QStringLiteral("/endless")));
     ASSERT_TRUE(desktop.mainQueue.runUntil([&] { return !application().works.isEmpty(); }));
+    UpdateChecker::offerUpdate(QStringLiteral("3"), {}, url(QStringLiteral("/Quillory.zip")));
     UpdateChecker::install(url(QStringLiteral("/Quillory.zip")));
     EXPECT_THAT(application().shown(), ElementsAre(QStringLiteral("Update failed|Another update is being installed.")));
     application().pressCancel();
     ASSERT_TRUE(desktop.mainQueue.runUntil([&] { return !application().hasProgress; }));
-    EXPECT_THAT(desktop.log(), ElementsAre(QStringLiteral("update install cancelled")));
+    EXPECT_THAT(desktop.log(), ElementsAre(QStringLiteral("update install failed: Another update is being installed."),
+                                           QStringLiteral("update install cancelled")));
     EXPECT_EQ(application().alerts.size(), 1U);
     EXPECT_THAT(temporaryFiles(), IsEmpty());
     EXPECT_EQ(vouchedVersion(target), "1");
@@ -155,6 +169,13 @@ TEST_F(UpdateInstall, SaysThatTheDownloadCannotBeSaved) {
     ASSERT_EQ(application().alerts.size(), 1U);
     EXPECT_THAT(application().alerts.front().body.toStdString(),
                 testing::StartsWith("The download could not be saved: "));
+    const QString everybodys = folder.filePath(QStringLiteral("everybodys"));
+    QDir().mkpath(everybodys);
+    chmod(qPrintable(everybodys), 0777);
+    qputenv("TMPDIR", everybodys.toUtf8());
+    installFrom(QStringLiteral("/Quillory.zip"));
+    EXPECT_EQ(application().alerts.back().body,
+              QStringLiteral("The folder %1 can be changed by others.").arg(everybodys));
     EXPECT_EQ(vouchedVersion(target), "1");
 }
 

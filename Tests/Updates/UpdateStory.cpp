@@ -13,7 +13,7 @@ UpdateStory::UpdateStory() {
     QDir().mkpath(temporary);
     qputenv("XDG_DATA_HOME", folder.filePath(QStringLiteral("data")).toUtf8());
     qputenv("TMPDIR", temporary.toUtf8());
-    platform::desktop::LinuxFileSystem().createDirectory(target);
+    m_fileSystem.createDirectory(target);
     makeSignedBundle(target, 1);
     desktop.process.information[QStringLiteral("CFBundleShortVersionString")] = QStringLiteral("1");
     desktop.process.variables[QStringLiteral("QUILLORY_UPDATE_FEED")] = url({}).toString();

@@ -64,8 +64,8 @@ class UpdateStory : public testing::Test {
 
     LoopbackServer m_server{[this](LoopbackConnection &connection) { answer(connection); }};
     platform::desktop::CurlURLSession m_urlSession;
-    platform::desktop::LinuxFileSystem m_fileSystem;
     platform::desktop::LinuxCodeSigning m_codeSigning = trustingTeam();
+    platform::desktop::LinuxFileSystem m_fileSystem{m_codeSigning};
     platform::Platform m_services = services();
     platform::Installation m_installation{m_services};
 };

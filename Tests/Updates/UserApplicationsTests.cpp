@@ -13,6 +13,8 @@
 #include <gmock/gmock.h>
 
 #include <fcntl.h>
+#include <sched.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,15 +32,20 @@ class UserApplications : public testing::Test {
   protected:
     UserApplications() {
         qputenv("XDG_DATA_HOME", folder.path().toUtf8());
-        LinuxFileSystem().createDirectory(own);
+        files.createDirectory(own);
         makeSignedBundle(installed, 2);
     }
     ~UserApplications() override { qunsetenv("XDG_DATA_HOME"); }
 
     [[nodiscard]] QByteArray preferred(const QString &running) const {
-        return platform::desktop::applications::programToPrefer(running, UpdateChecker::isNewer);
+        return platform::desktop::applications::programToPrefer(
+            running, [](const platform::SigningInformation &bundle, const QString &version) {
+                return UpdateChecker::isNewer(bundle.version, version);
+            });
     }
 
+    platform::desktop::LinuxCodeSigning signing = trustingTeam();
+    LinuxFileSystem files{signing};
     QTemporaryDir folder{folderTemplate()};
     QString own = folder.filePath(QStringLiteral("quillory/Applications/Quillory.app"));
     QString installed = folder.filePath(QStringLiteral("usr/lib/quillory/Quillory.app"));
@@ -62,6 +69,28 @@ TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
              writeFile(own + QStringLiteral("/quillory"), "#!/bin/sh", 0755);
          },
          false},
+        {"unable to start here",
+         [&] {
+             makeBundle(own, 3);
+             writeFile(own + QStringLiteral("/quillory"), "#!/lib/that/is/missing\n", 0755);
+             platform::desktop::signBundle(own, QStringLiteral("3"),
+                                           platform::desktop::LinuxCodeSigning::hostArchitecture(), teamKey());
+         },
+         false},
+        {"slow to start",
+         [&] {
+             makeBundle(own, 3);
+             writeFile(own + QStringLiteral("/quillory"), "#!/bin/sh\nsleep 60\n", 0755);
+             platform::desktop::signBundle(own, QStringLiteral("3"),
+                                           platform::desktop::LinuxCodeSigning::hostArchitecture(), teamKey());
+         },
+         true},
+        {"in a folder that others can change",
+         [&] {
+             makeSignedBundle(own, 3);
+             chmod(qPrintable(own), 0777);
+         },
+         false},
         {"left half way where names cannot be exchanged",
          [&] { makeSignedBundle(own + QStringLiteral(".previous"), 3); }, true},
         {"none", [] {}, false},
@@ -80,10 +109,10 @@ TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
 TEST_F(UserApplications, AreMadeInFreshFoldersOnly) {
     const QString path = folder.filePath(QStringLiteral("work"));
     QDir().mkpath(path);
-    EXPECT_THROW(LinuxFileSystem().createDirectory(path), FileError) << "that another user may have made";
+    EXPECT_THROW(files.createDirectory(path), FileError) << "that another user may have made";
     QFile::link(folder.path(), folder.filePath(QStringLiteral("link")));
-    EXPECT_THROW(LinuxFileSystem().createDirectory(folder.filePath(QStringLiteral("link"))), FileError);
-    LinuxFileSystem().createDirectory(folder.filePath(QStringLiteral("fresh")));
+    EXPECT_THROW(files.createDirectory(folder.filePath(QStringLiteral("link"))), FileError);
+    files.createDirectory(folder.filePath(QStringLiteral("fresh")));
     EXPECT_EQ(QFile::permissions(folder.filePath(QStringLiteral("fresh"))) &
                   (QFile::ReadGroup | QFile::ReadOther | QFile::ExeGroup | QFile::ExeOther),
               QFile::Permissions());
@@ -111,6 +140,31 @@ TEST_F(UserApplications, AreOpenedDetachedFromWhatEnds) {
     EXPECT_THAT(found, HasSubstr("/dev/null\n/dev/null\n"));
     EXPECT_THAT(found, Not(HasSubstr("Info.json")));
     EXPECT_THAT(found, Not(HasSubstr(' ' + std::to_string(getsid(0)) + '\n'))) << "it has a session of its own";
+}
+
+TEST_F(UserApplications, AreNotTakenForOpenedWhereThereIsNoShell) {
+    makeBundle(own, 3);
+    const pid_t program = fork();
+    if (program == 0) {
+        if ((geteuid() != 0 && unshare(CLONE_NEWUSER) != 0) || chroot(qPrintable(folder.path())) != 0) {
+            _exit(77);
+        }
+        qputenv("XDG_DATA_HOME", "/");
+        try {
+            LinuxSystemTools().startDetached(
+                QStringLiteral("/bin/sh"),
+                {QStringLiteral("-c"), QStringLiteral("sleep 1; open '/Applications/Quillory.app'")});
+        } catch (const FileError &error) {
+            _exit(std::string_view(error.what()) == "/bin/sh could not be started: No such file or directory." ? 0 : 1);
+        }
+        _exit(2);
+    }
+    int status = 0;
+    waitpid(program, &status, 0);
+    if (WEXITSTATUS(status) == 77) {
+        GTEST_SKIP() << "a process may not be shut into a folder here";
+    }
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST_F(UserApplications, AreAllThatToolsAreStartedFor) {

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Folders.h"
 
+#include "Platform/FileSystem.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -27,6 +29,28 @@ QString base(const char *variable, const char *standard) {
     const QString path = qEnvironmentVariable(variable);
     return QDir::cleanPath(QDir::isAbsolutePath(path) ? path : userHome() + QLatin1StringView(standard));
 }
+
+[[noreturn]] void refuse(const QString &sentence, const QString &folder) {
+    throw FileError(sentence.arg(folder).toStdString());
+}
+
+struct stat statusOf(const QString &folder) {
+    struct stat status {};
+    if (::stat(QFile::encodeName(folder).constData(), &status) != 0) {
+        refuse(QStringLiteral("The folder %1 could not be read."), folder);
+    }
+    return status;
+}
+
+bool canOthersReplaceIn(const QString &folder) {
+    const struct stat status = statusOf(folder);
+    // A group that is called like the user has nobody else in it, by the custom of many systems.
+    const QFileInfo info(folder);
+    const mode_t others = info.group() == info.owner() ? S_IWOTH : S_IWOTH | S_IWGRP;
+    return (status.st_uid != ::geteuid() && status.st_uid != 0) ||
+           ((status.st_mode & others) != 0 && (status.st_mode & S_ISVTX) == 0);
+}
+
 } // namespace
 
 QString configuration() {
@@ -43,6 +67,31 @@ bool make(const QString &path) {
         ::mkdir(name.constData(), S_IRWXU);
     }
     return QFileInfo(path).isDir(); // another process may have been faster
+}
+
+QString temporary() {
+    const QString folder = QDir::tempPath();
+    checkPlace(folder);
+    return folder;
+}
+
+void checkPlace(const QString &folder) {
+    // As it is named and as it is: who can change a link on the way can lead elsewhere.
+    for (QString path : {QFileInfo(folder).absoluteFilePath(), QFileInfo(folder).canonicalFilePath()}) {
+        for (; !path.isEmpty() && path != QStringLiteral("/"); path = QFileInfo(path).path()) {
+            if (canOthersReplaceIn(path)) {
+                refuse(QStringLiteral("The folder %1 can be changed by others."), path);
+            }
+        }
+    }
+}
+
+void checkOwn(const QString &folder) {
+    checkPlace(folder);
+    const struct stat status = statusOf(folder);
+    if (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
+        refuse(QStringLiteral("The folder %1 can be changed by others."), folder);
+    }
 }
 
 } // namespace platform::desktop::folders

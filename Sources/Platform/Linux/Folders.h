@@ -12,5 +12,12 @@ namespace platform::desktop::folders {
 [[nodiscard]] QString data();
 /// Makes a folder and what is missing above it, for their owner alone. False when there is no such folder afterwards.
 bool make(const QString &path);
+/// The folder for files of no lasting worth. Throws FileError unless its place is safe, as below.
+[[nodiscard]] QString temporary();
+/// Throws FileError if somebody but this user and root could put something else in the place of what is in a folder: by
+/// the owner or the mode of the folder or of one above it. In a sticky folder, as /tmp is one, nobody can.
+void checkPlace(const QString &folder);
+/// The same, and nobody else may add anything to the folder, which must be this user's.
+void checkOwn(const QString &folder);
 
 } // namespace platform::desktop::folders

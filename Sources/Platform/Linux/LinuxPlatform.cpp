@@ -47,7 +47,7 @@ struct LinuxPlatform::Private {
     SecretUserDefaults userDefaults{secrets, folders::configuration(), Saving::inBackground};
     CurlURLSession urlSession;
     LinuxCodeSigning codeSigning = LinuxCodeSigning::ofBundle(applications::runningBundle());
-    LinuxFileSystem fileSystem;
+    LinuxFileSystem fileSystem{codeSigning};
     LinuxSystemTools systemTools;
     QtApplication application;
     std::unique_ptr<X11Connection> connection;

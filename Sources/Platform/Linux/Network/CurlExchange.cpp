@@ -115,7 +115,11 @@ bool CurlExchange::headEnd(long status) {
         failure = bodyTooLong();
         return false;
     }
-    transfer->headArrived(static_cast<int>(status), length < 0 ? std::nullopt : std::optional<qint64>(length));
+    curl_header *location = nullptr;
+    transfer->headArrived(
+        {.status = static_cast<int>(status),
+         .length = length < 0 ? std::nullopt : std::optional<qint64>(length),
+         .hasLocation = curl_easy_header(handle(), "Location", 0, CURLH_HEADER, -1, &location) == CURLHE_OK});
     return true;
 }
 
@@ -158,7 +162,7 @@ std::optional<QString> CurlExchange::outcome(CURLcode result) {
     // What came is not an HTTP head. (The scheme was checked before, so the protocol is not ours.)
     const bool isNotHTTP = result == CURLE_UNSUPPORTED_PROTOCOL || result == CURLE_WEIRD_SERVER_REPLY;
     if (isNotHTTP && !m_hasHead) {
-        transfer->headArrived(std::nullopt);
+        transfer->headArrived({});
         return std::nullopt;
     }
     return sentenceFor(result);

@@ -1,20 +1,30 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Network/CurlURLSession.h"
 
+#include "Platform/FileSystem.h"
+#include "Platform/Linux/Folders.h"
 #include "Platform/Linux/Network/LineSplitter.h"
 
-#include <QDir>
 #include <QTemporaryFile>
 
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <sys/file.h>
 
 namespace platform::desktop {
 
 namespace {
 constexpr int mostRedirects = 5;
 constexpr qsizetype maxLine = 1024 * 1024;
+
+QString temporaryFolder() {
+    try {
+        return folders::temporary();
+    } catch (const FileError &error) {
+        throw URLError(error.what());
+    }
+}
 
 /// A line break in a header would end it and begin another one of the writer's choice.
 bool canBeSent(QByteArrayView text) {
@@ -58,15 +68,23 @@ class BodyReader {
     BodyReader(const BodyReader &) = delete;
     BodyReader &operator=(const BodyReader &) = delete;
 
-    [[nodiscard]] std::optional<int> awaitHead() { return m_transfer->awaitHead(); }
-    [[nodiscard]] std::optional<qint64> length() const { return m_transfer->length(); }
+    /// At once when it is in.
+    [[nodiscard]] Transfer::Head awaitHead() { return m_transfer->awaitHead(); }
     /// Where to go instead, if that is wanted. Reads the answer to its end then.
-    [[nodiscard]] std::optional<QUrl> redirect(std::optional<int> status) {
+    [[nodiscard]] std::optional<QUrl> redirect() {
         constexpr std::array redirects{301, 302, 303, 307, 308};
-        if (!m_transfer->request().followsRedirects || std::ranges::find(redirects, status) == redirects.end()) {
+        constexpr qsizetype longestExcuse = 64 * 1024;
+        const Transfer::Head head = awaitHead();
+        if (!m_transfer->request().followsRedirects || !head.hasLocation ||
+            std::ranges::find(redirects, head.status) == redirects.end()) {
             return std::nullopt;
         }
-        while (awaitBytes()) {
+        qsizetype size = 0;
+        while (const auto bytes = awaitBytes()) {
+            size += bytes->size();
+            if (size > longestExcuse) {
+                throw URLError("The answer is too long.");
+            }
         }
         return m_transfer->redirect();
     }
@@ -97,7 +115,7 @@ namespace {
 class LineStream final : public URLByteStream {
   public:
     LineStream(std::shared_ptr<WorkerMailbox> mailbox, const URLRequest &request, std::stop_token stop)
-        : m_reader(std::move(mailbox), request, std::move(stop)), m_status(m_reader.awaitHead()) {}
+        : m_reader(std::move(mailbox), request, std::move(stop)), m_status(m_reader.awaitHead().status) {}
 
     [[nodiscard]] std::optional<int> statusCode() const override { return m_status; }
     std::optional<QByteArray> nextLine() override {
@@ -150,10 +168,9 @@ void CurlURLSession::exchange(URLRequest request, const std::stop_token &stop, c
             throw URLError("The address is not secure: it must begin with https://.");
         }
         BodyReader reader(mailbox(), request, stop);
-        const std::optional<int> status = reader.awaitHead();
-        const std::optional<QUrl> next = reader.redirect(status);
+        const std::optional<QUrl> next = reader.redirect();
         if (!next) {
-            return receive(reader, status);
+            return receive(reader);
         }
         if (next->scheme() != request.url.scheme() && next->scheme() != QLatin1StringView("https")) {
             throw URLError("The server points to an address that is not secure.");
@@ -165,8 +182,8 @@ void CurlURLSession::exchange(URLRequest request, const std::stop_token &stop, c
 
 URLResponse CurlURLSession::data(const URLRequest &request, std::stop_token stop) {
     URLResponse response;
-    exchange(request, stop, [&response](BodyReader &reader, std::optional<int> status) {
-        response.statusCode = status;
+    exchange(request, stop, [&response](BodyReader &reader) {
+        response.statusCode = reader.awaitHead().status;
         while (const auto bytes = reader.awaitBytes()) {
             response.body.append(*bytes);
         }
@@ -175,21 +192,22 @@ URLResponse CurlURLSession::data(const URLRequest &request, std::stop_token stop
 }
 
 QString CurlURLSession::download(const URLRequest &request, const DownloadProgress &progress, std::stop_token stop) {
-    QTemporaryFile file(QDir::tempPath() + u'/' + QLatin1StringView(downloadName) + QStringLiteral("XXXXXX"));
+    QTemporaryFile file(temporaryFolder() + u'/' + QLatin1StringView(downloadName) + QStringLiteral("XXXXXX"));
     const auto failed = [&file] {
         throw URLError("The download could not be saved: " + file.errorString().toStdString() + '.');
     };
     if (!file.open()) {
         failed();
     }
-    exchange(request, stop, [&](BodyReader &reader, std::optional<int>) {
+    (void)::flock(file.handle(), LOCK_EX | LOCK_NB); // so that nobody takes it for one that was left behind
+    exchange(request, stop, [&](BodyReader &reader) {
         qint64 received = 0;
         while (const auto bytes = reader.awaitBytes()) {
             if (file.write(*bytes) != bytes->size()) {
                 failed();
             }
             received += bytes->size();
-            progress(received, reader.length());
+            progress(received, reader.awaitHead().length);
         }
     });
     if (!file.flush()) {

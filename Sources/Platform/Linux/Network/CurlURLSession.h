@@ -24,7 +24,7 @@ class CurlURLSession final : public URLSession {
                                    std::stop_token stop) override;
 
   private:
-    using Receive = std::function<void(BodyReader &, std::optional<int> status)>;
+    using Receive = std::function<void(BodyReader &)>;
     void exchange(URLRequest request, const std::stop_token &stop, const Receive &receive);
     std::shared_ptr<WorkerMailbox> mailbox();
 

@@ -8,10 +8,9 @@ namespace {
 constexpr qsizetype bufferSize = 256 * 1024;
 } // namespace
 
-void Transfer::headArrived(std::optional<int> status, std::optional<qint64> length) {
+void Transfer::headArrived(const Head &head) {
     const std::scoped_lock lock(m_mutex);
-    m_status = status;
-    m_length = length;
+    m_head = head;
     m_headArrived = true;
     m_changed.notify_all();
 }
@@ -19,11 +18,6 @@ void Transfer::headArrived(std::optional<int> status, std::optional<qint64> leng
 void Transfer::pointTo(const QUrl &url) {
     const std::scoped_lock lock(m_mutex);
     m_redirect = url;
-}
-
-std::optional<qint64> Transfer::length() const {
-    const std::scoped_lock lock(m_mutex);
-    return m_length;
 }
 
 std::optional<QUrl> Transfer::redirect() const {
@@ -59,13 +53,13 @@ void Transfer::cancel() {
     m_changed.notify_all();
 }
 
-std::optional<int> Transfer::awaitHead() {
+Transfer::Head Transfer::awaitHead() {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return m_headArrived || m_finished || m_cancelled; });
     if (m_cancelled || !m_headArrived) {
         throwIfFailed();
     }
-    return m_status;
+    return m_head;
 }
 
 std::optional<Transfer::More> Transfer::awaitBytes() {

@@ -19,8 +19,15 @@ class Transfer {
     // The worker's side.
 
     enum class Taken { yes, noRoom, tooMuch };
-    /// The head is in; without a status the answer is not HTTP.
-    void headArrived(std::optional<int> status, std::optional<qint64> length = std::nullopt);
+    struct Head {
+        /// Without one the answer is not HTTP.
+        std::optional<int> status;
+        /// What it announced.
+        std::optional<qint64> length;
+        /// Whether it names another address.
+        bool hasLocation = false;
+    };
+    void headArrived(const Head &head);
     /// The answer points elsewhere. Before the exchange is finished.
     void pointTo(const QUrl &url);
     /// Takes the next bytes of the body whole, or none of them.
@@ -33,9 +40,7 @@ class Transfer {
     /// Ends all waiting with CancellationError, now and later. From any thread, never waits for the network.
     void cancel();
     /// Waits for the head.
-    [[nodiscard]] std::optional<int> awaitHead();
-    /// The length that the head announced.
-    [[nodiscard]] std::optional<qint64> length() const;
+    [[nodiscard]] Head awaitHead();
     /// Where the answer points to, once it has been read to its end.
     [[nodiscard]] std::optional<QUrl> redirect() const;
     struct More {
@@ -54,8 +59,7 @@ class Transfer {
     std::condition_variable m_changed;
     QByteArray m_buffer;
     qint64 m_bodySize = 0;
-    std::optional<int> m_status;
-    std::optional<qint64> m_length;
+    Head m_head;
     std::optional<QUrl> m_redirect;
     std::optional<QString> m_failure;
     bool m_headArrived = false;

@@ -3,6 +3,7 @@
 
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/Updates/FileTree.h"
+#include "Platform/Linux/Updates/ProgramTrial.h"
 #include "Platform/URLSession.h"
 
 #include <QFile>
@@ -18,6 +19,8 @@ namespace platform::desktop {
 namespace {
 constexpr auto lockName = ".install.lock";
 constexpr mode_t bundleMode = 0755;
+/// For a program on a disk that was asleep.
+constexpr auto installPatience = std::chrono::seconds(15);
 
 /// What a bundle is called while it is copied; the old one, while it is removed.
 QByteArray newName(const QByteArray &name) {
@@ -31,7 +34,13 @@ QByteArray previousName(const QByteArray &name) {
 
 bool exists(int folder, const QByteArray &name) {
     struct stat status {};
-    return ::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+    if (::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        return true;
+    }
+    if (errno != ENOENT) {
+        fileTree::fail(QStringLiteral("%1 could not be looked at").arg(QString::fromUtf8(name)));
+    }
+    return false;
 }
 
 bool isSame(int folder, const QByteArray &name, int opened) {
@@ -45,22 +54,17 @@ void sync(int file) {
     fileTree::checked(::fsync(file), QStringLiteral("The files could not be brought to the disk"));
 }
 
-/// The folder, checked to be the user's alone to change.
-FileDescriptor openOwn(const QString &path) {
-    FileDescriptor folder = fileTree::openFolder(path);
-    struct stat status {};
-    fileTree::checked(::fstat(folder.get(), &status), QStringLiteral("The folder %1 could not be read").arg(path));
-    if (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
-        throw FileError(QStringLiteral("The folder %1 can be changed by others.").arg(path).toStdString());
-    }
-    return folder;
-}
-
 /// Kept while a process changes the folder; none when another one does.
 FileDescriptor lock(int folder) {
     const int opened = ::openat(folder, lockName, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
     FileDescriptor file(fileTree::checked(opened, QStringLiteral("The folder of applications could not be locked")));
     return ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 ? std::move(file) : FileDescriptor();
+}
+
+void throwIfStopped(const std::stop_token &stop) {
+    if (stop.stop_requested()) {
+        throw CancellationError();
+    }
 }
 
 void makeFolder(int parent, const QByteArray &path, mode_t mode) {
@@ -81,9 +85,7 @@ void copyFile(int from, int to, const BundleEntry &entry, const std::stop_token 
                                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR),
                           QStringLiteral("A file could not be made")));
     fileTree::readAll(source.get(), [&](std::span<const char> piece) {
-        if (stop.stop_requested()) {
-            throw CancellationError();
-        }
+        throwIfStopped(stop);
         fileTree::writeAll(copy.get(), piece);
     });
     fileTree::checked(::fchmod(copy.get(), entry.mode & bundleMode), QStringLiteral("A mode could not be set"));
@@ -104,79 +106,121 @@ FileDescriptor stage(int folder, const QByteArray &name, const QString &found, c
         }
     }
     for (const BundleEntry &entry : entries) {
+        throwIfStopped(stop);
         sync(fileTree::openBelow(to.get(), entry.path).get());
     }
     sync(to.get());
     return to;
 }
 
-void rename(int folder, const QByteArray &from, const QByteArray &to, unsigned flags) {
-    fileTree::checked(::renameat2(folder, from.constData(), folder, to.constData(), flags),
+void rename(int folder, const QByteArray &from, const QByteArray &to) {
+    fileTree::checked(::renameat(folder, from.constData(), folder, to.constData()),
                       QStringLiteral("%1 could not take its place").arg(QString::fromUtf8(to)));
 }
 
-/// Gives the name to the other bundle, and the other's name to the one that had it, if one had.
+/// Gives the name to the other bundle, and the other's name to the one that had it. Where names cannot be exchanged,
+/// the one that had it becomes the previous one; there must not be one of that name yet.
 void swap(int folder, const QByteArray &other, const QByteArray &name) {
-    if (!exists(folder, name)) {
-        rename(folder, other, name, RENAME_NOREPLACE);
-        return;
-    }
     if (::renameat2(folder, other.constData(), folder, name.constData(), RENAME_EXCHANGE) == 0) {
         return;
     }
     if (errno != EINVAL && errno != ENOSYS) {
         fileTree::fail(QStringLiteral("%1 could not take its place").arg(QString::fromUtf8(name)));
     }
-    rename(folder, name, previousName(name), 0);
+    rename(folder, name, previousName(name));
     try {
-        rename(folder, other, name, 0);
+        rename(folder, other, name);
     } catch (const FileError &) {
-        rename(folder, previousName(name), name, 0);
+        rename(folder, previousName(name), name);
         throw;
     }
-    ::renameat2(folder, previousName(name).constData(), folder, other.constData(), 0);
 }
 
-/// Gives everything back the place that it had before the install.
-void undo(int folder, const QByteArray &name, bool isInPlace) {
-    const QByteArray staged = newName(name);
-    if (isInPlace && exists(folder, staged)) {
-        swap(folder, staged, name);
-    } else if (isInPlace) {
-        rename(folder, name, staged, 0);
+/// Gives the staged bundle the name, whether there is one of that name or not.
+void putInPlace(int folder, const QByteArray &name) {
+    if (exists(folder, name)) {
+        swap(folder, newName(name), name);
+    } else {
+        rename(folder, newName(name), name);
     }
-    fileTree::remove(folder, staged.constData());
-    ::fsync(folder);
 }
 
-/// Under the lock.
-void putRight(int folder, const QByteArray &name) {
-    const QByteArray previous = previousName(name);
-    if (exists(folder, previous) && !exists(folder, name)) {
-        rename(folder, previous, name, 0);
-        sync(folder);
-    }
-    fileTree::remove(folder, previous.constData());
+void removeLeftovers(int folder, const QByteArray &name) {
+    fileTree::remove(folder, previousName(name).constData());
     fileTree::remove(folder, newName(name).constData());
 }
+
+/// Gives the name back to the one that had it before the other one took its place.
+void takeBack(int folder, const QByteArray &name) {
+    const QByteArray staged = newName(name);
+    if (exists(folder, previousName(name))) {
+        fileTree::remove(folder, staged.constData());
+        rename(folder, name, staged);
+        rename(folder, previousName(name), name);
+    } else if (exists(folder, staged)) {
+        swap(folder, staged, name);
+    } else {
+        rename(folder, name, staged); // there was none
+    }
+}
+
+/// Leaves everything as it was before the install.
+void undo(int folder, const QByteArray &name, bool isInPlace) {
+    if (isInPlace) {
+        takeBack(folder, name);
+    }
+    removeLeftovers(folder, name);
+    ::fsync(folder);
+}
 } // namespace
+
+FileDescriptor BundleInstaller::openFolder() const {
+    FileDescriptor folder = fileTree::openFolder(m_folder);
+    folders::checkOwn(m_folder);
+    return folder;
+}
+
+bool BundleInstaller::isGenuine(const QByteArray &name) const {
+    return m_signing.signingInformation(m_folder + u'/' + QFile::decodeName(name), {}).has_value();
+}
+
+void BundleInstaller::restore(int folder, const QByteArray &name) const {
+    const QByteArray previous = previousName(name);
+    if (!exists(folder, name) && exists(folder, previous)) {
+        rename(folder, previous, name);
+        sync(folder);
+    }
+    const bool hasOther = exists(folder, previous) || exists(folder, newName(name));
+    if (!hasOther || !exists(folder, name) || isGenuine(name)) {
+        return;
+    }
+    // It was changed in the instant before it took the place, and the install was ended before that was seen.
+    if (isGenuine(previous) || (!exists(folder, previous) && isGenuine(newName(name)))) {
+        takeBack(folder, name);
+        sync(folder);
+    }
+}
 
 void BundleInstaller::install(const QString &found, const QByteArray &name, const FileSystem::Approval &approve,
                               const std::stop_token &stop) const {
     folders::make(m_folder);
-    const FileDescriptor folder = openOwn(m_folder);
+    const FileDescriptor folder = openFolder();
     const FileDescriptor locked = lock(folder.get());
     if (!locked) {
         throw FileError("Another update is being installed.");
     }
-    putRight(folder.get(), name);
+    restore(folder.get(), name);
+    removeLeftovers(folder.get(), name);
     const QByteArray staged = newName(name);
     const QString prefix = m_folder + u'/';
     bool isInPlace = false;
     try {
         const FileDescriptor copy = stage(folder.get(), staged, found, stop);
         approve(prefix + QFile::decodeName(staged));
-        swap(folder.get(), staged, name);
+        if (tryProgram(prefix + QFile::decodeName(staged), installPatience, stop) != ProgramTrial::works) {
+            throw FileError("The new version does not start on this computer.");
+        }
+        putInPlace(folder.get(), name);
         isInPlace = true;
         sync(folder.get());
         // Somebody may have changed it in the instant before.
@@ -188,14 +232,20 @@ void BundleInstaller::install(const QString &found, const QByteArray &name, cons
         undo(folder.get(), name, isInPlace);
         throw;
     }
-    fileTree::remove(folder.get(), staged.constData());
+    removeLeftovers(folder.get(), name);
 }
 
 void BundleInstaller::recover(const QByteArray &name) const noexcept {
     try {
-        const FileDescriptor folder = openOwn(m_folder);
-        if (const FileDescriptor locked = lock(folder.get())) {
-            putRight(folder.get(), name);
+        const FileDescriptor folder = openFolder();
+        const FileDescriptor locked = lock(folder.get());
+        if (!locked) {
+            return;
+        }
+        restore(folder.get(), name);
+        // Where nobody can be told to be genuine, none is thrown away.
+        if (!exists(folder.get(), name) || isGenuine(name)) {
+            removeLeftovers(folder.get(), name);
         }
     } catch (const FileError &) {
         // Nothing has been installed here yet, or it is somebody else's: the next install says so.

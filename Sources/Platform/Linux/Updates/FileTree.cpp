@@ -12,6 +12,7 @@
 #include <dirent.h>
 #include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace platform::desktop::fileTree {
 
@@ -29,6 +30,9 @@ std::vector<QByteArray> namesIn(int folder) {
     const int again = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const Directory stream(again < 0 ? nullptr : ::fdopendir(again));
     if (!stream) {
+        const int reason = errno;
+        ::close(again);
+        errno = reason;
         return names;
     }
     errno = 0;

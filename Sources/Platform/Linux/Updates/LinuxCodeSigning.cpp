@@ -5,6 +5,8 @@
 #include "Platform/URLSession.h"
 
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QSysInfo>
 
 #include <numeric>
@@ -72,6 +74,17 @@ bool digestsAgree(int bundle, const Manifest &manifest, const Watch &watch) {
     return true;
 }
 
+/// Users are shown the one and updated by the other.
+void checkVersion(int bundle, const QString &version) {
+    const auto text = fileTree::content(bundle, bundleName::information, largestText);
+    const QJsonObject information = QJsonDocument::fromJson(text.value_or(QByteArray())).object();
+    if (information.value(QStringLiteral("CFBundleShortVersionString")).toString() != version) {
+        throw FileError(QStringLiteral("%1 of the bundle does not name the version %2.")
+                            .arg(QLatin1StringView(bundleName::information), version)
+                            .toStdString());
+    }
+}
+
 void writeSealing(int bundle, const char *name, const QByteArray &text) {
     fileTree::remove(bundle, name);
     const FileDescriptor file(
@@ -86,9 +99,11 @@ LinuxCodeSigning::LinuxCodeSigning(TrustedKeys keys, const QString &identifier, 
     : m_keys(std::move(keys)), m_identifier(identifier), m_architecture(architecture) {}
 
 LinuxCodeSigning LinuxCodeSigning::ofBundle(const QString &bundle) {
-    QFile keys(bundle + u'/' + QLatin1StringView(bundleName::keys));
-    (void)keys.open(QIODevice::ReadOnly);
-    return LinuxCodeSigning(TrustedKeys::parsed(keys.isOpen() ? keys.read(largestText) : QByteArray()));
+    const auto read = [&bundle](const char *name) {
+        QFile file(bundle + u'/' + QLatin1StringView(name));
+        return file.open(QIODevice::ReadOnly) ? file.read(largestText) : QByteArray();
+    };
+    return LinuxCodeSigning(TrustedKeys::parsed(read(bundleName::keys)).after(read(bundleName::rotations)));
 }
 
 std::optional<SigningInformation> LinuxCodeSigning::signingInformation(const QString &bundle,
@@ -123,6 +138,7 @@ void signBundle(const QString &bundle, const QString &version, const QString &ar
         }
         entry.digest = entry.isFolder ? QByteArray() : fileTree::digestOf(folder.get(), entry.path);
     }
+    checkVersion(folder.get(), version);
     const QByteArray text = manifest.written();
     if (!Manifest::parsed(text)) {
         throw FileError("A name in the bundle, its version or its team cannot be written into a manifest.");

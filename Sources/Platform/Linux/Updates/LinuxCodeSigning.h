@@ -16,7 +16,8 @@ class LinuxCodeSigning final : public CodeSigning {
   public:
     explicit LinuxCodeSigning(TrustedKeys keys, const QString &identifier = applicationIdentifier,
                               const QString &architecture = hostArchitecture());
-    /// Trusting the keys that the bundle of the running program names; nobody when it runs outside of a bundle.
+    /// Trusting the keys that the bundle of the running program names, and those that they have handed over to; nobody
+    /// when it runs outside of a bundle.
     [[nodiscard]] static LinuxCodeSigning ofBundle(const QString &bundle);
 
     [[nodiscard]] std::optional<SigningInformation> signingInformation(const QString &bundle,

@@ -11,13 +11,27 @@
 #include <QFileInfo>
 
 #include <ctime>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace platform::desktop {
 
+namespace {
+/// Whether nobody holds a file or folder of this user's that has not been touched for minutes.
+bool isAbandoned(const QByteArray &path) {
+    // A download that lives gets bytes or gives up sooner; but a computer may have slept meanwhile.
+    constexpr time_t abandonedAfter = 600;
+    const FileDescriptor file(::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    return file && ::fstat(file.get(), &status) == 0 && status.st_uid == ::geteuid() &&
+           status.st_mtime + abandonedAfter < ::time(nullptr) && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+}
+} // namespace
+
 QString LinuxFileSystem::temporaryDirectory() const {
-    return QDir::tempPath();
+    return folders::temporary();
 }
 
 void LinuxFileSystem::createDirectory(const QString &path) {
@@ -25,6 +39,10 @@ void LinuxFileSystem::createDirectory(const QString &path) {
     folders::make(wanted.path());
     fileTree::checked(::mkdir(QFile::encodeName(wanted.filePath()).constData(), S_IRWXU),
                       QStringLiteral("The folder %1 could not be made").arg(path));
+    FileDescriptor made = fileTree::openFolder(wanted.filePath());
+    (void)::flock(made.get(), LOCK_SH | LOCK_NB); // a file system without locks has no cleaners either
+    const std::scoped_lock lock(m_mutex);
+    m_locks[path] = std::move(made);
 }
 
 QStringList LinuxFileSystem::contentsOfDirectory(const QString &path) {
@@ -35,21 +53,19 @@ QStringList LinuxFileSystem::contentsOfDirectory(const QString &path) {
 
 void LinuxFileSystem::removeItem(const QString &path) noexcept {
     fileTree::remove(AT_FDCWD, QFile::encodeName(applications::resolved(path)).constData());
+    const std::scoped_lock lock(m_mutex);
+    m_locks.erase(path);
 }
 
 void LinuxFileSystem::removeAbandoned(const QStringList &beginnings) noexcept {
-    // A download that lives gets bytes or gives up sooner.
-    constexpr time_t abandonedAfter = 600;
     QStringList patterns;
     for (const QString &beginning : beginnings) {
         patterns += beginning + u'*';
     }
-    const QDir folder(temporaryDirectory());
+    const QDir folder(QDir::tempPath());
     for (const QString &name : folder.entryList(patterns, QDir::AllEntries | QDir::Hidden | QDir::System)) {
-        struct stat status {};
         const QByteArray path = QFile::encodeName(folder.filePath(name));
-        if (::lstat(path.constData(), &status) == 0 && status.st_uid == ::geteuid() &&
-            status.st_mtime + abandonedAfter < ::time(nullptr)) {
+        if (isAbandoned(path)) {
             fileTree::remove(AT_FDCWD, path.constData());
         }
     }
@@ -58,7 +74,7 @@ void LinuxFileSystem::removeAbandoned(const QStringList &beginnings) noexcept {
 void LinuxFileSystem::replaceItem(const QString &installed, const QString &found, const Approval &approve,
                                   const std::stop_token &stop) {
     const QFileInfo target(applications::resolved(installed));
-    BundleInstaller(target.path())
+    BundleInstaller(target.path(), m_signing)
         .install(applications::resolved(found), QFile::encodeName(target.fileName()), approve, stop);
 }
 

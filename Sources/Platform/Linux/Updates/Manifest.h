@@ -30,6 +30,7 @@ inline constexpr auto signature = "Manifest.signature";
 inline constexpr auto keys = "UpdateKeys";
 inline constexpr auto rotations = "UpdateKeys.rotations";
 inline constexpr auto program = "quillory";
+inline constexpr auto information = "Info.json";
 } // namespace bundleName
 
 /// Whether a path may stand in a bundle or an archive: relative, clean, readable, of composed characters, and neither

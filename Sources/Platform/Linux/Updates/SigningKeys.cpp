@@ -12,6 +12,14 @@ const QByteArray keyTitle = "Quillory signing key 1";
 const QByteArray rotationTitle = "Quillory key rotation 1";
 const QByteArray algorithm = "ed25519";
 
+/// The library wants to be asked once before anything else, from any thread.
+void prepareSodium() {
+    static const bool isReady = sodium_init() >= 0;
+    if (!isReady) {
+        qFatal("no source of random numbers");
+    }
+}
+
 const unsigned char *unsignedBytes(const QByteArray &bytes) {
     return reinterpret_cast<const unsigned char *>(bytes.constData());
 }
@@ -30,6 +38,7 @@ std::optional<QByteArray> decodedBytes(const QByteArray &base64, std::size_t siz
 
 /// The secret key in libsodium's form, and the public one.
 std::pair<QByteArray, QByteArray> keyPair(const QByteArray &seed) {
+    prepareSodium();
     QByteArray secret(crypto_sign_SECRETKEYBYTES, '\0');
     QByteArray open(crypto_sign_PUBLICKEYBYTES, '\0');
     crypto_sign_seed_keypair(unsignedBytes(open), unsignedBytes(secret), unsignedBytes(seed));
@@ -37,6 +46,7 @@ std::pair<QByteArray, QByteArray> keyPair(const QByteArray &seed) {
 }
 
 bool isSignedWith(const QByteArray &publicKey, const QByteArray &message, const QByteArray &signature) {
+    prepareSodium();
     return signature.size() == crypto_sign_BYTES &&
            crypto_sign_verify_detached(unsignedBytes(signature), unsignedBytes(message),
                                        static_cast<unsigned long long>(message.size()), unsignedBytes(publicKey)) == 0;
@@ -69,9 +79,7 @@ std::optional<Rotation> rotationFrom(const QList<QByteArray> &lines) {
 
 SigningKey SigningKey::generated(const QString &team) {
     QByteArray seed(crypto_sign_SEEDBYTES, '\0');
-    if (sodium_init() < 0) {
-        qFatal("no source of random numbers");
-    }
+    prepareSodium();
     randombytes_buf(seed.data(), static_cast<std::size_t>(seed.size()));
     return {team, seed};
 }

@@ -5,6 +5,7 @@
 #include "Platform/Linux/Updates/BundleInstaller.h"
 #include "Platform/Linux/Updates/FileTree.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
+#include "Platform/Linux/Updates/ProgramTrial.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -15,6 +16,7 @@ namespace {
 const QString programFolder = QStringLiteral("/Applications/");
 constexpr auto bundleFolder = "Quillory.app";
 constexpr qint64 largestBundleManifest = 8 << 20;
+constexpr auto startPatience = std::chrono::milliseconds(250);
 
 /// The version that the running bundle's manifest states. Nobody has to vouch for it: its program runs already.
 QString ownVersion(const QString &bundle) {
@@ -37,18 +39,21 @@ QString runningBundle() {
     return QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).path();
 }
 
-QByteArray programToPrefer(const QString &running,
-                           const std::function<bool(const QString &, const QString &)> &isNewer) {
+QByteArray programToPrefer(const QString &running, const Precedence &takesPrecedence) {
     const QString own = folder() + u'/' + QLatin1StringView(bundleFolder);
-    BundleInstaller(folder()).recover(bundleFolder);
+    const LinuxCodeSigning signing = LinuxCodeSigning::ofBundle(running);
+    BundleInstaller(folder(), signing).recover(bundleFolder);
     try {
         const QString version = ownVersion(running);
         if (version.isEmpty() || !QFileInfo::exists(own) ||
             QFileInfo(own).canonicalFilePath() == QFileInfo(running).canonicalFilePath()) {
             return {};
         }
-        const auto found = LinuxCodeSigning::ofBundle(running).signingInformation(own, {});
-        return found && isNewer(found->version, version)
+        folders::checkOwn(folder());
+        folders::checkOwn(own);
+        const auto found = signing.signingInformation(own, {});
+        // One that takes its time has been loaded at least, and this is a start that somebody waits for.
+        return found && takesPrecedence(*found, version) && tryProgram(own, startPatience) != ProgramTrial::fails
                    ? QFile::encodeName(own + u'/' + QLatin1StringView(bundleName::program))
                    : QByteArray();
     } catch (const FileError &) {

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include "Platform/CodeSigning.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -16,10 +18,12 @@ namespace platform::desktop::applications {
 /// The bundle that the running program stands in, whether that is a bundle or just a folder.
 [[nodiscard]] QString runningBundle();
 
+/// Whether the user's own Quillory, which is genuine, comes before a running version.
+using Precedence = std::function<bool(const SigningInformation &own, const QString &running)>;
 /// Puts right what an interrupted install left, and gives the program of the user's own Quillory when that takes
-/// precedence over the running one: another bundle, signed by a team that the running one trusts, and newer. Empty
-/// otherwise, and always for a program that was not started from a signed bundle.
-[[nodiscard]] QByteArray programToPrefer(const QString &running,
-                                         const std::function<bool(const QString &, const QString &)> &isNewer);
+/// precedence over the running one: another bundle, in folders that only the user can change, signed by a team that the
+/// running one trusts, and not unable to start here. Empty otherwise, and always for a program that was not started
+/// from a signed bundle. Reads the whole bundle, and waits for its program for a quarter of a second at most.
+[[nodiscard]] QByteArray programToPrefer(const QString &running, const Precedence &takesPrecedence);
 
 } // namespace platform::desktop::applications

@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Linux/Updates/ProgramTrial.h"
+
+#include "Platform/Linux/Updates/FileTree.h"
+#include "Platform/Linux/Updates/Manifest.h"
+#include "Platform/URLSession.h"
+
+#include <QFile>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <memory>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace platform::desktop {
+
+namespace {
+/// A process that is ended, and forgotten by the system, with this object.
+class TrialProcess {
+  public:
+    explicit TrialProcess(pid_t process)
+        : m_process(process), m_ended(static_cast<int>(::syscall(SYS_pidfd_open, process, 0))) {}
+    ~TrialProcess() {
+        if (m_process > 0) {
+            ::kill(m_process, SIGKILL);
+            (void)takeStatus();
+        }
+    }
+    TrialProcess(const TrialProcess &) = delete;
+    TrialProcess &operator=(const TrialProcess &) = delete;
+
+    [[nodiscard]] bool endsWithin(std::chrono::milliseconds time) const {
+        pollfd ended{.fd = m_ended.get(), .events = POLLIN, .revents = 0};
+        return ::poll(&ended, 1, static_cast<int>(time.count())) > 0;
+    }
+    /// As waitpid() gives it. Waits for the end.
+    int takeStatus() {
+        int status = -1;
+        const pid_t process = std::exchange(m_process, -1);
+        while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {
+        }
+        return status;
+    }
+
+  private:
+    pid_t m_process;
+    FileDescriptor m_ended;
+};
+
+/// This program's, but that every function is looked for at once and not when it is called first.
+std::vector<char *> trialEnvironment() {
+    static char bindsAtOnce[] = "LD_BIND_NOW=1";
+    std::vector<char *> variables;
+    for (char **variable = environ; *variable != nullptr; ++variable) {
+        variables.push_back(*variable);
+    }
+    variables.push_back(bindsAtOnce);
+    variables.push_back(nullptr);
+    return variables;
+}
+
+/// Without files, blocked signals or anybody to talk to. -1 when it cannot be started; errno says why.
+pid_t spawned(const QByteArray &program) {
+    posix_spawn_file_actions_t files{};
+    posix_spawnattr_t attributes{};
+    ::posix_spawn_file_actions_init(&files);
+    ::posix_spawnattr_init(&attributes);
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        ::posix_spawn_file_actions_addopen(&files, standard, "/dev/null", O_RDWR, 0);
+    }
+    ::posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
+    sigset_t none;
+    sigemptyset(&none);
+    ::posix_spawnattr_setsigmask(&attributes, &none);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    QByteArray name = program;
+    char question[] = "--version";
+    const std::array<char *, 3> arguments{name.data(), question, nullptr};
+    pid_t process = -1;
+    const int error =
+        ::posix_spawn(&process, program.constData(), &files, &attributes, arguments.data(), trialEnvironment().data());
+    ::posix_spawn_file_actions_destroy(&files);
+    ::posix_spawnattr_destroy(&attributes);
+    errno = error;
+    return error == 0 ? process : -1;
+}
+} // namespace
+
+ProgramTrial tryProgram(const QString &bundle, std::chrono::milliseconds patience, const std::stop_token &stop) {
+    constexpr auto step = std::chrono::milliseconds(50); // between two looks at whether to stop
+    const pid_t started = spawned(QFile::encodeName(bundle) + '/' + bundleName::program);
+    if (started < 0 && (errno == EAGAIN || errno == ENOMEM)) {
+        fileTree::fail(QStringLiteral("The new version could not be tried"));
+    }
+    if (started < 0) {
+        return ProgramTrial::fails;
+    }
+    TrialProcess process(started);
+    for (auto left = patience; left.count() > 0; left -= step) {
+        if (stop.stop_requested()) {
+            throw CancellationError();
+        }
+        if (process.endsWithin(std::min(step, left))) {
+            const int status = process.takeStatus();
+            return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? ProgramTrial::works : ProgramTrial::fails;
+        }
+    }
+    return ProgramTrial::hangs;
+}
+
+} // namespace platform::desktop
