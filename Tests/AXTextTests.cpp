@@ -160,6 +160,18 @@ TEST_F(PasteTest, GivesTheClipboardBackWithAllItsTypes) {
     EXPECT_TRUE(desktop.pasteboard.items.empty());
 }
 
+TEST_F(PasteTest, LeavesTheTextForABusyApplicationToFetchButNotForever) {
+    desktop.pasteDelay = std::chrono::milliseconds(2000);
+    insert(rewrite);
+    desktop.advance(2400);
+    EXPECT_EQ(box->value(), rewrite);
+    EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
+    desktop.pasteDelay = std::chrono::milliseconds(60'000);
+    insert(rewrite);
+    desktop.advance(3100);
+    EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
+}
+
 TEST_F(PasteTest, LeavesAloneWhatTheUserCopiesMeanwhile) {
     insert(rewrite);
     desktop.advance(2);

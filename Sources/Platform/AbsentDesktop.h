@@ -60,6 +60,7 @@ class AbsentDesktop final : public Accessibility,
     void setString(const QString &text) override;
     void writeObjects(const PasteboardItems &items) override;
     [[nodiscard]] qint64 changeCount() override { return 0; }
+    [[nodiscard]] qint64 fetchCount() override { return 0; }
     [[nodiscard]] std::vector<Screen> screens() override { return {}; }
     [[nodiscard]] std::optional<Screen> mainScreen() override { return std::nullopt; }
     [[nodiscard]] bool isAvailable() const override { return false; }

@@ -37,6 +37,8 @@ class Pasteboard {
     virtual void writeObjects(const PasteboardItems &items) = 0;
     /// A number that changes whenever anyone, this program included, changes the content.
     [[nodiscard]] virtual qint64 changeCount() = 0;
+    /// A number that grows whenever another program fetches what this one put there.
+    [[nodiscard]] virtual qint64 fetchCount() = 0;
 };
 
 } // namespace platform

@@ -16,12 +16,14 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Long enough for an application to come to the front, and for a slow one to have fetched the pasteboard.
+// Long enough for an application to come to the front, and to have fetched the pasteboard.
 constexpr auto pauseBeforeKeys = 250ms;
 constexpr auto pauseBeforeRestore = 700ms;
 // For the user to let go of the keys, and for the focus to come back.
 constexpr auto fingerRetries = 2s / retryInterval;
 constexpr auto focusRetries = 1s / retryInterval;
+// For one that is too busy to fetch it in that time: what comes back too soon is pasted in the text's place.
+constexpr auto fetchRetries = 2s / retryInterval;
 constexpr int saveAttempts = 3;
 
 // Lives while it has a request to carry out: the main queue and the pasteboard hold it between the steps.
@@ -113,10 +115,19 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
         } else if (focusIsThere() != Attempt::succeeded) {
             giveUp("focus left the field");
         } else {
+            m_fetchCount = platform::current().pasteboard.fetchCount();
             postKeys();
-            platform::current().mainQueue.postAfter(pauseBeforeRestore,
-                                                    [self = shared_from_this()] { self->finish(); });
+            runInOrder({{[self = shared_from_this()] { return self->textIsFetched(); }, pauseBeforeRestore,
+                         fetchRetries, Attempt::succeeded}},
+                       [self = shared_from_this()](bool) { self->finish(); });
         }
+    }
+
+    // Who took the pasteboard over does not tell.
+    [[nodiscard]] Attempt textIsFetched() const {
+        auto &pasteboard = platform::current().pasteboard;
+        const bool isKnown = pasteboard.changeCount() == m_changeCount;
+        return isKnown && pasteboard.fetchCount() == m_fetchCount ? Attempt::retry : Attempt::succeeded;
     }
 
     void giveUp(const char *reason) {
@@ -195,6 +206,7 @@ class PasteQueue : public std::enable_shared_from_this<PasteQueue> {
     std::deque<PasteRequest> m_requests;
     platform::PasteboardItems m_saved;
     qint64 m_changeCount = 0;
+    qint64 m_fetchCount = 0;
     bool m_activatedAgain = false;
     bool m_textIsOut = false;
 };

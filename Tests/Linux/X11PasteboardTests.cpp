@@ -98,6 +98,7 @@ TEST_F(X11Clipboard, ServesAStringInEveryFormAndAsASecret) {
     EXPECT_EQ(readByOther(QStringLiteral("STRING")).first(5), QByteArray("Hi \xe9 "));
     EXPECT_EQ(readByOther(QStringLiteral("x-kde-passwordManagerHint")), "secret");
     EXPECT_EQ(readByOther(QStringLiteral("image/png")), "");
+    EXPECT_EQ(pasteboard->fetchCount(), 6) << "all but the last";
     pasteboard->clearContents();
     EXPECT_TRUE(spinUntil([&] { return owner() == XCB_NONE; }));
     EXPECT_EQ(copy(), Items{});

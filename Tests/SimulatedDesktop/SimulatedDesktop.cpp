@@ -18,7 +18,10 @@ bool SimulatedDesktop::postKey(platform::KeyCode key, platform::EventFlags flags
              (pastes ? u'V' : u'A');
     const Node field = applications.focused;
     if (pastes && field) {
-        field->write(m_allSelected ? pasteboard.string() : field->value() + pasteboard.string());
+        mainQueue.postAfter(pasteDelay, [this, field, replaces = m_allSelected] {
+            const QString pasted = pasteboard.fetch();
+            field->write(replaces ? pasted : field->value() + pasted);
+        });
     }
     m_allSelected = !pastes;
     return true;

@@ -36,6 +36,8 @@ class SimulatedDesktop final : private platform::KeyPoster {
 
     /// The user has a finger on a key.
     bool userHoldsKey = false;
+    /// How long the application is busy before it carries out a paste.
+    std::chrono::milliseconds pasteDelay{0};
     /// The keys that the program typed, such as "Command-A".
     QStringList typed;
 

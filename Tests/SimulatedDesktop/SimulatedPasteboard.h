@@ -16,6 +16,11 @@ class SimulatedPasteboard final : public platform::Pasteboard {
     bool hangs = false;
     /// What an application sees that pastes now.
     [[nodiscard]] QString string() const;
+    /// The same, by an application that then holds it.
+    [[nodiscard]] QString fetch() {
+        ++m_fetchCount;
+        return string();
+    }
     /// The user copies something in another application.
     void copy(platform::PasteboardItems content);
     void copy(const QString &text) { copy({textItem(text)}); }
@@ -32,10 +37,12 @@ class SimulatedPasteboard final : public platform::Pasteboard {
     void setString(const QString &text) override { copy(text); }
     void writeObjects(const platform::PasteboardItems &content) override { copy(content); }
     [[nodiscard]] qint64 changeCount() override { return m_changeCount; }
+    [[nodiscard]] qint64 fetchCount() override { return m_fetchCount; }
 
   private:
     platform::MainQueue &m_queue;
     qint64 m_changeCount = 0;
+    qint64 m_fetchCount = 0;
 };
 
 } // namespace quillory::test

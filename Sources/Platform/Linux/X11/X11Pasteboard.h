@@ -21,6 +21,7 @@ class X11Pasteboard final : public Pasteboard {
     void setString(const QString &text) override;
     void writeObjects(const PasteboardItems &items) override;
     [[nodiscard]] qint64 changeCount() override;
+    [[nodiscard]] qint64 fetchCount() override { return m_owner.timesServed(); }
 
   private:
     struct Form {

@@ -180,6 +180,7 @@ bool X11SelectionOwner::convert(xcb_window_t requestor, xcb_atom_t target, xcb_a
     if (value == m_values.end()) {
         return false;
     }
+    ++m_timesServed;
     return send(requestor, property, *value);
 }
 

@@ -24,6 +24,8 @@ class X11SelectionOwner {
     void giveUp(xcb_timestamp_t time);
     [[nodiscard]] bool isOwner() const { return m_isOwner; }
     [[nodiscard]] const std::vector<X11SelectionValue> &values() const { return m_values; }
+    /// How often anybody was given some of the content.
+    [[nodiscard]] qint64 timesServed() const { return m_timesServed; }
     /// Asks the desktop's clipboard manager, if there is one, to keep the content, and waits for it at most this long.
     void handOver(std::chrono::milliseconds longestWait);
 
@@ -56,6 +58,7 @@ class X11SelectionOwner {
     std::vector<X11SelectionValue> m_values;
     std::vector<Sending> m_sending;
     bool m_isOwner = false;
+    qint64 m_timesServed = 0;
     xcb_timestamp_t m_since = XCB_CURRENT_TIME;
     QTimer m_reaper;
     std::shared_ptr<int> m_alive = std::make_shared<int>();
