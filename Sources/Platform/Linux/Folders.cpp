@@ -70,7 +70,7 @@ bool make(const QString &path) {
 }
 
 QString temporary() {
-    const QString folder = QDir::tempPath();
+    QString folder = QDir::tempPath();
     checkPlace(folder);
     return folder;
 }
