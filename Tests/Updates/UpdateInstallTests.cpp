@@ -176,6 +176,13 @@ TEST_F(UpdateInstall, SaysThatTheDownloadCannotBeSaved) {
     installFrom(QStringLiteral("/Quillory.zip"));
     EXPECT_EQ(application().alerts.back().body,
               QStringLiteral("The folder %1 can be changed by others.").arg(everybodys));
+    chmod(qPrintable(everybodys), 0755);
+    constexpr uid_t somebodyElse = 65'534;
+    if (chown(qPrintable(everybodys), somebodyElse, somebodyElse) == 0) { // which only root may try
+        installFrom(QStringLiteral("/Quillory.zip"));
+        EXPECT_EQ(application().alerts.size(), 3U);
+        EXPECT_EQ(vouchedVersion(target), "1");
+    }
     EXPECT_EQ(vouchedVersion(target), "1");
 }
 
