@@ -44,11 +44,16 @@ struct stat statusOf(const QString &folder) {
 
 bool canOthersReplaceIn(const QString &folder) {
     const struct stat status = statusOf(folder);
-    // A group that is called like the user has nobody else in it, by the custom of many systems.
+    if (status.st_uid != ::geteuid() && status.st_uid != 0) {
+        return true;
+    }
+    if ((status.st_mode & S_ISVTX) != 0 || (status.st_mode & (S_IWOTH | S_IWGRP)) == 0) {
+        return false;
+    }
+    // A group that is called like the user has nobody else in it, by the custom of many systems. Asked last: names may
+    // have to come from a server.
     const QFileInfo info(folder);
-    const mode_t others = info.group() == info.owner() ? S_IWOTH : S_IWOTH | S_IWGRP;
-    return (status.st_uid != ::geteuid() && status.st_uid != 0) ||
-           ((status.st_mode & others) != 0 && (status.st_mode & S_ISVTX) == 0);
+    return (status.st_mode & S_IWOTH) != 0 || info.group() != info.owner();
 }
 
 } // namespace
