@@ -1,7 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/HiddenInput.h"
 
+#include "Platform/Linux/FileDescriptor.h"
+
+#include <algorithm>
 #include <array>
+#include <csignal>
+#include <fcntl.h>
 #include <poll.h>
 #include <termios.h>
 #include <unistd.h>
@@ -9,6 +14,58 @@
 namespace platform::desktop {
 
 namespace {
+
+/// What ends or stops a program that does nothing about it.
+constexpr std::array endingAndStopping{SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGTSTP};
+int signalPipe = -1;
+
+/// A signal handler may do next to nothing; writing into a pipe is allowed.
+void noteSignal(int number) {
+    const auto byte = static_cast<unsigned char>(number);
+    [[maybe_unused]] const ssize_t ignored = write(signalPipe, &byte, 1);
+}
+
+/// Holds such signals back while it lives, on whichever thread they arrive. One that the program ignores stays ignored.
+class HeldSignals {
+  public:
+    HeldSignals() {
+        std::array<int, 2> ends{-1, -1};
+        if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
+            return;
+        }
+        m_arrived = FileDescriptor(ends[0]);
+        m_note = FileDescriptor(ends[1]);
+        signalPipe = m_note.get();
+        struct sigaction action {};
+        action.sa_handler = noteSignal;
+        action.sa_flags = SA_RESTART;
+        for (std::size_t i = 0; i < endingAndStopping.size(); ++i) {
+            sigaction(endingAndStopping[i], nullptr, &m_before[i]);
+            if (m_before[i].sa_handler != SIG_IGN) {
+                sigaction(endingAndStopping[i], &action, nullptr);
+            }
+        }
+    }
+    ~HeldSignals() {
+        for (std::size_t i = 0; m_arrived && i < endingAndStopping.size(); ++i) {
+            sigaction(endingAndStopping[i], &m_before[i], nullptr);
+        }
+    }
+    HeldSignals(const HeldSignals &) = delete;
+    HeldSignals &operator=(const HeldSignals &) = delete;
+
+    [[nodiscard]] int descriptor() const { return m_arrived.get(); }
+    /// The first that came; 0 for none.
+    [[nodiscard]] int arrived() const {
+        unsigned char byte = 0;
+        return m_arrived && read(m_arrived.get(), &byte, 1) == 1 ? byte : 0;
+    }
+
+  private:
+    FileDescriptor m_arrived;
+    FileDescriptor m_note;
+    std::array<struct sigaction, endingAndStopping.size()> m_before{};
+};
 
 /// Keeps the terminal from showing what is typed while it lives. The line break that ends it is shown.
 class Hidden {
@@ -34,27 +91,47 @@ class Hidden {
     bool m_isHidden = false;
 };
 
-bool moreCame() {
+struct Typed {
+    QByteArray text;
+    /// What came instead of the end of the text; 0 for none.
+    int signal = 0;
+};
+
+Typed readUnlessSignalled() {
     constexpr int pasteTime = 100;
-    pollfd input{STDIN_FILENO, POLLIN, 0};
-    return poll(&input, 1, pasteTime) > 0;
+    constexpr int noLimit = -1;
+    constexpr qsizetype longest = 64 * 1024;
+    const HeldSignals signals;
+    const Hidden hidden; // ends first, so that the terminal is as it was when the signals are let through
+    Typed typed;
+    std::array<char, 4096> piece; // of which a terminal fills one line at a time
+    while (typed.text.size() < longest) {
+        std::array<pollfd, 2> watched{{{STDIN_FILENO, POLLIN, 0}, {signals.descriptor(), POLLIN, 0}}};
+        const int ready = poll(watched.data(), watched.size(), typed.text.isEmpty() ? noLimit : pasteTime);
+        typed.signal = signals.arrived();
+        if (typed.signal != 0 || ready == 0) {
+            break;
+        }
+        const ssize_t count = watched[0].revents != 0 ? ::read(STDIN_FILENO, piece.data(), piece.size()) : 0;
+        if (ready > 0 && count <= 0) {
+            break;
+        }
+        typed.text.append(piece.data(), std::max<ssize_t>(count, 0));
+    }
+    return typed;
 }
 
 } // namespace
 
 QString readHidden() {
-    constexpr qsizetype longest = 64 * 1024;
-    const Hidden hidden;
-    QByteArray typed;
-    std::array<char, 4096> piece; // of which a terminal fills one line at a time
+    Typed typed;
     do {
-        const ssize_t count = ::read(STDIN_FILENO, piece.data(), piece.size());
-        if (count <= 0) {
-            break;
+        typed = readUnlessSignalled();
+        if (typed.signal != 0) {
+            ::raise(typed.signal); // ends here, or stops here and asks anew once it goes on
         }
-        typed.append(piece.data(), count);
-    } while (typed.size() < longest && moreCame());
-    return QString::fromUtf8(typed);
+    } while (typed.signal != 0);
+    return QString::fromUtf8(typed.text);
 }
 
 } // namespace platform::desktop
