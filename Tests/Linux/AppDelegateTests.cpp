@@ -165,12 +165,20 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     ASSERT_TRUE(isShown<MenuWindow>());
     EXPECT_FALSE(isShown<SettingsWindow>());
     const auto rows = windows<MenuWindow>().at(0)->findChildren<QAbstractButton *>();
-    QStringList titles;
-    for (const QAbstractButton *row : rows) {
-        titles += row->text();
-    }
-    EXPECT_EQ(titles.join(u" | "_s),
-              u"Suggestions Enabled | Compare Two Models | Settings… | Check for Updates… | Quit Quillory"_s);
+    const auto titles = [&rows] {
+        QStringList shown;
+        for (const QAbstractButton *row : rows) {
+            shown += row->isVisible() ? QStringList(row->text()) : QStringList();
+        }
+        return shown.join(u" | "_s);
+    };
+    EXPECT_EQ(titles(), u"Suggestions Enabled | Compare Two Models | Settings… | Check for Updates… | Quit Quillory"_s);
+    desktop.applications.trusted = false;
+    desktop.advance(1000);
+    EXPECT_TRUE(titles().contains(u" | Grant Accessibility Access… | "_s));
+    desktop.applications.trusted = true;
+    desktop.advance(1000);
+    EXPECT_FALSE(titles().contains(u"Grant"_s));
     rows.at(0)->click();
     EXPECT_FALSE(isOn(settingsKey::enabled));
     EXPECT_FALSE(rows.at(0)->isChecked());
@@ -179,10 +187,9 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     EXPECT_FALSE(isOn(settingsKey::compareMode));
     EXPECT_FALSE(rows.at(1)->isChecked());
     desktop.userDefaults.set(settingsKey::compareMode, true);
-    QEvent activation(QEvent::ActivationChange);
-    QApplication::sendEvent(windows<MenuWindow>().at(0), &activation);
+    desktop.advance(1000);
     EXPECT_TRUE(rows.at(1)->isChecked());
-    rows.at(2)->click();
+    rows.at(3)->click();
     EXPECT_TRUE(isShown<SettingsWindow>());
 
     windows<SettingsWindow>().at(0)->close();

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/UI/MenuWindow.h"
 
+#include "Platform/Platform.h"
 #include "Quillory/UI/AccessibleViews.h"
 #include "Quillory/UI/Look.h"
 #include "Quillory/UI/Settings/Form.h"
@@ -29,10 +30,10 @@ class MenuRow final : public QAbstractButton {
         setFont(formFont(bodyPoints));
         setText(item.text());
         setCheckable(item.isCheckable());
-        setChecked(item.isChecked());
         setEnabled(item.isEnabled());
         connect(this, &QAbstractButton::clicked, &item, &QAction::trigger);
-        connect(&item, &QAction::changed, this, [this] { setChecked(m_item.isChecked()); });
+        connect(&item, &QAction::changed, this, [this] { follow(); });
+        follow();
     }
 
     [[nodiscard]] QSize sizeHint() const override {
@@ -67,6 +68,10 @@ class MenuRow final : public QAbstractButton {
     }
 
   private:
+    void follow() {
+        setChecked(m_item.isChecked());
+        setVisible(m_item.isVisible());
+    }
     [[nodiscard]] QString key() const { return m_item.shortcut().toString(QKeySequence::NativeText); }
 
     QAction &m_item;
@@ -108,19 +113,21 @@ void MenuWindow::open() {
 
 void MenuWindow::addRows() {
     for (QAction *item : m_menu.actions()) {
-        if (item->isVisible()) {
-            layout()->addWidget(item->isSeparator() ? static_cast<QWidget *>(new MenuLine(this))
-                                                    : new MenuRow(*item, this));
-        }
+        layout()->addWidget(item->isSeparator() ? static_cast<QWidget *>(new MenuLine(this))
+                                                : new MenuRow(*item, this));
     }
 }
 
-// Another process may have changed what is shown, while the window stood open behind others.
-void MenuWindow::changeEvent(QEvent *event) {
-    if (event->type() == QEvent::ActivationChange && isVisible()) {
-        Q_EMIT m_menu.aboutToShow();
-    }
-    QWidget::changeEvent(event);
+// What is shown may be changed by another process, and by the desktop, which tell nobody.
+void MenuWindow::showEvent(QShowEvent *event) {
+    constexpr std::chrono::milliseconds lookAgain(500);
+    m_looks = platform::current().mainQueue.repeat(lookAgain, [this] { Q_EMIT m_menu.aboutToShow(); });
+    QWidget::showEvent(event);
+}
+
+void MenuWindow::hideEvent(QHideEvent *event) {
+    m_looks.reset();
+    QWidget::hideEvent(event);
 }
 
 void MenuWindow::keyPressEvent(QKeyEvent *event) {

@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include "Platform/MainQueue.h"
+
 #include <QWidget>
 
 class QMenu;
@@ -8,7 +10,7 @@ class QMenu;
 namespace quillory::ui {
 
 /// A menu's items in a small window, for desktops without a tray. It stays open until it is closed, so that what a
-/// toggle did can be seen. Keys do what they do in a menu.
+/// toggle did can be seen, and follows what changes meanwhile. Keys do what they do in a menu.
 class MenuWindow final : public QWidget {
   public:
     explicit MenuWindow(QMenu &menu);
@@ -16,13 +18,15 @@ class MenuWindow final : public QWidget {
     void open();
 
   protected:
-    void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
   private:
     void addRows();
 
     QMenu &m_menu;
+    platform::RegistrationHandle m_looks;
 };
 
 } // namespace quillory::ui
