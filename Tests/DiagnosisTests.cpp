@@ -24,19 +24,24 @@ QString utf16(const char *utf8) {
     return QString::fromUtf8(utf8);
 }
 
-ApplicationFacts program(const char *bundle, std::vector<PageFacts> pages) {
+ApplicationFacts program(const char *bundle, std::vector<PageFacts> pages, bool isWhole = true) {
     ApplicationFacts facts;
     facts.pid = 1;
     facts.name = utf16(bundle);
     facts.bundleIdentifier = utf16(bundle);
     facts.isOnBus = true;
     facts.hasX11Window = true;
-    facts.pages = std::move(pages);
+    facts.tree = {.pages = std::move(pages), .isWhole = isWhole};
     return facts;
 }
 
-const PageFacts chat{utf16("web.whatsapp.com"), 1};
-const PageFacts otherPage{utf16("example.com"), 3};
+/// A page of 1000 by 800 with a field at that height.
+PageFacts page(const char *host, const char *role, std::optional<double> fieldAt) {
+    const auto frame = fieldAt ? std::optional(platform::Rect{300, *fieldAt, 600, 40}) : std::nullopt;
+    return {utf16(host), platform::Rect{0, 100, 1000, 800}, {{utf16(role), frame}}};
+}
+const PageFacts chat = page("web.whatsapp.com", "AXTextArea", 820);
+const PageFacts otherPage = page("example.com", "AXTextArea", 820);
 
 struct Diagnosis : testing::Test {
     DesktopFacts desktop;
@@ -115,14 +120,21 @@ TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
     };
     ApplicationFacts unlisted = program("org.mozilla.firefox", {});
     unlisted.isOnBus = false;
-    unlisted.pages.reset();
+    unlisted.tree.reset();
     ApplicationFacts hung = program("org.mozilla.firefox", {});
-    hung.pages.reset();
+    hung.tree.reset();
     const Case cases[]{
-        {program("org.chromium.Chromium", {otherPage, chat}), State::good, "a box to write in"},
-        {program("org.chromium.Chromium", {{utf16("web.whatsapp.com"), 0}}), State::note, "no box"},
+        {program("org.chromium.Chromium", {otherPage, chat}), State::good, "and its message box"},
+        {program("org.chromium.Chromium", {chat}, false), State::good, "and its message box"},
+        {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXTextField", {})}), State::good, "and its"},
+        {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXTextArea", 140)}), State::note,
+         "no message box"},
+        {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXSearchField", 820)}), State::note, "no message"},
+        {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXSecureTextField", 820)}), State::note,
+         "no mess"},
+        {program("org.chromium.Chromium", {}, false), State::note, "too slowly"},
         {program("org.chromium.Chromium", {otherPage}), State::note, "none of them WhatsApp"},
-        {program("net.whatsapp.zapzap", {{QString(), 1}}), State::good, "a box to write in"},
+        {program("net.whatsapp.zapzap", {page("", "AXTextArea", 820)}), State::good, "and its message box"},
         {program("org.chromium.Chromium", {}), State::problem, "shows no page"},
         {unlisted, State::problem, "not on the accessibility bus"},
         {hung, State::problem, "does not answer"},
@@ -146,8 +158,8 @@ TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
 /// A desktop whose accessibility is off until it is switched on.
 struct MendableDesktop final : platform::DesktopExamination, platform::DesktopMending {
     DesktopFacts facts;
-    [[nodiscard]] DesktopFacts examine() override { return facts; }
-    bool enableAccessibility() override {
+    [[nodiscard]] DesktopFacts examine(const std::stop_token & /*stop*/) override { return facts; }
+    bool enableAccessibility(const std::stop_token & /*stop*/) override {
         facts.isAccessibilityEnabled = facts.isAccessibilityKept = true;
         return true;
     }
@@ -155,8 +167,8 @@ struct MendableDesktop final : platform::DesktopExamination, platform::DesktopMe
         facts.startsAtLogin = starts;
         return true;
     }
-    bool start() override { return false; }
-    bool restart(const ApplicationFacts & /*application*/) override { return false; }
+    bool start(const std::stop_token & /*stop*/) override { return false; }
+    bool restart(const ApplicationFacts & /*application*/, const std::stop_token & /*stop*/) override { return false; }
 };
 
 TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {

@@ -58,12 +58,16 @@ std::optional<AXUIElement> focusedElement() {
     return attribute<AXUIElement>(systemWide(), axAttribute::focusedUIElement);
 }
 
+bool isTextRole(const QString &role) {
+    return std::any_of(textRoles.begin(), textRoles.end(), [&](QLatin1StringView known) { return role == known; });
+}
+
 bool isTextElement(const AXUIElement &element) {
     const auto role = attribute<QString>(element, axAttribute::role).value_or(QString());
     if (role == axRole::secureTextField) {
         return false;
     }
-    if (std::any_of(textRoles.begin(), textRoles.end(), [&](QLatin1StringView known) { return role == known; })) {
+    if (isTextRole(role)) {
         return true;
     }
     return element.isAttributeSettable(axAttribute::value) &&

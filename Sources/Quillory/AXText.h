@@ -31,6 +31,8 @@ template <class T>
 /// Whether an element is a text field worth watching: one of the text roles, or anything whose value is a string that
 /// can be written. A password field never is.
 [[nodiscard]] bool isTextElement(const platform::AXUIElement &element);
+/// Whether a role is that of a text field, whatever else is known of the element.
+[[nodiscard]] bool isTextRole(const QString &role);
 /// Whether a bundle identifier is that of a web browser.
 [[nodiscard]] bool isBrowserIdentifier(const QString &identifier);
 /// Whether an element belongs to a web browser, by its application's bundle identifier.

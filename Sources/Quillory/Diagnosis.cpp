@@ -5,6 +5,7 @@
 #include "Quillory/ChatContext.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace quillory {
 
@@ -112,28 +113,38 @@ bool isChatProgram(const ApplicationFacts &application) {
     });
 }
 
+/// A chat page has other fields, to search in, at its top; what is written in stands below the conversation.
+bool isMessageBox(const platform::FieldFacts &field, const platform::PageFacts &page) {
+    const bool isAbove = field.frame && page.frame && field.frame->midY() < page.frame->midY();
+    return AXText::isTextRole(field.role) && field.role != platform::axRole::searchField && !isAbove;
+}
+
+bool hasMessageBox(const platform::PageFacts &page) {
+    return std::ranges::any_of(page.fields, [&](const auto &field) { return isMessageBox(field, page); });
+}
+
 /// What is found of a program's pages once its tree has answered.
 void judgePages(Finding &finding, const ApplicationFacts &application) {
-    int chats = 0;
-    int boxes = 0;
-    for (const platform::PageFacts &page : *application.pages) {
-        if (isChatProgram(application) || ChatContext::isChatHost(page.host)) {
-            ++chats;
-            boxes += page.textBoxes;
-        }
-    }
-    if (boxes > 0) {
-        finding.found = QStringLiteral("WhatsApp is seen, and a box to write in");
+    const auto &[pages, isWhole] = *application.tree;
+    std::vector<platform::PageFacts> chats;
+    std::ranges::copy_if(pages, std::back_inserter(chats), [&](const platform::PageFacts &page) {
+        return isChatProgram(application) || ChatContext::isChatHost(page.host);
+    });
+    if (std::ranges::any_of(chats, hasMessageBox)) {
+        finding.found = QStringLiteral("WhatsApp is seen, and its message box");
         return;
     }
     finding.state = State::note;
-    if (application.pages->empty()) {
+    if (!isWhole) {
+        finding.found = QStringLiteral("answers too slowly to be looked through; no message box was seen so far");
+        finding.advice = QStringLiteral("Look again when it is less busy.");
+    } else if (pages.empty()) {
         finding.state = State::problem;
         finding.found = QStringLiteral("shows no page; it was probably started before accessibility was on");
         finding.advice = QStringLiteral("Restart it.");
         finding.remedy = Remedy::restart;
-    } else if (chats > 0) {
-        finding.found = QStringLiteral("WhatsApp is seen, but no box to write in");
+    } else if (!chats.empty()) {
+        finding.found = QStringLiteral("WhatsApp is seen, but no message box");
         finding.advice = QStringLiteral("Open a chat in it. If one is open, restart the program.");
         finding.remedy = Remedy::restart;
     } else {
@@ -155,7 +166,7 @@ Finding aboutBrowser(const ApplicationFacts &application, const DesktopFacts &de
         finding.found = QStringLiteral("is not on the accessibility bus; it was started before accessibility was on");
         finding.advice = QStringLiteral("Restart it.");
         finding.remedy = Remedy::restart;
-    } else if (!application.pages) {
+    } else if (!application.tree) {
         finding.state = State::problem;
         finding.found = QStringLiteral("does not answer");
         finding.advice = QStringLiteral("Wait until it is no longer busy, or restart it.");

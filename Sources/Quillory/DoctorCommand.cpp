@@ -19,7 +19,7 @@ bool isSafe(Remedy remedy) {
 }
 
 std::vector<Finding> findingsNow(const CommandServices &services) {
-    return diagnose(services.examination->examine(), examineProgram());
+    return diagnose(services.examination->examine({}), examineProgram({}));
 }
 
 bool isToBeKept(const Finding &finding) {
@@ -34,7 +34,7 @@ void fix(std::vector<Finding> &findings, const CommandServices &services, const 
         return;
     }
     const bool isOnNow = safe == std::ranges::count_if(findings, isToBeKept);
-    const bool isDone = services.mending->enableAccessibility();
+    const bool isDone = services.mending->enableAccessibility({});
     findings = findingsNow(services);
     if (!isDone) {
         streams.errors << "quillory: accessibility could not be switched on.\n";

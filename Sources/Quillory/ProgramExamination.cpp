@@ -12,7 +12,7 @@ namespace quillory {
 
 namespace {
 
-void examineService(ProgramFacts &facts) {
+void examineService(ProgramFacts &facts, const std::stop_token &stop) {
     constexpr std::chrono::seconds patience{8};
     try {
         platform::URLRequest request;
@@ -20,7 +20,7 @@ void examineService(ProgramFacts &facts) {
         request.timeout = patience;
         facts.serviceHost = request.url.host();
         // Any answer will do: the path is for requests with a key, and this one has none.
-        if (!platform::current().urlSession.data(request, {}).statusCode) {
+        if (!platform::current().urlSession.data(request, stop).statusCode) {
             facts.serviceFault = facts.serviceHost + QStringLiteral(" gives an answer that is not HTTP");
         }
     } catch (const RewriteError &error) {
@@ -28,12 +28,14 @@ void examineService(ProgramFacts &facts) {
     } catch (const platform::URLError &error) {
         facts.serviceFault =
             facts.serviceHost + QStringLiteral(" cannot be reached: ") + QString::fromUtf8(error.what());
+    } catch (const platform::CancellationError &) {
+        facts.serviceFault = QStringLiteral("was not waited for");
     }
 }
 
 } // namespace
 
-ProgramFacts examineProgram() {
+ProgramFacts examineProgram(const std::stop_token &stop) {
     ProgramFacts facts;
     facts.version = QStringLiteral(QUILLORY_VERSION);
     const QString key = text::trimmed(AppSettings::shared().apiKey());
@@ -43,7 +45,7 @@ ProgramFacts examineProgram() {
         facts.keyFault = QStringLiteral("the key holds a space, a line break or a character that no key has");
     }
     facts.areSuggestionsOn = AppSettings::shared().store().boolean(settingsKey::enabled);
-    examineService(facts);
+    examineService(facts, stop);
     return facts;
 }
 

@@ -22,7 +22,7 @@ class Dialogue {
         : m_work(work), m_services(services), m_streams(streams) {}
 
     int run() {
-        std::vector<Finding> findings = m_work.look();
+        std::vector<Finding> findings = m_work.look({});
         writeFindings(m_streams.output, findings);
         m_streams.output << '\n';
         offer(findings);
@@ -33,7 +33,7 @@ class Dialogue {
         if (hasKey && agrees(QStringLiteral("Try the key now?"), true)) {
             say(triedConnection({}));
         }
-        findings = m_work.look();
+        findings = m_work.look({});
         m_streams.output << '\n';
         writeFindings(m_streams.output, findings);
         return canWork(findings) ? exitStatus::success : exitStatus::failure;
@@ -48,7 +48,7 @@ class Dialogue {
                 continue;
             }
             if (agrees(offered->question, offered->isHarmless)) {
-                say(m_work.mend(finding));
+                say(m_work.mend(finding, {}));
             }
         }
     }

@@ -6,29 +6,29 @@
 
 namespace quillory {
 
-std::vector<Finding> SetupWork::look() const {
-    return diagnose(m_examination.examine(), examineProgram());
+std::vector<Finding> SetupWork::look(const std::stop_token &stop) const {
+    return diagnose(m_examination.examine(stop), examineProgram(stop));
 }
 
-QString SetupWork::mend(const Finding &finding) const {
+QString SetupWork::mend(const Finding &finding, const std::stop_token &stop) const {
     switch (finding.remedy) {
     case Remedy::enableAccessibility:
-        if (!m_mending.enableAccessibility()) {
+        if (!m_mending.enableAccessibility(stop)) {
             return QStringLiteral("Accessibility could not be switched on.");
         }
         return isOnlyForLater(finding)
                    ? QStringLiteral("The desktop was asked to keep accessibility on.")
                    : QStringLiteral("Accessibility is on. Browsers that were running must be restarted once.");
     case Remedy::restart:
-        return finding.application && m_mending.restart(*finding.application)
+        return finding.application && m_mending.restart(*finding.application, stop)
                    ? finding.title + QStringLiteral(" was started again.")
                    : finding.title + QStringLiteral(" could not be started again. Start it yourself.");
     case Remedy::startAtLogin:
         return m_mending.setStartsAtLogin(true) ? QStringLiteral("Quillory starts at your next login.")
                                                 : QStringLiteral("The entry for the autostart could not be written.");
     case Remedy::start:
-        return m_mending.start() ? QStringLiteral("Quillory runs.")
-                                 : QStringLiteral("Quillory could not be started. Start it yourself.");
+        return m_mending.start(stop) ? QStringLiteral("Quillory runs.")
+                                     : QStringLiteral("Quillory could not be started. Start it yourself.");
     case Remedy::enterKey:
     case Remedy::none:
         break;

@@ -7,15 +7,16 @@
 namespace quillory {
 
 /// What setting up does, whether a window or a terminal asks for it. Runs on the installed platform. Every operation
-/// may take some seconds, or wait for the user; one at a time, never on the main thread of a program with windows.
+/// may take some seconds, or wait for the user, and gives whatever it has once the token asks to stop; one at a time,
+/// never on the main thread of a program with windows.
 class SetupWork {
   public:
     SetupWork(platform::DesktopExamination &examination, platform::DesktopMending &mending, platform::KeyStorage &keys)
         : m_examination(examination), m_mending(mending), m_keys(keys) {}
 
-    [[nodiscard]] std::vector<Finding> look() const;
+    [[nodiscard]] std::vector<Finding> look(const std::stop_token &stop) const;
     /// Does what was offered for a finding. What came of it, as a sentence.
-    [[nodiscard]] QString mend(const Finding &finding) const;
+    [[nodiscard]] QString mend(const Finding &finding, const std::stop_token &stop) const;
 
     struct Saved {
         bool isSaved = false;

@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Platform/Accessibility.h"
 #include "Platform/Linux/Desktop/LinuxExamination.h"
 #include "Platform/Linux/Desktop/LinuxMending.h"
 #include "Platform/Linux/X11/X11Connection.h"
@@ -9,6 +10,8 @@
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
+
+#include <csignal>
 
 namespace {
 
@@ -22,30 +25,30 @@ struct DesktopExaminationTest : testing::Test {
 
 TEST_F(DesktopExaminationTest, FindsAccessibilityOffAndSwitchesItOn) {
     RealDesktop::setAccessibilityEnabled(false);
-    DesktopFacts facts = examination.examine();
+    DesktopFacts facts = examination.examine({});
     EXPECT_TRUE(facts.hasDisplay && facts.hasSessionBus && facts.hasAccessibilityBus);
     EXPECT_EQ(facts.isAccessibilityEnabled, false);
     EXPECT_EQ(facts.windowManager, QStringLiteral("Openbox"));
     EXPECT_FALSE(facts.hasTray || facts.hasStatusNotifier || facts.startsAtLogin);
-    EXPECT_TRUE(mending.enableAccessibility());
+    EXPECT_TRUE(mending.enableAccessibility({}));
     EXPECT_TRUE(mending.setStartsAtLogin(true));
-    facts = examination.examine();
+    facts = examination.examine({});
     EXPECT_EQ(facts.isAccessibilityEnabled, true);
     EXPECT_TRUE(facts.startsAtLogin);
     const std::string entry = qEnvironmentVariable("XDG_CONFIG_HOME").toStdString() + "/autostart/quillory.desktop";
     EXPECT_EQ(run({"desktop-file-validate", entry}), 0);
     EXPECT_TRUE(mending.setStartsAtLogin(false));
-    EXPECT_FALSE(examination.examine().startsAtLogin);
+    EXPECT_FALSE(examination.examine({}).startsAtLogin);
 }
 
 TEST_F(DesktopExaminationTest, NoticesAKeyThatAnotherProgramHasAndTakesNone) {
-    EXPECT_EQ(examination.examine().canGrabTab, true);
+    EXPECT_EQ(examination.examine({}).canGrabTab, true);
     const auto other = desktop::X11Connection::open();
     const desktop::X11Keyboard keyboard(*other);
     xcb_grab_key(other->get(), 0, other->root(), XCB_MOD_MASK_2, keyboard.keyCodes(keyCode::tab).front(),
                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     other->sync();
-    const DesktopFacts facts = examination.examine();
+    const DesktopFacts facts = examination.examine({});
     EXPECT_EQ(facts.canGrabTab, false);
     EXPECT_EQ(facts.canGrabEscape, true);
     for (const xcb_keycode_t code : keyboard.keyCodes(keyCode::escape)) {
@@ -60,7 +63,8 @@ TEST_F(DesktopExaminationTest, SeesTheBoxInABrowsersPage) {
     const QTemporaryDir folder;
     QFile page(folder.filePath(QStringLiteral("page.html")));
     ASSERT_TRUE(page.open(QIODevice::WriteOnly));
-    page.write("<!doctype html><title>Chat</title><p>Hello<div contenteditable role=textbox>draft</div>");
+    page.write(
+        "<!doctype html><title>Chat</title><p>Hello<div contenteditable role=textbox aria-multiline=true>draft</div>");
     page.close();
     const ChildProcess browser({"chromium", "--no-sandbox", "--test-type", "--disable-gpu", "--no-first-run",
                                 "--disable-background-networking", "--disable-component-update", "--disable-sync",
@@ -70,13 +74,44 @@ TEST_F(DesktopExaminationTest, SeesTheBoxInABrowsersPage) {
     DesktopFacts facts;
     EXPECT_TRUE(waitUntil(
         [&] {
-            facts = examination.examine();
-            return facts.applications.size() == 1 && facts.applications[0].hasX11Window &&
-                   facts.applications[0].pages && facts.applications[0].pages->size() == 1 &&
-                   facts.applications[0].pages->front().textBoxes == 1;
+            facts = examination.examine({});
+            return facts.applications.size() == 1 && facts.applications[0].hasX11Window && facts.applications[0].tree &&
+                   facts.applications[0].tree->pages.size() == 1 &&
+                   facts.applications[0].tree->pages.front().fields.size() == 1;
         },
         60'000));
-    EXPECT_EQ(facts.applications.size(), 1U);
+    ASSERT_EQ(facts.applications.size(), 1U);
+    const PageFacts &seen = facts.applications[0].tree->pages.front();
+    EXPECT_EQ(seen.fields[0].role, axRole::textArea);
+    EXPECT_TRUE(seen.frame && seen.fields[0].frame && seen.fields[0].frame->midY() < seen.frame->midY());
+}
+
+/// Of a stand-in, which is known by its name alone.
+TEST_F(DesktopExaminationTest, RestartsTheProgramThatWasFoundAndNoOther) {
+    const QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("firefox"));
+    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), program));
+    qputenv("PATH", folder.path().toUtf8() + ':' + qgetenv("PATH"));
+    qputenv("OPENROUTER_API_KEY", "made-up-key");
+    ChildProcess first({program.toStdString(), "600"});
+    std::vector<ApplicationFacts> found;
+    const auto find = [&] { return (found = examination.examine({}).applications).size() == 1; };
+    ASSERT_TRUE(waitUntil(find));
+    ApplicationFacts earlier = found[0];
+    --earlier.startTime;
+    EXPECT_FALSE(mending.restart(earlier, {})) << "its number means another program now";
+    EXPECT_TRUE(first.isRunning());
+    EXPECT_TRUE(mending.restart(found[0], {}));
+    EXPECT_FALSE(first.isRunning());
+    ASSERT_TRUE(find());
+    const auto fileOf = [&](const char *name) {
+        QFile file(QStringLiteral("/proc/%1/%2").arg(found[0].pid).arg(QLatin1StringView(name)));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    EXPECT_TRUE(fileOf("cmdline").endsWith(QByteArray("600", 4)));
+    EXPECT_TRUE(fileOf("environ").contains("GNOME_ACCESSIBILITY=1"));
+    EXPECT_FALSE(fileOf("environ").contains("made-up-key"));
+    kill(found[0].pid, SIGKILL);
 }
 
 } // namespace

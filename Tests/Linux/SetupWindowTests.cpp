@@ -12,6 +12,8 @@
 
 #include <gmock/gmock.h>
 
+#include <condition_variable>
+
 namespace quillory::test {
 namespace {
 
@@ -22,15 +24,27 @@ struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::
     SimulatedDesktop desktop;
     platform::DesktopFacts facts;
     QString stored;
+    /// Set: a look lasts until it is asked to stop.
+    std::atomic<bool> isLookEndless = false;
+    std::atomic<bool> wasStopped = false;
 
-    [[nodiscard]] platform::DesktopFacts examine() override { return facts; }
-    bool enableAccessibility() override {
+    [[nodiscard]] platform::DesktopFacts examine(const std::stop_token &stop) override {
+        std::mutex mutex;
+        std::unique_lock lock(mutex);
+        std::condition_variable_any never;
+        never.wait_for(lock, stop, std::chrono::seconds(isLookEndless ? 10 : 0), [] { return false; });
+        wasStopped = stop.stop_requested();
+        return facts;
+    }
+    bool enableAccessibility(const std::stop_token & /*stop*/) override {
         facts.isAccessibilityEnabled = true;
         return true;
     }
     bool setStartsAtLogin(bool /*starts*/) override { return false; }
-    bool start() override { return false; }
-    bool restart(const platform::ApplicationFacts & /*application*/) override { return false; }
+    bool start(const std::stop_token & /*stop*/) override { return false; }
+    bool restart(const platform::ApplicationFacts & /*application*/, const std::stop_token & /*stop*/) override {
+        return false;
+    }
     platform::KeyPlace storeKey(const QString &key, const std::stop_token & /*stop*/) override {
         stored = key;
         desktop.userDefaults.set(settingsKey::openRouterAPIKey, key);
@@ -83,6 +97,13 @@ TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
     EXPECT_EQ(stored, u"sk-or-v1"_s);
     EXPECT_TRUE(runUntil([&] { return button(window, u"Test"_s) != nullptr; }));
     EXPECT_FALSE(says(window, u"sk-or"_s));
+}
+
+TEST_F(SetupWindowTest, WaitsForNoWorkWhenItIsClosed) {
+    isLookEndless = true;
+    desktop.urlSession.onRequest([](SimulatedExchange & /*exchange*/) {}); // the service is just as slow
+    { const ui::SetupWindow window({*this, *this, *this}); }
+    EXPECT_TRUE(wasStopped);
 }
 
 } // namespace

@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 
+#include "Platform/Linux/Applications/OtherPrograms.h"
 #include "Platform/Linux/Applications/WindowActivation.h"
-
-#include <QProcess>
 
 namespace platform::desktop {
 
@@ -76,8 +75,7 @@ bool LinuxWorkspace::open(const QUrl &url) {
     QProcess opener;
     opener.setProgram(QStringLiteral("xdg-open"));
     opener.setArguments({QString::fromUtf8(url.toEncoded())});
-    opener.setStandardOutputFile(QProcess::nullDevice());
-    opener.setStandardErrorFile(QProcess::nullDevice());
+    keepApart(opener);
     return opener.startDetached();
 }
 

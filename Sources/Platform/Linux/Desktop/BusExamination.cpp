@@ -74,16 +74,17 @@ void examineApplications(Connection &bus, std::vector<ApplicationFacts> &applica
         const Handle *entry = entryOf(application, roots, applications);
         application.isOnBus = entry != nullptr;
         if (entry != nullptr) {
-            application.pages = findPages(bus, entry->ref);
+            application.tree = findPages(bus, entry->ref);
         }
     }
 }
 
 } // namespace
 
-void examineBuses(DesktopFacts &facts) {
-    const StopSignal never;
-    Connection session(sessionBus(), never);
+void examineBuses(DesktopFacts &facts, const std::stop_token &stop) {
+    StopSignal ended;
+    const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
+    Connection session(sessionBus(), ended);
     facts.hasSessionBus = session.call(calls::method(busItself, "org.freedesktop.DBus", "GetId"), within(answerTime))
                               .string()
                               .has_value();
@@ -96,16 +97,17 @@ void examineBuses(DesktopFacts &facts) {
         return;
     }
     facts.isAccessibilityEnabled = isEnabled(session);
-    Connection bus(*address, never);
+    Connection bus(*address, ended);
     facts.hasAccessibilityBus = bus.isOpen();
     if (facts.hasAccessibilityBus) {
         examineApplications(bus, facts.applications);
     }
 }
 
-bool enableAccessibilityNow() {
-    const StopSignal never;
-    Connection session(sessionBus(), never);
+bool enableAccessibilityNow(const std::stop_token &stop) {
+    StopSignal ended;
+    const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
+    Connection session(sessionBus(), ended);
     session.call({busService, "org.freedesktop.DBus.Properties", "Set",
                   [](sd_bus_message *message) {
                       return sd_bus_message_append(message, "ssv", statusInterface, "IsEnabled", "b", 1);

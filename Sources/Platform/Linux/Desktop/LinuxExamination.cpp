@@ -30,12 +30,15 @@ QStringList versions() {
 
 } // namespace
 
-DesktopFacts LinuxExamination::examine() {
+DesktopFacts LinuxExamination::examine(const std::stop_token &stop) {
     DesktopFacts facts;
     facts.session = sessionType();
     facts.desktopName = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
     facts.applications = runningApplications(examineX11(facts), facts.session);
-    examineBuses(facts);
+    examineBuses(facts, stop);
+    if (stop.stop_requested()) {
+        return facts; // what follows starts another program
+    }
     facts.isAccessibilityKept = desktopSettings::isAccessibilityKept();
     facts.startsAtLogin = autostart::isOn();
     facts.versions = versions();

@@ -9,7 +9,7 @@ namespace platform::desktop {
 /// object.
 class LinuxExamination final : public DesktopExamination {
   public:
-    [[nodiscard]] DesktopFacts examine() override;
+    [[nodiscard]] DesktopFacts examine(const std::stop_token &stop) override;
 };
 
 } // namespace platform::desktop

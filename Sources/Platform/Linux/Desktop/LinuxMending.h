@@ -8,10 +8,10 @@ namespace platform::desktop {
 /// Mends a Linux desktop. Holds nothing; any thread.
 class LinuxMending final : public DesktopMending {
   public:
-    bool enableAccessibility() override;
+    bool enableAccessibility(const std::stop_token &stop) override;
     bool setStartsAtLogin(bool starts) override;
-    bool start() override;
-    bool restart(const ApplicationFacts &application) override;
+    bool start(const std::stop_token &stop) override;
+    bool restart(const ApplicationFacts &application, const std::stop_token &stop) override;
 };
 
 } // namespace platform::desktop

@@ -2,6 +2,7 @@
 #include "Platform/Linux/Desktop/PageSearch.h"
 
 #include "Platform/Linux/Accessibility/Questions.h"
+#include "Platform/Linux/Accessibility/Roles.h"
 
 #include <QUrl>
 
@@ -15,91 +16,119 @@ constexpr auto pauseBetweenLooks = 200ms;
 constexpr std::size_t maxWindows = 100;
 constexpr std::size_t maxElements = 8000;
 
+std::optional<Rect> rectangle(const Reply &reply) {
+    const auto extents = reply.extents();
+    return extents ? std::optional(Rect{static_cast<double>(extents->x), static_cast<double>(extents->y),
+                                        static_cast<double>(extents->width), static_cast<double>(extents->height)})
+                   : std::nullopt;
+}
+
 /// A walk level by level through everything that an application shows.
 class PageWalk {
   public:
     PageWalk(Connection &bus, Deadline deadline) : m_bus(bus), m_deadline(deadline) {}
 
-    std::vector<PageFacts> run(const std::vector<ElementRef> &windows) {
+    void run(const std::vector<ElementRef> &windows) {
+        std::vector<Place> level;
         for (const ElementRef &window : windows) {
-            m_level.push_back({window, noPage});
+            level.push_back({window, noPage, {}});
         }
-        while (!m_level.empty() && Clock::now() < m_deadline) {
-            lookAtLevel();
+        while (!level.empty() && m_facts.isWhole) {
+            level = belowOf(level);
         }
-        return std::move(m_pages);
     }
+    [[nodiscard]] const PagesFacts &facts() const { return m_facts; }
+    [[nodiscard]] std::size_t elements() const { return m_seen.size(); }
+    [[nodiscard]] bool isAnswered() const { return m_isAnswered; }
 
   private:
     static constexpr std::size_t noPage = static_cast<std::size_t>(-1);
     struct Place {
         ElementRef element;
         std::size_t page;
+        Kind kind;
     };
 
-    void lookAtLevel() {
+    /// Looks at the elements of a level and gives those of the next one.
+    std::vector<Place> belowOf(std::vector<Place> &level) {
         std::vector<Place> next;
-        std::vector<std::pair<ElementRef, std::size_t>> documents;
-        const std::vector<Place> level = std::exchange(m_level, {});
-        for (const Place &place : level) {
-            auto page = std::make_shared<std::size_t>(place.page);
-            m_questions.ask(calls::role(place.element), [this, page, &documents, &place](const Reply &reply) {
-                const auto role = static_cast<Role>(reply.number().value_or(0));
-                if (role == Role::documentWeb && *page == noPage) {
-                    *page = m_pages.size();
-                    m_pages.emplace_back();
-                    documents.emplace_back(place.element, *page);
-                }
-                m_role = role;
-            });
-            m_questions.ask(calls::states(place.element), [this, page](const Reply &reply) {
-                const States states = reply.states().value_or(States());
-                if (*page != noPage && m_role == Role::entry && states.has(State::editable)) {
-                    ++m_pages[*page].textBoxes;
+        for (Place &place : level) {
+            m_questions.ask(calls::role(place.element), [this, &place](const Reply &reply) {
+                m_isAnswered = m_isAnswered || reply.isAnswered();
+                place.kind.role = static_cast<Role>(reply.number().value_or(0));
+                if (place.kind.role == Role::documentWeb && place.page == noPage) {
+                    place.page = m_facts.pages.size();
+                    m_facts.pages.emplace_back();
+                    askAboutPage(place);
                 }
             });
-            m_questions.ask(calls::children(place.element), [this, page, &next](const Reply &reply) {
-                for (ElementRef &child : reply.references(maxElements).value_or(std::vector<ElementRef>())) {
-                    if (m_seen.size() < maxElements && m_seen.insert(child).second) {
-                        next.push_back({std::move(child), *page});
-                    }
+            m_questions.ask(calls::states(place.element), [this, &place](const Reply &reply) {
+                const States states = place.kind.states = reply.states().value_or(States());
+                // What lies inside an editor is editable too, but only the editor itself takes the focus.
+                if (place.page != noPage && states.has(State::editable) && states.has(State::focusable)) {
+                    askAboutField(place);
                 }
             });
+            m_questions.ask(calls::children(place.element),
+                            [this, &place, &next](const Reply &reply) { addChildren(place, reply, next); });
         }
-        m_questions.run(m_bus, m_deadline);
-        askAddresses(documents);
-        m_level = std::move(next);
+        // What was learnt raises questions of its own.
+        while (!m_questions.isEmpty()) {
+            m_facts.isWhole = m_questions.run(m_bus, m_deadline) && m_facts.isWhole;
+        }
+        return next;
     }
 
-    void askAddresses(const std::vector<std::pair<ElementRef, std::size_t>> &documents) {
-        for (const auto &[document, page] : documents) {
-            // Chromium gives it under the first name, Firefox under the second.
-            for (const char *key : {"URI", "DocURL"}) {
-                m_questions.ask(calls::withText(document, documentInterface, "GetAttributeValue", key),
-                                [this, at = page](const Reply &reply) {
-                                    const QString host = QUrl(reply.string().value_or(QString())).host();
-                                    if (!host.isEmpty()) {
-                                        m_pages[at].host = host;
-                                    }
-                                });
+    void addChildren(const Place &place, const Reply &reply, std::vector<Place> &next) {
+        for (ElementRef &child : reply.references(maxElements).value_or(std::vector<ElementRef>())) {
+            if (m_seen.size() >= maxElements) {
+                m_facts.isWhole = false;
+            } else if (m_seen.insert(child).second) {
+                next.push_back({std::move(child), place.page, {}});
             }
         }
-        m_questions.run(m_bus, m_deadline);
+    }
+
+    void askAboutPage(const Place &place) {
+        const std::size_t at = place.page;
+        m_questions.ask(calls::extents(place.element),
+                        [this, at](const Reply &reply) { m_facts.pages[at].frame = rectangle(reply); });
+        // Chromium gives its address under the first name, Firefox under the second.
+        for (const char *key : {"URI", "DocURL"}) {
+            m_questions.ask(calls::withText(place.element, documentInterface, "GetAttributeValue", key),
+                            [this, at](const Reply &reply) {
+                                const QString host = QUrl(reply.string().value_or(QString())).host();
+                                if (!host.isEmpty()) {
+                                    m_facts.pages[at].host = host;
+                                }
+                            });
+        }
+    }
+
+    void askAboutField(Place &place) {
+        m_questions.ask(calls::attributes(place.element), [&place](const Reply &reply) {
+            place.kind.attributes = reply.attributes().value_or(Attributes());
+        });
+        m_questions.ask(calls::extents(place.element), [this, &place](const Reply &reply) {
+            m_facts.pages[place.page].fields.push_back({axRoleName(place.kind), rectangle(reply)});
+        });
     }
 
     Connection &m_bus;
     Deadline m_deadline;
     Questions m_questions;
-    std::vector<Place> m_level;
     std::set<ElementRef> m_seen;
-    std::vector<PageFacts> m_pages;
-    /// Of the element whose answers are being taken.
-    Role m_role = Role::unknown;
+    PagesFacts m_facts;
+    bool m_isAnswered = false;
 };
+
+bool hasField(const PagesFacts &facts) {
+    return std::ranges::any_of(facts.pages, [](const PageFacts &page) { return !page.fields.empty(); });
+}
 
 } // namespace
 
-std::optional<std::vector<PageFacts>> findPages(Connection &bus, const ElementRef &application) {
+std::optional<PagesFacts> findPages(Connection &bus, const ElementRef &application) {
     const Deadline deadline = Clock::now() + longestSearch;
     const auto windows = bus.call(calls::children(application), deadline).references(maxWindows);
     if (!windows) {
@@ -108,16 +137,24 @@ std::optional<std::vector<PageFacts>> findPages(Connection &bus, const ElementRe
     for (const ElementRef &window : *windows) {
         bus.send(calls::attributes(window)); // wakes Chromium
     }
-    std::vector<PageFacts> pages;
-    while (Clock::now() < deadline) {
-        pages = PageWalk(bus, deadline).run(*windows);
-        const bool hasBox = std::ranges::any_of(pages, [](const PageFacts &page) { return page.textBoxes > 0; });
-        if (hasBox || windows->empty()) {
-            break;
+    PagesFacts found{.pages = {}, .isWhole = windows->empty()};
+    bool hasAnswered = windows->empty();
+    std::size_t elementsBefore = 0;
+    for (bool isSettled = windows->empty(); !isSettled && bus.isOpen() && Clock::now() < deadline;) {
+        PageWalk walk(bus, deadline);
+        walk.run(*windows);
+        hasAnswered = hasAnswered || walk.isAnswered();
+        if (walk.facts().isWhole || !found.isWhole) { // one that was cut short knows less than a whole one before it
+            found = walk.facts();
         }
-        bus.idle(std::min(deadline, Clock::now() + pauseBetweenLooks));
+        // A page that is still being built grows from look to look.
+        isSettled = walk.facts().isWhole && hasField(found) && walk.elements() == elementsBefore;
+        elementsBefore = walk.elements();
+        if (!isSettled) {
+            bus.idle(std::min(deadline, Clock::now() + pauseBetweenLooks));
+        }
     }
-    return bus.isSilent(application.bus) ? std::nullopt : std::optional(std::move(pages));
+    return hasAnswered ? std::optional(std::move(found)) : std::nullopt;
 }
 
 } // namespace platform::desktop

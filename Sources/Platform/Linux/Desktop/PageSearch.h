@@ -6,9 +6,8 @@
 
 namespace platform::desktop {
 
-/// The pages that an application shows on the accessibility bus, with the boxes in them. Reads no text. Waits a moment
+/// The pages that an application shows on the accessibility bus, with the fields in them. Reads no text. Waits a moment
 /// for a browser that builds its tree only when it is asked. Absent when the application did not answer.
-[[nodiscard]] std::optional<std::vector<PageFacts>> findPages(atspi::Connection &bus,
-                                                              const atspi::ElementRef &application);
+[[nodiscard]] std::optional<PagesFacts> findPages(atspi::Connection &bus, const atspi::ElementRef &application);
 
 } // namespace platform::desktop

@@ -96,7 +96,7 @@ template <typename Work, typename Done> void SetupWindow::start(const QString &s
 
 void SetupWindow::look() {
     start(
-        QStringLiteral("Looking…"), [work = m_work](const std::stop_token & /*stop*/) { return work.look(); },
+        QStringLiteral("Looking…"), [work = m_work](const std::stop_token &stop) { return work.look(stop); },
         [this](const std::vector<Finding> &findings) { show(findings); });
 }
 
@@ -147,7 +147,7 @@ void SetupWindow::mend(const Finding &finding) {
     }
     start(
         QStringLiteral("Working…"),
-        [work = m_work, finding](const std::stop_token & /*stop*/) { return work.mend(finding); },
+        [work = m_work, finding](const std::stop_token &stop) { return work.mend(finding, stop); },
         [this](const QString &outcome) {
             m_outcome = outcome;
             m_hasMended = true;
