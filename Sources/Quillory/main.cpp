@@ -158,10 +158,23 @@ std::optional<int> runCommand(int &argc, char **argv) {
     return quillory::runCommandLine(arguments, services, {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1});
 }
 
-/// In a process of its own: this one never writes the key.
-bool launchSetup() {
-    return QProcess::startDetached(QCoreApplication::applicationFilePath(), {QStringLiteral("setup")});
-}
+/// The set-up in a process of its own: this one never writes the key.
+class LaunchedSetup {
+  public:
+    explicit LaunchedSetup(desktop::X11Connection &display) : m_display(display) {}
+    void launch() {
+        QProcess::startDetached(QCoreApplication::applicationFilePath(), {QStringLiteral("setup")}, {}, &m_pid);
+    }
+    /// Whether there is one, be it an earlier one that came to the front; no longer when it failed or was closed.
+    [[nodiscard]] bool isThere() const {
+        return desktop::processes::fingerprint(static_cast<qint32>(m_pid)) ||
+               desktop::X11Instance::isThere(m_display, desktop::X11Instance::Kind::setup);
+    }
+
+  private:
+    desktop::X11Connection &m_display;
+    qint64 m_pid = 0;
+};
 
 int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection,
                std::unique_ptr<desktop::X11Instance> claim) {
@@ -169,13 +182,13 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     QApplication::setApplicationName(QStringLiteral("Quillory"));
     QApplication::setDesktopFileName(QStringLiteral("quillory"));
     QApplication::setQuitOnLastWindowClosed(false);
-    bool isSetupLaunched = false; // it offers what the trust prompt does
-    const desktop::LinuxPlatform linuxPlatform(std::move(connection), [&] { return isSetupLaunched; });
+    LaunchedSetup setup(*connection);
+    const desktop::LinuxPlatform linuxPlatform(std::move(connection), [&] { return setup.isThere(); });
     const platform::Installation installation(linuxPlatform.services());
     const auto instance = std::move(claim); // ends before the connection does
     quillory::ui::AppDelegate delegate({.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks,
                                         .check = quillory::UpdateChecker::check,
-                                        .launchSetup = [&] { isSetupLaunched = launchSetup(); }});
+                                        .launchSetup = [&] { setup.launch(); }});
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
     QTimer::singleShot(0, &application, [&] {
         delegate.applicationDidFinishLaunching();

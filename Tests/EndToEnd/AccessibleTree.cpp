@@ -42,6 +42,11 @@ bool AccessibleTree::pageShows(const QStringList &wanted, const QString &unwante
            std::ranges::all_of(wanted, [&](const QString &text) { return oneBegins(texts, text); });
 }
 
+QString AccessibleTree::focusedName() {
+    const auto element = read<AXUIElement>(m_accessibility.createSystemWide(), axAttribute::focusedUIElement);
+    return element ? read<QString>(*element, axAttribute::title).value_or(QString()) : QString();
+}
+
 bool AccessibleTree::windowShows(qint32 pid, const QString &text) {
     const auto windows = read<std::vector<AXUIElement>>(m_accessibility.createApplication(pid), axAttribute::children);
     return windows &&

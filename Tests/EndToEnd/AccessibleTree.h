@@ -12,6 +12,8 @@ class AccessibleTree {
     /// Whether the page around the focused field can be read and has, for each of the wanted, a text that begins so,
     /// but none that begins like the unwanted.
     [[nodiscard]] bool pageShows(const QStringList &wanted, const QString &unwanted);
+    /// The name of what has the keyboard focus; empty when nothing has, or it has none.
+    [[nodiscard]] QString focusedName();
     /// Whether a window of a process shows a text that begins so.
     [[nodiscard]] bool windowShows(qint32 pid, const QString &text);
 

@@ -13,28 +13,33 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-Arguments chromium(int pagePort, const QString &profile, const Browser::Options &options) {
+/// All but what says which window to open.
+Arguments chromiumFlags(int pagePort) {
     const std::string port = std::to_string(pagePort);
-    Arguments arguments{"chromium",
-                        "--no-sandbox",
-                        "--test-type",
-                        "--disable-gpu",
-                        "--disable-quic",
-                        "--disable-dev-shm-usage",
-                        "--no-first-run",
-                        "--no-default-browser-check",
-                        "--disable-background-networking",
-                        "--disable-component-update",
-                        "--disable-sync",
-                        "--password-store=basic",
-                        "--log-level=3",
-                        "--lang=en-US",
-                        "--window-position=40,20",
-                        "--window-size=1100,800",
-                        "--ignore-certificate-errors",
-                        "--user-data-dir=" + profile.toStdString(),
-                        "--host-resolver-rules=MAP web.whatsapp.com 127.0.0.1:" + port +
-                            ", MAP shop.example 127.0.0.1:" + port + ", MAP * ~NOTFOUND"};
+    return {"--no-sandbox",
+            "--test-type",
+            "--disable-gpu",
+            "--disable-quic",
+            "--disable-dev-shm-usage",
+            "--no-first-run",
+            "--no-default-browser-check",
+            "--disable-background-networking",
+            "--disable-component-update",
+            "--disable-sync",
+            "--password-store=basic",
+            "--log-level=3",
+            "--lang=en-US",
+            "--window-position=40,20",
+            "--window-size=1100,800",
+            "--ignore-certificate-errors",
+            "--host-resolver-rules=MAP web.whatsapp.com 127.0.0.1:" + port + ", MAP shop.example 127.0.0.1:" + port +
+                ", MAP * ~NOTFOUND"};
+}
+
+Arguments chromium(int pagePort, const QString &profile, const Browser::Options &options) {
+    Arguments arguments = chromiumFlags(pagePort);
+    arguments.insert(arguments.begin(), "chromium");
+    arguments.push_back("--user-data-dir=" + profile.toStdString());
     if (options.forceAccessibility) {
         arguments.emplace_back("--force-renderer-accessibility");
     }
@@ -43,7 +48,8 @@ Arguments chromium(int pagePort, const QString &profile, const Browser::Options 
     return arguments;
 }
 
-/// Every name stands on this machine, so nothing leaves it; and no page comes before the one that is asked for.
+/// Every name stands on this machine, so nothing leaves it; no page comes before the one that is asked for, and none is
+/// loaded once more for its picture.
 constexpr char firefoxSettings[] = R"(
 user_pref("network.dns.forceResolve", "127.0.0.1");
 user_pref("network.stricttransportsecurity.preloadlist", false);
@@ -60,6 +66,7 @@ user_pref("datareporting.policy.firstRunURL", "");
 user_pref("toolkit.telemetry.reportingpolicy.firstRun", false);
 user_pref("browser.sessionstore.resume_from_crash", false);
 user_pref("browser.newtab.preload", false);
+user_pref("browser.pagethumbnails.capturing_disabled", true);
 user_pref("extensions.update.enabled", false);
 user_pref("app.update.enabled", false);
 )";
@@ -72,7 +79,7 @@ Arguments firefox(int pagePort, const QString &profile, const Browser::Options &
     }
     const QString address = QStringLiteral("http://%1:%2/%3").arg(options.host).arg(pagePort).arg(options.query);
     return {"env",
-            "GNOME_ACCESSIBILITY=1",
+            options.forceAccessibility ? "GNOME_ACCESSIBILITY=1" : "-uGNOME_ACCESSIBILITY",
             "MOZ_CRASHREPORTER_DISABLE=1",
             "firefox-esr",
             "--no-remote",
@@ -102,6 +109,24 @@ QString Browser::whatIsMissing(Kind kind) {
 
 Browser::Browser(int pagePort, const QString &profile, const Options &options)
     : m_process(commandLine(pagePort, profile, options), Output::dropped) {}
+
+void Browser::putOnPath(Kind kind, int pagePort) {
+    if (kind != Kind::chromium) {
+        return; // all that it needs is in its profile
+    }
+    const QString folder = qEnvironmentVariable("HOME") + QStringLiteral("/bin");
+    QFile launcher(folder + QStringLiteral("/chromium"));
+    const QString real = QStandardPaths::findExecutable(QStringLiteral("chromium"));
+    if (QDir().mkpath(folder) && launcher.open(QFile::WriteOnly)) {
+        launcher.write("#!/bin/sh\nexec " + real.toUtf8());
+        for (const std::string &flag : chromiumFlags(pagePort)) {
+            launcher.write(" '" + QByteArray::fromStdString(flag) + '\'');
+        }
+        launcher.write(" \"$@\"\n");
+        launcher.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("PATH", folder.toUtf8() + ':' + qgetenv("PATH"));
+    }
+}
 
 void Browser::freeze() const {
     kill(m_process.pid(), SIGSTOP);

@@ -20,7 +20,8 @@ class Browser {
         QString query = QString();
         /// A window with tabs and an address bar, instead of one that holds the page alone. Firefox has no other.
         bool wholeWindow = false;
-        /// Whether the tree is built from the start, or only once somebody asks for it, as Chromium's users have it.
+        /// Whether the tree is built whatever the desktop says. Else it is as users have it: Firefox builds it when
+        /// accessibility was on at its start, Chromium once somebody asks for it then.
         bool forceAccessibility = true;
     };
 
@@ -30,6 +31,11 @@ class Browser {
     [[nodiscard]] static bool takesHttps(Kind kind) { return kind == Kind::chromium; }
 
     Browser(int pagePort, const QString &profile, const Options &options);
+
+    /// Whether the browser still runs that was started here.
+    [[nodiscard]] bool isRunning() { return m_process.isRunning(); }
+    /// Sees to it that a browser which somebody else starts by its name works in this environment, too.
+    static void putOnPath(Kind kind, int pagePort);
 
     /// Stops the browser so that it answers nobody, and lets it go on.
     void freeze() const;
