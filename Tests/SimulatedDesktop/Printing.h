@@ -15,7 +15,7 @@ inline void PrintTo(const QString &text, std::ostream *out) {
 
 namespace quillory {
 inline void PrintTo(const SuggestionCardData &card, std::ostream *out) {
-    *out << card.label.toStdString() << ": " << card.text.value_or(QStringLiteral("(waiting)")).toStdString()
+    *out << card.label.toStdString() << ": " << card.text.value_or(u"(waiting)"_qs).toStdString()
          << (card.isComplete ? ", complete " : "") << card.elapsedText.value_or(QString()).toStdString()
          << (card.failed ? ", failed" : "");
 }

@@ -59,20 +59,16 @@ class SimulatedElement final : public platform::AXElementBackend {
     void prepareSubtree(platform::AXSubtreeLimits, platform::AXFreshness) const override { ++m_node->announced; }
 
   private:
-    template <class T> static std::optional<T> get(const SimulatedNode &node, QLatin1StringView attribute) {
-        const auto found = node.m_attributes.find(attribute);
-        return found == node.m_attributes.end() ? std::nullopt : std::optional(std::get<T>(found->second));
-    }
     static void walk(const SimulatedNode &node, int depth, const platform::AXSubtreeLimits &limits,
                      std::vector<platform::AXSubtreeNode> &nodes) {
         if (depth > limits.maxDepth || std::cmp_greater_equal(nodes.size(), limits.maxNodes)) {
             return;
         }
-        platform::AXSubtreeNode copy{depth, get<QString>(node, axAttribute::role).value_or(QString()), {}, {}};
-        const auto position = get<platform::Point>(node, axAttribute::position);
-        const auto size = get<platform::Size>(node, axAttribute::size);
+        platform::AXSubtreeNode copy{depth, *node.attribute<QString>(axAttribute::role), {}, {}};
+        const auto position = node.attribute<platform::Point>(axAttribute::position);
+        const auto size = node.attribute<platform::Size>(axAttribute::size);
         if (copy.role == axRole::staticText) {
-            copy.value = get<QString>(node, axAttribute::value);
+            copy.value = node.attribute<QString>(axAttribute::value);
             if (position && size) {
                 copy.frame = {position->x, position->y, size->width, size->height};
             }
@@ -116,11 +112,6 @@ SimulatedNode &SimulatedNode::set(QLatin1StringView attribute, const AXValue &va
 
 SimulatedNode &SimulatedNode::setFrame(const platform::Rect &frame) {
     return set(axAttribute::position, frame.origin()).set(axAttribute::size, frame.size());
-}
-
-QString SimulatedNode::value() const {
-    const auto found = m_attributes.find(axAttribute::value);
-    return found == m_attributes.end() ? QString() : std::get<QString>(found->second);
 }
 
 bool SimulatedNode::write(const QString &text) {

@@ -42,12 +42,16 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
     SimulatedNode &set(QLatin1StringView attribute, const platform::AXValue &value);
     SimulatedNode &setFrame(const platform::Rect &frame);
     SimulatedNode &setValue(const QString &value) { return set(platform::axAttribute::value, value); }
-    [[nodiscard]] QString value() const;
+    [[nodiscard]] QString value() const { return attribute<QString>(platform::axAttribute::value).value_or(QString()); }
     /// Replaces the value as an application does it that is told to.
     bool write(const QString &text);
 
   private:
     friend class SimulatedElement;
+    template <class T> [[nodiscard]] std::optional<T> attribute(QLatin1StringView name) const {
+        const auto found = m_attributes.find(name);
+        return found == m_attributes.end() ? std::nullopt : std::optional(std::get<T>(found->second));
+    }
     std::map<QString, platform::AXValue> m_attributes;
     std::vector<Node> m_children;
     std::weak_ptr<SimulatedNode> m_parent;
@@ -66,7 +70,6 @@ class SimulatedApplications final : public platform::Accessibility, public platf
 
     /// A running application with one window, which is returned.
     Node launch(const platform::RunningApplication &application, const QString &windowTitle);
-    void quit(qint32 pid) { m_running.erase(pid); }
 
     [[nodiscard]] bool isProcessTrusted() override { return trusted; }
     bool isProcessTrustedWithPrompt() override;

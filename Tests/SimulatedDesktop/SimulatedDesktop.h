@@ -4,17 +4,13 @@
 #include "Platform/AbsentDesktop.h"
 #include "Platform/Platform.h"
 #include "SimulatedDesktop/Printing.h"
-#include "SimulatedDesktop/SimulatedApplication.h"
 #include "SimulatedDesktop/SimulatedApplications.h"
-#include "SimulatedDesktop/SimulatedEventTaps.h"
+#include "SimulatedDesktop/SimulatedInput.h"
 #include "SimulatedDesktop/SimulatedMainQueue.h"
-#include "SimulatedDesktop/SimulatedPanel.h"
-#include "SimulatedDesktop/SimulatedPasteboard.h"
 #include "SimulatedDesktop/SimulatedProcess.h"
-#include "SimulatedDesktop/SimulatedScreens.h"
-#include "SimulatedDesktop/SimulatedStatusBar.h"
 #include "SimulatedDesktop/SimulatedURLSession.h"
 #include "SimulatedDesktop/SimulatedUserDefaults.h"
+#include "SimulatedDesktop/SimulatedWindows.h"
 
 namespace quillory::test {
 

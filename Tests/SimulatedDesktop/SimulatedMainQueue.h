@@ -6,15 +6,13 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
-#include <utility>
 
 namespace quillory::test {
 
-/// A main queue whose time the test owns: nothing runs and no time passes but by its own controls. Must outlive what
-/// repeats on it.
+/// A main queue whose time the test owns: nothing runs and no time passes but by its own controls.
 class SimulatedMainQueue final : public platform::MainQueue {
   public:
-    void post(std::function<void()> work) override;
+    void post(std::function<void()> work) override { postAfter(std::chrono::milliseconds(0), std::move(work)); }
     void postAfter(std::chrono::milliseconds delay, std::function<void()> work) override;
     [[nodiscard]] platform::RegistrationHandle repeat(std::chrono::milliseconds interval,
                                                       std::function<void()> work) override;
@@ -27,15 +25,13 @@ class SimulatedMainQueue final : public platform::MainQueue {
     [[nodiscard]] bool runUntil(const std::function<bool()> &condition);
 
   private:
-    using Due = std::pair<std::chrono::milliseconds, std::uint64_t>;
-    class Repeating;
-    Due add(std::chrono::milliseconds at, std::function<void()> work);
+    void beat(std::chrono::milliseconds interval, const std::weak_ptr<std::function<void()>> &work);
     bool runNext(std::chrono::milliseconds until);
 
     mutable std::mutex m_mutex;
     std::condition_variable m_added;
-    std::map<Due, std::function<void()>> m_work;
-    std::uint64_t m_count = 0;
+    /// By the time when it is due; works of one time stay in order.
+    std::multimap<std::chrono::milliseconds, std::function<void()>> m_work;
     std::chrono::milliseconds m_now{0};
 };
 

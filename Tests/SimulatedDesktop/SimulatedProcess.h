@@ -3,7 +3,7 @@
 
 #include "Platform/Process.h"
 
-#include <QStringList>
+#include <QDir>
 #include <QTemporaryDir>
 
 #include <map>
@@ -14,20 +14,42 @@ namespace quillory::test {
 /// and information before other threads ask.
 class SimulatedProcess final : public platform::Process {
   public:
-    SimulatedProcess();
-    [[nodiscard]] std::optional<QString> infoDictionaryString(const QString &key) const override;
-    [[nodiscard]] std::optional<QString> environment(const QString &name) const override;
+    SimulatedProcess() {
+        QDir(m_home.path()).mkpath(u"Library/Logs"_qs);
+        QDir(m_home.path()).mkpath(u"Library/Application Support"_qs);
+    }
+    [[nodiscard]] std::optional<QString> infoDictionaryString(const QString &key) const override {
+        return found(information, key);
+    }
+    [[nodiscard]] std::optional<QString> environment(const QString &name) const override {
+        return found(variables, name);
+    }
     [[nodiscard]] QString homeDirectory() const override { return m_home.path(); }
     [[nodiscard]] qint32 identifier() const override { return ownPid; }
 
     std::map<QString, QString> information;
     std::map<QString, QString> variables;
     qint32 ownPid = 4711;
-    [[nodiscard]] QString logPath() const;
+    [[nodiscard]] QString logPath() const { return m_home.filePath(u"Library/Logs/Quillory.log"_qs); }
     /// The lines of the log so far, without their times.
-    [[nodiscard]] QStringList logMessages() const;
+    [[nodiscard]] QStringList logMessages() const {
+        QFile file(logPath());
+        QStringList lines;
+        if (file.open(QIODevice::ReadOnly)) {
+            lines = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+        }
+        for (QString &line : lines) {
+            line.remove(0, QLatin1StringView("HH:mm:ss.SSS ").size());
+        }
+        return lines;
+    }
 
   private:
+    static std::optional<QString> found(const std::map<QString, QString> &values, const QString &key) {
+        const auto value = values.find(key);
+        return value == values.end() ? std::nullopt : std::optional(value->second);
+    }
+
     QTemporaryDir m_home;
 };
 

@@ -3,44 +3,49 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QStringList>
-
-using namespace std::chrono_literals;
 
 namespace quillory::test {
-
-namespace {
-constexpr auto patience = 10s;
-} // namespace
 
 /// The program's end of an exchange.
 class SimulatedByteStream final : public platform::URLByteStream {
   public:
     SimulatedByteStream(std::shared_ptr<SimulatedExchange> exchange, std::stop_token stop)
-        : m_exchange(std::move(exchange)), m_onStop(std::move(stop), [this] { m_exchange->cancel(); }) {
-        m_status = m_exchange->awaitHead();
+        : m_exchange(std::move(exchange)), m_onStop(std::move(stop), [this] {
+              m_exchange->update([this] { m_exchange->m_cancelled = !m_exchange->m_left; });
+          }) {}
+    ~SimulatedByteStream() override {
+        m_exchange->update([this] { m_exchange->m_left = true; });
     }
-    ~SimulatedByteStream() override { m_exchange->leave(); }
     SimulatedByteStream(const SimulatedByteStream &) = delete;
     SimulatedByteStream &operator=(const SimulatedByteStream &) = delete;
 
-    [[nodiscard]] std::optional<int> statusCode() const override { return m_status; }
-    std::optional<QByteArray> nextLine() override { return m_exchange->nextLine(); }
+    void awaitHead() const {
+        const auto lock = m_exchange->awaitTest([this] { return m_exchange->m_headSent; });
+        if (!m_exchange->m_headSent) {
+            throw platform::URLError(m_exchange->m_failure->toStdString());
+        }
+    }
+    [[nodiscard]] std::optional<int> statusCode() const override { return m_exchange->m_status; }
+    std::optional<QByteArray> nextLine() override {
+        m_exchange->update([this] { m_exchange->m_hungry = true; });
+        auto &lines = m_exchange->m_lines;
+        const auto lock = m_exchange->awaitTest([&] { return !lines.empty() || m_exchange->m_ended; });
+        if (lines.empty() && m_exchange->m_failure) {
+            throw platform::URLError(m_exchange->m_failure->toStdString());
+        }
+        if (lines.empty()) {
+            return std::nullopt;
+        }
+        m_exchange->m_hungry = false;
+        QByteArray line = std::move(lines.front());
+        lines.pop_front();
+        return line;
+    }
 
   private:
     std::shared_ptr<SimulatedExchange> m_exchange;
-    std::optional<int> m_status;
     std::stop_callback<std::function<void()>> m_onStop;
 };
-
-QByteArray SimulatedExchange::header(const QByteArray &name) const {
-    for (const auto &[key, value] : m_request.headers) {
-        if (key == name) {
-            return value;
-        }
-    }
-    return {};
-}
 
 QJsonObject SimulatedExchange::json() const {
     return QJsonDocument::fromJson(m_request.body).object();
@@ -62,10 +67,9 @@ void SimulatedExchange::line(const QByteArray &line) {
 }
 
 void SimulatedExchange::piece(const QString &content) {
-    const QJsonObject delta{{QStringLiteral("content"), content}};
-    const QJsonArray choices{QJsonObject{{QStringLiteral("delta"), delta}}};
-    const QJsonObject event{{QStringLiteral("choices"), choices}};
-    line("data: " + QJsonDocument(event).toJson(QJsonDocument::Compact));
+    const QJsonObject choice{{u"delta"_qs, QJsonObject{{u"content"_qs, content}}}};
+    const QJsonDocument event(QJsonObject{{u"choices"_qs, QJsonArray{choice}}});
+    line("data: " + event.toJson(QJsonDocument::Compact));
 }
 
 void SimulatedExchange::end() {
@@ -97,49 +101,6 @@ bool SimulatedExchange::wasCancelled() const {
     return m_cancelled;
 }
 
-std::optional<int> SimulatedExchange::awaitHead() {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait(lock, [this] { return m_cancelled || m_headSent || m_failure; });
-    if (!m_cancelled && m_headSent) {
-        return m_status;
-    }
-    // The constructor of the program's end fails, so that nobody else reports its end.
-    m_left = true;
-    m_changed.notify_all();
-    if (m_cancelled) {
-        throw platform::CancellationError();
-    }
-    throw platform::URLError(m_failure->toStdString());
-}
-
-std::optional<QByteArray> SimulatedExchange::nextLine() {
-    std::unique_lock lock(m_mutex);
-    m_hungry = true;
-    m_changed.notify_all();
-    m_changed.wait(lock, [this] { return m_cancelled || !m_lines.empty() || m_ended || m_failure; });
-    if (m_cancelled) {
-        throw platform::CancellationError();
-    }
-    if (m_lines.empty() && m_failure) {
-        throw platform::URLError(m_failure->toStdString());
-    }
-    if (m_lines.empty()) {
-        return std::nullopt;
-    }
-    m_hungry = false;
-    QByteArray line = std::move(m_lines.front());
-    m_lines.pop_front();
-    return line;
-}
-
-void SimulatedExchange::cancel() {
-    update([this] { m_cancelled = !m_left; });
-}
-
-void SimulatedExchange::leave() {
-    update([this] { m_left = true; });
-}
-
 void SimulatedExchange::update(const std::function<void()> &change) {
     const std::scoped_lock lock(m_mutex);
     change();
@@ -148,27 +109,38 @@ void SimulatedExchange::update(const std::function<void()> &change) {
 
 bool SimulatedExchange::await(const std::function<bool()> &condition) {
     std::unique_lock lock(m_mutex);
-    return m_changed.wait_for(lock, patience, condition);
+    return m_changed.wait_for(lock, std::chrono::seconds(10), condition);
+}
+
+std::unique_lock<std::mutex> SimulatedExchange::awaitTest(const std::function<bool()> &condition) {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [&] { return m_cancelled || m_failure || condition(); });
+    if (m_cancelled) {
+        throw platform::CancellationError();
+    }
+    return lock;
 }
 
 SimulatedURLSession::~SimulatedURLSession() {
     for (const auto &exchange : m_exchanges) {
-        exchange->fail(QStringLiteral("The test is over."));
+        exchange->fail(u"The test is over."_qs);
     }
 }
 
 std::unique_ptr<platform::URLByteStream> SimulatedURLSession::bytes(const platform::URLRequest &request,
                                                                     std::stop_token stop) {
-    return std::make_unique<SimulatedByteStream>(begin(request), std::move(stop));
+    auto stream = std::make_unique<SimulatedByteStream>(begin(request), std::move(stop));
+    stream->awaitHead();
+    return stream;
 }
 
 platform::URLResponse SimulatedURLSession::data(const platform::URLRequest &request, std::stop_token stop) {
-    SimulatedByteStream stream(begin(request), std::move(stop));
+    const auto stream = bytes(request, std::move(stop));
     QByteArrayList lines;
-    while (const auto line = stream.nextLine()) {
+    while (const auto line = stream->nextLine()) {
         lines.append(*line);
     }
-    return {.statusCode = stream.statusCode(), .body = lines.join('\n')};
+    return {.statusCode = stream->statusCode(), .body = lines.join('\n')};
 }
 
 QString SimulatedURLSession::download(const platform::URLRequest & /*request*/,
@@ -189,7 +161,7 @@ int SimulatedURLSession::requestCount() const {
 std::shared_ptr<SimulatedExchange> SimulatedURLSession::exchange(int number) {
     const auto index = static_cast<std::size_t>(number);
     std::unique_lock lock(m_mutex);
-    if (!m_came.wait_for(lock, patience, [&] { return m_exchanges.size() > index; })) {
+    if (!m_came.wait_for(lock, std::chrono::seconds(10), [&] { return m_exchanges.size() > index; })) {
         throw std::runtime_error("request number " + std::to_string(number) + " never came");
     }
     return m_exchanges[index];
@@ -202,9 +174,7 @@ std::shared_ptr<SimulatedExchange> SimulatedURLSession::begin(const platform::UR
     const auto answer = m_answer;
     m_came.notify_all();
     lock.unlock();
-    if (answer) {
-        answer(*exchange);
-    }
+    answer(*exchange);
     return exchange;
 }
 

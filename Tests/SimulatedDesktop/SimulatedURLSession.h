@@ -20,8 +20,6 @@ class SimulatedExchange {
     explicit SimulatedExchange(const platform::URLRequest &request) : m_request(request) {}
 
     [[nodiscard]] const platform::URLRequest &request() const { return m_request; }
-    /// The value of a header of the request; empty when it has none.
-    [[nodiscard]] QByteArray header(const QByteArray &name) const;
     /// The body of the request as a JSON object.
     [[nodiscard]] QJsonObject json() const;
 
@@ -48,12 +46,11 @@ class SimulatedExchange {
   private:
     friend class SimulatedURLSession;
     friend class SimulatedByteStream;
-    std::optional<int> awaitHead();
-    std::optional<QByteArray> nextLine();
-    void cancel();
-    void leave();
+    /// Changes something and wakes who waits.
     void update(const std::function<void()> &change);
     [[nodiscard]] bool await(const std::function<bool()> &condition);
+    /// Waits on the program's side, holding the lock thereafter. Throws when the request is cancelled.
+    std::unique_lock<std::mutex> awaitTest(const std::function<bool()> &condition);
 
     const platform::URLRequest m_request;
     mutable std::mutex m_mutex;
@@ -92,7 +89,7 @@ class SimulatedURLSession final : public platform::URLSession {
     mutable std::mutex m_mutex;
     std::condition_variable m_came;
     std::vector<std::shared_ptr<SimulatedExchange>> m_exchanges;
-    std::function<void(SimulatedExchange &)> m_answer;
+    std::function<void(SimulatedExchange &)> m_answer = [](SimulatedExchange &) {};
 };
 
 } // namespace quillory::test

@@ -10,28 +10,54 @@ namespace quillory::test {
 
 /// A settings store in memory.
 class SimulatedUserDefaults final : public platform::UserDefaults {
-  public:
-    void registerDefaults(const std::map<QString, platform::DefaultsValue> &defaults) override;
-    [[nodiscard]] std::optional<QString> string(const QString &key) const override;
-    [[nodiscard]] bool boolean(const QString &key) const override;
-    [[nodiscard]] qint64 integer(const QString &key) const override;
-    [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
-    bool set(const QString &key, const platform::DefaultsValue &value) override;
-    bool remove(const QString &key) override;
-    [[nodiscard]] bool isFailingToSave() const override { return diskIsFull; }
+    using Values = std::map<QString, platform::DefaultsValue>;
 
+  public:
     /// While set, nothing reaches the disk.
     std::atomic<bool> diskIsFull = false;
     /// What was written, without the registered defaults.
-    [[nodiscard]] std::map<QString, platform::DefaultsValue> stored() const;
-    [[nodiscard]] std::map<QString, platform::DefaultsValue> registered() const;
+    [[nodiscard]] Values stored() const { return copyOf(m_stored); }
+    [[nodiscard]] Values registered() const { return copyOf(m_registered); }
+
+    void registerDefaults(const Values &defaults) override {
+        const std::scoped_lock lock(m_mutex);
+        m_registered.insert(defaults.begin(), defaults.end());
+    }
+    [[nodiscard]] std::optional<QString> string(const QString &key) const override { return value<QString>(key); }
+    [[nodiscard]] bool boolean(const QString &key) const override { return value<bool>(key).value_or(false); }
+    [[nodiscard]] qint64 integer(const QString &key) const override { return value<qint64>(key).value_or(0); }
+    [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override { return value<QByteArray>(key); }
+    bool set(const QString &key, const platform::DefaultsValue &value) override {
+        const std::scoped_lock lock(m_mutex);
+        m_stored.insert_or_assign(key, value);
+        return !diskIsFull;
+    }
+    bool remove(const QString &key) override {
+        const std::scoped_lock lock(m_mutex);
+        m_stored.erase(key);
+        return !diskIsFull;
+    }
+    [[nodiscard]] bool isFailingToSave() const override { return diskIsFull; }
 
   private:
-    template <typename T> std::optional<T> value(const QString &key) const;
+    template <typename T> std::optional<T> value(const QString &key) const {
+        const std::scoped_lock lock(m_mutex);
+        for (const auto *const values : {&m_stored, &m_registered}) {
+            const auto found = values->find(key);
+            if (found != values->end() && std::holds_alternative<T>(found->second)) {
+                return std::get<T>(found->second);
+            }
+        }
+        return std::nullopt;
+    }
+    [[nodiscard]] Values copyOf(const Values &values) const {
+        const std::scoped_lock lock(m_mutex);
+        return values;
+    }
 
     mutable std::mutex m_mutex;
-    std::map<QString, platform::DefaultsValue> m_stored;
-    std::map<QString, platform::DefaultsValue> m_registered;
+    Values m_stored;
+    Values m_registered;
 };
 
 } // namespace quillory::test
