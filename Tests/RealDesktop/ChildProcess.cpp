@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "RealDesktop/ChildProcess.h"
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
@@ -12,7 +13,6 @@
 #include <utility>
 
 namespace quillory::test {
-
 namespace {
 
 std::vector<char *> pointers(const std::vector<std::string> &arguments) {
@@ -90,6 +90,22 @@ int ChildProcess::end() {
         waitUntil([this] { return !isRunning(); }, 2000);
     }
     return m_status;
+}
+
+std::string startAndListen(ChildProcess &program, std::vector<std::string> arguments) {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+        throw std::runtime_error("no pipe");
+    }
+    arguments.back() += std::to_string(ends[1]);
+    program = ChildProcess(arguments, Output::dropped, ends[1]);
+    close(ends[1]);
+    std::string line;
+    for (char c = 0; read(ends[0], &c, 1) == 1 && c != '\n';) {
+        line += c;
+    }
+    close(ends[0]);
+    return line;
 }
 
 int run(const std::vector<std::string> &arguments, Output output) {

@@ -33,6 +33,10 @@ class ChildProcess {
     int m_status = 0;
 };
 
+/// Starts a program that writes a line to the file descriptor whose number it finds at the end of its last argument,
+/// and returns that line; empty when none comes.
+std::string startAndListen(ChildProcess &program, std::vector<std::string> arguments);
+
 /// Runs a program to its end and returns its exit status.
 int run(const std::vector<std::string> &arguments, Output output = Output::shown);
 

@@ -3,30 +3,10 @@
 
 #include <QDir>
 
-#include <array>
-#include <fcntl.h>
 #include <stdexcept>
-#include <unistd.h>
 
 namespace quillory::test {
-
 namespace {
-
-/// What a program writes into the pipe that it is given, up to the first line break.
-template <typename Start> std::string firstLineFrom(Start start) {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    start(ends[1]);
-    close(ends[1]);
-    std::string line;
-    for (char c = 0; read(ends[0], &c, 1) == 1 && c != '\n';) {
-        line += c;
-    }
-    close(ends[0]);
-    return line;
-}
 
 int askAccessibilityBus(const std::vector<std::string> &question) {
     std::vector<std::string> arguments{"dbus-send",           "--session",
@@ -46,8 +26,10 @@ RealDesktop::RealDesktop() : RealDesktop(Options{}) {}
 
 RealDesktop::RealDesktop(const Options &options) {
     setEnvironment();
-    startDisplay(options.screen);
-    startBus();
+    startServer("DISPLAY", ":",
+                {"Xvfb", "-screen", "0", options.screen, "-nolisten", "tcp", "-noreset", "-displayfd", ""});
+    startServer("DBUS_SESSION_BUS_ADDRESS", "",
+                {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address="});
     m_programs.emplace_back(std::vector<std::string>{"openbox", "--sm-disable"}, Output::dropped);
     if (options.compositor) {
         m_programs.emplace_back(std::vector<std::string>{"picom", "--backend", "xrender", "--config", "/dev/null"},
@@ -103,28 +85,12 @@ void RealDesktop::setEnvironment() {
     }
 }
 
-void RealDesktop::startDisplay(const char *screen) {
-    const std::string number = firstLineFrom([&](int fd) {
-        m_programs.emplace_back(std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(fd), "-screen", "0",
-                                                         screen, "-nolisten", "tcp", "-noreset"},
-                                Output::dropped, fd);
-    });
-    if (number.empty()) {
-        throw std::runtime_error("Xvfb did not start");
+void RealDesktop::startServer(const char *variable, const char *prefix, const std::vector<std::string> &arguments) {
+    const std::string told = startAndListen(m_programs.emplace_back(), arguments);
+    if (told.empty()) {
+        throw std::runtime_error(arguments.front() + " did not start");
     }
-    qputenv("DISPLAY", QByteArray::fromStdString(":" + number));
-}
-
-void RealDesktop::startBus() {
-    const std::string address = firstLineFrom([&](int fd) {
-        m_programs.emplace_back(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
-                                                         "--print-address=" + std::to_string(fd)},
-                                Output::dropped, fd);
-    });
-    if (address.empty()) {
-        throw std::runtime_error("the session bus did not start");
-    }
-    qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray::fromStdString(address));
+    qputenv(variable, QByteArray::fromStdString(prefix + told));
 }
 
 } // namespace quillory::test

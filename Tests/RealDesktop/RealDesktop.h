@@ -34,8 +34,8 @@ class RealDesktop {
 
   private:
     void setEnvironment();
-    void startDisplay(const char *screen);
-    void startBus();
+    /// Starts a program that tells where it is to be found, which goes into an environment variable.
+    void startServer(const char *variable, const char *prefix, const std::vector<std::string> &arguments);
 
     QTemporaryDir m_folder;
     std::vector<std::pair<QByteArray, QByteArray>> m_savedEnvironment;

@@ -22,10 +22,9 @@ TEST_F(AtspiAccessibility, AnswersATickFromOneRoundTrip) {
     EXPECT_EQ(focused()->pid(), getpid());
     EXPECT_EQ(read<QString>(focused(), axAttribute::role), axRole::textArea);
     EXPECT_EQ(read<double>(focused(), axAttribute::numberOfCharacters), 4);
-    EXPECT_EQ(read<QString>(focused(), axAttribute::placeholderValue), QStringLiteral("Type here"));
+    EXPECT_EQ(read<QString>(focused(), axAttribute::placeholderValue), u"Type here"_qs);
     EXPECT_EQ(read<Point>(focused(), axAttribute::position), (Point{10, 20}));
-    EXPECT_EQ(read<QString>(read<AXUIElement>(focused(), axAttribute::window), axAttribute::title),
-              QStringLiteral("Chat"));
+    EXPECT_EQ(read<QString>(read<AXUIElement>(focused(), axAttribute::window), axAttribute::title), u"Chat"_qs);
     const auto before = accessibility->traffic();
     constexpr int ticks = 10;
     for (int i = 0; i < ticks; ++i) {
@@ -44,11 +43,11 @@ TEST_F(AtspiAccessibility, WritesAndReadsBackAfresh) {
     ASSERT_TRUE(waitForValue("helo"));
     const auto element = *focused();
     EXPECT_TRUE(element.isAttributeSettable(axAttribute::value));
-    const auto text = QStringLiteral("\U0001F600\U0001F44D ok");
+    const auto text = u"\U0001F600\U0001F44D ok"_qs;
     EXPECT_TRUE(element.setAttributeValue(axAttribute::value, text));
     EXPECT_EQ(read<QString>(element, axAttribute::value), text);
     EXPECT_TRUE(element.setAttributeValue(axAttribute::selectedTextRange, AXRange{text.size(), 0}));
-    EXPECT_EQ(bus.caret(), 5) << "the bus counts code points";
+    EXPECT_EQ(bus.caret, 5) << "the bus counts code points";
     // More than is copied along with every tick.
     const QString longText(25'000, QLatin1Char('x'));
     EXPECT_TRUE(element.setAttributeValue(axAttribute::value, longText));
@@ -79,11 +78,11 @@ TEST_F(AtspiAccessibility, NamesNothingInAWindowThatTheDesktopCallsInactive) {
     for (const qint32 shown : {inSandbox, static_cast<qint32>(getpid())}) {
         for (const bool hangs : {false, true}) {
             const auto text = std::to_string(shown) + (hangs ? "hangs" : "answers");
-            bus.hang(false);
+            bus.hangs = false;
             bus.change(field, [&](FakeElement &element) { element.text = text; });
             activeWindow = {100, shown};
             ASSERT_TRUE(waitForValue(text.c_str()));
-            bus.hang(hangs);
+            bus.hangs = hangs;
             EXPECT_EQ(processNamed({}), getpid()) << text;
             EXPECT_EQ(processNamed({{100, shown}}), getpid()) << text;
             if (hangs || shown != inSandbox) {
@@ -120,7 +119,7 @@ TEST_F(AtspiAccessibility, OutlivesAnApplicationThatHangs) {
     bus.focus(field);
     start();
     ASSERT_TRUE(waitForValue("helo"));
-    bus.hang(true);
+    bus.hangs = true;
     const auto begin = millisecondsNow();
     // Without a deadline of our own each of these waits would take 25 seconds.
     EXPECT_TRUE(waitUntil([&] { return !focusedValue(); }));
@@ -131,7 +130,7 @@ TEST_F(AtspiAccessibility, OutlivesAnApplicationThatHangs) {
     EXPECT_LT(millisecondsNow() - begin, 10'000);
     EXPECT_TRUE(focused()) << "the focus did not move";
     bus.change(field, [](FakeElement &element) { element.text = "awake"; });
-    bus.hang(false);
+    bus.hangs = false;
     EXPECT_TRUE(waitForValue("awake"));
 }
 
@@ -139,12 +138,12 @@ TEST_F(AtspiAccessibility, FindsTheFocusBesideAnApplicationThatHangs) {
     bus.addHungApplication();
     bus.focus(field, false);
     start();
-    EXPECT_TRUE(waitUntil([&] { return focusedValue() == QStringLiteral("helo"); }, 4'000));
+    EXPECT_TRUE(waitUntil([&] { return focusedValue() == u"helo"_qs; }, 4'000));
 }
 
 TEST_F(AtspiAccessibility, QuitsAtOnceWhateverHangs) {
     const QTemporaryDir folder;
-    const std::string path = folder.filePath(QStringLiteral("bus")).toStdString();
+    const std::string path = folder.filePath(u"bus"_qs).toStdString();
     const int mute = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_un name{.sun_family = AF_UNIX, .sun_path = {}};
     path.copy(name.sun_path, sizeof name.sun_path - 1);

@@ -3,15 +3,11 @@
 #include "Platform/Linux/Network/LineSplitter.h"
 #include "Threaded/LoopbackServer.h"
 
-#include <QStringList>
-
 #include <gmock/gmock.h>
 
-#include <array>
 #include <dlfcn.h>
 #include <future>
 #include <netdb.h>
-#include <numeric>
 
 using namespace std::chrono_literals;
 using platform::CancellationError;
@@ -60,6 +56,14 @@ Lines readAll(platform::URLByteStream &stream) {
     return lines;
 }
 
+/// A server that says this to each request, and closes.
+LoopbackServer::Handler saying(const QByteArray &bytes) {
+    return [bytes](LoopbackConnection &connection) {
+        (void)connection.readRequest();
+        connection.send(bytes);
+    };
+}
+
 /// The sentence with which reading an answer ends; empty when it ends well.
 std::string failureOf(CurlURLSession &session, const URLRequest &request) {
     try {
@@ -71,18 +75,8 @@ std::string failureOf(CurlURLSession &session, const URLRequest &request) {
 }
 
 TEST(LineSplitter, GivesTheSameLinesHoweverTheBodyIsCut) {
-    const QByteArray body = "\xEF\xBB\xBF"
-                            "a\r\n\r\n\nb\rc\n\r\xEF\xBB\xBF"
-                            "d\u00e9\xF0\x9F\x98\x80\r\n\xEF\xBB";
-    const Lines expected{"a",
-                         "",
-                         "",
-                         "b",
-                         "c",
-                         "",
-                         "\xEF\xBB\xBF"
-                         "d\u00e9\xF0\x9F\x98\x80",
-                         "\xEF\xBB"};
+    const QByteArray body = "\uFEFFa\r\n\r\n\nb\rc\n\r\uFEFFd\u00e9\U0001F600\r\n\xEF\xBB";
+    const Lines expected{"a", "", "", "b", "c", "", "\uFEFFd\u00e9\U0001F600", "\xEF\xBB"};
     for (qsizetype step = 1; step <= body.size(); ++step) {
         LineSplitter splitter;
         Lines lines;
@@ -148,8 +142,7 @@ TEST(CurlURLSession, GivesLinesWhileTheAnswerComesAndKeepsTheConnection) {
             return;
         }
         connection.send(chunkedHead);
-        connection.sendChunk("\xEF\xBB\xBF"
-                             "data: one\r");
+        connection.sendChunk("\uFEFFdata: one\r");
         wantsSecond.get_future().wait();
         connection.sendChunk("\ndata: \xF0\x9F");
         connection.sendChunk("\x98\x80\r\n");
@@ -177,77 +170,60 @@ TEST(CurlURLSession, GivesLinesWhileTheAnswerComesAndKeepsTheConnection) {
     EXPECT_LT(attempts, 100);
 }
 
-struct Misbehaviour {
-    const char *name;
-    LoopbackServer::Handler handler;
-    std::string sentence;
-};
-
-QByteArray repeated(const char *text, qsizetype size) {
-    return QByteArray(text).repeated(size / static_cast<qsizetype>(qstrlen(text)));
+/// A server that begins so and says the rest again and again.
+LoopbackServer::Handler repeating(const QByteArray &start, const QByteArray &rest, int times) {
+    return [start, endless = rest.repeated(times)](LoopbackConnection &connection) {
+        (void)connection.readRequest();
+        connection.send(start);
+        while (connection.send(endless)) {
+        }
+    };
 }
 
 TEST(CurlURLSession, EndsBadAnswersWithASentence) {
-    const auto saying = [](const QByteArray &bytes) {
-        return [bytes](LoopbackConnection &connection) {
-            (void)connection.readRequest();
-            connection.send(bytes);
-        };
-    };
-    const auto without = [](const QByteArray &start, const QByteArray &endless) {
-        return [=](LoopbackConnection &connection) {
-            (void)connection.readRequest();
-            connection.send(start);
-            while (connection.send(endless)) {
-            }
-        };
-    };
-    const QByteArray open = "HTTP/1.1 200 OK\r\n\r\n";
-    const std::array cases{
-        Misbehaviour{"closes at once", [](LoopbackConnection &) {}, "closed the connection|was lost"},
-        Misbehaviour{"says nothing", saying(""), "closed the connection"},
-        Misbehaviour{"breaks a chunked body", saying(chunkedHead + "5\r\nab"), "was lost"},
-        Misbehaviour{"breaks a counted body", saying("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nab"), "was lost"},
-        Misbehaviour{"breaks the head", saying("HTTP/1.1 200 OK\r\nContent-Le"), "was lost|closed the connection"},
-        Misbehaviour{"never ends its head", without("HTTP/1.1 200 OK\r\n", repeated("X-More: of the same\r\n", 20'000)),
-                     "head of the answer is too long"},
-        Misbehaviour{"never ends a header", without("HTTP/1.1 200 OK\r\nX: ", repeated("x", 20'000)),
-                     "failed|too long"},
-        Misbehaviour{"never becomes final", without("", repeated("HTTP/1.1 103 Early Hints\r\n\r\n", 20'000)),
-                     "head of the answer is too long"},
-        Misbehaviour{"never ends a line", without(open, repeated("x", 20'000)), "A line of the answer is too long"},
-        Misbehaviour{"never ends", without(open, QByteArray("x\n").rightJustified(200, 'x').repeated(100)),
-                     "The answer is too long"},
-        Misbehaviour{"stalls before the head", [](LoopbackConnection &connection) { (void)connection.awaitClosed(); },
-                     "timed out"},
-        Misbehaviour{"stalls in the body",
-                     [open](LoopbackConnection &connection) {
-                         connection.send(open + "a\nb");
-                         EXPECT_TRUE(connection.awaitClosed());
-                     },
-                     "timed out"},
+    const QByteArray ok = "HTTP/1.1 200 OK\r\n";
+    const QByteArray open = ok + "\r\n";
+    const struct {
+        const char *name;
+        LoopbackServer::Handler handler;
+        std::string sentence;
+    } cases[] = {
+        {"closes at once", [](LoopbackConnection &) {}, "closed the connection|was lost"},
+        {"says nothing", saying(""), "closed the connection"},
+        {"breaks a chunked body", saying(chunkedHead + "5\r\nab"), "was lost"},
+        {"breaks a counted body", saying(ok + "Content-Length: 9\r\n\r\nab"), "was lost"},
+        {"breaks the head", saying(ok + "Content-Le"), "was lost|closed the connection"},
+        {"never ends its head", repeating(ok, "X-More: of the same\r\n", 1000), "head of the answer is too long"},
+        {"never ends a header", repeating(ok + "X: ", "x", 20'000), "failed|too long"},
+        {"never becomes final", repeating("", "HTTP/1.1 103 Early Hints\r\n\r\n", 700),
+         "head of the answer is too long"},
+        {"never ends a line", repeating(open, "x", 20'000), "A line of the answer is too long"},
+        {"never ends", repeating(open, QByteArray("x\n").rightJustified(200, 'x'), 100), "The answer is too long"},
+        {"stalls before the head", [](LoopbackConnection &connection) { (void)connection.awaitClosed(); }, "timed out"},
+        {"stalls in the body",
+         [open](LoopbackConnection &connection) {
+             connection.send(open + "a\nb");
+             EXPECT_TRUE(connection.awaitClosed());
+         },
+         "timed out"},
     };
     for (const auto &[name, handler, sentence] : cases) {
         LoopbackServer server(handler);
         CurlURLSession session;
-        const bool stalls = QByteArray(name).startsWith("stalls");
-        const std::string failure = failureOf(session, requestTo(server.url(), stalls ? 300ms : 10s));
-        EXPECT_THAT(failure, testing::ContainsRegex(sentence)) << name;
+        const auto timeout = QByteArray(name).startsWith("stalls") ? 300ms : 10s;
+        EXPECT_THAT(failureOf(session, requestTo(server.url(), timeout)), testing::ContainsRegex(sentence)) << name;
     }
 }
 
 TEST(CurlURLSession, TellsWhatIsNotHTTPAndFollowsNoRedirect) {
-    const QByteArray redirect = "HTTP/1.1 307 Go\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n";
-    const std::array<std::pair<QByteArray, std::optional<int>>, 5> cases{{{"SSH-2.0-OpenSSH_9.2\r\n", std::nullopt},
-                                                                          {"HTTP/1.1 nonsense\r\n\r\n", std::nullopt},
-                                                                          {"\x16\x03\x01", std::nullopt},
-                                                                          {redirect, 307},
-                                                                          {answerWith("429 Slow down", ""), 429}}};
+    const std::pair<QByteArray, std::optional<int>> cases[]{
+        {"SSH-2.0-OpenSSH_9.2\r\n", std::nullopt},
+        {"HTTP/1.1 nonsense\r\n\r\n", std::nullopt},
+        {"\x16\x03\x01", std::nullopt},
+        {"HTTP/1.1 307 Go\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n", 307},
+        {answerWith("429 Slow down", ""), 429}};
     for (const auto &[bytes, status] : cases) {
-        LoopbackServer server([&](LoopbackConnection &connection) {
-            (void)connection.readRequest();
-            connection.send(bytes);
-        });
+        LoopbackServer server(saying(bytes));
         CurlURLSession session;
         const auto stream = session.bytes(requestTo(server.url()), {});
         EXPECT_EQ(stream->statusCode(), status) << bytes.toStdString();
@@ -261,7 +237,7 @@ TEST(CurlURLSession, RefusesRequestsThatCannotBeSent) {
     for (const char *address : {"file:///etc/passwd", "ftp://127.0.0.1/", "", "https:///path", "127.0.0.1"}) {
         EXPECT_THAT(failureOf(session, requestTo(QUrl(QString::fromUtf8(address)))), HasSubstr("not a web address"));
     }
-    URLRequest request = requestTo(QUrl(QStringLiteral("http://127.0.0.1:1/")));
+    URLRequest request = requestTo(QUrl(u"http://127.0.0.1:1/"_qs));
     EXPECT_EQ(failureOf(session, request), "Could not connect to the server.");
     request.headers = {{"Authorization", "Bearer k\r\nX-Other: 1"}};
     EXPECT_EQ(failureOf(session, request), "A header of the request holds a line break.");
@@ -300,9 +276,7 @@ TEST(CurlURLSession, SlowsDownAServerThatIsFasterThanItsReader) {
     for (int before = sent; before < 20; before = sent) {
         sent.wait(before);
     }
-    const Lines lines = readAll(*stream);
-    EXPECT_EQ(lines.size(), blocks * 100U);
-    EXPECT_EQ(lines.back(), QByteArray(639, 'x'));
+    EXPECT_EQ(readAll(*stream), Lines(blocks * 100U, QByteArray(639, 'x')));
 }
 
 TEST(CurlURLSession, StreamsManyAnswersAtOnce) {
@@ -316,8 +290,10 @@ TEST(CurlURLSession, StreamsManyAnswersAtOnce) {
             connection.send("0\r\n\r\n");
         }
     });
-    Lines expected(lineCount);
-    std::generate(expected.begin(), expected.end(), [number = 0]() mutable { return QByteArray::number(number++); });
+    Lines expected;
+    for (int line = 0; line < lineCount; ++line) {
+        expected.push_back(QByteArray::number(line));
+    }
     CurlURLSession session;
     std::vector<std::future<Lines>> readers;
     for (int reader = 0; reader < 12; ++reader) {
@@ -364,16 +340,13 @@ TEST(CurlURLSession, CancelsAtOnceAndClosesTheConnection) {
     CurlURLSession session;
     std::stop_source stopped;
     stopped.request_stop();
-    EXPECT_THROW((void)session.data(requestTo(QUrl(QStringLiteral("http://127.0.0.1:1/"))), stopped.get_token()),
+    EXPECT_THROW((void)session.data(requestTo(QUrl(u"http://127.0.0.1:1/"_qs)), stopped.get_token()),
                  CancellationError);
 }
 
 TEST(CurlURLSession, LetsNobodyWaitForAHangingNameLookup) {
-    LoopbackServer server([](LoopbackConnection &connection) {
-        (void)connection.readRequest();
-        connection.send(answerWith("200 OK", "here"));
-    });
-    const QUrl slow(QStringLiteral("http://slow.invalid/"));
+    LoopbackServer server(saying(answerWith("200 OK", "here")));
+    const QUrl slow(u"http://slow.invalid/"_qs);
     {
         CurlURLSession session;
         EXPECT_TRUE(isCancelled(session, slow, [&] { slowNameAsked.wait(false); }));

@@ -3,18 +3,15 @@
 
 #include <algorithm>
 #include <array>
-#include <fcntl.h>
+#include <numeric>
 #include <stdexcept>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 
 namespace quillory::test {
-
 namespace {
 
-constexpr const char *nullPath = "/org/a11y/atspi/null";
-constexpr std::uint64_t pollMicroseconds = 5'000;
+using Lock = std::scoped_lock<std::recursive_mutex>;
 
 sd_bus *connectTo(const std::string &address) {
     sd_bus *bus = nullptr;
@@ -25,20 +22,26 @@ sd_bus *connectTo(const std::string &address) {
     return bus;
 }
 
-void appendStates(sd_bus_message *message, const std::vector<unsigned> &states) {
+std::string nameOf(sd_bus *bus) {
+    const char *name = nullptr;
+    sd_bus_get_unique_name(bus, &name);
+    return name;
+}
+
+bool appendStates(sd_bus_message *message, const std::vector<unsigned> &states) {
     std::array<std::uint32_t, 2> words{};
     for (const unsigned state : states) {
         words.at(state / 32) |= 1U << (state % 32);
     }
-    sd_bus_message_append_array(message, 'u', words.data(), sizeof words);
+    return sd_bus_message_append_array(message, 'u', words.data(), sizeof words) >= 0;
 }
 
-void appendStrings(sd_bus_message *message, const std::vector<std::string> &strings) {
-    sd_bus_message_open_container(message, 'a', "s");
-    for (const auto &string : strings) {
-        sd_bus_message_append(message, "s", string.c_str());
+bool appendAttributes(sd_bus_message *message, const std::map<std::string, std::string> &attributes) {
+    sd_bus_message_open_container(message, 'a', "{ss}");
+    for (const auto &[key, value] : attributes) {
+        sd_bus_message_append(message, "{ss}", key.c_str(), value.c_str());
     }
-    sd_bus_message_close_container(message);
+    return sd_bus_message_close_container(message) >= 0;
 }
 
 // Whether a search asks for a role (the word with that of static texts is set) or for any element.
@@ -55,24 +58,41 @@ int characters(const std::string &utf8) {
     return static_cast<int>(std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
+bool isRegistered(const std::set<std::string> &registered, const std::string &event) {
+    static const std::map<std::string, std::string> names{{"ChildrenChanged", "object:children-changed"},
+                                                          {"TextChanged", "object:text-changed"},
+                                                          {"PropertyChange", "object:property-change:accessible-name"},
+                                                          {"StateChanged", "object:state-changed:focused"}};
+    return registered.contains(names.at(event));
+}
+
 } // namespace
 
 FakeAccessibilityBus::FakeAccessibilityBus() {
-    std::array<int, 2> ends{};
-    if (pipe(ends.data()) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    m_daemon = ChildProcess(
-        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address=" + std::to_string(ends[1])},
-        Output::dropped, ends[1]);
-    close(ends[1]);
-    for (char c = 0; read(ends[0], &c, 1) == 1 && c != '\n';) {
-        m_address += c;
-    }
-    close(ends[0]);
+    m_address = startAndListen(m_daemon, {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address="});
     m_elements[root] = FakeElement{.role = 75, .name = "fake"};
-    m_service = std::jthread([this](const std::stop_token &stop) { serveService(stop); });
-    m_application = std::jthread([this](const std::stop_token &stop) { serve(stop); });
+    m_service = std::jthread([this](const std::stop_token &stop) {
+        const auto onCall = [](sd_bus_message *call, void *self, sd_bus_error *) {
+            return static_cast<FakeAccessibilityBus *>(self)->answerAsService(call);
+        };
+        const auto begin = [](sd_bus *bus) {
+            sd_bus_request_name(bus, "org.a11y.Bus", 0);
+            sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
+        };
+        serve(onCall, stop, begin, [this](sd_bus *bus) { workAsService(bus); });
+    });
+    m_application = std::jthread([this](const std::stop_token &stop) {
+        const auto onCall = [](sd_bus_message *call, void *self, sd_bus_error *) {
+            return static_cast<FakeAccessibilityBus *>(self)->answerAsApplication(call);
+        };
+        const auto begin = [this](sd_bus *bus) {
+            const Lock lock(m_mutex);
+            m_name = nameOf(bus);
+        };
+        serve(onCall, stop, begin, [this](sd_bus *bus) { workAsApplication(bus); });
+        const Lock lock(m_mutex);
+        m_name.clear();
+    });
     waitUntil([this] { return m_ready == 2; });
 }
 
@@ -81,7 +101,7 @@ FakeAccessibilityBus::~FakeAccessibilityBus() {
 }
 
 std::string FakeAccessibilityBus::add(const std::string &parent, FakeElement element) {
-    const std::scoped_lock lock(m_mutex);
+    const Lock lock(m_mutex);
     std::string path = "/" + std::to_string(m_next++);
     element.parent = parent;
     m_elements[path] = std::move(element);
@@ -90,53 +110,51 @@ std::string FakeAccessibilityBus::add(const std::string &parent, FakeElement ele
 }
 
 void FakeAccessibilityBus::change(const std::string &path, const std::function<void(FakeElement &)> &change) {
-    const std::scoped_lock lock(m_mutex);
+    const Lock lock(m_mutex);
     change(m_elements[path]);
 }
 
 FakeElement FakeAccessibilityBus::element(const std::string &path) {
-    const std::scoped_lock lock(m_mutex);
+    const Lock lock(m_mutex);
     return m_elements[path];
 }
 
 void FakeAccessibilityBus::remove(const std::string &path) {
-    const std::scoped_lock lock(m_mutex);
+    const Lock lock(m_mutex);
     std::erase(m_elements[m_elements[path].parent].children, path);
     m_elements.erase(path);
 }
 
 void FakeAccessibilityBus::addHungApplication() {
-    const char *name = nullptr;
     m_hung = connectTo(m_address);
-    sd_bus_get_unique_name(m_hung, &name);
-    const std::scoped_lock lock(m_mutex);
-    m_hungName = name;
+    const Lock lock(m_mutex);
+    m_hungName = nameOf(m_hung);
 }
 
-void FakeAccessibilityBus::focus(const std::string &path, bool tell) {
+void FakeAccessibilityBus::focus(const std::string &path, bool isTold) {
     constexpr unsigned focused = 12;
-    const std::scoped_lock lock(m_mutex);
+    const Lock lock(m_mutex);
     for (auto &[other, element] : m_elements) {
         std::erase(element.states, focused);
     }
     m_elements[path].states.push_back(focused);
-    if (tell) {
+    if (isTold) {
         m_pendingSignals.push_back({path, "StateChanged", "focused"});
     }
 }
 
 void FakeAccessibilityBus::tell(const std::string &path, const std::string &event) {
-    const std::scoped_lock lock(m_mutex);
+    const Lock lock(m_mutex);
     m_pendingSignals.push_back({path, event, event == "PropertyChange" ? "accessible-name" : "add"});
 }
 
-void FakeAccessibilityBus::setToolkit(const char *toolkit) {
-    const std::scoped_lock lock(m_mutex);
-    m_toolkit = toolkit;
+bool FakeAccessibilityBus::hearsOf(const std::string &event) {
+    const Lock lock(m_mutex);
+    return !registryMustRestart && isRegistered(m_registered, event);
 }
 
 void FakeAccessibilityBus::setAnswer(Answer answer) {
-    const std::scoped_lock lock(m_mutex);
+    const Lock lock(m_mutex);
     m_answer = std::move(answer);
 }
 
@@ -151,140 +169,98 @@ void FakeAccessibilityBus::quit() {
 }
 
 int FakeAccessibilityBus::callsOf(const std::string &member) {
-    const std::scoped_lock lock(m_mutex);
+    const Lock lock(m_mutex);
     return m_calls[member];
 }
 
 int FakeAccessibilityBus::calls() {
-    const std::scoped_lock lock(m_mutex);
-    int sum = 0;
-    for (const auto &[member, count] : m_calls) {
-        sum += count;
-    }
-    return sum;
+    const Lock lock(m_mutex);
+    return std::accumulate(m_calls.begin(), m_calls.end(), 0, [](int sum, const auto &of) { return sum + of.second; });
 }
 
-bool FakeAccessibilityBus::hearsOf(const std::string &event) {
-    const std::scoped_lock lock(m_mutex);
-    return !m_mustRestart && isRegistered(event);
-}
-
-bool FakeAccessibilityBus::isRegistered(const std::string &member) const {
-    static const std::map<std::string, std::string> events{{"ChildrenChanged", "object:children-changed"},
-                                                           {"TextChanged", "object:text-changed"},
-                                                           {"PropertyChange", "object:property-change:accessible-name"},
-                                                           {"StateChanged", "object:state-changed:focused"}};
-    return m_registered.contains(events.at(member));
-}
-
-// The session's accessibility service and the registry.
-void FakeAccessibilityBus::serveService(const std::stop_token &stop) {
+void FakeAccessibilityBus::serve(sd_bus_message_handler_t onCall, const std::stop_token &stop,
+                                 const std::function<void(sd_bus *)> &begin,
+                                 const std::function<void(sd_bus *)> &work) {
     sd_bus *bus = connectTo(m_address);
-    sd_bus_add_filter(bus, nullptr, onServiceCall, this);
-    sd_bus_request_name(bus, "org.a11y.Bus", 0);
-    sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
+    sd_bus_add_filter(bus, nullptr, onCall, this);
+    begin(bus);
     ++m_ready;
     while (!stop.stop_requested()) {
-        if (m_mustTell.exchange(false)) {
-            sd_bus_emit_signal(bus, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
-                               "org.a11y.Status", 1, "IsEnabled", "b", m_isEnabled ? 1 : 0, 0);
-        }
-        if (m_mustRestart.exchange(false)) {
-            sd_bus_release_name(bus, "org.a11y.atspi.Registry");
-            const std::scoped_lock lock(m_mutex);
-            m_registered.clear();
-            sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
-        }
-        if (sd_bus_process(bus, nullptr) == 0) {
-            sd_bus_wait(bus, pollMicroseconds);
-        }
+        work(bus);
     }
     sd_bus_flush_close_unref(bus);
 }
 
-int FakeAccessibilityBus::onServiceCall(sd_bus_message *call, void *self, sd_bus_error *) {
-    auto &fake = *static_cast<FakeAccessibilityBus *>(self);
+// The session's accessibility service and the registry.
+void FakeAccessibilityBus::workAsService(sd_bus *bus) {
+    if (m_mustTell.exchange(false)) {
+        sd_bus_emit_signal(bus, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
+                           "org.a11y.Status", 1, "IsEnabled", "b", m_isEnabled ? 1 : 0, 0);
+    }
+    if (registryMustRestart.exchange(false)) {
+        sd_bus_release_name(bus, "org.a11y.atspi.Registry");
+        const Lock lock(m_mutex);
+        m_registered.clear();
+        sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
+    }
+    if (sd_bus_process(bus, nullptr) == 0) {
+        sd_bus_wait(bus, 5'000);
+    }
+}
+
+int FakeAccessibilityBus::answerAsService(sd_bus_message *call) {
     if (sd_bus_message_is_method_call(call, nullptr, nullptr) <= 0) {
         return 0;
     }
-    const std::scoped_lock lock(fake.m_mutex);
+    const Lock lock(m_mutex);
     const std::string_view member = sd_bus_message_get_member(call);
-    if (const char *event = nullptr; member == "RegisterEvent" || member == "DeregisterEvent") {
-        sd_bus_message_read(call, "s", &event);
-        if (member == "RegisterEvent") {
-            fake.m_registered.insert(event);
-        } else {
-            fake.m_registered.erase(event);
-        }
-    }
-    if (member == "GetAddress") {
-        return sd_bus_reply_method_return(call, "s", fake.m_address.c_str());
-    }
-    if (member == "GetChildren" && !fake.m_hungName.empty()) {
-        return sd_bus_reply_method_return(call, "a(so)", 2, fake.m_hungName.c_str(), root, fake.m_name.c_str(), root);
-    }
-    if (member == "GetChildren" && !fake.m_name.empty()) {
-        return sd_bus_reply_method_return(call, "a(so)", 1, fake.m_name.c_str(), root);
-    }
-    if (member == "Set") {
-        fake.setEnabled(true);
-        return sd_bus_reply_method_return(call, nullptr);
-    }
-    if (member == "Get") {
-        return sd_bus_reply_method_return(call, "v", "b", fake.m_isEnabled ? 1 : 0);
+    if (const char *event = nullptr; member == "RegisterEvent" && sd_bus_message_read(call, "s", &event) > 0) {
+        m_registered.insert(event);
+    } else if (member == "DeregisterEvent" && sd_bus_message_read(call, "s", &event) > 0) {
+        m_registered.erase(event);
+    } else if (member == "GetAddress") {
+        return sd_bus_reply_method_return(call, "s", m_address.c_str());
+    } else if (member == "GetChildren" && !m_hungName.empty()) {
+        return sd_bus_reply_method_return(call, "a(so)", 2, m_hungName.c_str(), root, m_name.c_str(), root);
+    } else if (member == "GetChildren" && !m_name.empty()) {
+        return sd_bus_reply_method_return(call, "a(so)", 1, m_name.c_str(), root);
+    } else if (member == "Set") {
+        setEnabled(true);
+    } else if (member == "Get") {
+        return sd_bus_reply_method_return(call, "v", "b", m_isEnabled ? 1 : 0);
     }
     return sd_bus_reply_method_return(call, nullptr);
 }
 
-void FakeAccessibilityBus::serve(const std::stop_token &stop) {
-    sd_bus *bus = connectTo(m_address);
-    sd_bus_add_filter(bus, nullptr, onCall, this);
-    const char *name = nullptr;
-    sd_bus_get_unique_name(bus, &name);
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_name = name;
+void FakeAccessibilityBus::workAsApplication(sd_bus *bus) {
+    if (hangs) {
+        return sleepBriefly();
     }
-    ++m_ready;
-    while (!stop.stop_requested()) {
-        if (m_hangs) {
-            sleepBriefly();
-            continue;
-        }
-        {
-            const std::scoped_lock lock(m_mutex);
-            for (const auto &event : std::exchange(m_pendingSignals, {})) {
-                if (!isRegistered(event.member)) {
-                    continue;
-                }
-                sd_bus_emit_signal(bus, event.path.c_str(), "org.a11y.atspi.Event.Object", event.member.c_str(),
-                                   "siiva{sv}", event.detail, 1, 0, "i", 0, 0);
+    {
+        const Lock lock(m_mutex);
+        for (const auto &[path, member, detail] : std::exchange(m_pendingSignals, {})) {
+            if (isRegistered(m_registered, member)) {
+                sd_bus_emit_signal(bus, path.c_str(), "org.a11y.atspi.Event.Object", member.c_str(), "siiva{sv}",
+                                   detail, 1, 0, "i", 0, 0);
             }
         }
-        if (sd_bus_process(bus, nullptr) == 0) {
-            sd_bus_wait(bus, pollMicroseconds);
-        }
     }
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_name.clear();
+    if (sd_bus_process(bus, nullptr) == 0) {
+        sd_bus_wait(bus, 5'000);
     }
-    sd_bus_flush_close_unref(bus);
 }
 
-int FakeAccessibilityBus::onCall(sd_bus_message *call, void *self, sd_bus_error *) {
-    auto &fake = *static_cast<FakeAccessibilityBus *>(self);
+int FakeAccessibilityBus::answerAsApplication(sd_bus_message *call) {
     if (sd_bus_message_is_method_call(call, nullptr, nullptr) <= 0 ||
         sd_bus_message_is_method_call(call, "org.freedesktop.DBus.Peer", nullptr) > 0) {
         return 0;
     }
-    const std::scoped_lock lock(fake.m_mutex);
-    ++fake.m_calls[sd_bus_message_get_member(call)];
+    const Lock lock(m_mutex);
+    const std::string member = sd_bus_message_get_member(call);
+    ++m_calls[member];
     sd_bus_message *reply = nullptr;
     sd_bus_message_new_method_return(call, &reply);
-    const bool isOwn =
-        fake.m_answer && fake.m_answer(sd_bus_message_get_path(call), sd_bus_message_get_member(call), reply);
-    if (isOwn || fake.answer(call, reply)) {
+    if ((m_answer && m_answer(sd_bus_message_get_path(call), member, reply)) || answer(call, reply)) {
         sd_bus_send(nullptr, reply, nullptr);
     } else {
         sd_bus_reply_method_errorf(call, SD_BUS_ERROR_UNKNOWN_METHOD, "not known here");
@@ -294,104 +270,87 @@ int FakeAccessibilityBus::onCall(sd_bus_message *call, void *self, sd_bus_error 
 }
 
 bool FakeAccessibilityBus::answer(sd_bus_message *call, sd_bus_message *reply) {
+    const std::string path = sd_bus_message_get_path(call);
     const std::string_view member = sd_bus_message_get_member(call);
-    if (member == "GetMatches" && m_search == Search::wrong) {
-        return sd_bus_message_append(reply, "as", 1, "nothing") >= 0;
+    const auto say = [reply](const char *types, auto... values) {
+        return sd_bus_message_append(reply, types, values...) >= 0;
+    };
+    if (member == "GetMatches" && search == Search::wrong) {
+        return say("as", 1, "nothing");
     }
-    if (member == "GetMatches" && m_search != Search::none) {
+    if (member == "GetMatches" && search == Search::whole) {
         std::vector<std::string> found;
-        search(sd_bus_message_get_path(call), asksForTexts(call), found);
-        appendReferences(reply, found);
-        return true;
+        find(path, asksForTexts(call), found);
+        return appendReferences(reply, found);
     }
-    const auto found = m_elements.find(sd_bus_message_get_path(call));
+    const auto found = m_elements.find(path);
     if (found == m_elements.end()) {
         return false;
     }
-    const auto &element = found->second;
-    if (member == "GetRole") {
-        return sd_bus_message_append(reply, "u", element.role) >= 0;
-    }
-    if (member == "GetState") {
-        appendStates(reply, element.states);
-        return true;
-    }
-    if (member == "GetChildren") {
-        appendReferences(reply, element.children);
-        return true;
-    }
-    if (member == "GetInterfaces") {
-        appendStrings(reply, element.interfaces);
-        return true;
-    }
-    if (member == "GetAttributes") {
-        sd_bus_message_open_container(reply, 'a', "{ss}");
-        for (const auto &[key, value] : element.attributes) {
-            sd_bus_message_append(reply, "{ss}", key.c_str(), value.c_str());
-        }
-        return sd_bus_message_close_container(reply) >= 0;
-    }
-    if (member == "GetText") {
-        return sd_bus_message_append(reply, "s", element.text.c_str()) >= 0;
-    }
-    if (member == "GetExtents") {
-        return sd_bus_message_append(reply, "(iiii)", element.x, 20, 100, 30) >= 0;
-    }
-    if (member == "SetTextContents") {
-        const char *text = nullptr;
-        sd_bus_message_read(call, "s", &text);
-        found->second.text = text;
-        return sd_bus_message_append(reply, "b", 1) >= 0;
-    }
-    if (member == "SetCaretOffset") {
-        int offset = 0;
-        sd_bus_message_read(call, "i", &offset);
-        m_caret = offset;
-        return sd_bus_message_append(reply, "b", 1) >= 0;
-    }
-    if (member == "Get") {
-        answerProperty(call, element, reply);
-        return true;
-    }
-    return false;
+    FakeElement &element = found->second;
+    const std::map<std::string_view, std::function<bool()>> answers{
+        {"GetRole", [&] { return say("u", element.role); }},
+        {"GetState", [&] { return appendStates(reply, element.states); }},
+        {"GetChildren", [&] { return appendReferences(reply, element.children); }},
+        {"GetInterfaces",
+         [&] {
+             return say("as", 3, "org.a11y.atspi.Accessible", "org.a11y.atspi.Text", "org.a11y.atspi.EditableText");
+         }},
+        {"GetAttributes", [&] { return appendAttributes(reply, element.attributes); }},
+        {"GetText", [&] { return say("s", element.text.c_str()); }},
+        {"GetExtents", [&] { return say("(iiii)", 10, 20, 100, 30); }},
+        {"SetTextContents",
+         [&] {
+             const char *text = nullptr;
+             sd_bus_message_read(call, "s", &text);
+             element.text = text;
+             return say("b", 1);
+         }},
+        {"SetCaretOffset",
+         [&] {
+             int offset = 0;
+             sd_bus_message_read(call, "i", &offset);
+             caret = offset;
+             return say("b", 1);
+         }},
+        {"Get", [&] { return answerProperty(call, element, reply); }}};
+    const auto known = answers.find(member);
+    return known != answers.end() && known->second();
 }
 
-void FakeAccessibilityBus::answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply) {
+bool FakeAccessibilityBus::answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply) {
     const char *interface = nullptr;
     const char *name = nullptr;
     sd_bus_message_read(call, "ss", &interface, &name);
     const std::string_view property = name;
     if (property == "Parent") {
         const bool hasParent = !element.parent.empty();
-        sd_bus_message_append(reply, "v", "(so)", hasParent ? m_name.c_str() : "",
-                              hasParent ? element.parent.c_str() : nullPath);
-    } else if (property == "Name") {
-        sd_bus_message_append(reply, "v", "s", element.name.c_str());
-    } else if (property == "ToolkitName") {
-        sd_bus_message_append(reply, "v", "s", m_toolkit.c_str());
-    } else if (property == "ChildCount") {
-        sd_bus_message_append(reply, "v", "i", static_cast<int>(element.children.size()));
-    } else {
-        sd_bus_message_append(reply, "v", "i", characters(element.text));
+        return sd_bus_message_append(reply, "v", "(so)", hasParent ? m_name.c_str() : "",
+                                     hasParent ? element.parent.c_str() : "/org/a11y/atspi/null") >= 0;
     }
+    if (property == "Name" || property == "ToolkitName") {
+        return sd_bus_message_append(reply, "v", "s", property == "Name" ? element.name.c_str() : toolkit.load()) >= 0;
+    }
+    const auto count = property == "ChildCount" ? static_cast<int>(element.children.size()) : characters(element.text);
+    return sd_bus_message_append(reply, "v", "i", count) >= 0;
 }
 
-void FakeAccessibilityBus::appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const {
+bool FakeAccessibilityBus::appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const {
     sd_bus_message_open_container(reply, 'a', "(so)");
     for (const auto &path : paths) {
         sd_bus_message_append(reply, "(so)", m_name.c_str(), path.c_str());
     }
-    sd_bus_message_close_container(reply);
+    return sd_bus_message_close_container(reply) >= 0;
 }
 
 // The texts, or all that is below an element, in the order of a walk.
-void FakeAccessibilityBus::search(const std::string &path, bool textsOnly, std::vector<std::string> &found) const {
+void FakeAccessibilityBus::find(const std::string &path, bool textsOnly, std::vector<std::string> &found) const {
     constexpr unsigned staticText = 116;
     for (const auto &child : m_elements.at(path).children) {
         if (!textsOnly || m_elements.at(child).role == staticText) {
             found.push_back(child);
         }
-        search(child, textsOnly, found);
+        find(child, textsOnly, found);
     }
 }
 

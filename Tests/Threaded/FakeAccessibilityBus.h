@@ -10,9 +10,7 @@
 #include <map>
 #include <mutex>
 #include <set>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace quillory::test {
 
@@ -25,9 +23,6 @@ struct FakeElement {
     std::string text = {};
     std::vector<unsigned> states{25, 30};
     std::map<std::string, std::string> attributes = {};
-    std::vector<std::string> interfaces{"org.a11y.atspi.Accessible", "org.a11y.atspi.Text",
-                                        "org.a11y.atspi.EditableText"};
-    int x = 10;
 };
 
 /// A bus of its own with a registry and one application on it, which behaves as the test says: the session bus and the
@@ -45,6 +40,15 @@ class FakeAccessibilityBus {
     FakeAccessibilityBus(const FakeAccessibilityBus &) = delete;
     FakeAccessibilityBus &operator=(const FakeAccessibilityBus &) = delete;
 
+    std::atomic<Search> search = Search::none;
+    std::atomic<const char *> toolkit = "Fake";
+    /// While set nothing is answered; then all that has piled up is.
+    std::atomic<bool> hangs = false;
+    /// The registry starts anew and knows of no registration.
+    std::atomic<bool> registryMustRestart = false;
+    /// Where a caret was set last.
+    std::atomic<int> caret = -1;
+
     [[nodiscard]] const std::string &address() const { return m_address; }
     /// Adds an element below another and returns its path.
     std::string add(const std::string &parent, FakeElement element);
@@ -54,38 +58,37 @@ class FakeAccessibilityBus {
     /// Lists another application before the others, one that never answers.
     void addHungApplication();
     /// Gives an element the focus, with or without telling anybody.
-    void focus(const std::string &path, bool tell = true);
+    void focus(const std::string &path, bool isTold = true);
     /// Tells that something about an element has changed, as the application's event of this name, if anybody has
     /// registered for it.
     void tell(const std::string &path, const std::string &event);
     /// Whether an event of this name would be sent.
     [[nodiscard]] bool hearsOf(const std::string &event);
-    void setSearch(Search search) { m_search = search; }
-    void setToolkit(const char *toolkit);
     void setAnswer(Answer answer);
-    /// From now on nothing is answered; false: all that has piled up is.
-    void hang(bool hangs) { m_hangs = hangs; }
     void setEnabled(bool enabled);
-    /// The registry starts anew and knows of no registration.
-    void restartRegistry() { m_mustRestart = true; }
     /// The application leaves the bus.
     void quit();
     [[nodiscard]] int callsOf(const std::string &member);
     /// All of them together.
     [[nodiscard]] int calls();
-    /// Which element's caret was set last, and where.
-    [[nodiscard]] int caret() const { return m_caret; }
 
   private:
-    void serve(const std::stop_token &stop);
-    [[nodiscard]] bool isRegistered(const std::string &member) const;
-    void serveService(const std::stop_token &stop);
+    void serve(sd_bus_message_handler_t onCall, const std::stop_token &stop, const std::function<void(sd_bus *)> &begin,
+               const std::function<void(sd_bus *)> &work);
+    void workAsService(sd_bus *bus);
+    void workAsApplication(sd_bus *bus);
+    int answerAsService(sd_bus_message *call);
+    int answerAsApplication(sd_bus_message *call);
     bool answer(sd_bus_message *call, sd_bus_message *reply);
-    void answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply);
-    void appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const;
-    void search(const std::string &path, bool textsOnly, std::vector<std::string> &found) const;
-    static int onCall(sd_bus_message *call, void *self, sd_bus_error *);
-    static int onServiceCall(sd_bus_message *call, void *self, sd_bus_error *);
+    bool answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply);
+    bool appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const;
+    void find(const std::string &path, bool textsOnly, std::vector<std::string> &found) const;
+
+    struct Event {
+        std::string path;
+        std::string member;
+        const char *detail;
+    };
 
     ChildProcess m_daemon;
     std::string m_address;
@@ -94,24 +97,14 @@ class FakeAccessibilityBus {
     std::string m_name;
     std::string m_hungName;
     sd_bus *m_hung = nullptr;
-    std::string m_toolkit = "Fake";
-    std::atomic<bool> m_mustRestart = false;
     /// The kinds of events that somebody has registered for.
     std::set<std::string> m_registered;
-    struct Event {
-        std::string path;
-        std::string member;
-        const char *detail;
-    };
     std::vector<Event> m_pendingSignals;
     Answer m_answer;
     std::map<std::string, int> m_calls;
     int m_next = 1;
-    std::atomic<Search> m_search = Search::none;
-    std::atomic<bool> m_hangs = false;
     std::atomic<bool> m_isEnabled = true;
     std::atomic<bool> m_mustTell = false;
-    std::atomic<int> m_caret = -1;
     std::atomic<int> m_ready = 0;
     std::jthread m_service;
     std::jthread m_application;

@@ -12,26 +12,6 @@
 
 namespace quillory::test {
 
-namespace {
-sockaddr_in addressOf(int socket) {
-    sockaddr_in address{};
-    socklen_t length = sizeof address;
-    getsockname(socket, reinterpret_cast<sockaddr *>(&address), &length);
-    return address;
-}
-
-int listenSomewhere() {
-    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0 || listen(listener, 64) != 0) {
-        throw std::runtime_error("cannot listen on the loopback address");
-    }
-    return listener;
-}
-} // namespace
-
 QByteArray answerWith(const QByteArray &status, const QByteArray &body) {
     return "HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
 }
@@ -46,36 +26,31 @@ bool LoopbackConnection::receive() {
 }
 
 QByteArray LoopbackConnection::readRequest() {
-    qsizetype headEnd = -1;
-    while ((headEnd = m_received.indexOf("\r\n\r\n")) < 0) {
-        if (!receive()) {
-            return {};
-        }
-    }
     const QByteArray length = "content-length:";
-    const QByteArray head = m_received.first(headEnd).toLower();
-    const qsizetype at = head.indexOf(length);
-    const qsizetype body = at < 0 ? 0 : head.sliced(at + length.size()).split('\r').front().trimmed().toLongLong();
-    const qsizetype size = headEnd + 4 + body;
-    while (m_received.size() < size) {
+    for (;;) {
+        const qsizetype headEnd = m_received.indexOf("\r\n\r\n");
+        const QByteArray head = m_received.first(std::max<qsizetype>(headEnd, 0)).toLower();
+        const qsizetype at = head.indexOf(length);
+        const qsizetype body = at < 0 ? 0 : head.sliced(at + length.size()).split('\r').front().trimmed().toLongLong();
+        const qsizetype size = headEnd + 4 + body;
+        if (headEnd >= 0 && m_received.size() >= size) {
+            const QByteArray request = m_received.first(size);
+            m_received.remove(0, size);
+            return request;
+        }
         if (!receive()) {
             return {};
         }
     }
-    const QByteArray request = m_received.first(size);
-    m_received.remove(0, size);
-    return request;
 }
 
 bool LoopbackConnection::send(const QByteArray &bytes) {
-    qsizetype sent = 0;
-    while (sent < bytes.size()) {
-        const auto left = static_cast<std::size_t>(bytes.size() - sent);
-        const ssize_t count = ::send(m_socket, bytes.constData() + sent, left, MSG_NOSIGNAL);
+    for (QByteArrayView left = bytes; !left.isEmpty();) {
+        const ssize_t count = ::send(m_socket, left.data(), static_cast<std::size_t>(left.size()), MSG_NOSIGNAL);
         if (count <= 0) {
             return false;
         }
-        sent += count;
+        left = left.sliced(count);
     }
     return true;
 }
@@ -86,8 +61,7 @@ bool LoopbackConnection::sendChunk(const QByteArray &bytes) {
 
 bool LoopbackConnection::awaitClosed() {
     pollfd waiting{.fd = m_socket, .events = POLLIN, .revents = 0};
-    constexpr int patience = 10'000;
-    while (poll(&waiting, 1, patience) > 0) {
+    while (poll(&waiting, 1, 10'000) > 0) {
         if (!receive()) {
             return true;
         }
@@ -96,16 +70,23 @@ bool LoopbackConnection::awaitClosed() {
 }
 
 LoopbackServer::LoopbackServer(Handler handler)
-    : m_handler(std::move(handler)), m_listener(listenSomewhere()), m_acceptor([this] { acceptAll(); }) {}
+    : m_handler(std::move(handler)), m_listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    sockaddr_in place{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+    auto *const address = reinterpret_cast<sockaddr *>(&place);
+    socklen_t length = sizeof place;
+    if (bind(m_listener, address, length) != 0 || listen(m_listener, 64) != 0 ||
+        getsockname(m_listener, address, &length) != 0) {
+        throw std::runtime_error("cannot listen on the loopback address");
+    }
+    m_url = QUrl(u"http://127.0.0.1:%1/path?query"_qs.arg(ntohs(place.sin_port)));
+    m_acceptor = std::thread([this] { acceptAll(); });
+}
 
 LoopbackServer::~LoopbackServer() {
     shutdown(m_listener, SHUT_RDWR);
     m_acceptor.join();
-    {
-        const std::scoped_lock lock(m_mutex);
-        for (const int connection : m_sockets) {
-            shutdown(connection, SHUT_RDWR);
-        }
+    for (const int connection : m_sockets) {
+        shutdown(connection, SHUT_RDWR);
     }
     for (std::thread &thread : m_threads) {
         thread.join();
@@ -116,19 +97,10 @@ LoopbackServer::~LoopbackServer() {
     close(m_listener);
 }
 
-QUrl LoopbackServer::url() const {
-    return QUrl(QStringLiteral("http://127.0.0.1:%1/path?query").arg(ntohs(addressOf(m_listener).sin_port)));
-}
-
 void LoopbackServer::acceptAll() {
-    for (;;) {
-        const int accepted = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (accepted < 0) {
-            return;
-        }
+    for (int accepted = 0; (accepted = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
         const int on = 1;
         setsockopt(accepted, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        const std::scoped_lock lock(m_mutex);
         m_sockets.push_back(accepted);
         m_threads.emplace_back([this, accepted, number = m_count++] {
             LoopbackConnection connection(accepted, number);

@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <functional>
-#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -46,7 +45,7 @@ class LoopbackServer {
     LoopbackServer(const LoopbackServer &) = delete;
     LoopbackServer &operator=(const LoopbackServer &) = delete;
 
-    [[nodiscard]] QUrl url() const;
+    [[nodiscard]] QUrl url() const { return m_url; }
     [[nodiscard]] int connectionCount() const { return m_count; }
 
   private:
@@ -54,8 +53,8 @@ class LoopbackServer {
 
     Handler m_handler;
     int m_listener;
+    QUrl m_url;
     std::atomic<int> m_count = 0;
-    std::mutex m_mutex;
     std::vector<int> m_sockets;
     std::vector<std::thread> m_threads;
     std::thread m_acceptor;

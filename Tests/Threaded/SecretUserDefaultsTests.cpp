@@ -111,5 +111,4 @@ TEST_F(SecretUserDefaultsTest, TheSettingsFileIsTheFallbackAndComesFirst) {
 }
 
 } // namespace
-
 } // namespace quillory::test
