@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Linux/XClient.h"
 #include "Platform/Linux/QtApplication.h"
-#include "RealDesktop/ChildProcess.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -16,22 +16,6 @@ namespace {
 
 using platform::desktop::QtApplication;
 using testing::ElementsAre;
-using testing::IsEmpty;
-
-template <typename Condition> bool eventually(Condition condition) {
-    return waitUntil([&] {
-        QApplication::processEvents();
-        return condition();
-    });
-}
-
-/// For people to look at.
-void saveAlert(const QString &name, QWidget &window) {
-    const QString folder = qEnvironmentVariable("QUILLORY_PICTURES");
-    if (!folder.isEmpty()) {
-        window.grab().save(folder + QStringLiteral("/alert-") + name + QStringLiteral(".png"));
-    }
-}
 
 class Alerts : public testing::Test {
   protected:
@@ -50,19 +34,17 @@ class Alerts : public testing::Test {
             found += label->text();
         }
         for (const QPushButton *const button : open()->findChildren<QPushButton *>()) {
-            found += QString(button->text()).replace(QStringLiteral("&&"), QStringLiteral("&")) +
-                     (button->isDefault() ? QStringLiteral("*") : QString());
+            found += QString(button->text()).replace(u"&&"_qs, u"&"_qs) + (button->isDefault() ? u"*"_qs : QString());
         }
         return found;
     }
     /// A key that comes from the X server, once the window is the one that gets it.
     static void press(const char *key) {
-        ASSERT_TRUE(eventually([] { return open() != nullptr && open()->isActiveWindow(); }));
+        ASSERT_TRUE(spinUntil([] { return open() != nullptr && open()->isActiveWindow(); }));
         run({"xdotool", "key", key});
     }
-    void ask(const QString &title, const QStringList &buttons = {}) {
-        application.runAlert({title, QStringLiteral("Body"), buttons},
-                             [this](int button) { answers.push_back(button); });
+    void ask(const QString &title, const QStringList &buttons = {}, const QString &body = u"Body"_qs) {
+        application.runAlert({title, body, buttons}, [this](int button) { answers.push_back(button); });
     }
 
     QtApplication application;
@@ -70,50 +52,41 @@ class Alerts : public testing::Test {
 };
 
 TEST_F(Alerts, AreAnsweredByKeysOneAfterTheOther) {
-    const QStringList offer{QStringLiteral("Install & Relaunch"), QStringLiteral("Later")};
-    application.runAlert(
-        {QStringLiteral("Quillory 1.4.2 is available"),
-         QStringLiteral("- Faster answers in long conversations.\n- The card stays beside the box when the "
-                        "window moves.\n\nInstall now and relaunch?"),
-         offer},
-        [this](int button) { answers.push_back(button); });
-    ask(QStringLiteral("Second"), offer);
-    ask(QStringLiteral("Third"));
-    EXPECT_EQ(texts().first(), QStringLiteral("Quillory 1.4.2 is available"));
-    EXPECT_THAT(texts().sliced(2), ElementsAre(QStringLiteral("Install & Relaunch*"), QStringLiteral("Later")));
+    const QStringList offer{u"Install & Relaunch"_qs, u"Later"_qs};
+    ask(u"First"_qs, offer);
+    ask(u"Second"_qs, offer);
+    ask(u"Third"_qs);
+    EXPECT_EQ(texts().first(), u"First"_qs);
+    EXPECT_THAT(texts().sliced(2), ElementsAre(u"Install & Relaunch*"_qs, u"Later"_qs));
     EXPECT_EQ(open()->windowModality(), Qt::ApplicationModal);
-    saveAlert(QStringLiteral("offer"), *open());
     press("Return");
-    ASSERT_TRUE(eventually([&] { return answers.size() == 1; }));
-    EXPECT_EQ(texts().first(), QStringLiteral("Second"));
+    ASSERT_TRUE(spinUntil([&] { return answers.size() == 1; }));
+    EXPECT_EQ(texts().first(), u"Second"_qs);
     press("Escape");
-    ASSERT_TRUE(eventually([&] { return answers.size() == 2; }));
-    EXPECT_THAT(texts(), ElementsAre(QStringLiteral("Third"), QStringLiteral("Body"), QStringLiteral("OK*")));
-    saveAlert(QStringLiteral("message"), *open());
+    ASSERT_TRUE(spinUntil([&] { return answers.size() == 2; }));
+    EXPECT_THAT(texts(), ElementsAre(u"Third"_qs, u"Body"_qs, u"OK*"_qs));
     press("Escape");
-    ASSERT_TRUE(eventually([&] { return answers.size() == 3; }));
+    ASSERT_TRUE(spinUntil([&] { return answers.size() == 3; }));
     EXPECT_THAT(answers, ElementsAre(0, 1, 0));
     EXPECT_EQ(open(), nullptr);
 }
 
 TEST_F(Alerts, FitTheScreenAndShowTextAsItIs) {
-    const QString notes = QStringLiteral("<b>Faster</b> & better.\n").repeated(500);
-    application.runAlert({QStringLiteral("Title"), notes, {}}, [](int) {});
+    const QString notes = u"<b>Faster</b> & better.\n"_qs.repeated(500);
+    ask(u"Title"_qs, {}, notes);
     EXPECT_LT(open()->height(), 480);
     EXPECT_THAT(open()->findChildren<QScrollArea *>(), testing::SizeIs(1));
     EXPECT_EQ(texts().value(1), notes);
-    saveAlert(QStringLiteral("long"), *open());
 }
 
 TEST_F(Alerts, OfProgressCanBeCancelledOnce) {
     int cancelled = 0;
-    auto progress = application.showProgress(QStringLiteral("Updating Quillory"), [&] { ++cancelled; });
-    progress->show(QStringLiteral("Downloading the update…"), 0.5);
-    EXPECT_THAT(texts(), testing::Contains(QStringLiteral("Downloading the update…")));
+    auto progress = application.showProgress(u"Updating Quillory"_qs, [&] { ++cancelled; });
+    progress->show(u"Downloading the update…"_qs, 0.5);
+    EXPECT_THAT(texts(), testing::Contains(u"Downloading the update…"_qs));
     EXPECT_EQ(open()->findChild<QProgressBar *>()->value(), 50);
-    saveAlert(QStringLiteral("progress"), *open());
     press("Escape");
-    ASSERT_TRUE(eventually([&] { return cancelled == 1; }));
+    ASSERT_TRUE(spinUntil([&] { return cancelled == 1; }));
     progress.reset();
     EXPECT_EQ(open(), nullptr);
     EXPECT_EQ(cancelled, 1);

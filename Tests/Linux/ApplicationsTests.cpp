@@ -1,19 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Linux/XClient.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 #include "Platform/Linux/Storage/LinuxProcess.h"
 #include "Platform/Linux/X11/X11ActiveWindow.h"
-#include "RealDesktop/ChildProcess.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
-#include <xcb/xcb.h>
 
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
 #include <sched.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
@@ -174,55 +171,22 @@ TEST(Applications, DesktopEntriesAreReadInTheUsersLanguage) {
     EXPECT_EQ(nameInDesktopEntry(QByteArray(1000, '\0'), u"C"_qs), std::nullopt);
 }
 
-namespace {
-struct Display {
-    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
-    xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-    ~Display() { xcb_disconnect(connection); }
-
-    [[nodiscard]] xcb_atom_t atom(const char *name) const {
-        auto *const reply = xcb_intern_atom_reply(
-            connection, xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name), nullptr);
-        const xcb_atom_t result = reply->atom;
-        std::free(reply);
-        return result;
-    }
-    [[nodiscard]] xcb_window_t windowOf(std::uint32_t pid) const {
-        const xcb_window_t window = xcb_generate_id(connection);
-        xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 200, 100, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, 0, nullptr);
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1,
-                            &pid);
-        xcb_map_window(connection, window);
-        xcb_flush(connection);
-        return window;
-    }
-    [[nodiscard]] xcb_window_t active() const {
-        auto *const reply = xcb_get_property_reply(
-            connection,
-            xcb_get_property(connection, 0, screen->root, atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 0, 1), nullptr);
-        const bool hasValue = reply->value_len == 1;
-        const xcb_window_t result = hasValue ? *static_cast<xcb_window_t *>(xcb_get_property_value(reply)) : 0;
-        std::free(reply);
-        return result;
-    }
-};
-} // namespace
-
 TEST(Applications, ActivationBringsTheProcessToTheFront) {
-    const Display display;
-    const xcb_window_t first = display.windowOf(111);
-    ASSERT_TRUE(waitUntil([&] { return display.active() == first; }));
-    const xcb_window_t second = display.windowOf(222);
-    ASSERT_TRUE(waitUntil([&] { return display.active() == second; }));
-    LinuxWorkspace workspace(display.connection);
-    workspace.activate(333);
+    XClient client;
     const auto connection = X11Connection::open();
     X11ActiveWindow activeWindow(*connection);
+    const auto isInFront = [&](qint32 pid) {
+        return waitUntil([&] { return activeWindow.ask().value_or(platform::desktop::ActiveWindow{}).pid == pid; });
+    };
+    for (const qint32 pid : {111, 222}) {
+        client.setNumbers(client.open({0, 0, 200, 100}), "_NET_WM_PID", {static_cast<std::uint32_t>(pid)});
+        ASSERT_TRUE(isInFront(pid));
+    }
+    LinuxWorkspace workspace(client.connection().get());
+    workspace.activate(333);
     EXPECT_EQ(activeWindow.ask()->pid, 222);
     workspace.activate(111);
-    EXPECT_TRUE(waitUntil([&] { return display.active() == first; }));
-    EXPECT_EQ(activeWindow.ask()->pid, 111);
+    EXPECT_TRUE(isInFront(111));
 }
 
 TEST(Applications, AddressesOpenWithTheDesktopsProgram) {

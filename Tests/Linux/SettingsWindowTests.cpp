@@ -9,9 +9,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
-#include <QDir>
 #include <QJsonArray>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMetaEnum>
@@ -22,6 +20,7 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QTabBar>
+#include <QTest>
 
 #include <gmock/gmock.h>
 
@@ -34,14 +33,6 @@ using platform::DefaultsValue;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
-
-void savePicture(const QString &name, QWidget &view) {
-    const QString folder = qEnvironmentVariable("QUILLORY_PICTURES");
-    if (!folder.isEmpty()) {
-        QDir().mkpath(folder);
-        view.grab().save(folder + u'/' + name + u".png"_s);
-    }
-}
 
 /// What assistive tools read of an element and all in it that can be seen: role and name, and the value if it has one.
 void describe(QAccessibleInterface *element, std::vector<std::string> &lines) {
@@ -93,20 +84,8 @@ class SettingsWindowTest : public testing::Test {
         QApplication::processEvents();
     }
     void addFAQ() {
-        for (auto *button : window->findChildren<QAbstractButton *>()) {
-            if (button->text() == u"Add &FAQ"_s) {
-                button->click();
-            }
-        }
+        child<QAbstractButton>(u"Add &FAQ"_s)->click();
         QApplication::processEvents();
-    }
-    QScrollArea *area() {
-        for (auto *found : window->findChildren<QScrollArea *>()) {
-            if (found->isVisible()) {
-                return found;
-            }
-        }
-        return nullptr;
     }
     bool warning() {
         return testing::Value(texts(),
@@ -114,7 +93,7 @@ class SettingsWindowTest : public testing::Test {
     }
     /// Whatever does not fit is to be scrolled to, not cut off.
     void expectNothingClipped(const std::string &look) {
-        for (const QWidget *widget : area()->widget()->findChildren<QWidget *>()) {
+        for (const QWidget *widget : child<QScrollArea>()->widget()->findChildren<QWidget *>()) {
             const QLabel *label = qobject_cast<const QLabel *>(widget);
             if (widget->isVisible() && qobject_cast<const QPlainTextEdit *>(widget->parent()) == nullptr) {
                 EXPECT_TRUE(widget->parentWidget()->rect().contains(widget->geometry())) << look;
@@ -124,25 +103,16 @@ class SettingsWindowTest : public testing::Test {
         }
     }
     DefaultsValue stored(const QString &key) { return desktop.userDefaults.stored().at(key); }
-    static void press(QWidget *widget, Qt::Key key, const QString &text = {}) {
-        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
-        QApplication::sendEvent(widget, &down);
-        QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier, text);
-        QApplication::sendEvent(widget, &up);
-    }
-    static void type(QWidget *widget, const QString &text) {
-        for (const QChar character : text) {
-            press(widget, Qt::Key_unknown, QString(character));
-        }
-    }
     std::vector<std::string> texts() {
         std::vector<std::string> lines;
         describe(QAccessible::queryAccessibleInterface(window.get()), lines);
         return lines;
     }
-    template <typename Widget> Widget *child(const QString &accessibleName = {}) {
+    /// The first one that can be seen, of that text or accessible name.
+    template <typename Widget> Widget *child(const QString &name = {}) {
         for (Widget *widget : window->findChildren<Widget *>()) {
-            if (widget->isVisible() && (accessibleName.isEmpty() || widget->accessibleName() == accessibleName)) {
+            const bool isMeant = name.isEmpty() || widget->accessibleName() == name || widget->property("text") == name;
+            if (widget->isVisible() && isMeant) {
                 return widget;
             }
         }
@@ -210,16 +180,16 @@ TEST_F(SettingsWindowTest, StoresWhatTheUserSetsAndShowsWhatOthersStore) {
     }
     EXPECT_EQ(tones.join(u'|'), u"Professional|Friendly|Concise|Grammar only"_s);
     tone->setFocus();
-    press(tone, Qt::Key_Down);
+    QTest::keyClick(tone, Qt::Key_Down);
     EXPECT_EQ(stored(settingsKey::tone), DefaultsValue(u"Friendly"_s));
     QStringList stops;
     for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Home, Qt::Key_Left, Qt::Key_End, Qt::Key_Right}) {
-        press(delay, key);
+        QTest::keyClick(delay, key);
         stops.append(QString::number(desktop.userDefaults.integer(settingsKey::debounceMs)));
     }
     EXPECT_EQ(stops.join(u' '), u"550 600 300 300 1500 1500"_s);
     EXPECT_THAT(texts(), Contains("StaticText Trigger delay: 1500 ms"));
-    press(characters, Qt::Key_Up);
+    QTest::keyClick(characters, Qt::Key_Up);
     EXPECT_EQ(stored(settingsKey::minChars), DefaultsValue(qint64{9}));
 
     desktop.userDefaults.set(settingsKey::enabled, true);
@@ -231,8 +201,8 @@ TEST_F(SettingsWindowTest, StoresWhatTheUserSetsAndShowsWhatOthersStore) {
     EXPECT_THAT(texts(), IsSupersetOf({"CheckBox Enable suggestions (on)", "CheckBox Suggest replies in WhatsApp (off)",
                                        "ComboBox Grammar only = Grammar only", "StaticText Trigger delay: 725 ms",
                                        "Slider Trigger delay: 725 ms = 725", "SpinBox Minimum characters: 100 = 100"}));
-    press(delay, Qt::Key_Left);
-    press(characters, Qt::Key_Up);
+    QTest::keyClick(delay, Qt::Key_Left);
+    QTest::keyClick(characters, Qt::Key_Up);
     EXPECT_EQ(stored(settingsKey::debounceMs), DefaultsValue(qint64{700})) << "back on a step";
     EXPECT_EQ(stored(settingsKey::minChars), DefaultsValue(qint64{100}));
 
@@ -297,31 +267,31 @@ TEST_F(SettingsWindowTest, KeepsWhatIsBeingTyped) {
     setElsewhere(u"A shop"_s);
     EXPECT_EQ(profile->toPlainText(), u"A shop"_s);
     profile->moveCursor(QTextCursor::End);
-    type(profile, u" in Riffa"_s);
+    QTest::keyClicks(profile, u" in Riffa"_s);
     EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(u"A shop in Riffa"_s));
     setElsewhere(u"Another"_s);
     EXPECT_EQ(profile->toPlainText(), u"A shop in Riffa"_s);
-    type(profile, u"!"_s);
+    QTest::keyClicks(profile, u"!"_s);
     EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(u"A shop in Riffa!"_s));
     EXPECT_EQ(stored(settingsKey::businessProfile + u".replaced"_s), DefaultsValue(u"Another"_s));
 
     auto *const answer = child<QPlainTextEdit>(u"Answer 1"_s);
     answer->setFocus();
     answer->moveCursor(QTextCursor::End);
-    type(answer, u"!"_s);
+    QTest::keyClicks(answer, u"!"_s);
     const FAQEntry other{QUuid::createUuid(), u"Where?"_s, u"Riffa"_s};
     store({other, {first, u"Open?"_s, u"never"_s}});
     desktop.advance(200);
     EXPECT_EQ(answer->accessibleName(), u"Answer 2"_s) << "the field goes with its entry";
-    type(answer, u"!"_s);
+    QTest::keyClicks(answer, u"!"_s);
     EXPECT_EQ(AppSettings::shared().faqEntries(), (QList<FAQEntry>{other, {first, u"Open?"_s, u"9 to 5!!"_s}}));
     store({other}); // removed elsewhere while it is typed in
-    type(answer, u"?"_s);
+    QTest::keyClicks(answer, u"?"_s);
     EXPECT_EQ(AppSettings::shared().faqEntries(), (QList<FAQEntry>{other, {first, u"Open?"_s, u"9 to 5!!?"_s}}));
 
     EXPECT_FALSE(warning());
     desktop.userDefaults.diskIsFull = true;
-    type(answer, u"."_s);
+    QTest::keyClicks(answer, u"."_s);
     desktop.advance(200);
     EXPECT_TRUE(warning());
     EXPECT_EQ(answer->toPlainText(), u"9 to 5!!?."_s);
@@ -369,7 +339,7 @@ TEST_F(SettingsWindowTest, TakesAnyText) {
     desktop.advance(200);
     profile->setFocus();
     profile->moveCursor(QTextCursor::End);
-    type(profile, u"x"_s);
+    QTest::keyClicks(profile, u"x"_s);
     EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(large + u'x'));
 }
 
@@ -384,7 +354,7 @@ TEST_F(SettingsWindowTest, GoesThroughHundredsOfEntriesByKeyboard) {
     child<QPlainTextEdit>()->setFocus();
     QString way;
     for (int step = 0; step < 40; ++step) {
-        press(QApplication::focusWidget(), Qt::Key_Tab);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         way += QApplication::focusWidget()->accessibleName() + u", "_s;
     }
     QString expected;
@@ -393,12 +363,11 @@ TEST_F(SettingsWindowTest, GoesThroughHundredsOfEntriesByKeyboard) {
     }
     EXPECT_TRUE(expected.startsWith(way)) << way.toStdString();
     EXPECT_FALSE(QApplication::focusWidget()->visibleRegion().isEmpty()) << "the page follows the focus";
-    press(QApplication::focusWidget(), Qt::Key_Backtab);
-    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"Remove FAQ"_s);
-    press(QApplication::focusWidget(), Qt::Key_Backtab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
     EXPECT_EQ(QApplication::focusWidget()->accessibleName(), u"Answer 13"_s);
 
-    auto *const bar = area()->verticalScrollBar();
+    auto *const bar = child<QScrollArea>()->verticalScrollBar();
     bar->setValue(bar->maximum());
     QApplication::processEvents();
     EXPECT_NE(child<QLineEdit>(u"Question 500"_s), nullptr);
@@ -433,14 +402,11 @@ TEST_F(SettingsWindowTest, GoesThroughHundredsOfEntriesByKeyboard) {
 }
 
 TEST_F(SettingsWindowTest, FitsItsWindow) {
-    desktop.userDefaults.set(
-        settingsKey::businessProfile,
-        u"Noor Boutique in Riffa. Dresses from BD 12, delivery BD 2 across Bahrain.\nمتجر نور للأزياء"_s);
-    store(
-        {{QUuid::createUuid(), u"How much is delivery?"_s, u"BD 2 anywhere in Bahrain, free above BD 30."_s},
-         {QUuid::createUuid(), u"Do you take returns?"_s,
-          u"Within 7 days, unworn and with the tag, at the shop or with our driver. Exchanges are free, refunds less delivery."_s},
-         FAQEntry()});
+    desktop.userDefaults.set(settingsKey::businessProfile,
+                             u"Noor Boutique in Riffa. Dresses from BD 12, delivery BD 2.\nمتجر نور للأزياء"_s);
+    store({{QUuid::createUuid(), u"How much is delivery?"_s, u"BD 2 anywhere in Bahrain, free above BD 30."_s},
+           {QUuid::createUuid(), u"Do you take returns?"_s, u"Within 7 days, unworn and with the tag. "_s.repeated(4)},
+           FAQEntry()});
     for (const auto &[name, dark, points] :
          {std::tuple(u"light"_s, false, 10), {u"dark"_s, true, 10}, {u"large"_s, false, 20}}) {
         setLook(dark, points);
@@ -449,12 +415,10 @@ TEST_F(SettingsWindowTest, FitsItsWindow) {
             open();
             expectNothingClipped("general, " + name.toStdString());
             EXPECT_EQ(child<QSlider>()->width(), 180);
-            savePicture(u"settings-general-"_s + name + (trusted ? u""_s : u"-untrusted"_s), *window);
         }
         open(1);
         expectNothingClipped("business, " + name.toStdString());
         EXPECT_EQ(child<QPlainTextEdit>()->height(), 8 * points);
-        savePicture(u"settings-business-"_s + name, *window);
     }
 }
 

@@ -8,7 +8,6 @@ using namespace platform;
 using namespace platform::desktop;
 
 namespace quillory::test {
-
 namespace {
 
 constexpr xcb_keycode_t escape = 9, tabulator = 23, control = 37, shift = 50, capsLock = 66, numLock = 77, menu = 135,
@@ -18,6 +17,10 @@ class X11Keys : public testing::Test {
   protected:
     void SetUp() override { connection->watch(); }
 
+    void armTap() {
+        makeTap();
+        ASSERT_TRUE(tap && tap->setEnabled(true));
+    }
     void makeTap() {
         tap = taps.create([this](const TapEvent &event) {
             asked += (asked.empty() ? "" : " ") + std::to_string(event.key) + "^" + std::to_string(event.flags);
@@ -40,9 +43,7 @@ class X11Keys : public testing::Test {
 };
 
 TEST_F(X11Keys, SwallowsOrPassesWhateverLocksAndLayoutAreOn) {
-    makeTap();
-    ASSERT_NE(tap, nullptr);
-    ASSERT_TRUE(tap->setEnabled(true));
+    armTap();
     const struct {
         const char *layout;
         std::vector<xcb_keycode_t> locks;
@@ -80,8 +81,7 @@ TEST_F(X11Keys, SwallowsOrPassesWhateverLocksAndLayoutAreOn) {
 }
 
 TEST_F(X11Keys, LeavesEverythingElseToTheApplication) {
-    makeTap();
-    ASSERT_TRUE(tap->setEnabled(true));
+    armTap();
     user.finger(shift, true);
     user.tap(tabulator);
     user.finger(shift, false);
@@ -103,8 +103,7 @@ TEST_F(X11Keys, LeavesEverythingElseToTheApplication) {
 }
 
 TEST_F(X11Keys, SwallowsAHeldKeyToItsEnd) {
-    makeTap();
-    ASSERT_TRUE(tap->setEnabled(true));
+    armTap();
     run({"xset", "r", "rate", "100", "100"});
     int repeats = -1;
     const auto counter = connection->onEvent([&](const xcb_generic_event_t &event) {
@@ -133,8 +132,7 @@ TEST_F(X11Keys, SwallowsAHeldKeyToItsEnd) {
 }
 
 TEST_F(X11Keys, FollowsKeysThatTheUserHasMoved) {
-    makeTap();
-    ASSERT_TRUE(tap->setEnabled(true));
+    armTap();
     setLayout("us", "caps:swapescape");
     ASSERT_TRUE(spinUntil([&] { return keyboard.keyCodes(keyCode::escape).front() == capsLock; }));
     user.tap(capsLock);
@@ -201,8 +199,7 @@ TEST_F(X11Keys, GivesHeldModifiersBackAndLeavesNoneStuck) {
 }
 
 TEST_F(X11Keys, PostsWhileASwallowedKeyIsStillDown) {
-    makeTap();
-    ASSERT_TRUE(tap->setEnabled(true));
+    armTap();
     user.finger(tabulator, true);
     ASSERT_TRUE(spinUntil([&] { return !asked.empty(); }));
     tap->setEnabled(false);
@@ -212,5 +209,4 @@ TEST_F(X11Keys, PostsWhileASwallowedKeyIsStillDown) {
 }
 
 } // namespace
-
 } // namespace quillory::test

@@ -18,7 +18,6 @@ using namespace platform;
 using namespace platform::desktop;
 
 namespace quillory::test {
-
 namespace {
 
 using Items = PasteboardItems;
@@ -46,25 +45,23 @@ class X11Clipboard : public testing::Test {
         return result.value_or(std::nullopt);
     }
     /// What another program reads, for one type. It runs meanwhile, as does this one.
-    QByteArray readByOther(const QString &type) {
-        const QString path = folder.filePath(QStringLiteral("read"));
-        ChildProcess other({"sh", "-c",
-                            "xclip -o -selection clipboard -t '" + type.toStdString() + "' > '" + path.toStdString() +
-                                "' 2>/dev/null"});
+    QByteArray readByOther(const std::string &type) {
+        const QString path = folder.filePath(u"read"_qs);
+        ChildProcess other(
+            {"sh", "-c", "xclip -o -selection clipboard -t '" + type + "' > '" + path.toStdString() + "' 2>/dev/null"});
         EXPECT_TRUE(spinUntil([&] { return !other.isRunning(); }));
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
     /// Another program that owns the clipboard, and its process, to be stopped or ended.
-    ChildProcess ownByOther(const QString &type, const QByteArray &data) {
-        const QString path = folder.filePath(QStringLiteral("owned"));
+    ChildProcess ownByOther(const std::string &type, const QByteArray &data) {
+        const QString path = folder.filePath(u"owned"_qs);
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(data);
         file.close();
         const qint64 before = pasteboard->changeCount();
-        ChildProcess other(
-            {"xclip", "-quiet", "-i", "-selection", "clipboard", "-t", type.toStdString(), path.toStdString()});
+        ChildProcess other({"xclip", "-quiet", "-i", "-selection", "clipboard", "-t", type, path.toStdString()});
         EXPECT_TRUE(spinUntil([&] { return pasteboard->changeCount() != before; }));
         return other;
     }
@@ -89,15 +86,15 @@ class X11Clipboard : public testing::Test {
 };
 
 TEST_F(X11Clipboard, ServesAStringInEveryFormAndAsASecret) {
-    const QString text = QStringLiteral("Hi \u00e9 \u0645\u0631\u062d\u0628\u0627 \U0001F600\nbye");
+    const QString text = u"Hi \u00e9 \u0645\u0631\u062d\u0628\u0627 \U0001F600\nbye"_qs;
     pasteboard->clearContents();
     pasteboard->setString(text);
     for (const char *type : {"UTF8_STRING", "text/plain", "text/plain;charset=utf-8", "TEXT"}) {
-        EXPECT_EQ(readByOther(QString::fromLatin1(type)), text.toUtf8()) << type;
+        EXPECT_EQ(readByOther(type), text.toUtf8()) << type;
     }
-    EXPECT_EQ(readByOther(QStringLiteral("STRING")).first(5), QByteArray("Hi \xe9 "));
-    EXPECT_EQ(readByOther(QStringLiteral("x-kde-passwordManagerHint")), "secret");
-    EXPECT_EQ(readByOther(QStringLiteral("image/png")), "");
+    EXPECT_EQ(readByOther("STRING").first(5), QByteArray("Hi \xe9 "));
+    EXPECT_EQ(readByOther("x-kde-passwordManagerHint"), "secret");
+    EXPECT_EQ(readByOther("image/png"), "");
     EXPECT_EQ(pasteboard->fetchCount(), 6) << "all but the last";
     pasteboard->clearContents();
     EXPECT_TRUE(spinUntil([&] { return owner() == XCB_NONE; }));
@@ -106,10 +103,10 @@ TEST_F(X11Clipboard, ServesAStringInEveryFormAndAsASecret) {
 
 TEST_F(X11Clipboard, GivesBackWhatTheUserHadWithAllTypesAndLargeContent) {
     const QByteArray picture = pattern(20LL * 1024 * 1024 + 3);
-    const Items given{{{{QStringLiteral("text/html"), "<b>x</b>"},
-                        {QStringLiteral("image/png"), picture},
-                        {QStringLiteral("application/x-empty"), ""},
-                        {QStringLiteral("UTF8_STRING"), "x"}}}};
+    const Items given{{{{u"text/html"_qs, "<b>x</b>"},
+                        {u"image/png"_qs, picture},
+                        {u"application/x-empty"_qs, ""},
+                        {u"UTF8_STRING"_qs, "x"}}}};
     // Another instance of the layer, on a connection of its own, is the other program: large content in portions,
     // several types at once.
     const auto otherConnection = X11Connection::open();
@@ -119,11 +116,11 @@ TEST_F(X11Clipboard, GivesBackWhatTheUserHadWithAllTypesAndLargeContent) {
     const Items saved = copy().value_or(Items{});
     EXPECT_TRUE(saved == given); // not EXPECT_EQ, which would print it
     pasteboard->clearContents();
-    pasteboard->setString(QStringLiteral("suggestion"));
+    pasteboard->setString(u"suggestion"_qs);
     pasteboard->clearContents();
     pasteboard->writeObjects(saved);
-    EXPECT_EQ(readByOther(QStringLiteral("text/html")), "<b>x</b>");
-    EXPECT_TRUE(readByOther(QStringLiteral("image/png")) == picture);
+    EXPECT_EQ(readByOther("text/html"), "<b>x</b>");
+    EXPECT_TRUE(readByOther("image/png") == picture);
     EXPECT_TRUE(copy() == given); // its own content
     // Two programs read at once, one of which goes away in the midst of it.
     MaybeItems first;
@@ -140,25 +137,25 @@ TEST_F(X11Clipboard, GivesBackWhatTheUserHadWithAllTypesAndLargeContent) {
 TEST_F(X11Clipboard, ReadsWhatOtherProgramsOwnAndTellsWhenItChanges) {
     EXPECT_EQ(copy(), Items{});
     const QByteArray picture = pattern(3LL * 1024 * 1024);
-    ChildProcess first = ownByOther(QStringLiteral("image/png"), picture);
-    const Items expected{{{{QStringLiteral("image/png"), picture}}}};
+    ChildProcess first = ownByOther("image/png", picture);
+    const Items expected{{{{u"image/png"_qs, picture}}}};
     EXPECT_TRUE(copy() == expected);
     pasteboard->clearContents();
-    pasteboard->setString(QStringLiteral("suggestion"));
+    pasteboard->setString(u"suggestion"_qs);
     const qint64 ours = pasteboard->changeCount();
-    EXPECT_EQ(readByOther(QStringLiteral("UTF8_STRING")), "suggestion");
+    EXPECT_EQ(readByOther("UTF8_STRING"), "suggestion");
     EXPECT_EQ(pasteboard->changeCount(), ours); // reading is no change
-    ChildProcess second = ownByOther(QStringLiteral("UTF8_STRING"), "copied meanwhile");
+    ChildProcess second = ownByOther("UTF8_STRING", "copied meanwhile");
     EXPECT_NE(pasteboard->changeCount(), ours);
-    EXPECT_EQ(copy(), (Items{{{{QStringLiteral("UTF8_STRING"), "copied meanwhile"}}}}));
+    EXPECT_EQ(copy(), (Items{{{{u"UTF8_STRING"_qs, "copied meanwhile"}}}}));
     EXPECT_EQ(pasteboard->changeCount(), pasteboard->changeCount());
 }
 
 TEST_F(X11Clipboard, DoesNotWaitForAnOwnerThatHangsOrVanishes) {
-    ChildProcess hung = ownByOther(QStringLiteral("UTF8_STRING"), "never told");
+    ChildProcess hung = ownByOther("UTF8_STRING", "never told");
     kill(hung.pid(), SIGSTOP);
     EXPECT_EQ(copy(), std::nullopt) << "overwriting it would lose it";
-    ChildProcess vanishing = ownByOther(QStringLiteral("UTF8_STRING"), "gone");
+    ChildProcess vanishing = ownByOther("UTF8_STRING", "gone");
     kill(vanishing.pid(), SIGSTOP);
     MaybeItems result;
     pasteboard->copyItems([&](MaybeItems items) { result = std::move(items); });
@@ -201,54 +198,43 @@ TEST_F(X11Clipboard, KeepsTheTypesThatCameWhenOneNeverDoes) {
     xcb_set_selection_owner(other.get(), owner.window(), other.atom("CLIPBOARD"), XCB_CURRENT_TIME);
     other.sync();
     const unsigned int before = xcb_no_operation(connection->get()).sequence;
-    EXPECT_EQ(copy(), (Items{{{{QStringLiteral("text/good"), "fine"}}}}));
+    EXPECT_EQ(copy(), (Items{{{{u"text/good"_qs, "fine"}}}}));
     EXPECT_LT(xcb_no_operation(connection->get()).sequence - before, 1000U) << "requests, which take the main thread";
 }
 
 TEST_F(X11Clipboard, WorksWithTheToolkitsOwnClipboard) {
-    pasteboard->setString(QStringLiteral("to Qt"));
+    pasteboard->setString(u"to Qt"_qs);
     // Qt waits for the answer in its own loop, so it is asked from another process.
-    EXPECT_EQ(readByOther(QStringLiteral("UTF8_STRING")), "to Qt");
+    EXPECT_EQ(readByOther("UTF8_STRING"), "to Qt");
     const qint64 ours = pasteboard->changeCount();
-    QGuiApplication::clipboard()->setText(QStringLiteral("from Qt"));
+    QGuiApplication::clipboard()->setText(u"from Qt"_qs);
     EXPECT_TRUE(spinUntil([&] { return pasteboard->changeCount() != ours; }));
     const Items items = copy().value_or(Items{});
     ASSERT_EQ(items.size(), 1U);
     EXPECT_THAT(items.front().representations,
-                testing::Contains(testing::Pair(QStringLiteral("UTF8_STRING"), QByteArray("from Qt"))));
+                testing::Contains(testing::Pair(u"UTF8_STRING"_qs, QByteArray("from Qt"))));
 }
 
 TEST_F(X11Clipboard, HandsTheUsersContentToAClipboardManagerAtTheEnd) {
-    const auto managerConnection = client().connection().get();
-    xcb_set_selection_owner(managerConnection, client().window(), client().connection().atom("CLIPBOARD_MANAGER"),
-                            XCB_CURRENT_TIME);
-    client().connection().sync();
-    const auto askedToSave = [&] {
-        return !client()
-                    .connection()
-                    .takeEvents([&](const xcb_generic_event_t &event) {
-                        return eventType(event) == XCB_SELECTION_REQUEST &&
-                               eventAs<xcb_selection_request_event_t>(event).target ==
-                                   client().connection().atom("SAVE_TARGETS");
-                    })
-                    .empty();
+    X11Connection &manager = client().connection();
+    xcb_set_selection_owner(manager.get(), client().window(), manager.atom("CLIPBOARD_MANAGER"), XCB_CURRENT_TIME);
+    const auto isAskedToSave = [&](const std::function<void()> &put) {
+        pasteboard = std::make_unique<X11Pasteboard>(*connection);
+        put();
+        manager.sync();
+        pasteboard.reset(); // a manager that does not answer is waited for a moment only
+        manager.sync();
+        const auto asked = manager.takeEvents([&](const xcb_generic_event_t &event) {
+            return eventType(event) == XCB_SELECTION_REQUEST &&
+                   eventAs<xcb_selection_request_event_t>(event).target == manager.atom("SAVE_TARGETS");
+        });
+        return !asked.empty();
     };
-    PasteboardItem content{{{QStringLiteral("UTF8_STRING"), "the user's"}}};
-    pasteboard->writeObjects({content});
-    pasteboard.reset(); // a manager that does not answer is waited for a moment only
-    client().connection().sync();
-    EXPECT_TRUE(askedToSave());
-    content.representations.emplace_back(QStringLiteral("x-kde-passwordManagerHint"), "secret");
-    pasteboard = std::make_unique<X11Pasteboard>(*connection);
-    pasteboard->writeObjects({content});
-    pasteboard.reset();
-    client().connection().sync();
-    EXPECT_FALSE(askedToSave());
-    pasteboard = std::make_unique<X11Pasteboard>(*connection);
-    pasteboard->setString(QStringLiteral("a suggestion"));
-    pasteboard.reset();
-    client().connection().sync();
-    EXPECT_FALSE(askedToSave());
+    PasteboardItem content{{{u"UTF8_STRING"_qs, "the user's"}}};
+    EXPECT_TRUE(isAskedToSave([&] { pasteboard->writeObjects({content}); }));
+    content.representations.emplace_back(u"x-kde-passwordManagerHint"_qs, "secret");
+    EXPECT_FALSE(isAskedToSave([&] { pasteboard->writeObjects({content}); }));
+    EXPECT_FALSE(isAskedToSave([&] { pasteboard->setString(u"a suggestion"_qs); }));
 }
 
 TEST(X11ConnectionTest, MasksOfOneWindowDoNotUndoEachOther) {
@@ -280,10 +266,9 @@ TEST(X11ConnectionTest, EndsTheProgramWhenTheServerGoesAway) {
     EXPECT_TRUE(connection->isBroken());
     EXPECT_EQ(connection->serverTime(), 0U);
     X11Pasteboard pasteboard(*connection);
-    pasteboard.setString(QStringLiteral("nowhere"));
+    pasteboard.setString(u"nowhere"_qs);
     EXPECT_FALSE(X11Keyboard(*connection).keysDown().any());
 }
 
 } // namespace
-
 } // namespace quillory::test

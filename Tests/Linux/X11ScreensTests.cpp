@@ -11,7 +11,6 @@ using namespace platform;
 using namespace platform::desktop;
 
 namespace quillory::test {
-
 namespace {
 
 /// Everything is told in points; the tests are given pixels, so they hold at any scale of the toolkit.
@@ -22,22 +21,11 @@ class X11ScreensTest : public testing::Test {
     [[nodiscard]] Rect points(double x, double y, double width, double height) const {
         return {x / scale, y / scale, width / scale, height / scale};
     }
-    /// A window of another program that the window manager manages.
-    xcb_window_t open(const QRect &pixels, const std::vector<std::uint32_t> &strut = {}) {
-        xcb_connection_t *c = client.connection().get();
-        const xcb_window_t window = xcb_generate_id(c);
-        xcb_create_window(c, XCB_COPY_FROM_PARENT, window, client.connection().root(),
-                          static_cast<std::int16_t>(pixels.x()), static_cast<std::int16_t>(pixels.y()),
-                          static_cast<std::uint16_t>(pixels.width()), static_cast<std::uint16_t>(pixels.height()), 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-        const std::uint32_t hints[18] = {3}; // the user chose place and size
-        xcb_change_property(c, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32, 18,
-                            hints);
-        xcb_change_property(c, XCB_PROP_MODE_REPLACE, window, client.connection().atom("_NET_WM_STRUT_PARTIAL"),
-                            XCB_ATOM_CARDINAL, 32, static_cast<std::uint32_t>(strut.size()), strut.data());
-        xcb_map_window(c, window);
-        client.connection().flush();
-        return window;
+    /// A panel of the desktop, which keeps the other windows off an edge.
+    xcb_window_t openPanel(const QRect &pixels, const std::vector<std::uint32_t> &strut) {
+        const xcb_window_t panel = client.open(pixels);
+        client.setNumbers(panel, "_NET_WM_STRUT_PARTIAL", strut);
+        return panel;
     }
 
     std::unique_ptr<X11Connection> connection = X11Connection::open();
@@ -48,8 +36,8 @@ class X11ScreensTest : public testing::Test {
 
 TEST_F(X11ScreensTest, LeavesThePanelsOfTheDesktopOut) {
     EXPECT_THAT(screens.screens(), testing::ElementsAre(Screen{points(0, 0, 1280, 900), points(0, 0, 1280, 900)}));
-    open({0, 0, 10, 10}, {0xFFFFFFFF, 0x80000000, 0x7FFFFFFF, 0x80000001, 0, 0, 0, 0, 0, 0, 0, 1279}); // nonsense
-    const xcb_window_t panel = open({0, 860, 1280, 40}, {0, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 1279});
+    openPanel({0, 0, 10, 10}, {0xFFFFFFFF, 0x80000000, 0x7FFFFFFF, 0x80000001, 0, 0, 0, 0, 0, 0, 0, 1279}); // nonsense
+    const xcb_window_t panel = openPanel({0, 860, 1280, 40}, {0, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 1279});
     const Rect above = points(0, 40, 1280, 860);
     EXPECT_TRUE(spinUntil([&] { return screens.screens().front().visibleFrame == above; }));
     EXPECT_EQ(screens.screens().front().frame, points(0, 0, 1280, 900));
@@ -68,14 +56,14 @@ TEST_F(X11ScreensTest, CountsFromThePrimaryMonitor) {
         EXPECT_EQ(found[1].frame, (Rect{-500, -200, 500, 900}));
         EXPECT_EQ(screens.accessibilityRect({510, 100, 20, 30}), (Rect{10, 0, 20, 30}));
         EXPECT_EQ(screens.accessibilityRect({0, 0, 20, 30}), (Rect{-500, -100, 20, 30}));
-        open({510, 650, 100, 30}, {0, 0, 0, 220, 0, 0, 0, 0, 0, 0, 500, 1279}); // 20 above the right one's bottom
+        openPanel({510, 650, 100, 30}, {0, 0, 0, 220, 0, 0, 0, 0, 0, 0, 500, 1279}); // 20 above the right one's bottom
         EXPECT_TRUE(spinUntil([&] { return screens.screens()[0].visibleFrame == Rect{0, 20, 780, 580}; }));
         EXPECT_EQ(screens.screens()[1].visibleFrame, screens.screens()[1].frame);
     }
     EXPECT_EQ(screens.mainScreen(), screens.screens()[0]);
-    open({20, 400, 200, 100});
+    client.open({20, 400, 200, 100});
     EXPECT_TRUE(spinUntil([&] { return screens.mainScreen() == screens.screens()[1]; }));
-    open({700, 400, 200, 100});
+    client.open({700, 400, 200, 100});
     EXPECT_TRUE(spinUntil([&] { return screens.mainScreen() == screens.screens()[0]; }));
 }
 
@@ -97,5 +85,4 @@ TEST_F(X11ScreensTest, AgreesWithTheToolkitOnWhereThingsAre) {
 }
 
 } // namespace
-
 } // namespace quillory::test

@@ -11,7 +11,6 @@
 using namespace platform::desktop;
 
 namespace quillory::test {
-
 namespace {
 constexpr xcb_keycode_t endMark = 53; // the X key
 } // namespace
@@ -57,6 +56,27 @@ void XClient::waitForWindowManager() {
                        reinterpret_cast<const char *>(question.data()));
         return !m_connection->values(m_connection->askValues(m_window, answer)).empty();
     });
+}
+
+xcb_window_t XClient::open(const QRect &pixels) {
+    xcb_connection_t *c = m_connection->get();
+    const xcb_window_t window = xcb_generate_id(c);
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, window, m_connection->root(), static_cast<std::int16_t>(pixels.x()),
+                      static_cast<std::int16_t>(pixels.y()), static_cast<std::uint16_t>(pixels.width()),
+                      static_cast<std::uint16_t>(pixels.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    const std::uint32_t hints[18] = {3}; // the user chose place and size
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32, 18,
+                        hints);
+    xcb_map_window(c, window);
+    m_connection->flush();
+    return window;
+}
+
+void XClient::setNumbers(xcb_window_t window, const char *property, const std::vector<std::uint32_t> &numbers) {
+    xcb_change_property(m_connection->get(), XCB_PROP_MODE_REPLACE, window, m_connection->atom(property),
+                        XCB_ATOM_CARDINAL, 32, static_cast<std::uint32_t>(numbers.size()), numbers.data());
+    m_connection->flush();
 }
 
 void XClient::fakeInput(int type, xcb_keycode_t key, int device) {

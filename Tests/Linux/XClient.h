@@ -5,6 +5,7 @@
 #include "RealDesktop/ChildProcess.h"
 
 #include <QCoreApplication>
+#include <QRect>
 #include <QTimer>
 
 #include <string>
@@ -30,6 +31,10 @@ class XClient {
   public:
     XClient();
 
+    /// Opens another window, which the window manager manages, at a place that the user has chosen.
+    xcb_window_t open(const QRect &pixels);
+    /// Sets a property of a window that is a list of numbers.
+    void setNumbers(xcb_window_t window, const char *property, const std::vector<std::uint32_t> &numbers);
     /// Presses (true) or releases a key on the display's real keyboard.
     void finger(xcb_keycode_t key, bool down);
     void tap(xcb_keycode_t key);
