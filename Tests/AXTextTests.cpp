@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 namespace quillory {
-
 namespace {
 
 using platform::Rect;
@@ -17,8 +16,7 @@ namespace axRole = platform::axRole;
 
 struct AXTextTest : testing::Test {
     test::SimulatedDesktop desktop;
-    Node window = desktop.applications.launch({1, QStringLiteral("org.chromium.Chromium"), QStringLiteral("Browser")},
-                                              QStringLiteral("Page"));
+    Node window = desktop.applications.launch({1, u"org.chromium.Chromium"_qs, u"Browser"_qs}, u"Page"_qs);
 };
 
 TEST_F(AXTextTest, KnowsTextElementsByRoleOrByAWritableString) {
@@ -34,9 +32,9 @@ TEST_F(AXTextTest, KnowsTextElementsByRoleOrByAWritableString) {
              {axRole::textArea, {}, false, true},
              {axRole::comboBox, {}, false, true},
              {axRole::searchField, {}, false, true},
-             {axRole::secureTextField, QStringLiteral("secret"), true, false},
+             {axRole::secureTextField, u"secret"_qs, true, false},
              {group, QString(), true, true},
-             {group, QStringLiteral("text"), false, false},
+             {group, u"text"_qs, false, false},
              {group, 3.0, true, false},
              {group, {}, true, false},
          }) {
@@ -80,21 +78,21 @@ TEST_F(AXTextTest, ConvertsFramesAndNeedsThemWhole) {
 }
 
 TEST_F(AXTextTest, FindsTitlesOfLivingApplicationsAlone) {
-    EXPECT_EQ(AXText::focusedWindowTitle(1), QStringLiteral("Page"));
+    EXPECT_EQ(AXText::focusedWindowTitle(1), u"Page"_qs);
     EXPECT_EQ(AXText::focusedWindowTitle(99), std::nullopt);
     EXPECT_EQ(AXText::focusedElement(), std::nullopt);
 }
 
 struct InsertionTest : AXTextTest {
-    Node editor = desktop.applications.launch({2, QStringLiteral("org.example.editor"), {}}, QStringLiteral("Draft"));
+    Node editor = desktop.applications.launch({2, u"org.example.editor"_qs, {}}, u"Draft"_qs);
     Node page = window->add(axRole::webArea);
     Node field = fieldOf(editor);
-    const QString rewrite = QStringLiteral("Hello, can you send me the price list? \U0001F64F");
+    const QString rewrite = u"Hello, can you send me the price list? \U0001F64F"_qs;
 
     Node fieldOf(const Node &parent) {
         Node made = parent->add(axRole::textArea, {300, 800, 400, 40});
         made->settable = true;
-        made->setValue(QStringLiteral("helo"));
+        made->setValue(u"helo"_qs);
         desktop.applications.focused = made;
         return made;
     }
@@ -104,11 +102,11 @@ TEST_F(InsertionTest, WritesTheValueAndPutsTheCaretBehindIt) {
     AXText::insert(rewrite, field->element());
     EXPECT_EQ(field->value(), rewrite);
     EXPECT_EQ(field->caret, (platform::AXRange{rewrite.size(), 0}));
-    EXPECT_EQ(desktop.log(), QStringList{QStringLiteral("inserted via AX set")});
+    EXPECT_EQ(desktop.log(), QStringList{u"inserted via AX set"_qs});
     // An editor that adds to the text has taken it, as long as it starts alike.
-    field->onWrite = [](const QString &text) { return text.left(24) + QStringLiteral("..."); };
+    field->onWrite = [](const QString &text) { return text.left(24) + u"..."_qs; };
     AXText::insert(rewrite, field->element());
-    EXPECT_EQ(desktop.log().last(), QStringLiteral("inserted via AX set"));
+    EXPECT_EQ(desktop.log().last(), u"inserted via AX set"_qs);
     EXPECT_TRUE(desktop.typed.empty());
 }
 
@@ -124,39 +122,37 @@ TEST_F(InsertionTest, PastesWhereTheWriteIsRefusedOrDoesNotStick) {
     AXText::insert(rewrite, field->element());
     desktop.advance(1000);
     EXPECT_EQ(field->value(), rewrite);
-    EXPECT_EQ(desktop.log(), (QStringList{
-                                 QStringLiteral("AX write rejected, falling back to paste"),
-                                 QStringLiteral("AX set did not stick (read back 5 chars), pasting instead"),
-                             }));
+    EXPECT_EQ(desktop.log(), (QStringList{u"AX write rejected, falling back to paste"_qs,
+                                          u"AX set did not stick (read back 5 chars), pasting instead"_qs}));
 }
 
 struct PasteTest : InsertionTest {
     Node box = fieldOf(page);
-    const platform::PasteboardItem picture{
-        {{QStringLiteral("image/png"), "PNG"}, {QStringLiteral("text/html"), "<img>"}}};
+    const platform::PasteboardItem picture{{{u"image/png"_qs, "PNG"}, {u"text/html"_qs, "<img>"}}};
 
     void SetUp() override { desktop.pasteboard.copy({picture}); }
-    void insert(const QString &text) { AXText::insert(text, box->element()); }
+    void insert(const QString &text, int thenMilliseconds) {
+        AXText::insert(text, box->element());
+        desktop.advance(thenMilliseconds);
+    }
 };
 
 TEST_F(PasteTest, GivesTheClipboardBackWithAllItsTypes) {
-    insert(rewrite);
-    desktop.advance(250);
+    insert(rewrite, 250);
     EXPECT_TRUE(desktop.typed.empty());
     EXPECT_EQ(desktop.pasteboard.string(), rewrite);
     desktop.advance(10);
-    EXPECT_EQ(desktop.typed, (QStringList{QStringLiteral("Command-A"), QStringLiteral("Command-V")}));
+    EXPECT_EQ(desktop.typed, (QStringList{u"Command-A"_qs, u"Command-V"_qs}));
     EXPECT_EQ(box->value(), rewrite);
     desktop.advance(680);
     EXPECT_EQ(desktop.pasteboard.string(), rewrite) << "a slow application may still be fetching it";
     desktop.advance(20);
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
     EXPECT_EQ(desktop.applications.activated, std::vector<qint32>{1});
-    EXPECT_EQ(desktop.log(), QStringList{QStringLiteral("web field, inserting via paste")});
+    EXPECT_EQ(desktop.log(), QStringList{u"web field, inserting via paste"_qs});
 
     desktop.pasteboard.clearContents();
-    insert(rewrite);
-    desktop.advance(1000);
+    insert(rewrite, 1000);
     EXPECT_TRUE(desktop.pasteboard.items.empty());
 }
 
@@ -173,49 +169,39 @@ TEST_F(PasteTest, LeavesTheTextForABusyApplicationToFetchButNotForever) {
 }
 
 TEST_F(PasteTest, LeavesAloneWhatTheUserCopiesMeanwhile) {
-    insert(rewrite);
-    desktop.advance(2);
-    desktop.pasteboard.copy(QStringLiteral("copied while saving"));
-    desktop.advance(1000);
-    EXPECT_EQ(desktop.pasteboard.string(), QStringLiteral("copied while saving"));
-    desktop.typed.clear();
-    insert(rewrite);
-    desktop.advance(100);
-    desktop.pasteboard.copy(QStringLiteral("copied before pasting"));
-    desktop.advance(1000);
-    EXPECT_TRUE(desktop.typed.empty()) << "it would have replaced the draft by what was copied";
-    EXPECT_EQ(desktop.log().last(), QStringLiteral("pasteboard was taken by another program, not pasting"));
-    EXPECT_EQ(desktop.pasteboard.string(), QStringLiteral("copied before pasting"));
-    insert(rewrite);
-    desktop.advance(400);
-    desktop.pasteboard.copy(QStringLiteral("copied after pasting"));
-    desktop.advance(1000);
-    EXPECT_EQ(desktop.pasteboard.string(), QStringLiteral("copied after pasting"));
+    for (const auto &[when, copied, isTyped] : {std::tuple(2, u"while saving"_qs, true),
+                                                {100, u"before pasting"_qs, false}, // it would replace the draft
+                                                {400, u"after pasting"_qs, true}}) {
+        desktop.typed.clear();
+        insert(rewrite, when);
+        desktop.pasteboard.copy(copied);
+        desktop.advance(1000);
+        EXPECT_EQ(desktop.pasteboard.string(), copied);
+        EXPECT_EQ(!desktop.typed.isEmpty(), isTyped) << copied.toStdString();
+    }
+    EXPECT_TRUE(desktop.log().contains(u"pasteboard was taken by another program, not pasting"_qs));
 }
 
 TEST_F(PasteTest, EndsWithTheProgram) {
-    insert(rewrite);
-    desktop.advance(100);
+    insert(rewrite, 100);
     abandonPastes();
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 
 TEST_F(PasteTest, DoesNotOverwriteWhatItCannotGiveBack) {
     desktop.pasteboard.hangs = true;
-    insert(QStringLiteral("first"));
-    insert(QStringLiteral("second"));
-    desktop.advance(8);
+    insert(u"first"_qs, 0);
+    insert(u"second"_qs, 8);
     desktop.pasteboard.hangs = false;
     desktop.advance(1000);
-    EXPECT_EQ(desktop.log().at(2), QStringLiteral("pasteboard could not be read, not pasting"));
+    EXPECT_EQ(desktop.log().at(2), u"pasteboard could not be read, not pasting"_qs);
     EXPECT_EQ(desktop.typed.size(), 2);
-    EXPECT_EQ(box->value(), QStringLiteral("second"));
+    EXPECT_EQ(box->value(), u"second"_qs);
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 
 TEST_F(PasteTest, AClipboardManagerMayTakeTheTextOver) {
-    insert(rewrite);
-    desktop.advance(100);
+    insert(rewrite, 100);
     desktop.pasteboard.copy(rewrite);
     desktop.advance(1000);
     EXPECT_EQ(box->value(), rewrite);
@@ -223,28 +209,24 @@ TEST_F(PasteTest, AClipboardManagerMayTakeTheTextOver) {
 }
 
 TEST_F(PasteTest, OneFollowsTheOther) {
-    insert(QStringLiteral("first"));
-    desktop.advance(500);
-    insert(QStringLiteral("second"));
-    desktop.advance(100);
-    EXPECT_EQ(box->value(), QStringLiteral("first"));
+    insert(u"first"_qs, 500);
+    insert(u"second"_qs, 100);
+    EXPECT_EQ(box->value(), u"first"_qs);
     desktop.advance(1500);
-    EXPECT_EQ(box->value(), QStringLiteral("second"));
+    EXPECT_EQ(box->value(), u"second"_qs);
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 
 TEST_F(PasteTest, WaitsForTheUsersFingersButNotForever) {
     desktop.userHoldsKey = true;
-    insert(rewrite);
-    desktop.advance(1000);
+    insert(rewrite, 1000);
     EXPECT_TRUE(desktop.typed.empty());
     desktop.userHoldsKey = false;
     desktop.advance(20);
     EXPECT_EQ(desktop.typed.size(), 2);
     desktop.advance(1000);
     desktop.userHoldsKey = true;
-    insert(rewrite);
-    desktop.advance(2200);
+    insert(rewrite, 2200);
     EXPECT_EQ(desktop.typed.size(), 2);
     desktop.advance(100);
     EXPECT_EQ(desktop.typed.size(), 4);
@@ -252,31 +234,29 @@ TEST_F(PasteTest, WaitsForTheUsersFingersButNotForever) {
 
 TEST_F(PasteTest, NeverTypesIntoAnotherField) {
     desktop.applications.focused.reset(); // somewhere that nothing is known of
-    insert(rewrite);
-    desktop.advance(1500);
+    insert(rewrite, 1500);
     EXPECT_TRUE(desktop.typed.empty());
     const Node addressBar = window->add(axRole::textField, {300, 800, 400, 40});
     desktop.applications.focused = addressBar;
     desktop.applications.activated.clear();
-    insert(rewrite);
-    desktop.advance(1240);
+    insert(rewrite, 1240);
     EXPECT_EQ(desktop.log().size(), 3);
     desktop.advance(100);
-    EXPECT_EQ(desktop.log().last(), QStringLiteral("focus left the field, not pasting"));
+    EXPECT_EQ(desktop.log().last(), u"focus left the field, not pasting"_qs);
     EXPECT_TRUE(desktop.typed.empty());
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
     EXPECT_EQ(desktop.applications.activated, (std::vector<qint32>{1, 1}));
 
     desktop.applications.focusOnActivation[1] = box;
     desktop.applications.focused = field;
-    insert(rewrite);
+    insert(rewrite, 0);
     desktop.applications.focused = field;
     desktop.advance(1000);
     EXPECT_EQ(box->value(), rewrite) << "the second activation brought the focus back";
 }
 
 TEST_F(PasteTest, TypesIntoACopyThatTheApplicationMadeOfTheField) {
-    insert(rewrite);
+    insert(rewrite, 0);
     box->gone = true;
     const Node copy = fieldOf(page);
     desktop.advance(1000);
@@ -284,15 +264,14 @@ TEST_F(PasteTest, TypesIntoACopyThatTheApplicationMadeOfTheField) {
 }
 
 TEST(FieldSnapshot, RecognisesAFieldThatWasMadeAnew) {
-    const FieldSnapshot known{7, QStringLiteral("draft"), {100, 500, 400, 40}};
+    const FieldSnapshot known{7, u"draft"_qs, {100, 500, 400, 40}};
     const auto moved = [&](double x, double y) { return FieldSnapshot{7, known.text, {100 + x, 500 + y, 10, 10}}; };
     EXPECT_TRUE(isRecreated(known, moved(79.9, -79.9)));
     EXPECT_FALSE(isRecreated(known, moved(80, 0)));
     EXPECT_FALSE(isRecreated(known, moved(0, -80)));
     EXPECT_FALSE(isRecreated(known, {8, known.text, known.frame}));
-    EXPECT_FALSE(isRecreated(known, {7, QStringLiteral("drafts"), known.frame}));
+    EXPECT_FALSE(isRecreated(known, {7, u"drafts"_qs, known.frame}));
 }
 
 } // namespace
-
 } // namespace quillory

@@ -53,9 +53,8 @@ TEST(DemoRewriter, HeedsTheTone) {
 }
 
 TEST(DemoReplier, AnswersFromWhatItKnows) {
-    const QString knowledge =
-        QStringLiteral("Q: Do you deliver?\nA: Yes, to\nRiffa.\n\nQ: Opening hours on Friday?\nA: "
-                       "From 2.");
+    const QString knowledge = u"Q: Do you deliver?\nA: Yes, to\nRiffa.\n\nQ: Opening hours on Friday?\nA: "
+                              "From 2."_qs;
     const std::pair<const char *, const char *> cases[]{
         {"«customer» Hello\n«customer» are you delivering to Riffa?", "Yes, to\nRiffa."},
         {"«customer» do you deliver?\n«you» Yes.\n«customer» and on friday, when do you open", "From 2."},

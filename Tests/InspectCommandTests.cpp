@@ -10,7 +10,6 @@
 #include <sstream>
 
 namespace quillory {
-
 namespace {
 
 using test::text;
@@ -20,7 +19,10 @@ using testing::Not;
 struct InspectStory : test::MonitorStory {
     struct Desktop final : CommandDesktop {
         explicit Desktop(InspectStory &toldIn) : story(toldIn) {}
-        void pass(std::chrono::milliseconds time) override { story.passed(time); }
+        void pass(std::chrono::milliseconds time) override {
+            story.passedTime += time;
+            story.meanwhile();
+        }
         [[nodiscard]] std::chrono::steady_clock::time_point now() const override {
             return std::chrono::steady_clock::time_point(10 * story.passedTime); // a look takes its time too
         }
@@ -30,10 +32,6 @@ struct InspectStory : test::MonitorStory {
     std::chrono::milliseconds passedTime{0};
     std::function<void()> meanwhile = [] {};
 
-    void passed(std::chrono::milliseconds time) {
-        passedTime += time;
-        meanwhile();
-    }
     int inspect(const QStringList &arguments) {
         std::istringstream input;
         std::ostringstream errors;
@@ -43,21 +41,21 @@ struct InspectStory : test::MonitorStory {
         return runInspectCommand(arguments, services, {input, output, errors});
     }
     QJsonObject inspected() {
-        inspect({text("--json")});
+        inspect({u"--json"_qs});
         return QJsonDocument::fromJson(QByteArray::fromStdString(output.str())).object();
     }
-    QJsonValue sent(int request) { return desktop.urlSession.exchange(request)->json()[text("messages")]; }
+    QJsonValue sent(int request) { return desktop.urlSession.exchange(request)->json()[u"messages"_qs]; }
 };
 
 TEST_F(InspectStory, ShowsTheVeryMessagesThatAreSent) {
-    desktop.userDefaults.set(settingsKey::openRouterAPIKey, text("sk-secret"));
-    desktop.userDefaults.set(settingsKey::businessProfile, text("We sell dates."));
-    page->addText(text("is it in stock?"), {300, 100, 100, 20});
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"sk-secret"_qs);
+    desktop.userDefaults.set(settingsKey::businessProfile, u"We sell dates."_qs);
+    page->addText(u"is it in stock?"_qs, {300, 100, 100, 20});
     start();
     desktop.advance(100);
-    EXPECT_EQ(inspected()[text("request")][text("messages")], sent(0));
-    type(text("helo can u send it"), 1000);
-    EXPECT_EQ(inspected()[text("request")][text("messages")], sent(1));
+    EXPECT_EQ(inspected()[u"request"_qs][u"messages"_qs], sent(0));
+    type(u"helo can u send it"_qs, 1000);
+    EXPECT_EQ(inspected()[u"request"_qs][u"messages"_qs], sent(1));
     EXPECT_EQ(inspect({}), exitStatus::success);
     EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("«customer» is it in stock?"), HasSubstr("set, not shown"),
                                              HasSubstr("the host \"web.whatsapp.com\""), Not(HasSubstr("sk-secret"))));
@@ -65,18 +63,18 @@ TEST_F(InspectStory, ShowsTheVeryMessagesThatAreSent) {
 
 TEST_F(InspectStory, WaitsForAMessageBoxAndSaysWhyNothingWouldBeSent) {
     const auto bar = browser->add(platform::axRole::textField);
-    bar->setValue(text("a secret search"));
+    bar->setValue(u"a secret search"_qs);
     focus(bar);
-    EXPECT_EQ(inspect({text("--wait"), text("2")}), exitStatus::failure);
+    EXPECT_EQ(inspect({u"--wait"_qs, u"2"_qs}), exitStatus::failure);
     EXPECT_GE(10 * passedTime, std::chrono::seconds(2));
     EXPECT_LE(10 * passedTime, std::chrono::seconds(6));
     EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("belongs to the browser itself"), Not(HasSubstr("a secret"))));
     meanwhile = [this] { focus(box); };
-    EXPECT_EQ(inspect({text("--wait"), text("600")}), exitStatus::success);
+    EXPECT_EQ(inspect({u"--wait"_qs, u"600"_qs}), exitStatus::success);
     page->addText(text("\x1B[2J\x07gone?"), {300, 100, 100, 20});
     EXPECT_EQ(inspect({}), exitStatus::success);
     EXPECT_THAT(output.str(), HasSubstr("«customer» ?[2J?gone?"));
-    for (const QStringList &wrong : {QStringList{text("--wait")}, {text("--wait"), text("-1")}, {text("now")}}) {
+    for (const QStringList &wrong : {QStringList{u"--wait"_qs}, {u"--wait"_qs, u"-1"_qs}, {u"now"_qs}}) {
         EXPECT_EQ(inspect(wrong), exitStatus::misuse);
     }
 }
@@ -88,35 +86,31 @@ TEST(RequestPlan, FollowsTheGates) {
                               .isBrowserUI = false,
                               .isChat = true,
                               .length = 9,
-                              .value = text("helo there"),
-                              .placeholder = text("Type a message"),
-                              .conversation = text("hi"),
+                              .value = u"helo there"_qs,
+                              .placeholder = u"Type a message"_qs,
+                              .conversation = u"hi"_qs,
                               .minChars = 8,
                               .maxChars = 20};
-    const auto whyNot = [&](const std::function<void(FieldSituation &)> &change) {
+    EXPECT_EQ(planRequest(base).kind, SuggestionKind::rewrite);
+    EXPECT_EQ(planRequest(base).context, u"hi"_qs);
+    const std::pair<void (*)(FieldSituation &), const char *> cases[]{
+        {[](auto &field) { field.enabled = false; }, "\"enabled\""},
+        {[](auto &field) { field.isChat = false; }, "no WhatsApp"},
+        {[](auto &field) { field.length = 21; }, "\"maxChars\""},
+        {[](auto &field) { field.value = QString(21, u'x'); }, "\"maxChars\""},
+        {[](auto &field) { field.value = u"  short \n"_qs; }, "\"minChars\""},
+        {[](auto &field) { field.value = QString(), field.assistantMode = false; }, "\"assistantMode\""},
+        {[](auto &field) { field.value = QString(), field.conversation.reset(); }, "no conversation"},
+        {[](auto &field) { field.conversation.reset(); }, nullptr},
+        {[](auto &field) { field.value = u"Type a message\n"_qs; }, nullptr},
+    };
+    for (const auto &[change, whyNot] : cases) {
         FieldSituation field = base;
         change(field);
-        return planRequest(field).whyNot.toStdString();
-    };
-    EXPECT_EQ(planRequest(base).kind, SuggestionKind::rewrite);
-    EXPECT_EQ(planRequest(base).context, text("hi"));
-    EXPECT_EQ(whyNot([](auto &field) { field.conversation.reset(); }), "");
-    EXPECT_THAT(whyNot([](auto &field) { field.enabled = false; }), HasSubstr("\"enabled\""));
-    EXPECT_THAT(whyNot([](auto &field) { field.isChat = false; }), HasSubstr("no WhatsApp"));
-    EXPECT_THAT(whyNot([](auto &field) { field.length = 21; }), HasSubstr("\"maxChars\""));
-    EXPECT_THAT(whyNot([](auto &field) { field.value = QString(21, u'x'); }), HasSubstr("\"maxChars\""));
-    EXPECT_THAT(whyNot([](auto &field) { field.value = text("  short \n"); }), HasSubstr("\"minChars\""));
-    EXPECT_EQ(whyNot([](auto &field) { field.value = text("Type a message\n"); }), "");
-    const auto empty = [&](auto change) {
-        return whyNot([&](auto &field) {
-            field.value = QString();
-            change(field);
-        });
-    };
-    EXPECT_THAT(empty([](auto &field) { field.assistantMode = false; }), HasSubstr("\"assistantMode\""));
-    EXPECT_THAT(empty([](auto &field) { field.conversation.reset(); }), HasSubstr("no conversation"));
+        const std::string reason = planRequest(field).whyNot.toStdString();
+        EXPECT_TRUE(whyNot == nullptr ? reason.empty() : reason.find(whyNot) != std::string::npos) << reason;
+    }
 }
 
 } // namespace
-
 } // namespace quillory

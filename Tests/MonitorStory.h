@@ -23,14 +23,14 @@ struct MonitorStory : testing::Test {
     SimulatedDesktop desktop;
     SimulatedCards cards;
     Node browser =
-        desktop.applications.launch({browserPid, text("org.chromium.Chromium"), text("Chromium")}, text("WhatsApp"));
+        desktop.applications.launch({browserPid, u"org.chromium.Chromium"_qs, u"Chromium"_qs}, u"WhatsApp"_qs);
     Node page = browser->add(platform::axRole::webArea);
     Node box = page->add(platform::axRole::textArea, {300, 800, 400, 40});
     std::shared_ptr<TypingMonitor> monitor = std::make_shared<TypingMonitor>(cards.maker());
 
     void SetUp() override {
-        desktop.userDefaults.set(settingsKey::openRouterAPIKey, text("key"));
-        page->set(platform::axAttribute::url, QUrl(text("https://web.whatsapp.com/")));
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_qs);
+        page->set(platform::axAttribute::url, QUrl(u"https://web.whatsapp.com/"_qs));
         box->setValue({});
         focus(box);
     }
@@ -65,15 +65,15 @@ struct MonitorStory : testing::Test {
     void finish(int request, const QString &answer) {
         const QString label = modelName(request);
         desktop.urlSession.exchange(request)->answer({answer});
-        ASSERT_TRUE(runUntilLogged(label + text(" complete")));
+        ASSERT_TRUE(runUntilLogged(label + u" complete"_qs));
     }
     QString modelName(int request) {
-        const auto model = desktop.urlSession.exchange(request)->json()[text("model")].toString();
-        return model.startsWith(text("google")) ? text("Gemini 2.5 Flash Lite") : text("Claude Haiku 4.5");
+        const auto model = desktop.urlSession.exchange(request)->json()[u"model"_qs].toString();
+        return model.startsWith(u"google"_qs) ? u"Gemini 2.5 Flash Lite"_qs : u"Claude Haiku 4.5"_qs;
     }
     // How often models were asked; the requests themselves come from threads of their own, a little later.
     qsizetype requests() {
-        static const QRegularExpression asked(text("^(prefetch started|rewrite requested|reply \\()"));
+        static const QRegularExpression asked(u"^(prefetch started|rewrite requested|reply \\()"_qs);
         return desktop.log().filter(asked).size();
     }
     bool panelVisible() { return desktop.panelWindows.visible; }

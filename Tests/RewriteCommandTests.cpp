@@ -8,7 +8,6 @@
 #include <sstream>
 
 namespace quillory {
-
 namespace {
 
 using testing::HasSubstr;
@@ -68,5 +67,4 @@ TEST_F(RewriteCommand, SaysWhatIsWrong) {
 }
 
 } // namespace
-
 } // namespace quillory

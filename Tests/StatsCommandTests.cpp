@@ -11,7 +11,6 @@
 #include <sstream>
 
 namespace quillory {
-
 namespace {
 
 ChoiceRecord record(const ChoiceEntry &chosen, const std::vector<ChoiceEntry> &others = {}) {
@@ -84,5 +83,4 @@ TEST_F(StatsStory, CountsWhatWasRecordedAndNamesWhatIsDamaged) {
 }
 
 } // namespace
-
 } // namespace quillory

@@ -15,18 +15,22 @@ using testing::ElementsAre;
 namespace eventFlag = platform::eventFlag;
 namespace keyCode = platform::keyCode;
 
+const QString label = u"Suggested rewrite"_s;
 const QString tapFailed = u"could not create event tap (Tab/Esc shortcuts unavailable)"_s;
 // In accessibility coordinates: on the primary screen of 900 points, screen coordinates 300 to 340.
 const Rect field{200, 560, 500, 40};
 
 SuggestionCardData card(const std::optional<QString> &text, bool isComplete = false) {
-    return {u"Suggested rewrite"_s, text, isComplete, std::nullopt, false};
+    return {label, text, isComplete, std::nullopt, false};
 }
 
 struct SuggestionPanel : testing::Test {
     SuggestionPanel() {
         controller->onAcceptCard = [this](int index) { accepted.append(index); };
         controller->onDismiss = [this] { ++dismissed; };
+    }
+    TapVerdict press(platform::KeyCode key, platform::EventFlags flags = 0) {
+        return desktop.eventTaps.press(key, flags);
     }
     void show(const SuggestionCards &shown, const Rect &above = field) { controller->show(shown, above, element); }
 
@@ -56,7 +60,6 @@ TEST_F(SuggestionPanel, RisesIntoPlaceOnceAndThenChangesWhereItStands) {
 
     controller->hide();
     EXPECT_FALSE(controller->isVisible());
-    EXPECT_TRUE(controller->cards().isEmpty());
     EXPECT_FALSE(controller->targetElement());
     controller->reposition({0, 0, 10, 10});
     EXPECT_EQ(desktop.panelWindows.frame.y, 8) << "a hidden panel does not follow";
@@ -92,10 +95,8 @@ TEST_F(SuggestionPanel, ChangesOneCardByItsIndex) {
         controller->failCard(index, u"x"_s);
         EXPECT_FALSE(controller->isCardAcceptable(index));
     }
-    EXPECT_THAT(
-        cards.shown,
-        ElementsAre(SuggestionCardData{u"Suggested rewrite"_s, u"Hello there"_s, true, u"2.0s"_s, false},
-                    SuggestionCardData{u"Suggested rewrite"_s, u"Couldn't reach it"_s, false, u"1.2s"_s, true}));
+    EXPECT_THAT(cards.shown, ElementsAre(SuggestionCardData{label, u"Hello there"_s, true, u"2.0s"_s, false},
+                                         SuggestionCardData{label, u"Couldn't reach it"_s, false, u"1.2s"_s, true}));
     EXPECT_EQ(controller->firstCompleteIndex(), 0);
     controller->finishCard(0, QString(), u"2.0s"_s);
     EXPECT_FALSE(controller->isCardAcceptable(0)) << "an empty text";
@@ -103,18 +104,18 @@ TEST_F(SuggestionPanel, ChangesOneCardByItsIndex) {
 }
 
 TEST_F(SuggestionPanel, DecidesWhichKeysItTakes) {
-    EXPECT_EQ(desktop.eventTaps.press(keyCode::escape), TapVerdict::pass) << "nothing is shown";
+    EXPECT_EQ(press(keyCode::escape), TapVerdict::pass) << "nothing is shown";
     show({card(u"Hel"_s), card(u"Hello"_s)});
-    EXPECT_EQ(desktop.eventTaps.press(keyCode::tab), TapVerdict::pass) << "nothing to accept yet";
+    EXPECT_EQ(press(keyCode::tab), TapVerdict::pass) << "nothing to accept yet";
     controller->finishCard(1, u"Hello"_s, u"1.2s"_s);
     for (const auto flag : {eventFlag::shift, eventFlag::control, eventFlag::option, eventFlag::command}) {
-        EXPECT_EQ(desktop.eventTaps.press(keyCode::tab, flag), TapVerdict::pass);
-        EXPECT_EQ(desktop.eventTaps.press(keyCode::escape, flag), TapVerdict::pass);
+        EXPECT_EQ(press(keyCode::tab, flag), TapVerdict::pass);
+        EXPECT_EQ(press(keyCode::escape, flag), TapVerdict::pass);
     }
-    EXPECT_EQ(desktop.eventTaps.press(keyCode::v), TapVerdict::pass);
-    EXPECT_EQ(desktop.eventTaps.press(keyCode::tab, 0x10000), TapVerdict::swallow) << "Caps Lock does not matter";
+    EXPECT_EQ(press(keyCode::v), TapVerdict::pass);
+    EXPECT_EQ(press(keyCode::tab, 0x10000), TapVerdict::swallow) << "Caps Lock does not matter";
     controller->finishCard(0, u"Hello!"_s, u"1.3s"_s);
-    EXPECT_EQ(desktop.eventTaps.press(keyCode::escape), TapVerdict::swallow);
+    EXPECT_EQ(press(keyCode::escape), TapVerdict::swallow);
     EXPECT_TRUE(accepted.isEmpty()) << "acted on only after the key is done with";
     desktop.advance(0);
     EXPECT_THAT(accepted, ElementsAre(1)) << "the card that was first when the key went down";
@@ -155,7 +156,7 @@ TEST_F(SuggestionPanel, PassesClicksOnUntilItIsGone) {
     cards.clickDismiss();
     EXPECT_THAT(accepted, ElementsAre(1));
     EXPECT_EQ(dismissed, 1);
-    (void)desktop.eventTaps.press(keyCode::tab);
+    (void)press(keyCode::tab);
     controller.reset();
     desktop.advance(0);
     cards.clickAccept(0);

@@ -46,9 +46,8 @@ TEST(SuggestionPanelPlacement, staysBesideTheFieldAndInsideTheVisibleFrame) {
         {"no screen at all", {300, 200, 500, 40}, panel, {8, 40}, {}, std::nullopt},
     };
     for (const Case &c : cases) {
-        EXPECT_EQ(panelOrigin(c.field, c.panel, c.screens, c.mainScreen), c.expected)
-            << c.name << ": " << panelOrigin(c.field, c.panel, c.screens, c.mainScreen).x << ", "
-            << panelOrigin(c.field, c.panel, c.screens, c.mainScreen).y;
+        const Point origin = panelOrigin(c.field, c.panel, c.screens, c.mainScreen);
+        EXPECT_EQ(origin, c.expected) << c.name << ": " << origin.x << ", " << origin.y;
     }
 }
 

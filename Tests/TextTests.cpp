@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 
 namespace quillory::test {
-
 namespace {
 const QString loneHigh{QChar(0xd83d)};
 const QString loneLow{QChar(0xde00)};

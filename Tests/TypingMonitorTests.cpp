@@ -6,7 +6,6 @@
 #include <QFile>
 
 namespace quillory {
-
 namespace {
 
 using platform::Rect;
@@ -18,12 +17,12 @@ namespace axAttribute = platform::axAttribute;
 namespace axRole = platform::axRole;
 namespace keyCode = platform::keyCode;
 
-const QString draft = text("helo can u send me the price list");
-const QString rewrite = text("Hello, can you send me the price list?");
-const SuggestionCardData waitingCard{text("Suggested rewrite"), {}, false, {}, false};
+const QString draft = u"helo can u send me the price list"_qs;
+const QString rewrite = u"Hello, can you send me the price list?"_qs;
+const SuggestionCardData waitingCard{u"Suggested rewrite"_qs, {}, false, {}, false};
 
 struct RewriteStory : test::MonitorStory {
-    Node message = page->addText(text("do you have it in blue?"), {300, 700, 150, 20});
+    Node message = page->addText(u"do you have it in blue?"_qs, {300, 700, 150, 20});
 
     void SetUp() override {
         MonitorStory::SetUp();
@@ -33,49 +32,48 @@ struct RewriteStory : test::MonitorStory {
 };
 
 TEST_F(RewriteStory, ADraftBecomesBetterFromTypingToTab) {
-    desktop.pasteboard.copy(text("the user's own"));
+    desktop.pasteboard.copy(u"the user's own"_qs);
     const int announcedBefore = page->announced;
     type(draft, 200);
     EXPECT_GT(page->announced, announcedBefore) << "the conversation must be at hand when the draft is asked about";
     desktop.advance(100);
-    EXPECT_THAT(newLog(), ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5)")));
+    EXPECT_THAT(newLog(), ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_qs));
     const auto request = desktop.urlSession.exchange(0);
-    EXPECT_TRUE(request->request().body.contains(text("«customer» do you have it in blue?").toUtf8()));
+    EXPECT_TRUE(request->request().body.contains(u"«customer» do you have it in blue?"_qs.toUtf8()));
     EXPECT_FALSE(panelVisible());
 
     desktop.advance(300);
-    EXPECT_THAT(newLog(), ElementsAre(text("panel visible (1 cards)")));
+    EXPECT_THAT(newLog(), ElementsAre(u"panel visible (1 cards)"_qs));
     EXPECT_THAT(cards.shown, ElementsAre(waitingCard));
     EXPECT_TRUE(desktop.press(keyCode::tab)) << "nothing to accept yet";
 
-    request->piece(text("Hello, "));
-    ASSERT_TRUE(runUntilShown(0, text("Hello, ")));
+    request->piece(u"Hello, "_qs);
+    ASSERT_TRUE(runUntilShown(0, u"Hello, "_qs));
     request->answer({rewrite.mid(7)});
     ASSERT_TRUE(runUntilShown(0, rewrite));
-    ASSERT_TRUE(runUntilLogged(text("Claude Haiku 4.5 complete")));
+    ASSERT_TRUE(runUntilLogged(u"Claude Haiku 4.5 complete"_qs));
     EXPECT_TRUE(cards.shown[0].isComplete);
-    EXPECT_EQ(cards.shown[0].elapsedText, text("0.3s"));
+    EXPECT_EQ(cards.shown[0].elapsedText, u"0.3s"_qs);
 
     EXPECT_FALSE(desktop.press(keyCode::tab));
     EXPECT_FALSE(panelVisible());
     desktop.advance(5000);
     EXPECT_EQ(box->value(), rewrite);
-    EXPECT_EQ(desktop.typed.join(u' '), text("Command-A Command-V"));
-    EXPECT_EQ(desktop.pasteboard.string(), text("the user's own"));
+    EXPECT_EQ(desktop.typed.join(u' '), u"Command-A Command-V"_qs);
+    EXPECT_EQ(desktop.pasteboard.string(), u"the user's own"_qs);
     EXPECT_EQ(requests(), 1);
-    EXPECT_THAT(newLog(), ElementsAre(text("Claude Haiku 4.5 complete (38 chars, 0.30s)"),
-                                      text("choice recorded: anthropic/claude-haiku-4.5"),
-                                      text("web field, inserting via paste")));
+    EXPECT_THAT(newLog(),
+                ElementsAre(u"Claude Haiku 4.5 complete (38 chars, 0.30s)"_qs,
+                            u"choice recorded: anthropic/claude-haiku-4.5"_qs, u"web field, inserting via paste"_qs));
 }
 
 TEST_F(RewriteStory, APrefetchedAnswerIsShownAsSoonAsItIsReady) {
     type(draft, 300);
     finish(0, rewrite);
-    EXPECT_TRUE(panelVisible());
     EXPECT_EQ(cards.shown[0].text, rewrite);
     EXPECT_THAT(newLog(),
-                ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5)"),
-                            text("Claude Haiku 4.5 complete (38 chars, 0.00s)"), text("panel visible (1 cards)")));
+                ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_qs,
+                            u"Claude Haiku 4.5 complete (38 chars, 0.00s)"_qs, u"panel visible (1 cards)"_qs));
     box->setFrame({300, 600, 400, 240});
     desktop.advance(100);
     EXPECT_EQ(desktop.panelWindows.frame.y, 900 - 600 + 10) << "the panel follows the field";
@@ -87,9 +85,9 @@ TEST_F(RewriteStory, APrefetchedAnswerIsShownAsSoonAsItIsReady) {
 TEST_F(RewriteStory, TypingOnHidesTheCardsAndEndsTheRequest) {
     type(draft, 600);
     const auto first = desktop.urlSession.exchange(0);
-    first->piece(text("Hello"));
-    ASSERT_TRUE(runUntilShown(0, text("Hello")));
-    type(draft + text(" pls"), 0);
+    first->piece(u"Hello"_qs);
+    ASSERT_TRUE(runUntilShown(0, u"Hello"_qs));
+    type(draft + u" pls"_qs, 0);
     EXPECT_FALSE(panelVisible());
     EXPECT_TRUE(first->awaitLeft());
     EXPECT_TRUE(first->wasCancelled());
@@ -98,8 +96,8 @@ TEST_F(RewriteStory, TypingOnHidesTheCardsAndEndsTheRequest) {
     EXPECT_TRUE(second->request().body.contains("price list pls"));
     EXPECT_THAT(cards.shown, ElementsAre(waitingCard));
     EXPECT_THAT(newLog(),
-                ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5)"), text("panel visible (1 cards)"),
-                            text("prefetch started (37 chars, Claude Haiku 4.5)"), text("panel visible (1 cards)")));
+                ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_qs, u"panel visible (1 cards)"_qs,
+                            u"prefetch started (37 chars, Claude Haiku 4.5)"_qs, u"panel visible (1 cards)"_qs));
 }
 
 TEST_F(RewriteStory, AnAnswerThatComesTooLateIsDropped) {
@@ -137,26 +135,26 @@ TEST_F(RewriteStory, ChunksAreShownAtMostEveryEightyMilliseconds) {
         desktop.advance(0);
         return cards.shown[0].text;
     };
-    EXPECT_EQ(send("one", 0), text("one"));
-    EXPECT_EQ(send(" two", 50), text("one"));
-    EXPECT_EQ(send(" three", 40), text("one two three"));
+    EXPECT_EQ(send("one", 0), u"one"_qs);
+    EXPECT_EQ(send(" two", 50), u"one"_qs);
+    EXPECT_EQ(send(" three", 40), u"one two three"_qs);
 }
 
 TEST_F(RewriteStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
-    const Node window = desktop.applications.launch({2, text("net.whatsapp.desktop"), text("WhatsApp")}, text("Chats"));
+    const Node window = desktop.applications.launch({2, u"net.whatsapp.desktop"_qs, u"WhatsApp"_qs}, u"Chats"_qs);
     box = window->add(axRole::textArea, {300, 800, 400, 40});
     box->settable = true;
     box->onWrite = [](const QString &written) { return written.left(24) + written.mid(24).replace(u' ', QChar::Nbsp); };
     focus(box);
     desktop.advance(100);
-    EXPECT_THAT(newLog(), ElementsAre(text("focus -> AXTextArea in WhatsApp [Chats], textElement=true, chat app")));
+    EXPECT_THAT(newLog(), ElementsAre(u"focus -> AXTextArea in WhatsApp [Chats], textElement=true, chat app"_qs));
     type(draft, 600);
     finish(0, rewrite);
     newLog();
     EXPECT_FALSE(desktop.press(keyCode::tab));
     EXPECT_EQ(normalized(box->value()), normalized(rewrite));
-    EXPECT_EQ(newLog().last(), text("inserted via AX set"));
-    type(text("thank you so much"), 1700);
+    EXPECT_EQ(newLog().last(), u"inserted via AX set"_qs);
+    type(u"thank you so much"_qs, 1700);
     EXPECT_EQ(requests(), 1) << "less than two seconds after the insert";
     desktop.advance(500);
     EXPECT_EQ(requests(), 2);
@@ -166,9 +164,9 @@ TEST_F(RewriteStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
 
 TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
     const Node otherPage = browser->add(axRole::webArea);
-    otherPage->set(axAttribute::url, QUrl(text("https://example.com/")));
-    const Node editor = desktop.applications.launch({3, text("org.example.editor"), std::nullopt}, text("Notes"));
-    const Node own = desktop.applications.launch({desktop.process.ownPid, text("own"), text("Quillory")}, {});
+    otherPage->set(axAttribute::url, QUrl(u"https://example.com/"_qs));
+    const Node editor = desktop.applications.launch({3, u"org.example.editor"_qs, std::nullopt}, u"Notes"_qs);
+    const Node own = desktop.applications.launch({desktop.process.ownPid, u"own"_qs, u"Quillory"_qs}, {});
     struct Case {
         Node field;
         const char *log;
@@ -190,16 +188,16 @@ TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
     focus(box);
     desktop.advance(2700);
     type(draft, 2000);
-    EXPECT_THAT(newLog(), ElementsAre(text("focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false")));
+    EXPECT_THAT(newLog(), ElementsAre(u"focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false"_qs));
     EXPECT_EQ(requests(), 0);
     EXPECT_EQ(desktop.urlSession.requestCount(), 0);
 }
 
 TEST_F(RewriteStory, ABoxThatIsEmptyOrTooLongIsNotAskedAbout) {
-    box->set(axAttribute::placeholderValue, text("Type a message"));
-    type(text("Type a message\n"), 1000);
-    type(text("  \n  "), 1000);
-    type(text("short  "), 1000);
+    box->set(axAttribute::placeholderValue, u"Type a message"_qs);
+    type(u"Type a message\n"_qs, 1000);
+    type(u"  \n  "_qs, 1000);
+    type(u"short  "_qs, 1000);
     type(QString(3001, u'x'), 1000);
     EXPECT_EQ(requests(), 0);
     box->set(axAttribute::numberOfCharacters, 3000.0);
@@ -226,7 +224,7 @@ TEST_F(RewriteStory, TheFocusMayLeaveForAMoment) {
     desktop.advance(2750);
     EXPECT_FALSE(panelVisible());
     EXPECT_TRUE(desktop.urlSession.exchange(0)->awaitLeft());
-    EXPECT_EQ(newLog(), QStringList{text("focus -> AXButton in Chromium [WhatsApp], textElement=false")});
+    EXPECT_EQ(newLog(), QStringList{u"focus -> AXButton in Chromium [WhatsApp], textElement=false"_qs});
     desktop.applications.focused.reset();
     desktop.advance(100);
     focus(box);
@@ -245,7 +243,7 @@ TEST_F(RewriteStory, ARecreatedFieldIsTakenForTheSame) {
         desktop.advance(200);
         return newLog();
     };
-    EXPECT_EQ(recreate(79.9), QStringList{text("field re-created, adopted (chatApp=true)")});
+    EXPECT_EQ(recreate(79.9), QStringList{u"field re-created, adopted (chatApp=true)"_qs});
     EXPECT_TRUE(panelVisible());
     finish(0, rewrite);
     EXPECT_FALSE(desktop.press(keyCode::tab));
@@ -254,7 +252,7 @@ TEST_F(RewriteStory, ARecreatedFieldIsTakenForTheSame) {
     type(draft, 600);
     newLog();
     EXPECT_EQ(recreate(79.9 + 80),
-              QStringList{text("focus -> AXTextArea in Chromium [WhatsApp], textElement=true, chat app")});
+              QStringList{u"focus -> AXTextArea in Chromium [WhatsApp], textElement=true, chat app"_qs});
     EXPECT_FALSE(panelVisible());
 }
 
@@ -272,44 +270,41 @@ TEST_F(RewriteStory, SwitchesCountFromTheNextTick) {
     EXPECT_FALSE(panelVisible());
     desktop.applications.trusted = true;
     desktop.advance(100);
-    EXPECT_THAT(newLog(), ElementsAre(text("accessibility trusted -> false"), text("accessibility trusted -> true"),
-                                      text("panel visible (1 cards)")));
+    EXPECT_THAT(newLog(), ElementsAre(u"accessibility trusted -> false"_qs, u"accessibility trusted -> true"_qs,
+                                      u"panel visible (1 cards)"_qs));
     desktop.userDefaults.set(settingsKey::debounceMs, qint64(0));
-    type(draft + text(" now"), 100);
-    EXPECT_EQ(newLog().first(), text("rewrite requested (37 chars, Claude Haiku 4.5)"));
+    type(draft + u" now"_qs, 100);
+    EXPECT_EQ(newLog().first(), u"rewrite requested (37 chars, Claude Haiku 4.5)"_qs);
 }
 
 TEST_F(RewriteStory, AnUnchangedDraftShowsNothing) {
-    type(text(" ") + draft, 600);
+    type(u" "_qs + draft, 600);
     finish(0, draft + u'\n');
     EXPECT_FALSE(panelVisible());
-    EXPECT_EQ(newLog().last(), text("suggestion identical to draft, skipping"));
+    EXPECT_EQ(newLog().last(), u"suggestion identical to draft, skipping"_qs);
     desktop.advance(5000);
     EXPECT_EQ(requests(), 1);
 }
 
 TEST_F(RewriteStory, AFailedRequestLeavesALineAndNoPanel) {
     type(draft, 600);
-    desktop.urlSession.exchange(0)->fail(text("no route to host"));
+    desktop.urlSession.exchange(0)->fail(u"no route to host"_qs);
     ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
-    EXPECT_EQ(newLog().last(), text("Claude Haiku 4.5 failed: no route to host"));
+    EXPECT_EQ(newLog().last(), u"Claude Haiku 4.5 failed: no route to host"_qs);
     desktop.userDefaults.remove(settingsKey::openRouterAPIKey);
     type(draft + u'!', 600);
-    ASSERT_TRUE(runUntilLogged(text("Claude Haiku 4.5 failed: No OpenRouter API key set.")));
+    ASSERT_TRUE(runUntilLogged(u"Claude Haiku 4.5 failed: No OpenRouter API key set."_qs));
     ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
     desktop.advance(5000);
     EXPECT_EQ(requests(), 2);
-}
-
-TEST_F(RewriteStory, AFieldWithoutAFrameHasNoPlaceForAPanel) {
-    box = page->add(axRole::textArea);
-    box->setValue({});
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_qs);
+    box = page->add(axRole::textArea); // without a frame
     focus(box);
-    desktop.advance(100);
-    newLog();
-    type(draft, 600);
+    type({}, 0);
+    type(draft, 3000);
+    EXPECT_EQ(requests(), 3);
     EXPECT_FALSE(panelVisible());
-    EXPECT_EQ(newLog().last(), text("no AX frame for element, cannot show panel"));
+    EXPECT_TRUE(newLog().contains(u"no AX frame for element, cannot show panel"_qs));
 }
 
 TEST_F(RewriteStory, TheMonitorMayGoWhileARequestRuns) {
@@ -326,21 +321,20 @@ struct CompareStory : RewriteStory {
         desktop.userDefaults.set(settingsKey::compareMode, true);
     }
     // The threads of both requests race, so a request is known by its model.
-    int haiku(int first = 0) { return modelName(first) == text("Claude Haiku 4.5") ? first : first + 1; }
-    int gemini(int first = 0) { return modelName(first + 1) == text("Gemini 2.5 Flash Lite") ? first + 1 : first; }
+    int haiku(int first = 0) { return modelName(first) == u"Claude Haiku 4.5"_qs ? first : first + 1; }
+    int gemini(int first = 0) { return modelName(first + 1) == u"Gemini 2.5 Flash Lite"_qs ? first + 1 : first; }
 };
 
 TEST_F(CompareStory, OneModelMayFailWhileTheOtherGoesOn) {
     type(draft, 600);
-    EXPECT_THAT(newLog(), ElementsAre(text("prefetch started (33 chars, Claude Haiku 4.5 vs Gemini 2.5 Flash Lite)"),
-                                      text("panel visible (2 cards)")));
-    desktop.urlSession.exchange(haiku())->fail(text("broken"));
-    ASSERT_TRUE(runUntilShown(0, text("Couldn't reach Claude Haiku 4.5")));
+    EXPECT_THAT(newLog(), ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5 vs Gemini 2.5 Flash Lite)"_qs,
+                                      u"panel visible (2 cards)"_qs));
+    desktop.urlSession.exchange(haiku())->fail(u"broken"_qs);
+    ASSERT_TRUE(runUntilShown(0, u"Couldn't reach Claude Haiku 4.5"_qs));
     finish(gemini(), draft);
-    EXPECT_THAT(
-        cards.shown,
-        ElementsAre(SuggestionCardData{text("Option 1"), text("Couldn't reach Claude Haiku 4.5"), false, {}, true},
-                    SuggestionCardData{text("Option 2"), draft, true, text("0.3s"), false}))
+    EXPECT_THAT(cards.shown,
+                ElementsAre(SuggestionCardData{u"Option 1"_qs, u"Couldn't reach Claude Haiku 4.5"_qs, false, {}, true},
+                            SuggestionCardData{u"Option 2"_qs, draft, true, u"0.3s"_qs, false}))
         << "two options are shown whatever they say";
     EXPECT_FALSE(desktop.press(keyCode::tab));
     desktop.advance(1000);
@@ -351,22 +345,16 @@ TEST_F(CompareStory, OneModelMayFailWhileTheOtherGoesOn) {
 }
 
 TEST_F(CompareStory, WhenBothFailThePanelGoes) {
-    type(draft + text(" before friday"), 600);
+    type(draft + u" before friday"_qs, 600);
+    desktop.urlSession.exchange(haiku())->answer({QString(200, u'x')});
+    ASSERT_TRUE(runUntilShown(0, u"Rejected: Claude Haiku 4.5 went off script"_qs));
+    EXPECT_EQ(newLog().last(),
+              u"Claude Haiku 4.5 rejected: 200 chars for a 47-char draft (answered instead of rewriting)"_qs);
     desktop.urlSession.exchange(gemini())->respond(429);
     desktop.urlSession.exchange(gemini())->end();
-    ASSERT_TRUE(runUntilShown(1, text("Couldn't reach Gemini 2.5 Flash Lite")));
-    desktop.urlSession.exchange(haiku())->answer({QString(200, u'x')});
     ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
-    EXPECT_EQ(newLog().last(), text("Claude Haiku 4.5 rejected: 200 chars for a 47-char draft (answered instead of "
-                                    "rewriting)"));
     desktop.advance(3000);
     EXPECT_EQ(requests(), 1);
-}
-
-TEST_F(CompareStory, ARejectedAnswerBecomesAFailureCard) {
-    type(draft + text(" before friday"), 600);
-    desktop.urlSession.exchange(haiku())->answer({QString(200, u'x')});
-    EXPECT_TRUE(runUntilShown(0, text("Rejected: Claude Haiku 4.5 went off script")));
 }
 
 TEST_F(CompareStory, TheDebugSwitchAcceptsOnceBothHaveEnded) {
@@ -376,14 +364,14 @@ TEST_F(CompareStory, TheDebugSwitchAcceptsOnceBothHaveEnded) {
     desktop.advance(1000);
     EXPECT_EQ(box->value(), draft);
     newLog();
-    desktop.urlSession.exchange(haiku())->fail(text("broken"));
-    ASSERT_TRUE(runUntilShown(0, text("Couldn't reach Claude Haiku 4.5")));
+    desktop.urlSession.exchange(haiku())->fail(u"broken"_qs);
+    ASSERT_TRUE(runUntilShown(0, u"Couldn't reach Claude Haiku 4.5"_qs));
     EXPECT_TRUE(desktop.userDefaults.boolean(settingsKey::debugAcceptOnce)) << "only an answer sets it off";
     type(draft + u'!', 600);
     newLog();
     finish(haiku(2), rewrite);
-    finish(gemini(2), text("Other"));
-    EXPECT_EQ(newLog().last(), text("debug: auto-accepting card 0"));
+    finish(gemini(2), u"Other"_qs);
+    EXPECT_EQ(newLog().last(), u"debug: auto-accepting card 0"_qs);
     EXPECT_FALSE(desktop.userDefaults.boolean(settingsKey::debugAcceptOnce));
     desktop.advance(590);
     EXPECT_TRUE(panelVisible());
@@ -400,5 +388,4 @@ TEST_F(CompareStory, TheSameModelIsNotAskedTwice) {
 }
 
 } // namespace
-
 } // namespace quillory
