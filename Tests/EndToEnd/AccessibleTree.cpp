@@ -4,7 +4,6 @@
 #include <algorithm>
 
 namespace quillory::test {
-
 namespace {
 
 using platform::AXUIElement;

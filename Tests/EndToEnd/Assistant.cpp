@@ -7,14 +7,12 @@
 #include <stdexcept>
 
 namespace quillory::test {
-
 namespace {
 
 void write(const QString &setting, const QString &value, const QByteArray &input = {}) {
     QProcess program;
     program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    program.start(QStringLiteral(QUILLORY_PROGRAM),
-                  {QStringLiteral("defaults"), QStringLiteral("write"), setting, value});
+    program.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_qs, u"write"_qs, setting, value});
     program.write(input);
     program.closeWriteChannel();
     if (!program.waitForFinished() || program.exitCode() != 0) {
@@ -23,7 +21,7 @@ void write(const QString &setting, const QString &value, const QByteArray &input
 }
 
 ChildProcess started(const QByteArray &modelService, const Assistant::Settings &settings) {
-    write(QStringLiteral("openRouterAPIKey"), QStringLiteral("-"), "made-up-key\n");
+    write(u"openRouterAPIKey"_qs, u"-"_qs, "made-up-key\n");
     for (const auto &[setting, value] : settings) {
         write(setting, value);
     }
@@ -32,7 +30,7 @@ ChildProcess started(const QByteArray &modelService, const Assistant::Settings &
 }
 
 QString fileInHome(const char *path) {
-    QFile file(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/quillory/Library/") + QLatin1StringView(path));
+    QFile file(qEnvironmentVariable("XDG_DATA_HOME") + u"/quillory/Library/"_qs + QLatin1StringView(path));
     return file.open(QFile::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
@@ -40,7 +38,7 @@ QString fileInHome(const char *path) {
 
 Assistant::Assistant(const QByteArray &modelService, const Settings &settings)
     : m_process(started(modelService, settings)) {
-    if (!waitUntil([] { return timesLogged(QStringLiteral("accessibility trusted -> true")) > 0; })) {
+    if (!waitUntil([] { return timesLogged(u"accessibility trusted -> true"_qs) > 0; })) {
         throw std::runtime_error("the program did not start: " + log().toStdString());
     }
 }

@@ -15,7 +15,7 @@ class Browser {
     enum class Kind { chromium, firefox };
     struct Options {
         Kind kind = Kind::chromium;
-        QString host = QStringLiteral("web.whatsapp.com");
+        QString host = u"web.whatsapp.com"_qs;
         /// What follows the page's address ("?box=textarea").
         QString query = QString();
         /// A window with tabs and an address bar, instead of one that holds the page alone. Firefox has no other.

@@ -13,7 +13,6 @@
 #include <openssl/x509.h>
 
 namespace quillory::test {
-
 namespace {
 
 struct Identity {
@@ -53,21 +52,8 @@ void serveFile(httplib::Server &server, const char *path, const QString &file, c
     });
 }
 
-QStringList strings(const QJsonValue &value) {
-    return value.toVariant().toStringList();
-}
-
 QPoint place(const QJsonValue &told) {
-    return QPointF(told[QStringLiteral("x")].toDouble(), told[QStringLiteral("y")].toDouble()).toPoint();
-}
-
-std::vector<ChatPage::Text> texts(const QJsonArray &told) {
-    std::vector<ChatPage::Text> result;
-    for (const QJsonValue &text : told) {
-        result.push_back({text[QStringLiteral("kind")].toString(), text[QStringLiteral("side")].toString(),
-                          text[QStringLiteral("text")].toString()});
-    }
-    return result;
+    return {qRound(told[u"x"_qs].toDouble()), qRound(told[u"y"_qs].toDouble())};
 }
 
 } // namespace
@@ -91,8 +77,8 @@ ChatPage::~ChatPage() {
 
 void ChatPage::serve() {
     const QString folder = QStringLiteral(QUILLORY_PAGE_FOLDER);
-    serveFile(*m_server, "/", folder + QStringLiteral("/index.html"), "text/html; charset=utf-8");
-    serveFile(*m_server, "/chat.css", folder + QStringLiteral("/chat.css"), "text/css");
+    serveFile(*m_server, "/", folder + u"/index.html"_qs, "text/html; charset=utf-8");
+    serveFile(*m_server, "/chat.css", folder + u"/chat.css"_qs, "text/css");
     serveFile(*m_server, "/chat.js", QStringLiteral(QUILLORY_PAGE_BUNDLE), "text/javascript; charset=utf-8");
     m_server->Post("/report", [this](const httplib::Request &request, httplib::Response &) {
         take(QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object());
@@ -127,34 +113,34 @@ QJsonObject ChatPage::nextOrder(std::size_t after) {
         return {};
     }
     const Order &order = m_orders[after];
-    return {{QStringLiteral("number"), static_cast<int>(after + 1)},
-            {QStringLiteral("what"), order.what},
-            {QStringLiteral("argument"), order.argument}};
+    return {{u"number"_qs, static_cast<int>(after + 1)}, {u"what"_qs, order.what}, {u"argument"_qs, order.argument}};
 }
 
 void ChatPage::take(const QJsonObject &report) {
-    const auto number = [&](const char *name) { return report[QLatin1StringView(name)].toDouble(); };
-    const auto string = [&](const char *name) { return report[QLatin1StringView(name)].toString(); };
     const std::lock_guard lock(m_mutex);
-    if (number("load") < m_load) {
+    if (report[u"load"_qs].toDouble() < m_load) {
         return; // from the page before
     }
-    m_load = number("load");
-    m_state.address = string("page");
-    m_state.chat = string("chat");
-    m_state.text = string("text");
-    m_state.sent = strings(report[QStringLiteral("sent")]);
-    m_state.keys = strings(report[QStringLiteral("keys")]);
-    m_state.blurs = static_cast<int>(number("blurs"));
-    m_state.done = static_cast<int>(number("done"));
-    m_state.focused = report[QStringLiteral("focused")].toBool();
-    m_state.box = place(report[QStringLiteral("box")]);
-    const QJsonObject chats = report[QStringLiteral("chats")].toObject();
+    m_load = report[u"load"_qs].toDouble();
+    m_state.address = report[u"page"_qs].toString();
+    m_state.chat = report[u"chat"_qs].toString();
+    m_state.text = report[u"text"_qs].toString();
+    m_state.sent = report[u"sent"_qs].toVariant().toStringList();
+    m_state.keys = report[u"keys"_qs].toVariant().toStringList();
+    m_state.blurs = report[u"blurs"_qs].toInt();
+    m_state.done = report[u"done"_qs].toInt();
+    m_state.focused = report[u"focused"_qs].toBool();
+    m_state.box = place(report[u"box"_qs]);
+    const QJsonObject chats = report[u"chats"_qs].toObject();
     for (const QString &chat : chats.keys()) {
         m_state.chats[chat] = place(chats[chat]);
     }
-    if (report.contains(QStringLiteral("texts"))) {
-        m_state.texts = texts(report[QStringLiteral("texts")].toArray());
+    if (report.contains(u"texts"_qs)) {
+        m_state.texts.clear();
+        for (const QJsonValue &told : report[u"texts"_qs].toArray()) {
+            m_state.texts.push_back(
+                {told[u"kind"_qs].toString(), told[u"side"_qs].toString(), told[u"text"_qs].toString()});
+        }
     }
 }
 

@@ -4,7 +4,6 @@
 #include <iostream>
 
 namespace quillory::test {
-
 namespace {
 
 constexpr qsizetype mostCollected = 400;
@@ -12,18 +11,18 @@ constexpr qsizetype mostKept = 60;
 
 /// Times, presences and dividers in English are known as noise; those of other languages are lines like any other.
 bool isNoise(const ChatPage::Text &text, bool english) {
-    return text.text.trimmed().size() < 2 || text.kind == QStringLiteral("time") ||
-           (english && (text.kind == QStringLiteral("presence") || text.kind == QStringLiteral("divider")));
+    return text.text.trimmed().size() < 2 || text.kind == u"time"_qs ||
+           (english && (text.kind == u"presence"_qs || text.kind == u"divider"_qs));
 }
 
 /// Sides are judged by where a text stands. In a page from right to left our own messages stand at the left, which is
 /// the customers' side everywhere else, and they are marked as such.
 QString mark(const ChatPage::Text &text, bool rightToLeft) {
-    if (text.kind == QStringLiteral("day") || text.kind == QStringLiteral("divider")) {
+    if (text.kind == u"day"_qs || text.kind == u"divider"_qs) {
         return {};
     }
-    const bool atEnd = text.side == QStringLiteral("us");
-    return atEnd != rightToLeft ? QStringLiteral("«you» ") : QStringLiteral("«customer» ");
+    const bool atEnd = text.side == u"us"_qs;
+    return atEnd != rightToLeft ? u"«you» "_qs : u"«customer» "_qs;
 }
 
 } // namespace
@@ -45,14 +44,14 @@ void ChatStory::TearDown() {
 }
 
 void ChatStory::startBrowser(const Browser::Options &options) {
-    m_browser.emplace(m_page.port(), qEnvironmentVariable("HOME") + QStringLiteral("/browser"), options);
+    m_browser.emplace(m_page.port(), qEnvironmentVariable("HOME") + u"/browser"_qs, options);
 }
 
 void ChatStory::openChat(const QString &query) {
     startAssistant();
     startBrowser(at(query));
     ASSERT_TRUE(clickBox());
-    ASSERT_TRUE(logged(QStringLiteral(", chat app")));
+    ASSERT_TRUE(logged(u", chat app"_qs));
     m_blursBefore = m_page.state().blurs;
 }
 
@@ -83,7 +82,7 @@ bool ChatStory::boxHolds(const QString &text) const {
 
 std::string ChatStory::transcriptOfPage() const {
     const ChatPage::State state = m_page.state();
-    const bool arabic = state.address.contains(QStringLiteral("language=ar"));
+    const bool arabic = state.address.contains(u"language=ar"_qs);
     QStringList lines;
     for (const ChatPage::Text &text : state.texts) {
         if (!isNoise(text, !arabic) && lines.size() < mostCollected) {

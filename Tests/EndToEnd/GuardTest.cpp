@@ -5,23 +5,9 @@
 #include <csignal>
 
 namespace quillory::test {
-
 namespace {
 
-const QString reply = QStringLiteral("Your trays are ready at nine.");
-
-/// Stops a process for a while.
-class Held {
-  public:
-    explicit Held(pid_t pid) : m_pid(pid) { kill(m_pid, SIGSTOP); }
-    ~Held() { release(); }
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    void release() const { kill(m_pid, SIGCONT); }
-
-  private:
-    pid_t m_pid;
-};
+const QString reply = u"Your trays are ready at nine."_qs;
 
 /// A user who changes the chat, in which the box keeps the focus, while the reply to the chat before is on its card.
 class ConversationGuard : public ReplyStory {
@@ -33,17 +19,21 @@ class ConversationGuard : public ReplyStory {
         m_tree.emplace();
         for (int attempt = 0; attempt < 5; ++attempt) {
             m_model.willAnswer(reply, Manner::answersAtOnce);
-            if (!clickChat(QLatin1StringView(from)) || !replyIsReady()) {
+            if (!clickChat(QLatin1StringView(from)) || !waitUntil(hasDraftedSinceTab) || !replyIsReady()) {
                 return false;
             }
-            m_model.willAnswer(QStringLiteral("not for this chat"), Manner::answers);
-            const Held held(m_assistant->pid());
-            if (!switchesTo(to)) {
-                return false;
-            }
+            m_model.willAnswer(u"not for this chat"_qs, Manner::answers);
+            const auto tabsAtPage = [this] { return m_page.state().keys.count(u"Tab"_qs); };
+            const auto tabsBefore = tabsAtPage();
+            const int takenBefore = timesTaken();
+            kill(m_assistant->pid(), SIGSTOP);
+            const bool isSwitched = switchesTo(to);
             keyboard::tap("Tab");
-            if (tabIsTaken(held)) {
-                return true;
+            kill(m_assistant->pid(), SIGCONT);
+            waitUntil([&] { return timesTaken() > takenBefore || tabsAtPage() > tabsBefore; });
+            clickBox();
+            if (!isSwitched || timesTaken() > takenBefore) {
+                return isSwitched;
             }
         }
         return false;
@@ -51,7 +41,7 @@ class ConversationGuard : public ReplyStory {
 
     std::string blockedWith() const {
         const QString log = Assistant::log();
-        return log.mid(log.lastIndexOf(QStringLiteral("accept blocked:"))).section(u'\n', 0, 0).toStdString();
+        return log.mid(log.lastIndexOf(u"accept blocked:"_qs)).section(u'\n', 0, 0).toStdString();
     }
 
   private:
@@ -64,24 +54,22 @@ class ConversationGuard : public ReplyStory {
     [[nodiscard]] QStringList messages() const {
         QStringList messages;
         for (const ChatPage::Text &text : m_page.state().texts) {
-            if (text.kind == QStringLiteral("message")) {
+            if (text.kind == u"message"_qs) {
                 messages.append(text.text);
             }
         }
         return messages;
     }
 
-    bool tabIsTaken(const Held &held) {
-        const auto toPage = m_page.state().keys.count(QStringLiteral("Tab"));
-        const auto taken = [] {
-            return Assistant::timesLogged(QStringLiteral("accept blocked")) +
-                   Assistant::timesLogged(QStringLiteral("web field, inserting"));
-        };
-        const int takenBefore = taken();
-        held.release();
-        waitUntil([&] { return taken() > takenBefore || m_page.state().keys.count(QStringLiteral("Tab")) > toPage; });
-        clickBox();
-        return taken() > takenBefore;
+    /// The card before the key may still be seen for a moment.
+    static bool hasDraftedSinceTab() {
+        const QString log = Assistant::log();
+        const auto taken = std::max(log.lastIndexOf(u"accept blocked"_qs), log.lastIndexOf(u"web field, inserting"_qs));
+        return log.lastIndexOf(u"drafting reply ("_qs) > taken;
+    }
+
+    static int timesTaken() {
+        return Assistant::timesLogged(u"accept blocked"_qs) + Assistant::timesLogged(u"web field, inserting"_qs);
     }
 
     std::optional<AccessibleTree> m_tree;
@@ -96,17 +84,17 @@ TEST_P(ConversationGuard, TabGivesNoReplyToAnotherChatUnlessHalfOfItsLinesAreThe
     ASSERT_TRUE(tapsTabInTime("orders", "orders-less"));
     EXPECT_EQ(blockedWith(), "accept blocked: only 37% conversation overlap (chat switch)");
     EXPECT_TRUE(m_page.text().isEmpty());
-    EXPECT_FALSE(keyReached(QStringLiteral("v"))) << "nothing is pasted";
+    EXPECT_FALSE(keyReached(u"v"_qs)) << "nothing is pasted";
     EXPECT_THAT(Assistant::choices(), testing::IsEmpty());
 
     ASSERT_TRUE(tapsTabInTime("orders", "orders-half"));
     EXPECT_TRUE(boxHolds(reply));
-    EXPECT_EQ(Assistant::timesLogged(QStringLiteral("accept blocked")), 2);
+    EXPECT_EQ(Assistant::timesLogged(u"accept blocked"_qs), 2);
     EXPECT_TRUE(m_page.state().sent.isEmpty());
 }
 
 TEST_P(ConversationGuard, HoldsWhereAnotherChatMakesTheBoxAnew) {
-    ASSERT_NO_FATAL_FAILURE(openChat(QStringLiteral("?remake")));
+    ASSERT_NO_FATAL_FAILURE(openChat(u"?remake"_qs));
     ASSERT_TRUE(tapsTabInTime("mariam", "bakery"));
     EXPECT_EQ(blockedWith(), "accept blocked: only 0% conversation overlap (chat switch)");
     EXPECT_TRUE(m_page.text().isEmpty());
@@ -114,5 +102,4 @@ TEST_P(ConversationGuard, HoldsWhereAnotherChatMakesTheBoxAnew) {
 }
 
 } // namespace
-
 } // namespace quillory::test

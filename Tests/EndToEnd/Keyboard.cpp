@@ -28,8 +28,7 @@ void copy(const QByteArray &content, const char *type) {
     // It stays in the background as the owner: without the output closed, waiting for it would never end.
     copier.setStandardOutputFile(QProcess::nullDevice());
     copier.setStandardErrorFile(QProcess::nullDevice());
-    copier.start(QStringLiteral("xclip"), {QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                                           QStringLiteral("-t"), QString::fromLatin1(type)});
+    copier.start(u"xclip"_qs, {u"-selection"_qs, u"clipboard"_qs, u"-t"_qs, QString::fromLatin1(type)});
     copier.write(content);
     copier.closeWriteChannel();
     copier.waitForFinished();
@@ -37,8 +36,7 @@ void copy(const QByteArray &content, const char *type) {
 
 QByteArray clipboard(const char *type) {
     QProcess reader;
-    reader.start(QStringLiteral("xclip"), {QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                                           QStringLiteral("-t"), QString::fromLatin1(type), QStringLiteral("-o")});
+    reader.start(u"xclip"_qs, {u"-selection"_qs, u"clipboard"_qs, u"-t"_qs, QString::fromLatin1(type), u"-o"_qs});
     reader.waitForFinished();
     return reader.readAllStandardOutput();
 }

@@ -5,12 +5,11 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
+#include <QRegularExpression>
 
 #include <httplib.h>
 
 namespace quillory::test {
-
 namespace {
 
 std::string compact(const QJsonObject &object) {
@@ -18,18 +17,15 @@ std::string compact(const QJsonObject &object) {
 }
 
 std::string event(const QString &content) {
-    const QJsonObject delta{{QStringLiteral("content"), content}};
-    return "data: " +
-           compact({{QStringLiteral("choices"), QJsonArray{QJsonObject{{QStringLiteral("delta"), delta}}}}}) + "\n\n";
+    const QJsonObject choice{{u"delta"_qs, QJsonObject{{u"content"_qs, content}}}};
+    return "data: " + compact({{u"choices"_qs, QJsonArray{choice}}}) + "\n\n";
 }
 
 ModelService::Question parsed(const httplib::Request &request) {
     ModelService::Question question;
     question.body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
-    const QJsonArray messages = question.body.take(QStringLiteral("messages")).toArray();
-    for (const QJsonValue &message : messages) {
-        question.messages.push_back(
-            {message[QStringLiteral("role")].toString(), message[QStringLiteral("content")].toString()});
+    for (const QJsonValue &message : question.body.take(u"messages"_qs).toArray()) {
+        question.messages.push_back({message[u"role"_qs].toString(), message[u"content"_qs].toString()});
     }
     question.authorization = QString::fromStdString(request.get_header_value("Authorization"));
     return question;
@@ -48,12 +44,12 @@ bool send(httplib::DataSink &sink, const std::string &text) {
 } // namespace
 
 QString ModelService::Question::draft() const {
-    return between(messages.back().content, QStringLiteral("<draft>\n"), QStringLiteral("\n</draft>"));
+    return between(messages.back().content, u"<draft>\n"_qs, u"\n</draft>"_qs);
 }
 
 std::string ModelService::Question::conversation() const {
     const QString &content = (isForReply() ? messages.back() : messages.front()).content;
-    return between(content, QStringLiteral("<conversation>\n"), QStringLiteral("\n</conversation>")).toStdString();
+    return between(content, u"<conversation>\n"_qs, u"\n</conversation>"_qs).toStdString();
 }
 
 ModelService::ModelService() : m_server(std::make_unique<httplib::Server>()) {
@@ -96,31 +92,19 @@ void ModelService::answer(const httplib::Request &request, httplib::Response &re
     const Answer &answer = special == m_answersOfModels.end() ? m_answer : special->second;
     if (answer.manner == Manner::refuses) {
         response.status = 429;
-        const QJsonObject error{{QStringLiteral("message"), answer.text}};
-        response.set_content(compact({{QStringLiteral("error"), error}}), "application/json");
+        const QJsonObject error{{u"message"_qs, answer.text}};
+        response.set_content(compact({{u"error"_qs, error}}), "application/json");
         return;
     }
-    response.set_chunked_content_provider("text/event-stream", [this, answer](std::size_t, httplib::DataSink &sink) {
-        const bool whole = stream(sink, answer);
-        m_clientsGone += whole || answer.manner == Manner::breaksOff ? 0 : 1;
-        return whole;
-    });
+    response.set_chunked_content_provider(
+        "text/event-stream", [this, answer](std::size_t, httplib::DataSink &sink) { return stream(sink, answer); });
 }
 
 bool ModelService::stream(httplib::DataSink &sink, const Answer &answer) {
-    const QString &text = answer.text;
     bool connected = send(sink, ": PROCESSING\n\n");
-    for (qsizetype start = 0, length = 0; connected && start < text.size(); start += length) {
-        length = 5;
-        while (start + length < text.size() && text[start + length].isLowSurrogate()) {
-            ++length;
-        }
-        connected = send(sink, event(text.mid(start, length)));
+    for (const QString &word : answer.text.split(QRegularExpression(u"(?<= )"_qs))) {
+        connected = connected && send(sink, event(word));
         sleepBriefly();
-    }
-    if (answer.manner == Manner::breaksOff) {
-        send(sink, "data: {\"choi");
-        return false;
     }
     while (connected && answer.manner == Manner::answers && !m_mayEnd) {
         connected = send(sink, ": PROCESSING\n\n");

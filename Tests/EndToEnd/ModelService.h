@@ -29,8 +29,6 @@ class ModelService {
         answers,
         /// Sends the answer and ends it.
         answersAtOnce,
-        /// Sends the answer and drops the connection in the middle of an event.
-        breaksOff,
         /// Answers with status 429 and the text as the body's message.
         refuses
     };
@@ -67,8 +65,6 @@ class ModelService {
     void modelWillAnswer(const QString &model, const QString &text, Manner manner);
     void mayEnd() { m_mayEnd = true; }
     [[nodiscard]] std::vector<Question> questions() const;
-    /// How many answers were cut short because the client closed its connection.
-    [[nodiscard]] int clientsGone() const { return m_clientsGone; }
 
   private:
     struct Answer {
@@ -83,7 +79,6 @@ class ModelService {
     Answer m_answer;
     std::map<QString, Answer> m_answersOfModels;
     std::vector<Question> m_questions;
-    std::atomic<int> m_clientsGone = 0;
     std::atomic<bool> m_mayEnd = false;
     int m_port = 0;
     std::unique_ptr<httplib::Server> m_server;

@@ -4,12 +4,11 @@
 namespace quillory::test {
 
 ReplyStory::ReplyStory() {
-    m_settings = {
-        {QStringLiteral("businessProfile"), QStringLiteral("\nDate House, a gift shop in Riffa.\n")},
-        {QStringLiteral("faqEntries"),
-         QStringLiteral(R"([{"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D10","question":"Delivery?","answer":"1 BHD."},)"
-                        R"({"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D11","question":"Hours?","answer":"9 to 9"}])")}};
-    m_model.willAnswer(QStringLiteral("It is 1 BHD to any place in Bahrain 😊"), Manner::answersAtOnce);
+    m_settings = {{u"businessProfile"_qs, u"\nDate House, a gift shop in Riffa.\n"_qs},
+                  {u"faqEntries"_qs,
+                   uR"([{"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D10","question":"Delivery?","answer":"1 BHD."},)"
+                   R"({"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D11","question":"Hours?","answer":"9 to 9"}])"_qs}};
+    m_model.willAnswer(u"It is 1 BHD to any place in Bahrain 😊"_qs, Manner::answersAtOnce);
 }
 
 std::string ReplyStory::transcriptAskedFor() const {
@@ -19,7 +18,7 @@ std::string ReplyStory::transcriptAskedFor() const {
 
 bool ReplyStory::replyIsReady() const {
     const bool ready = waitUntil([this] {
-        return timesLoggedSinceDraft(QStringLiteral(" complete (")) > 0 && transcriptAskedFor() == transcriptOfPage() &&
+        return timesLoggedSinceDraft(u" complete ("_qs) > 0 && transcriptAskedFor() == transcriptOfPage() &&
                panelIsUp();
     });
     EXPECT_EQ(transcriptAskedFor(), transcriptOfPage());
@@ -28,7 +27,7 @@ bool ReplyStory::replyIsReady() const {
 
 int ReplyStory::timesLoggedSinceDraft(const QString &text) {
     const QString log = Assistant::log();
-    return static_cast<int>(log.mid(log.lastIndexOf(QStringLiteral("drafting reply ("))).count(text));
+    return static_cast<int>(log.mid(log.lastIndexOf(u"drafting reply ("_qs)).count(text));
 }
 
 bool ReplyStory::staysQuiet() const {

@@ -1,13 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "EndToEnd/ReplyStory.h"
 
-#include <QJsonObject>
-
 namespace quillory::test {
-
 namespace {
 
-const QString reply = QStringLiteral("Hello Mariam 😊 Delivery is 1 BHD, to any place in Bahrain.");
+const QString reply = u"Hello Mariam 😊 Delivery is 1 BHD, to any place in Bahrain."_qs;
 
 class Reply : public ReplyStory {
   protected:
@@ -15,14 +12,8 @@ class Reply : public ReplyStory {
 
     /// The conversation is asked about in the words that the model is meant to get, and nothing else is sent.
     void expectRequest(const Question &question) const {
-        EXPECT_EQ(question.body, (QJsonObject{{QStringLiteral("model"), QStringLiteral("anthropic/claude-haiku-4.5")},
-                                              {QStringLiteral("temperature"), 0.3},
-                                              {QStringLiteral("max_tokens"), 2048},
-                                              {QStringLiteral("stream"), true},
-                                              {QStringLiteral("provider"),
-                                               QJsonObject{{QStringLiteral("sort"), QStringLiteral("latency")}}}}));
         ASSERT_EQ(question.messages.size(), 2U);
-        EXPECT_EQ(question.messages[0].role, QStringLiteral("system"));
+        EXPECT_EQ(question.messages[0].role, u"system"_qs);
         EXPECT_THAT(question.system().toStdString(),
                     testing::AllOf(testing::StartsWith("You draft the next reply for a business owner chatting with "
                                                        "customers on WhatsApp. The sender's business profile, for "
@@ -31,7 +22,7 @@ class Reply : public ReplyStory {
                                    testing::HasSubstr(":\n<knowledge>\nQ: Delivery?\nA: 1 BHD.\n\nQ: Hours?\nA: 9 to "
                                                       "9\n</knowledge> The user turn contains the conversation"),
                                    testing::EndsWith(" Return ONLY the reply text, nothing else.")));
-        EXPECT_EQ(question.messages[1].role, QStringLiteral("user"));
+        EXPECT_EQ(question.messages[1].role, u"user"_qs);
         EXPECT_EQ(question.messages[1].content.toStdString(),
                   "<conversation>\n" + transcriptOfPage() + "\n</conversation>");
     }
@@ -54,47 +45,47 @@ TEST_P(Reply, IsDraftedForTheVisibleConversationAndTakenWithTab) {
     EXPECT_THAT(Assistant::choices(), testing::ElementsAre(testing::ResultOf(
                                           [](const QString &line) { return line.section(u',', 1).toStdString(); },
                                           testing::MatchesRegex("anthropic/claude-haiku-4.5,[0-9]+[.][0-9][0-9],"))));
-    EXPECT_FALSE(Assistant::log().contains(QStringLiteral("BHD"))) << "words of the chat in the log";
+    EXPECT_FALSE(Assistant::log().contains(u"BHD"_qs)) << "words of the chat in the log";
 
     // Once sent, it is our own message that stands last: nothing is offered until the customer writes again.
-    m_model.willAnswer(QStringLiteral("SKIP"), Manner::answersAtOnce);
+    m_model.willAnswer(u"SKIP"_qs, Manner::answersAtOnce);
     keyboard::tap("Return");
     ASSERT_TRUE(boxHolds(QString()));
     EXPECT_EQ(m_page.state().sent, QStringList{reply});
     ASSERT_TRUE(staysQuiet() || staysQuiet()) << "asking once is enough to learn that there is nothing to answer";
     EXPECT_FALSE(panelIsUp());
     m_model.willAnswer(reply, Manner::answersAtOnce);
-    ASSERT_TRUE(m_page.order("receive", QStringLiteral("شكراً! Can you bring it at ٥?")));
+    ASSERT_TRUE(m_page.order("receive", u"شكراً! Can you bring it at ٥?"_qs));
     EXPECT_TRUE(replyIsReady());
     EXPECT_THAT(transcriptAskedFor(), testing::HasSubstr("\n«you» Hello Mariam 😊 Delivery"));
 }
 
 TEST_P(Reply, SkipAndEscEndADraftUntilTheCustomerWritesAgain) {
-    m_model.willAnswer(QStringLiteral("Skip."), Manner::answersAtOnce);
+    m_model.willAnswer(u"Skip."_qs, Manner::answersAtOnce);
     ASSERT_NO_FATAL_FAILURE(openChat());
-    ASSERT_TRUE(logged(QStringLiteral("Claude Haiku 4.5: no reply needed (SKIP)")));
+    ASSERT_TRUE(logged(u"Claude Haiku 4.5: no reply needed (SKIP)"_qs));
     EXPECT_TRUE(panelGoes());
     ASSERT_TRUE(waitUntil([this] { return transcriptAskedFor() == transcriptOfPage(); }));
-    ASSERT_TRUE(m_page.order("present", QStringLiteral("typing…")));
+    ASSERT_TRUE(m_page.order("present", u"typing…"_qs));
     EXPECT_TRUE(staysQuiet());
 
     m_model.willAnswer(reply, Manner::answersAtOnce);
-    ASSERT_TRUE(m_page.order("receive", QStringLiteral("Are you there?")));
+    ASSERT_TRUE(m_page.order("receive", u"Are you there?"_qs));
     ASSERT_TRUE(replyIsReady());
     keyboard::tap("Escape");
     EXPECT_TRUE(panelGoes());
     EXPECT_TRUE(staysQuiet());
-    EXPECT_FALSE(keyReached(QStringLiteral("Escape"))) << "Esc belonged to the card";
+    EXPECT_FALSE(keyReached(u"Escape"_qs)) << "Esc belonged to the card";
 
-    ASSERT_TRUE(m_page.order("receive", QStringLiteral("Hello?")));
+    ASSERT_TRUE(m_page.order("receive", u"Hello?"_qs));
     EXPECT_TRUE(replyIsReady());
 
     // The last message is our own.
-    m_model.willAnswer(QStringLiteral("SKIP"), Manner::answersAtOnce);
-    const int skippedBefore = Assistant::timesLogged(QStringLiteral("(SKIP)"));
+    m_model.willAnswer(u"SKIP"_qs, Manner::answersAtOnce);
+    const int skippedBefore = Assistant::timesLogged(u"(SKIP)"_qs);
     const long long clickedAt = millisecondsNow();
-    ASSERT_TRUE(clickChat(QStringLiteral("bakery")));
-    ASSERT_TRUE(logged(QStringLiteral("(SKIP)"), skippedBefore + 1));
+    ASSERT_TRUE(clickChat(u"bakery"_qs));
+    ASSERT_TRUE(logged(u"(SKIP)"_qs, skippedBefore + 1));
     EXPECT_LT(millisecondsNow() - clickedAt, 1500) << "a chat is read and answered within about a second";
     EXPECT_THAT(transcriptAskedFor(), testing::EndsWith("\n«you» Received, we pay on Sunday"));
     EXPECT_TRUE(panelGoes());
@@ -106,18 +97,53 @@ TEST_P(Reply, SkipAndEscEndADraftUntilTheCustomerWritesAgain) {
 TEST_P(Reply, ABoxThatIsMadeAnewWhileItHasTheFocus) {
     ASSERT_NO_FATAL_FAILURE(openChat());
     // A busy browser may give the new box no place at first; then it counts as another one, and all begins anew.
-    const auto isAdopted = [] { return Assistant::timesLogged(QStringLiteral("field re-created, adopted")) > 0; };
+    const auto isAdopted = [] { return Assistant::timesLogged(u"field re-created, adopted"_qs) > 0; };
     for (int attempt = 0; attempt < 5 && !isAdopted(); ++attempt) {
         ASSERT_TRUE(replyIsReady());
         ASSERT_TRUE(m_page.order("rebuildBox"));
         waitUntil(isAdopted, 2'000);
     }
-    EXPECT_EQ(Assistant::timesLogged(QStringLiteral("field re-created, adopted (chatApp=true)")), 1);
+    EXPECT_EQ(Assistant::timesLogged(u"field re-created, adopted (chatApp=true)"_qs), 1);
     EXPECT_TRUE(panelIsUp());
     keyboard::tap("Tab");
     EXPECT_TRUE(boxHolds(reply));
 }
 
-} // namespace
+/// Who said what, and where the conversation is cut off.
+class Transcript : public ReplyStory {};
 
+INSTANTIATE_TEST_SUITE_P(In, Transcript, everyBrowser, testing::PrintToStringParamName());
+
+TEST_P(Transcript, OfAnArabicPageIsInLogicalOrderAndMarkedByTheSideThatTheTextStandsOn) {
+    const QString inBoth = u"هلا مريم! التوصيل Riffa بدينار ١ 🚚"_qs;
+    m_model.willAnswer(inBoth, Manner::answersAtOnce);
+    ASSERT_NO_FATAL_FAILURE(openChat(u"?language=ar&box=textarea"_qs));
+    ASSERT_TRUE(replyIsReady());
+    EXPECT_THAT(transcriptAskedFor(),
+                testing::AllOf(testing::HasSubstr("\n«you» الأزرق Blue Box رقم 7، هل هو متوفر؟\n"),
+                               testing::HasSubstr("\n«customer» نعم متوفر ٣ قطع، والتوصيل إلى Riffa مجاني 🚚\n"),
+                               testing::HasSubstr("\n٢ رسائل غير مقروءة\n")));
+    keyboard::tap("Tab");
+    EXPECT_TRUE(boxHolds(inBoth));
+    expectUntouched();
+}
+
+TEST_P(Transcript, OfThousandsOfMessagesOfWhichThePageHoldsThoseInView) {
+    ASSERT_NO_FATAL_FAILURE(openChat(u"?long=2600"_qs));
+    ASSERT_TRUE(replyIsReady());
+    EXPECT_THAT(transcriptAskedFor(), testing::EndsWith("\n«customer» Message 2600"));
+    ASSERT_TRUE(m_page.order("scroll", u"1000"_qs));
+    ASSERT_TRUE(replyIsReady());
+    EXPECT_THAT(transcriptAskedFor(), testing::HasSubstr("\n«you» Message 1005\n"));
+}
+
+TEST_P(Transcript, OfThousandsOfElementsIsCutOffAfterItsFirstFourHundredLines) {
+    ASSERT_NO_FATAL_FAILURE(openChat(u"?long=700&rows=all"_qs));
+    ASSERT_TRUE(replyIsReady());
+    EXPECT_THAT(transcriptAskedFor(), testing::HasSubstr("Message 399"));
+    keyboard::tap("Tab");
+    EXPECT_TRUE(boxHolds(u"It is 1 BHD to any place in Bahrain 😊"_qs));
+}
+
+} // namespace
 } // namespace quillory::test

@@ -11,22 +11,21 @@
 #include <stdexcept>
 
 namespace quillory::test {
-
 namespace {
-const auto watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
-const auto itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
-const auto itemPath = QStringLiteral("/StatusNotifierItem");
+const auto watcher = u"org.kde.StatusNotifierWatcher"_qs;
+const auto itemInterface = u"org.kde.StatusNotifierItem"_qs;
+const auto itemPath = u"/StatusNotifierItem"_qs;
 } // namespace
 
 StatusNotifierHost::StatusNotifierHost()
-    : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("tray"))) {
-    if (!m_bus.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this)) {
+    : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"tray"_qs)) {
+    if (!m_bus.registerVirtualObject(u"/StatusNotifierWatcher"_qs, this)) {
         throw std::runtime_error("the tray has no session bus");
     }
 }
 
 StatusNotifierHost::~StatusNotifierHost() {
-    QDBusConnection::disconnectFromBus(QStringLiteral("tray"));
+    QDBusConnection::disconnectFromBus(u"tray"_qs);
 }
 
 void StatusNotifierHost::appear() {
@@ -37,15 +36,9 @@ bool StatusNotifierHost::appearInSteps() {
     m_isShown = false;
     m_timesAsked = 0;
     appear();
-    const bool isAsked = waitUntil(
-        [this] {
-            QCoreApplication::processEvents();
-            return m_timesAsked > 0;
-        },
-        60'000);
+    const bool isAsked = await([this] { return m_timesAsked > 0; });
     m_isShown = true;
-    m_bus.send(QDBusMessage::createSignal(QStringLiteral("/StatusNotifierWatcher"), watcher,
-                                          QStringLiteral("StatusNotifierHostRegistered")));
+    m_bus.send(QDBusMessage::createSignal(u"/StatusNotifierWatcher"_qs, watcher, u"StatusNotifierHostRegistered"_qs));
     return isAsked;
 }
 
@@ -55,20 +48,24 @@ void StatusNotifierHost::vanish() {
 }
 
 bool StatusNotifierHost::hasItem() {
+    return await([this] { return !m_item.isEmpty(); });
+}
+
+bool StatusNotifierHost::await(const std::function<bool()> &condition) {
     return waitUntil(
-        [this] {
+        [&] {
             QCoreApplication::processEvents();
-            return !m_item.isEmpty();
+            return condition();
         },
         60'000);
 }
 
 bool StatusNotifierHost::handleMessage(const QDBusMessage &message, const QDBusConnection &connection) {
-    if (message.member() == QStringLiteral("RegisterStatusNotifierItem")) {
+    if (message.member() == u"RegisterStatusNotifierItem"_qs) {
         m_item = message.arguments().value(0).toString();
         return connection.send(message.createReply());
     }
-    if (message.member() == QStringLiteral("Get")) {
+    if (message.member() == u"Get"_qs) {
         ++m_timesAsked;
         return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(m_isShown))));
     }
@@ -76,22 +73,21 @@ bool StatusNotifierHost::handleMessage(const QDBusMessage &message, const QDBusC
 }
 
 QString StatusNotifierHost::introspect(const QString & /*path*/) const {
-    return QStringLiteral("<interface name=\"org.kde.StatusNotifierWatcher\">"
-                          "<method name=\"RegisterStatusNotifierItem\"><arg type=\"s\" direction=\"in\"/></method>"
-                          "<property name=\"IsStatusNotifierHostRegistered\" type=\"b\" access=\"read\"/></interface>");
+    return u"<interface name=\"org.kde.StatusNotifierWatcher\">"
+           "<method name=\"RegisterStatusNotifierItem\"><arg type=\"s\" direction=\"in\"/></method>"
+           "<property name=\"IsStatusNotifierHostRegistered\" type=\"b\" access=\"read\"/></interface>"_qs;
 }
 
 QVariant StatusNotifierHost::property(const char *name) const {
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        m_item, itemPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(m_item, itemPath, u"org.freedesktop.DBus.Properties"_qs, u"Get"_qs);
     question.setArguments({itemInterface, QString::fromLatin1(name)});
     return m_bus.call(question).arguments().value(0).value<QDBusVariant>().variant();
 }
 
 QDBusMessage StatusNotifierHost::askMenu(const char *method, const QVariantList &arguments) const {
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(m_item, property("Menu").value<QDBusObjectPath>().path(),
-                                       QStringLiteral("com.canonical.dbusmenu"), QString::fromLatin1(method));
+    QDBusMessage question = QDBusMessage::createMethodCall(m_item, property("Menu").value<QDBusObjectPath>().path(),
+                                                           u"com.canonical.dbusmenu"_qs, QString::fromLatin1(method));
     question.setArguments(arguments);
     return m_bus.call(question);
 }
@@ -99,24 +95,19 @@ QDBusMessage StatusNotifierHost::askMenu(const char *method, const QVariantList 
 std::vector<StatusNotifierHost::MenuItem> StatusNotifierHost::menuItems() const {
     const QDBusMessage layout = askMenu("GetLayout", {0, -1, QStringList()});
     const auto root = layout.arguments().value(1).value<QDBusArgument>();
-    std::vector<MenuItem> items;
     int id = 0;
     QVariantMap properties;
+    QVariantList entries;
     root.beginStructure();
-    root >> id >> properties;
-    root.beginArray();
-    while (!root.atEnd()) {
-        QDBusVariant child;
-        root >> child;
-        const auto entry = child.variant().value<QDBusArgument>();
-        MenuItem item;
-        entry.beginStructure();
-        entry >> item.id >> item.properties;
-        entry.endStructure();
-        items.push_back(item);
-    }
-    root.endArray();
+    root >> id >> properties >> entries;
     root.endStructure();
+    std::vector<MenuItem> items(static_cast<std::size_t>(entries.size()));
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const auto entry = entries[static_cast<qsizetype>(i)].value<QDBusArgument>();
+        entry.beginStructure();
+        entry >> items[i].id >> items[i].properties;
+        entry.endStructure();
+    }
     return items;
 }
 
@@ -124,26 +115,25 @@ QString StatusNotifierHost::openedMenu() {
     askMenu("AboutToShow", {0});
     QStringList lines;
     for (const auto &[id, properties] : menuItems()) {
-        if (!properties.value(QStringLiteral("visible"), true).toBool()) {
+        if (!properties.value(u"visible"_qs, true).toBool()) {
             continue;
         }
-        const bool isChecked = properties.value(QStringLiteral("toggle-state")).toInt() == 1;
-        QString line =
-            (isChecked ? QStringLiteral("✓ ") : QString()) + properties.value(QStringLiteral("label")).toString();
-        if (properties.contains(QStringLiteral("shortcut"))) {
+        const bool isChecked = properties.value(u"toggle-state"_qs).toInt() == 1;
+        QString line = (isChecked ? u"✓ "_qs : QString()) + properties.value(u"label"_qs).toString();
+        if (properties.contains(u"shortcut"_qs)) {
             QList<QStringList> keys;
-            properties.value(QStringLiteral("shortcut")).value<QDBusArgument>() >> keys;
+            properties.value(u"shortcut"_qs).value<QDBusArgument>() >> keys;
             line += u' ' + keys.value(0).join(u'+');
         }
-        lines += properties.value(QStringLiteral("type")) == QStringLiteral("separator") ? QStringLiteral("-") : line;
+        lines += properties.value(u"type"_qs) == u"separator"_qs ? u"-"_qs : line;
     }
-    return lines.join(QStringLiteral(" | "));
+    return lines.join(u" | "_qs);
 }
 
 void StatusNotifierHost::choose(const QString &title) {
     for (const auto &[id, properties] : menuItems()) {
-        if (properties.value(QStringLiteral("label")) == title) {
-            askMenu("Event", {id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0U});
+        if (properties.value(u"label"_qs) == title) {
+            askMenu("Event", {id, u"clicked"_qs, QVariant::fromValue(QDBusVariant(0)), 0U});
         }
     }
 }

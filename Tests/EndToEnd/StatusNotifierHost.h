@@ -5,6 +5,7 @@
 #include <QDBusVirtualObject>
 #include <QVariant>
 
+#include <functional>
 #include <vector>
 
 namespace quillory::test {
@@ -34,6 +35,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
         int id = 0;
         QVariantMap properties;
     };
+    static bool await(const std::function<bool()> &condition);
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
     [[nodiscard]] QString introspect(const QString &path) const override;
     [[nodiscard]] std::vector<MenuItem> menuItems() const;

@@ -13,8 +13,8 @@
 namespace quillory::test {
 namespace {
 
-const auto menuAtFirst = QStringLiteral("✓ Suggestions Enabled | Compare Two Models | - | Settings… Control+, | Check "
-                                        "for Updates… | - | Quit Quillory Control+Q");
+const auto menuAtFirst = u"✓ Suggestions Enabled | Compare Two Models | - | Settings… Control+, | Check "
+                         "for Updates… | - | Quit Quillory Control+Q"_qs;
 
 /// Long enough for a machine that has much else to do.
 template <typename Condition> bool eventually(Condition condition) {
@@ -29,8 +29,7 @@ ChildProcess started() {
 
 QByteArray setting(const char *key) {
     QProcess reader;
-    reader.start(QStringLiteral(QUILLORY_PROGRAM),
-                 {QStringLiteral("defaults"), QStringLiteral("read"), QString::fromLatin1(key)});
+    reader.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_qs, u"read"_qs, QString::fromLatin1(key)});
     reader.waitForFinished();
     return reader.readAllStandardOutput().trimmed();
 }
@@ -52,18 +51,18 @@ TEST(Tray, MenuIsReadAndChosenFromByTheDesktop) {
     tray.vanish();
     tray.appear();
     ASSERT_TRUE(tray.hasItem());
-    EXPECT_EQ(tray.property("Title"), QStringLiteral("Quillory"));
-    EXPECT_EQ(tray.property("Status"), QStringLiteral("Active"));
+    EXPECT_EQ(tray.property("Title"), u"Quillory"_qs);
+    EXPECT_EQ(tray.property("Status"), u"Active"_qs);
     EXPECT_TRUE(eventually([&] { return tray.openedMenu() == menuAtFirst; })) << tray.openedMenu().toStdString();
-    tray.choose(QStringLiteral("Suggestions Enabled"));
-    tray.choose(QStringLiteral("Compare Two Models"));
+    tray.choose(u"Suggestions Enabled"_qs);
+    tray.choose(u"Compare Two Models"_qs);
     EXPECT_TRUE(eventually([] { return setting("enabled") == "false" && setting("compareMode") == "true"; }));
-    EXPECT_TRUE(tray.openedMenu().startsWith(QStringLiteral("Suggestions Enabled | ✓ Compare Two Models")));
-    tray.choose(QStringLiteral("Settings…"));
+    EXPECT_TRUE(tray.openedMenu().startsWith(u"Suggestions Enabled | ✓ Compare Two Models"_qs));
+    tray.choose(u"Settings…"_qs);
     EXPECT_TRUE(eventually(windowIsUp));
     RealDesktop::setAccessibilityEnabled(false);
-    EXPECT_TRUE(eventually([&] { return tray.openedMenu().contains(QStringLiteral("Grant Accessibility Access…")); }));
-    tray.choose(QStringLiteral("Quit Quillory"));
+    EXPECT_TRUE(eventually([&] { return tray.openedMenu().contains(u"Grant Accessibility Access…"_qs); }));
+    tray.choose(u"Quit Quillory"_qs);
     EXPECT_TRUE(eventually([&] { return !program.isRunning(); }));
     EXPECT_EQ(program.end(), 0);
 }
@@ -105,12 +104,12 @@ TEST(Settings, AreMadeByKeyboardAlone) {
     }
     keyboard::tap("alt+b");
     keyboard::tap("alt+y");
-    keyboard::type(QStringLiteral("A shop"));
+    keyboard::type(u"A shop"_qs);
     becomes("businessProfile", "A shop");
     keyboard::tap("alt+f");
-    keyboard::type(QStringLiteral("Open"));
+    keyboard::type(u"Open"_qs);
     keyboard::tap("Tab");
-    keyboard::type(QStringLiteral("9 to 5"));
+    keyboard::type(u"9 to 5"_qs);
     becomes("faqEntries", R"("question":"Open")");
     becomes("faqEntries", R"("answer":"9 to 5")");
     keyboard::tap("Escape");
@@ -123,7 +122,7 @@ TEST(OneInstance, IsAskedToComeForwardByTheNextStart) {
         qunsetenv(name); // neither is needed for it
     }
     const auto hasLaunched = [](int times) {
-        return eventually([&] { return Assistant::timesLogged(QStringLiteral("launched, ")) == times; });
+        return eventually([&] { return Assistant::timesLogged(u"launched, "_qs) == times; });
     };
     ChildProcess first = started();
     ASSERT_TRUE(hasLaunched(1));
