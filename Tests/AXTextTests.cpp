@@ -158,13 +158,11 @@ TEST_F(PasteTest, GivesTheClipboardBackWithAllItsTypes) {
 
 TEST_F(PasteTest, LeavesTheTextForABusyApplicationToFetchButNotForever) {
     desktop.pasteDelay = std::chrono::milliseconds(2000);
-    insert(rewrite);
-    desktop.advance(2400);
+    insert(rewrite, 2400);
     EXPECT_EQ(box->value(), rewrite);
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
     desktop.pasteDelay = std::chrono::milliseconds(60'000);
-    insert(rewrite);
-    desktop.advance(3100);
+    insert(rewrite, 3100);
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 
