@@ -55,9 +55,9 @@ TEST_F(PageSearch, TellsASlowPageFromAHungOne) {
     const auto found = find();
     EXPECT_TRUE(found && !found->isWhole);
     bus.setAnswer({});
-    bus.hang(true);
+    bus.hangs = true;
     EXPECT_FALSE(find());
-    bus.hang(false);
+    bus.hangs = false;
 }
 
 } // namespace
