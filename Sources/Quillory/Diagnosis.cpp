@@ -231,8 +231,8 @@ Finding aboutStatusArea(const DesktopFacts &desktop) {
     }
     finding.state = State::note;
     finding.found = QStringLiteral("none, so Quillory's icon cannot be seen");
-    finding.advice = QStringLiteral("Start Quillory a second time to reach it. GNOME shows the icon with the "
-                                    "extension AppIndicator.");
+    finding.advice = QStringLiteral("Start Quillory again to open its menu. GNOME shows the icon with the extension "
+                                    "AppIndicator.");
     return finding;
 }
 
@@ -272,7 +272,10 @@ Finding aboutService(const ProgramFacts &program) {
     }
     finding.state = State::problem;
     finding.found = program.serviceFault;
-    finding.advice = QStringLiteral("Check the network, a proxy or firewall, and the variable QUILLORY_MODEL_SERVICE.");
+    finding.advice =
+        program.isServiceChosen
+            ? QStringLiteral("The variable QUILLORY_MODEL_SERVICE says where requests go: change or unset it.")
+            : QStringLiteral("Look whether a proxy or firewall is in the way.");
     return finding;
 }
 

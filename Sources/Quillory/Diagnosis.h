@@ -13,6 +13,8 @@ struct ProgramFacts {
     QString keyFault;
     /// Where requests go.
     QString serviceHost;
+    /// Whether the user's environment says so.
+    bool isServiceChosen = false;
     /// Why no request gets there, as a sentence; empty when one would.
     QString serviceFault;
     QString version;

@@ -126,7 +126,7 @@ void writeFocus(std::ostream &output, const InspectedElement &focus) {
     row("role", printable(focus.role));
     row("frame", placeOf(focus.frame).toStdString());
     row("text field", yesNo(focus.field.isTextElement));
-    row("browser's own", yesNo(focus.field.isBrowserUI));
+    row("browser's own", focus.field.isBrowserUI ? std::string("yes, such as its address bar") : yesNo(false));
     row("can be written", std::string("text ") + yesNo(focus.canWriteValue) + ", caret " + yesNo(focus.canPlaceCaret) +
                               (focus.field.isTextElement && isPastedInto(focus) ? " (an answer is pasted)" : ""));
     row("WhatsApp", yesNo(focus.recognition.isChat) + ": " + printable(because(focus.recognition)));

@@ -14,6 +14,8 @@ namespace {
 
 void examineService(ProgramFacts &facts, const std::stop_token &stop) {
     constexpr std::chrono::seconds patience{8};
+    const auto chosen = platform::current().process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
+    facts.isServiceChosen = chosen && !chosen->isEmpty();
     try {
         platform::URLRequest request;
         request.url = OpenRouterClient::serviceURL();

@@ -42,15 +42,21 @@ SetupWindow::SetupWindow(SetupWork work)
     m_list->setWidgetResizable(true);
     m_list->setFrameShape(QFrame::NoFrame);
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_list->setVerticalScrollBar(new SlimScrollBar);
+    auto *const bar = new SlimScrollBar;
+    m_list->setVerticalScrollBar(bar);
+    m_list->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     m_list->setFocusPolicy(Qt::NoFocus);
     m_list->viewport()->setAutoFillBackground(false);
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(pageMargins());
     column->setSpacing(sectionGap);
+    // The bar stands in the margin, so that everything ends at one line.
+    m_key->setContentsMargins(0, 0, bar->sizeHint().width(), 0);
+    auto *const bottom = bottomRow();
+    bottom->setContentsMargins(m_key->contentsMargins());
     column->addWidget(m_key);
     column->addWidget(m_list, 1);
-    column->addWidget(bottomRow());
+    column->addWidget(bottom);
     resize(initialSize);
     const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
     const QRect room = (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
@@ -104,7 +110,7 @@ void SetupWindow::show(std::vector<Finding> findings) {
     std::ranges::stable_sort(findings, std::greater(), &Finding::state); // what is to be done first
     auto *const page = new QWidget;
     auto *const column = new QVBoxLayout(page);
-    column->setContentsMargins(0, 0, 12, 0);
+    column->setContentsMargins(0, 0, 0, 0);
     auto *const section = new FormSection(QStringLiteral("What Quillory needs"));
     for (const Finding &finding : findings) {
         section->addRow(new FindingRow(finding, [this](const Finding &chosen) { mend(chosen); }));
