@@ -198,7 +198,7 @@ TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     EXPECT_THAT(output.str(), testing::EndsWith("once it is started.\n"));
     simulated.userDefaults.set(settingsKey::enabled, false);
     EXPECT_EQ(doctor({}), exitStatus::failure);
-    EXPECT_EQ(doctor({utf16("--fix"), utf16("--fix")}), exitStatus::misuse);
+    EXPECT_EQ(doctor({utf16("--fix"), utf16("now")}), exitStatus::misuse);
     EXPECT_FALSE(mendable.facts.startsAtLogin);
     EXPECT_THAT(output.str(), testing::Not(HasSubstr("sk-secret")));
     for (const auto &[name, value] : simulated.urlSession.exchange(0)->request().headers) {

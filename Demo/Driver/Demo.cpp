@@ -27,13 +27,11 @@ QByteArray contents(const QString &path) {
     return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Runs a program to its end, with something to read on its standard input, and returns what it printed.
-QByteArray outputOf(const QString &path, const QStringList &arguments, const QByteArray &input = {}) {
+/// Runs a program to its end and returns what it printed.
+QByteArray outputOf(const QString &path, const QStringList &arguments) {
     QProcess process;
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(path, arguments);
-    process.write(input);
-    process.closeWriteChannel();
     if (!process.waitForFinished() || process.exitCode() != 0) {
         throw std::runtime_error("could not run " + path.toStdString() + " " + arguments.join(u' ').toStdString());
     }
@@ -92,8 +90,9 @@ void Demo::prepareSettings(bool draftsReplies) const {
     qputenv("XDG_DATA_HOME", m_folder.filePath(QStringLiteral("data")).toUtf8());
     QDir(m_folder.path()).mkpath(QStringLiteral("config"));
     QDir(m_folder.path()).mkpath(QStringLiteral("data"));
-    // The local service wants a key as the real one does, but takes any.
-    outputOf(program("quillory"), write(QStringLiteral("openRouterAPIKey"), QStringLiteral("-")), "demo\n");
+    // The local service wants a key as the real one does, but takes any. Not stored: that would replace the user's own
+    // in the desktop's password store.
+    qputenv("OPENROUTER_API_KEY", "demo");
     changeSetting(QStringLiteral("businessProfile"),
                   QStringLiteral("Noor Bakery in Riffa, Bahrain: cakes, bread and sweets. We sign as Noor."));
     changeSetting(QStringLiteral("assistantMode"), draftsReplies ? QStringLiteral("true") : QStringLiteral("false"));

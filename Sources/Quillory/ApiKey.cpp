@@ -27,4 +27,20 @@ EnteredKey enteredKey(const QString &typed) {
     return {key, {}};
 }
 
+SavedKey saveKey(platform::KeyStorage &keys, const QString &typed, const std::stop_token &stop) {
+    const auto [key, refusal] = enteredKey(typed);
+    if (!refusal.isEmpty()) {
+        return {false, refusal};
+    }
+    switch (keys.storeKey(key, stop)) {
+    case platform::KeyPlace::passwordStore:
+        return {true, QStringLiteral("Saved in the desktop's password store.")};
+    case platform::KeyPlace::settingsFile:
+        return {true, QStringLiteral("Saved in the settings file, which you alone can read.")};
+    case platform::KeyPlace::nowhere:
+        break;
+    }
+    return {false, QStringLiteral("The key could not be saved: the settings file cannot be written.")};
+}
+
 } // namespace quillory

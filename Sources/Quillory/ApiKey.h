@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
-#include <QString>
+#include "Platform/KeyStorage.h"
 
 namespace quillory {
 
@@ -13,5 +13,13 @@ struct EnteredKey {
     QString refusal;
 };
 [[nodiscard]] EnteredKey enteredKey(const QString &typed);
+
+struct SavedKey {
+    bool isSaved = false;
+    /// What came of it. Never holds any of the key.
+    QString sentence;
+};
+/// Takes a key as the user typed it to where keys are kept. May take as long as the storage does.
+[[nodiscard]] SavedKey saveKey(platform::KeyStorage &keys, const QString &typed, const std::stop_token &stop);
 
 } // namespace quillory

@@ -9,30 +9,14 @@
 #include "Quillory/SetupCommand.h"
 #include "Quillory/StatsCommand.h"
 
+#include <algorithm>
 #include <ostream>
+#include <vector>
 
 namespace quillory {
 
 namespace {
-constexpr auto help = R"(Quillory suggests a better wording while you write to customers in WhatsApp.
-
-Usage:
-  quillory                            start it
-  quillory defaults read [KEY]        show the settings, or one of them
-  quillory defaults write KEY VALUE   change a setting; it counts at once, also in a running program
-  quillory defaults delete KEY        go back to a setting's default
-  quillory setup [--terminal]         set it up: what the program needs, and the API key
-  quillory doctor [--fix] [--json]    check what the program needs and say what to do; --fix does what is safe
-  quillory autostart on|off           start it at every login, or no longer
-  quillory inspect [--json] [--wait SECONDS]
-                                      show what is seen of the message box that has the focus, and what would be
-                                      sent; --wait leaves time to click into it
-  quillory rewrite [--tone TONE] [--json] [TEXT]
-                                      rewrite a text, or what stands on standard input
-  quillory stats [--json]             show how often each model's suggestion was chosen, and its times
-  quillory --version
-  quillory --help
-
+constexpr auto helpOnValues = R"(
 A VALUE of - is read from standard input. The API key is never given as an argument, because other programs
 can see those. quillory setup asks for it; or:
   quillory defaults write openRouterAPIKey - < FILE
@@ -50,55 +34,99 @@ Environment:
 Exit status: 0 done, 1 it failed or there is nothing to show, 2 wrong arguments.
 )";
 
-std::optional<int> runNamedCommand(const QString &command, const QStringList &arguments,
-                                   const CommandServices &services, const CommandStreams &streams) {
-    const std::pair<QLatin1StringView, std::function<int()>> commands[]{
-        {QLatin1StringView("autostart"), [&] { return runAutostartCommand(arguments, services, streams); }},
-        {QLatin1StringView("defaults"),
-         [&] { return runDefaultsCommand(arguments, services.openUserDefaults(), streams); }},
-        {QLatin1StringView("doctor"), [&] { return runDoctorCommand(arguments, services, streams); }},
-        {QLatin1StringView("inspect"), [&] { return runInspectCommand(arguments, services, streams); }},
-        {QLatin1StringView("rewrite"),
-         [&] {
+struct NamedCommand {
+    const CommandSyntax &syntax;
+    std::function<int(const QStringList &, const CommandServices &, const CommandStreams &)> run;
+};
+
+const std::vector<NamedCommand> &allCommands() {
+    static const std::vector<NamedCommand> commands{
+        {defaultsSyntax(),
+         [](const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
+             return runDefaultsCommand(arguments, services.openSettings(), streams);
+         }},
+        {setupSyntax(), runSetupCommand},
+        {doctorSyntax(), runDoctorCommand},
+        {autostartSyntax(), runAutostartCommand},
+        {inspectSyntax(), runInspectCommand},
+        {rewriteSyntax(),
+         [](const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
              const auto installed = services.install();
              return runRewriteCommand(arguments, streams);
          }},
-        {QLatin1StringView("setup"), [&] { return runSetupCommand(arguments, services, streams); }},
-        {QLatin1StringView("stats"),
-         [&] { return runStatsCommand(arguments, ChoiceStats::fileURL(services.homeDirectory), streams); }},
+        {statsSyntax(),
+         [](const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
+             return runStatsCommand(arguments, ChoiceStats::fileURL(services.homeDirectory), streams);
+         }},
     };
-    for (const auto &[name, run] : commands) {
-        if (command == name) {
-            return run();
+    return commands;
+}
+
+/// A usage line, and what comes of it beside it, or below where there is no room.
+QString helpLine(const QString &usage, const QString &meaning = {}) {
+    constexpr int width = 36;
+    if (meaning.isEmpty()) {
+        return QStringLiteral("  %1\n").arg(usage);
+    }
+    const QString gap = usage.size() < width ? QString() : u'\n' + QString(width + 2, u' ');
+    return QStringLiteral("  %1%2%3\n").arg(usage.leftJustified(gap.isEmpty() ? width : 0), gap, meaning);
+}
+
+QString help() {
+    QString text = QStringLiteral("Quillory suggests a better wording while you write to customers in WhatsApp.\n\n"
+                                  "Usage:\n") +
+                   helpLine(QStringLiteral("quillory"), QStringLiteral("start it"));
+    for (const auto &[syntax, run] : allCommands()) {
+        const QStringList usage = usageOf(syntax);
+        for (qsizetype i = 0; i < usage.size(); ++i) {
+            text += helpLine(usage[i], syntax.forms[i].meaning);
         }
     }
-    return std::nullopt;
+    return text + helpLine(QStringLiteral("quillory COMMAND --help"), QStringLiteral("show what a command takes")) +
+           helpLine(QStringLiteral("quillory --version")) + helpLine(QStringLiteral("quillory --help")) +
+           QString::fromLatin1(helpOnValues) + describeSettings() + QString::fromLatin1(helpEnding);
+}
+
+/// The program's own options are long ones, but for two short names.
+bool isForToolkit(const QString &argument) {
+    return argument.startsWith(u'-') && !argument.startsWith(QStringLiteral("--")) &&
+           argument != QStringLiteral("-h") && argument != QStringLiteral("-v");
+}
+
+int refuse(const CommandStreams &streams, const QString &mistake) {
+    streams.errors << "quillory: " << mistake.toStdString() << "; quillory --help says what there is.\n";
+    return exitStatus::misuse;
 }
 } // namespace
 
 std::optional<int> runCommandLine(const QStringList &arguments, const CommandServices &services,
                                   const CommandStreams &streams) {
-    if (arguments.isEmpty()) {
+    if (arguments.isEmpty() || isForToolkit(arguments.constFirst())) {
         return std::nullopt;
     }
-    const QString &command = arguments.first();
-    if (const auto status = runNamedCommand(command, arguments.sliced(1), services, streams)) {
-        return status;
+    QCommandLineParser parser; // the rest is for the command
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
+    const QCommandLineOption askForHelp(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    parser.addOptions({version, askForHelp});
+    if (!parser.parse(QStringList{QStringLiteral("quillory")} + arguments)) {
+        return refuse(streams, mistakeIn(parser));
     }
-    if (command == QStringLiteral("--version")) {
+    if (parser.isSet(version)) {
         streams.output << "quillory " << QUILLORY_VERSION << '\n';
         return exitStatus::success;
     }
-    if (command == QStringLiteral("--help") || command == QStringLiteral("-h")) {
-        streams.output << help << describeSettings().toStdString() << helpEnding;
+    if (parser.isSet(askForHelp)) {
+        streams.output << help().toStdString();
         return exitStatus::success;
     }
-    if (command.startsWith(u'-') && !command.startsWith(QStringLiteral("--"))) {
-        return std::nullopt;
+    const QStringList words = parser.positionalArguments();
+    const auto command =
+        std::ranges::find(allCommands(), words.value(0), [](const NamedCommand &c) { return c.syntax.name; });
+    if (command == allCommands().end()) {
+        return refuse(streams, QStringLiteral("\"%1\" is not something it can do").arg(words.value(0)));
     }
-    streams.errors << "quillory: \"" << command.toStdString()
-                   << "\" is not something it can do; quillory --help says what is.\n";
-    return exitStatus::misuse;
+    return command->run(words.mid(1), services, streams);
 }
 
 } // namespace quillory

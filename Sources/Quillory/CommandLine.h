@@ -46,10 +46,16 @@ class CommandDesktop {
     [[nodiscard]] virtual std::chrono::steady_clock::time_point now() const = 0;
 };
 
+/// The settings store, and the one that keeps the key for it. Both outlive the command.
+struct CommandSettings {
+    platform::UserDefaults &values;
+    platform::KeyStorage &keys;
+};
+
 /// What commands need of the platform, since most run without the rest of it.
 struct CommandServices {
-    /// Opens the settings store, for the commands that need it; it outlives the command.
-    std::function<platform::UserDefaults &()> openUserDefaults;
+    /// For the commands that read or change settings and do nothing else.
+    std::function<CommandSettings()> openSettings;
     /// The folder under which the program keeps its own files.
     QString homeDirectory;
     /// Installs a platform without a desktop, for the commands that ask the model service; it stays while the result

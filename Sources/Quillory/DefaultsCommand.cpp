@@ -1,10 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/DefaultsCommand.h"
 
+#include "Quillory/ApiKey.h"
 #include "Quillory/AppSettings.h"
 #include "Quillory/Text.h"
-
-#include <QStringConverter>
 
 #include <algorithm>
 #include <istream>
@@ -110,58 +109,51 @@ std::optional<platform::DefaultsValue> valueFrom(Type type, const QString &text)
         return entries ? std::optional<platform::DefaultsValue>(faqEntriesToJSON(*entries)) : std::nullopt;
     }
     case Type::secret:
-        return text.isEmpty() ? std::nullopt : std::optional<platform::DefaultsValue>(text);
+        return std::nullopt;
     case Type::string:
         break;
     }
     return text;
 }
 
-/// What stands on standard input (of the API key, its first line), without the line break at its end. Absent when it
-/// is no text or longer than any setting.
-std::optional<QString> readInput(Type type, std::istream &input) {
-    constexpr std::size_t longest = 1 << 20;
-    std::string bytes(longest + 1, '\0');
-    input.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<std::size_t>(input.gcount()));
-    if (type == Type::secret) {
-        bytes.resize(std::min(bytes.find('\n'), bytes.size()));
+/// What stands on standard input, without the line break at its end.
+std::optional<QString> readValue(std::istream &input) {
+    std::optional<QString> text = readText(input);
+    if (text && text->endsWith(u'\n')) {
+        text->chop(1);
     }
-    if (bytes.ends_with('\n')) {
-        bytes.pop_back();
+    if (text && text->endsWith(u'\r')) {
+        text->chop(1);
     }
-    if (bytes.ends_with('\r')) {
-        bytes.pop_back();
-    }
-    QStringDecoder decode(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-    QString text = decode(QByteArrayView(bytes));
-    return decode.hasError() || bytes.size() > longest ? std::nullopt : std::optional(std::move(text));
+    return text;
 }
 
 class Command {
   public:
-    Command(platform::UserDefaults &store, const CommandStreams &streams) : m_store(store), m_streams(streams) {}
+    Command(const CommandSettings &settings, const CommandStreams &streams)
+        : m_store(settings.values), m_keys(settings.keys), m_streams(streams) {}
 
-    int run(const QStringList &arguments) {
-        const QString verb = arguments.value(0);
-        const qsizetype count = arguments.size();
+    int run(const CommandArguments &given) {
+        const QStringList words = given.words();
+        const QString verb = words.value(0);
+        const qsizetype count = words.size();
         const bool isKnown = (verb == QStringLiteral("read") && (count == 1 || count == 2)) ||
                              (verb == QStringLiteral("write") && count == 3) ||
                              (verb == QStringLiteral("delete") && count == 2);
         if (!isKnown) {
-            return refuse(QStringLiteral("say defaults read [KEY], defaults write KEY VALUE or defaults delete KEY"));
+            return given.refuse();
         }
         if (count == 1) {
             return readAll();
         }
-        const Setting *const setting = settingOf(arguments[1]);
+        const Setting *const setting = settingOf(words[1]);
         if (setting == nullptr) {
-            return refuse(QStringLiteral("\"%1\" is not a setting; quillory --help lists them").arg(arguments[1]));
+            return refuse(QStringLiteral("\"%1\" is not a setting; quillory --help lists them").arg(words[1]));
         }
         if (verb == QStringLiteral("read")) {
             return read(*setting);
         }
-        return count == 3 ? write(*setting, arguments[2]) : remove(*setting);
+        return count == 3 ? write(*setting, words[2]) : remove(*setting);
     }
 
   private:
@@ -193,16 +185,15 @@ class Command {
 
     int write(const Setting &setting, const QString &argument) {
         const bool isFromInput = argument == QStringLiteral("-");
-        if (setting.type == Type::secret && !isFromInput) {
-            return refuse(QStringLiteral("a key in an argument can be seen by other programs; give it on standard "
-                                         "input: quillory defaults write %1 - < FILE")
-                              .arg(setting.key));
+        if (setting.type == Type::secret) {
+            return isFromInput ? writeKey()
+                               : refuse(QStringLiteral("a key in an argument can be seen by other "
+                                                       "programs; give it on standard input: quillory "
+                                                       "defaults write %1 - < FILE")
+                                            .arg(setting.key));
         }
-        const std::optional<QString> text = isFromInput ? readInput(setting.type, m_streams.input) : argument;
+        const std::optional<QString> text = isFromInput ? readValue(m_streams.input) : argument;
         const auto value = text ? valueFrom(setting.type, *text) : std::nullopt;
-        if (!value && setting.type == Type::secret) {
-            return refuse(QStringLiteral("no key came on standard input"));
-        }
         if (!value) {
             return refuse(QStringLiteral("%1 takes %2").arg(setting.key, takenBy(setting.type)));
         }
@@ -210,6 +201,19 @@ class Command {
             note(QStringLiteral("there is no such tone, so Professional will be used"));
         }
         return saved(m_store.set(setting.key, *value));
+    }
+
+    int writeKey() {
+        // Password managers print other facts on the lines below.
+        const QString line = readText(m_streams.input).value_or(QString()).section(u'\n', 0, 0);
+        const auto [key, refusal] = enteredKey(line);
+        if (!refusal.isEmpty()) {
+            m_streams.errors << "quillory: " << refusal.toStdString() << '\n';
+            return exitStatus::misuse;
+        }
+        const SavedKey result = saveKey(m_keys, key, {});
+        (result.isSaved ? m_streams.output : m_streams.errors) << result.sentence.toStdString() << '\n';
+        return result.isSaved ? exitStatus::success : exitStatus::failure;
     }
 
     int saved(bool isSaved) {
@@ -228,13 +232,31 @@ class Command {
     void note(const QString &sentence) { m_streams.errors << "quillory: " << sentence.toStdString() << ".\n"; }
 
     platform::UserDefaults &m_store;
+    platform::KeyStorage &m_keys;
     const CommandStreams &m_streams;
 };
 } // namespace
 
-int runDefaultsCommand(const QStringList &arguments, platform::UserDefaults &store, const CommandStreams &streams) {
-    registerSettingsDefaults(store);
-    return Command(store, streams).run(arguments);
+const CommandSyntax &defaultsSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("defaults"),
+        .forms = {{QStringLiteral("read [KEY]"), QStringLiteral("show the settings, or one of them")},
+                  {QStringLiteral("write KEY VALUE"),
+                   QStringLiteral("change a setting; it counts at once, also in a running program")},
+                  {QStringLiteral("delete KEY"), QStringLiteral("go back to a setting's default")}},
+        .options = {},
+        .mostWords = 3,
+        .isPlainAfterFirstWord = true}; // a profile may begin with a dash
+    return syntax;
+}
+
+int runDefaultsCommand(const QStringList &arguments, const CommandSettings &settings, const CommandStreams &streams) {
+    const CommandArguments given(defaultsSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
+    }
+    registerSettingsDefaults(settings.values);
+    return Command(settings, streams).run(given);
 }
 
 QString describeSettings() {

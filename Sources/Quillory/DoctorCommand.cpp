@@ -96,13 +96,22 @@ void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
     }
 }
 
+const CommandSyntax &doctorSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("doctor"),
+        .forms = {{{}, QStringLiteral("check what the program needs and say what to do; --fix does what is safe")}},
+        .options = {{QStringLiteral("fix"), QStringLiteral("First do what is safe: switch accessibility on.")},
+                    {QStringLiteral("json"), QStringLiteral("Show the checks as JSON.")}}};
+    return syntax;
+}
+
 int runDoctorCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-    const bool asJSON = arguments.contains(QStringLiteral("--json"));
-    const bool mayFix = arguments.contains(QStringLiteral("--fix"));
-    if (arguments.size() != int{asJSON} + int{mayFix}) {
-        streams.errors << "quillory: say doctor [--fix] [--json].\n";
-        return exitStatus::misuse;
+    const CommandArguments given(doctorSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
     }
+    const bool asJSON = given.has(QStringLiteral("json"));
+    const bool mayFix = given.has(QStringLiteral("fix"));
     const auto installed = services.install();
     std::vector<Finding> findings = findingsNow(services);
     if (mayFix) {
@@ -112,11 +121,23 @@ int runDoctorCommand(const QStringList &arguments, const CommandServices &servic
     return canWork(findings) ? exitStatus::success : exitStatus::failure;
 }
 
+const CommandSyntax &autostartSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("autostart"),
+        .forms = {{QStringLiteral("on|off"), QStringLiteral("start it at every login, or no longer")}},
+        .options = {},
+        .mostWords = 1};
+    return syntax;
+}
+
 int runAutostartCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-    const bool on = arguments == QStringList{QStringLiteral("on")};
-    if (!on && arguments != QStringList{QStringLiteral("off")}) {
-        streams.errors << "quillory: say autostart on or autostart off.\n";
-        return exitStatus::misuse;
+    const CommandArguments given(autostartSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
+    }
+    const bool on = given.words() == QStringList{QStringLiteral("on")};
+    if (!on && given.words() != QStringList{QStringLiteral("off")}) {
+        return given.refuse();
     }
     if (!services.mending->setStartsAtLogin(on)) {
         streams.errors << "quillory: the entry for the desktop's autostart could not be "

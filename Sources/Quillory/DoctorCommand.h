@@ -1,10 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
-#include "Quillory/CommandLine.h"
+#include "Quillory/CommandArguments.h"
 #include "Quillory/Diagnosis.h"
 
 namespace quillory {
+
+[[nodiscard]] const CommandSyntax &doctorSyntax();
 
 /// Checks everything that the program needs and says what to do, a line for each check or, with "--json", as JSON. With
 /// "--fix" it first does what is safe: it switches accessibility on. Gives the exit status: success when the program
@@ -14,6 +16,8 @@ namespace quillory {
 
 /// Shows findings as a table, and whether the program can do its work.
 void writeFindings(std::ostream &output, const std::vector<Finding> &findings);
+
+[[nodiscard]] const CommandSyntax &autostartSyntax();
 
 /// "quillory autostart on" and "off". Gives the exit status.
 [[nodiscard]] int runAutostartCommand(const QStringList &arguments, const CommandServices &services,

@@ -28,17 +28,13 @@ struct InspectOrder {
     std::optional<std::chrono::seconds> wait;
 };
 
-std::optional<InspectOrder> inspectOrder(QStringList arguments) {
-    InspectOrder order;
-    while (!arguments.isEmpty()) {
-        const QString option = arguments.takeFirst();
-        if (option == QStringLiteral("--json")) {
-            order.asJSON = true;
-            continue;
-        }
+/// Absent when the time to wait is none.
+std::optional<InspectOrder> inspectOrder(const CommandArguments &given) {
+    InspectOrder order{.asJSON = given.has(QStringLiteral("json")), .wait = {}};
+    if (given.has(QStringLiteral("wait"))) {
         bool isNumber = false;
-        const int seconds = arguments.isEmpty() ? 0 : arguments.takeFirst().toInt(&isNumber);
-        if (option != QStringLiteral("--wait") || !isNumber || seconds < 0 || seconds > longestWait) {
+        const int seconds = given.value(QStringLiteral("wait")).toInt(&isNumber);
+        if (!isNumber || seconds < 0 || seconds > longestWait) {
             return std::nullopt;
         }
         order.wait = std::chrono::seconds(seconds);
@@ -232,11 +228,25 @@ void writeJSON(std::ostream &output, const Inspection &seen) {
 
 } // namespace
 
+const CommandSyntax &inspectSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("inspect"),
+        .forms = {{{}, QStringLiteral("show what is seen of the message box with the focus, and what would be sent")}},
+        .options = {{QStringLiteral("json"), QStringLiteral("Show it as JSON.")},
+                    {QStringLiteral("wait"),
+                     QStringLiteral("Leave so much time to click into a message box; look once one has the focus."),
+                     QStringLiteral("SECONDS")}}};
+    return syntax;
+}
+
 int runInspectCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-    const auto order = inspectOrder(arguments);
+    const CommandArguments given(inspectSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
+    }
+    const auto order = inspectOrder(given);
     if (!order) {
-        streams.errors << "quillory: say inspect [--json] [--wait SECONDS], with at most an hour.\n";
-        return exitStatus::misuse;
+        return given.refuse(QStringLiteral("the time to wait is a number of seconds, at most 3600"));
     }
     const auto desktop = services.openDesktop();
     if (!desktop) {

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
-#include "Quillory/CommandLine.h"
+#include "Quillory/CommandArguments.h"
 
 namespace quillory {
+
+[[nodiscard]] const CommandSyntax &inspectSyntax();
 
 /// Shows what the program sees of the desktop now and what it would send: the focused element, whether it is a chat and
 /// why, the conversation, the request without the key. With "--wait SECONDS" it looks once a message box has the focus,

@@ -8,12 +8,11 @@
 #include "Quillory/RewriteError.h"
 #include "Quillory/Text.h"
 
-#include <QStringConverter>
-
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <istream>
+#include <limits>
 #include <ostream>
 
 namespace quillory {
@@ -49,35 +48,22 @@ Tone toneNamed(const QString &name) {
 }
 
 QString readDraft(std::istream &input) {
-    constexpr std::size_t longest = 1 << 20;
-    std::string bytes(longest + 1, '\0');
-    input.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<std::size_t>(input.gcount()));
-    QStringDecoder decode(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-    QString draft = decode(QByteArrayView(bytes));
-    if (decode.hasError() || bytes.size() > longest) {
+    std::optional<QString> draft = readText(input);
+    if (!draft) {
         throw Misuse{QStringLiteral("the draft must be UTF-8 text of at most a megabyte")};
     }
-    return draft;
+    return *std::move(draft);
 }
 
-Order orderFrom(QStringList arguments, std::istream &input) {
+Order orderFrom(const CommandArguments &given, std::istream &input) {
     Order order;
-    while (!arguments.isEmpty() && arguments.first().startsWith(QStringLiteral("--"))) {
-        const QString option = arguments.takeFirst();
-        if (option == QStringLiteral("--")) {
-            break;
-        }
-        if (option == QStringLiteral("--json")) {
-            order.asJSON = true;
-        } else if (option == QStringLiteral("--tone") && !arguments.isEmpty()) {
-            order.tone = toneNamed(arguments.takeFirst());
-        } else {
-            throw Misuse{QStringLiteral("say rewrite [--tone TONE] [--json] [TEXT]")};
-        }
+    order.asJSON = given.has(QStringLiteral("json"));
+    if (given.has(QStringLiteral("tone"))) {
+        order.tone = toneNamed(given.value(QStringLiteral("tone")));
     }
-    const bool isFromInput = arguments.isEmpty() || arguments == QStringList{QStringLiteral("-")};
-    order.draft = isFromInput ? readDraft(input) : arguments.join(u' ');
+    const QStringList words = given.words();
+    const bool isFromInput = words.isEmpty() || words == QStringList{QStringLiteral("-")};
+    order.draft = isFromInput ? readDraft(input) : words.join(u' ');
     if (text::trimmed(order.draft).isEmpty()) {
         throw Misuse{QStringLiteral("there is no draft")};
     }
@@ -148,9 +134,26 @@ int fail(const CommandStreams &streams, const QString &sentence, int status) {
 
 } // namespace
 
+const CommandSyntax &rewriteSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("rewrite"),
+        .forms = {{QStringLiteral("[TEXT]"), QStringLiteral("rewrite a text, or what stands on standard input")}},
+        .options =
+            {{QStringLiteral("tone"),
+              QStringLiteral("One of %1; else that of the settings.").arg(toneNames().join(QStringLiteral(", "))),
+              QStringLiteral("TONE")},
+             {QStringLiteral("json"), QStringLiteral("Show the rewrite, its model and its time as JSON.")}},
+        .mostWords = std::numeric_limits<qsizetype>::max()};
+    return syntax;
+}
+
 int runRewriteCommand(const QStringList &arguments, const CommandStreams &streams) {
+    const CommandArguments given(rewriteSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
+    }
     try {
-        carryOut(orderFrom(arguments, streams.input), streams);
+        carryOut(orderFrom(given, streams.input), streams);
         return exitStatus::success;
     } catch (const Misuse &misuse) {
         return fail(streams, misuse.sentence, exitStatus::misuse);

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
-#include "Quillory/CommandLine.h"
+#include "Quillory/CommandArguments.h"
 
 namespace quillory {
+
+[[nodiscard]] const CommandSyntax &rewriteSyntax();
 
 /// Rewrites a draft, given as arguments or on standard input: "[--tone TONE] [--json] [TEXT ...]". On a terminal the
 /// answer is shown while it comes. It is screened as the program's own suggestions are. Blocks until the answer is

@@ -60,7 +60,7 @@ class Dialogue {
             if (typed.trimmed().isEmpty()) {
                 return false;
             }
-            const SetupWork::Saved saved = m_work.saveKey(typed, {});
+            const SavedKey saved = m_work.saveKey(typed, {});
             say(saved.sentence);
             if (saved.isSaved) {
                 return true;
@@ -94,13 +94,20 @@ class Dialogue {
 
 } // namespace
 
+const CommandSyntax &setupSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("setup"),
+        .forms = {{{}, QStringLiteral("set it up: what the program needs, and the API key")}},
+        .options = {{QStringLiteral("terminal"), QStringLiteral("Ask in the terminal, though there is a display.")}}};
+    return syntax;
+}
+
 int runSetupCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-    const bool inTerminal = arguments == QStringList{QStringLiteral("--terminal")};
-    if (!arguments.isEmpty() && !inTerminal) {
-        streams.errors << "quillory: say setup or setup --terminal.\n";
-        return exitStatus::misuse;
+    const CommandArguments given(setupSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
     }
-    if (!inTerminal) {
+    if (!given.has(QStringLiteral("terminal"))) {
         if (const auto status = services.setUpInWindow()) {
             return *status;
         }

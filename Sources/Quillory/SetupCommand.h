@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
-#include "Quillory/CommandLine.h"
+#include "Quillory/CommandArguments.h"
 
 namespace quillory {
+
+[[nodiscard]] const CommandSyntax &setupSyntax();
 
 /// Sets the program up: in a window, or with questions in the terminal where there is no display or "--terminal" is
 /// said. Gives the exit status: success when the program can do its work afterwards.

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Quillory/SetupWork.h"
 
-#include "Quillory/ApiKey.h"
 #include "Quillory/ProgramExamination.h"
 
 namespace quillory {
@@ -34,22 +33,6 @@ QString SetupWork::mend(const Finding &finding, const std::stop_token &stop) con
         break;
     }
     return {};
-}
-
-SetupWork::Saved SetupWork::saveKey(const QString &typed, const std::stop_token &stop) const {
-    const auto [key, refusal] = enteredKey(typed);
-    if (!refusal.isEmpty()) {
-        return {false, refusal};
-    }
-    switch (m_keys.storeKey(key, stop)) {
-    case platform::KeyPlace::passwordStore:
-        return {true, QStringLiteral("Saved in the desktop's password store.")};
-    case platform::KeyPlace::settingsFile:
-        return {true, QStringLiteral("Saved in the settings file, which you alone can read.")};
-    case platform::KeyPlace::nowhere:
-        break;
-    }
-    return {false, QStringLiteral("The key could not be saved: the settings file cannot be written.")};
 }
 
 } // namespace quillory

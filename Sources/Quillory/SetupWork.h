@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
-#include "Platform/KeyStorage.h"
+#include "Quillory/ApiKey.h"
 #include "Quillory/Diagnosis.h"
 
 namespace quillory {
@@ -18,13 +18,10 @@ class SetupWork {
     /// Does what was offered for a finding. What came of it, as a sentence.
     [[nodiscard]] QString mend(const Finding &finding, const std::stop_token &stop) const;
 
-    struct Saved {
-        bool isSaved = false;
-        /// What came of it. Never holds any of the key.
-        QString sentence;
-    };
     /// Takes a key as the user typed it.
-    [[nodiscard]] Saved saveKey(const QString &typed, const std::stop_token &stop) const;
+    [[nodiscard]] SavedKey saveKey(const QString &typed, const std::stop_token &stop) const {
+        return quillory::saveKey(m_keys, typed, stop);
+    }
 
   private:
     platform::DesktopExamination &m_examination;

@@ -122,11 +122,18 @@ void writeJSON(std::ostream &output, const Choices &choices, const ChoiceSummary
 
 } // namespace
 
+const CommandSyntax &statsSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("stats"),
+        .forms = {{{}, QStringLiteral("show how often each model's suggestion was chosen, and its times")}},
+        .options = {{QStringLiteral("json"), QStringLiteral("Show them as JSON.")}}};
+    return syntax;
+}
+
 int runStatsCommand(const QStringList &arguments, const QString &path, const CommandStreams &streams) {
-    const bool asJSON = arguments == QStringList{QStringLiteral("--json")};
-    if (!arguments.isEmpty() && !asJSON) {
-        streams.errors << "quillory: say stats or stats --json.\n";
-        return exitStatus::misuse;
+    const CommandArguments given(statsSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
     }
     QFile file(path);
     if (file.exists() && !file.open(QIODevice::ReadOnly)) {
@@ -134,7 +141,7 @@ int runStatsCommand(const QStringList &arguments, const QString &path, const Com
         return exitStatus::failure;
     }
     const Choices choices = file.isOpen() ? choicesIn(file, streams.errors) : Choices{};
-    if (asJSON) {
+    if (given.has(QStringLiteral("json"))) {
         writeJSON(streams.output, choices, summary(choices.records));
         return exitStatus::success;
     }

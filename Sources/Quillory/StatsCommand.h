@@ -1,12 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
-#include "Quillory/CommandLine.h"
+#include "Quillory/CommandArguments.h"
 
 namespace quillory {
 
-/// Shows how the models fared in the choices recorded in a file, as a table or, with the one argument "--json", as
-/// JSON. Damaged lines are counted and named on the error stream; the rest counts. Gives the exit status.
+[[nodiscard]] const CommandSyntax &statsSyntax();
+
+/// Shows how the models fared in the choices recorded in a file, as a table or, with "--json", as JSON. Damaged lines
+/// are counted and named on the error stream; the rest counts. Gives the exit status.
 [[nodiscard]] int runStatsCommand(const QStringList &arguments, const QString &path, const CommandStreams &streams);
 
 } // namespace quillory

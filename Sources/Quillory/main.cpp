@@ -142,9 +142,9 @@ std::optional<int> runCommand(int &argc, char **argv) {
     desktop::SecretService secrets;
     std::unique_ptr<desktop::SecretUserDefaults> store;
     quillory::CommandServices services;
-    services.openUserDefaults = [&]() -> platform::UserDefaults & {
+    services.openSettings = [&]() -> quillory::CommandSettings {
         store = std::make_unique<desktop::SecretUserDefaults>(secrets);
-        return *store;
+        return {*store, *store};
     };
     services.homeDirectory = desktop::folders::data();
     services.install = [] { return installCommandPlatform(); };

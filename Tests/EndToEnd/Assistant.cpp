@@ -9,19 +9,17 @@
 namespace quillory::test {
 namespace {
 
-void write(const QString &setting, const QString &value, const QByteArray &input = {}) {
+void write(const QString &setting, const QString &value) {
     QProcess program;
     program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     program.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_qs, u"write"_qs, setting, value});
-    program.write(input);
-    program.closeWriteChannel();
     if (!program.waitForFinished() || program.exitCode() != 0) {
         throw std::runtime_error("the setting could not be written: " + setting.toStdString());
     }
 }
 
 ChildProcess started(const QByteArray &modelService, const Assistant::Settings &settings) {
-    write(u"openRouterAPIKey"_qs, u"-"_qs, "made-up-key\n");
+    qputenv("OPENROUTER_API_KEY", "made-up-key");
     for (const auto &[setting, value] : settings) {
         write(setting, value);
     }

@@ -165,7 +165,7 @@ void SetupWindow::saveKey(const QString &typed) {
     start(
         QStringLiteral("Saving…"),
         [work = m_work, typed](const std::stop_token &stop) { return work.saveKey(typed, stop); },
-        [this](const SetupWork::Saved &saved) {
+        [this](const SavedKey &saved) {
             m_key->showOutcome(saved.sentence, saved.isSaved);
             if (saved.isSaved) {
                 m_outcome.clear();
