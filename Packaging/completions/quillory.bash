@@ -6,21 +6,21 @@ _quillory() {
     local IFS=$' \t\n'
     case $COMP_CWORD:${COMP_WORDS[1]} in
     1:*) words="autostart defaults doctor inspect rewrite setup stats --version --help" ;;
-    2:autostart) words="on off" ;;
-    2:defaults) words="read write delete" ;;
+    2:autostart) words="on off --help" ;;
+    2:defaults) words="read write delete --help" ;;
     3:defaults) words=$keys ;;
-    *:doctor) words="--fix --json" ;;
-    *:inspect) [ "$previous" = --wait ] || words="--json --wait" ;;
+    *:doctor) words="--fix --json --help" ;;
+    *:inspect) [ "$previous" = --wait ] || words="--json --wait --help" ;;
     *:rewrite)
         if [ "$previous" = --tone ]; then
             local IFS=$'\n'
             words=$'professional\nfriendly\nconcise\n"grammar\\\\ only"' # as it is to be typed
         else
-            words="--tone --json"
+            words="--tone --json --help"
         fi
         ;;
-    2:setup) words="--terminal" ;;
-    2:stats) words="--json" ;;
+    2:setup) words="--terminal --help" ;;
+    2:stats) words="--json --help" ;;
     esac
     COMPREPLY=($(compgen -W "$words" -- "$current"))
 }

@@ -10,9 +10,12 @@ complete -c quillory -n __fish_use_subcommand -a rewrite -d 'Rewrite a text'
 complete -c quillory -n __fish_use_subcommand -a setup -d 'Set it up, and enter the API key'
 complete -c quillory -n __fish_use_subcommand -a stats -d 'Show how often each model was chosen'
 complete -c quillory -n __fish_use_subcommand -l version -d 'Show the version'
-complete -c quillory -n __fish_use_subcommand -l help -d 'Show a short help'
-complete -c quillory -n '__fish_seen_subcommand_from autostart' -a 'on off'
-complete -c quillory -n '__fish_seen_subcommand_from defaults' -a "read write delete $keys"
+complete -c quillory -l help -d 'Show a short help'
+complete -c quillory -n '__fish_seen_subcommand_from autostart; and not __fish_seen_subcommand_from on off' -a 'on off'
+set -l verbs read write delete
+set -l is_defaults '__fish_seen_subcommand_from defaults; and'
+complete -c quillory -n "$is_defaults not __fish_seen_subcommand_from $verbs" -a "$verbs"
+complete -c quillory -n "$is_defaults __fish_seen_subcommand_from $verbs" -a "$keys"
 complete -c quillory -n '__fish_seen_subcommand_from doctor' -l fix -d 'Do what is safe'
 complete -c quillory -n '__fish_seen_subcommand_from inspect' -l wait -x -d 'Seconds to wait for a message box'
 complete -c quillory -n '__fish_seen_subcommand_from doctor inspect rewrite stats' -l json -d 'As JSON'

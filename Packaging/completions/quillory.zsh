@@ -19,19 +19,19 @@ _quillory() {
         return
     fi
     case $words[2] in
-    autostart) ((CURRENT == 3)) && compadd on off ;;
-    defaults) ((CURRENT == 3)) && compadd read write delete || { ((CURRENT == 4)) && compadd -a keys; } ;;
-    doctor) compadd -- --fix --json ;;
-    inspect) [[ $words[CURRENT - 1] == --wait ]] || compadd -- --json --wait ;;
+    autostart) ((CURRENT == 3)) && compadd -- on off --help ;;
+    defaults) ((CURRENT == 3)) && compadd -- read write delete --help || { ((CURRENT == 4)) && compadd -a keys; } ;;
+    doctor) compadd -- --fix --json --help ;;
+    inspect) [[ $words[CURRENT-1] == --wait ]] || compadd -- --json --wait --help ;;
     rewrite)
-        if [[ $words[CURRENT - 1] == --tone ]]; then
+        if [[ $words[CURRENT-1] == --tone ]]; then
             compadd Professional Friendly Concise 'Grammar only'
         else
-            compadd -- --tone --json
+            compadd -- --tone --json --help
         fi
         ;;
-    setup) compadd -- --terminal ;;
-    stats) compadd -- --json ;;
+    setup) compadd -- --terminal --help ;;
+    stats) compadd -- --json --help ;;
     esac
 }
 _quillory "$@"
