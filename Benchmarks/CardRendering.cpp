@@ -1,24 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // What it costs to show an answer of 2,000 characters as it streams in: cards that change in place against cards that
 // are made afresh for each update. Processor time of the main thread, painting included.
+#include "ClockTime.h"
 #include "Quillory/UI/SuggestionViewHost.h"
 
 #include <QApplication>
 
 #include <cstdio>
-#include <ctime>
 
 namespace {
 
 using quillory::ui::SuggestionViewHost;
 
 constexpr int updates = 80;
-
-double cpuMilliseconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
 
 void render(SuggestionViewHost &host, const QString &text) {
     host.setRootView(
@@ -28,11 +22,11 @@ void render(SuggestionViewHost &host, const QString &text) {
 }
 
 template <class Render> double perUpdate(const QString &answer, Render renderOne) {
-    const double start = cpuMilliseconds();
+    const double start = quillory::bench::milliseconds(CLOCK_THREAD_CPUTIME_ID);
     for (int i = 1; i <= updates; ++i) {
         renderOne(answer.left(answer.size() * i / updates));
     }
-    return (cpuMilliseconds() - start) / updates;
+    return (quillory::bench::milliseconds(CLOCK_THREAD_CPUTIME_ID) - start) / updates;
 }
 
 } // namespace

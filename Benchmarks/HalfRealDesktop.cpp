@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "HalfRealDesktop.h"
 
+#include "Platform/Replacing.h"
 #include "Quillory/AppSettings.h"
 
 #include <QEventLoop>
@@ -17,23 +18,8 @@ HalfRealDesktop::HalfRealDesktop(int port) : m_connection(platform::desktop::X11
     m_connection->watch();
     m_screens = std::make_unique<platform::desktop::X11Screens>(*m_connection);
     m_windows = std::make_unique<platform::desktop::QtPanelWindows>(*m_screens);
-    const platform::Platform simulated = platform::current();
-    m_services = std::make_unique<platform::Platform>(platform::Platform{.accessibility = simulated.accessibility,
-                                                                         .application = simulated.application,
-                                                                         .codeSigning = simulated.codeSigning,
-                                                                         .eventTaps = simulated.eventTaps,
-                                                                         .fileSystem = simulated.fileSystem,
-                                                                         .keyPoster = simulated.keyPoster,
-                                                                         .mainQueue = m_queue,
-                                                                         .panelWindows = *m_windows,
-                                                                         .pasteboard = simulated.pasteboard,
-                                                                         .process = simulated.process,
-                                                                         .screens = *m_screens,
-                                                                         .statusBar = simulated.statusBar,
-                                                                         .systemTools = simulated.systemTools,
-                                                                         .urlSession = m_session,
-                                                                         .userDefaults = simulated.userDefaults,
-                                                                         .workspace = simulated.workspace});
+    m_services = std::make_unique<platform::Platform>(
+        platform::withReplaced(platform::current(), m_queue, *m_windows, *m_screens, m_session));
     m_installation = std::make_unique<platform::Installation>(*m_services);
     m_simulated.process.variables[QStringLiteral("QUILLORY_MODEL_SERVICE")] =
         QStringLiteral("http://127.0.0.1:%1").arg(port);

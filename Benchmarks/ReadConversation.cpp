@@ -3,6 +3,7 @@
 // page itself, and by walking it with libatspi, one blocking call for each attribute. Before that it asks a long chat
 // every 0.4 s, as the program does, of a page to which a message comes every second and of one that does not change.
 #include "BrowserPage.h"
+#include "ClockTime.h"
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/QtMainQueue.h"
 #include "RealDesktop/RealDesktop.h"
@@ -13,7 +14,6 @@
 #include <chrono>
 #include <cstdio>
 #include <stdexcept>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -147,20 +147,11 @@ void compare(const platform::AXUIElement &page, AtspiAccessible *samePage, bool 
     }
 }
 
-double cpuMilliseconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto milliseconds = [](const timeval &time) {
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
-    };
-    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
-}
-
 // Between the questions the program ticks. The longest that a question took, in milliseconds.
 double askRegularly(platform::Accessibility &accessibility, const platform::AXUIElement &page, const char *which) {
     (void)page.copySubtree(limits);
     std::this_thread::sleep_for(std::chrono::seconds(1));
-    const double cpuBefore = cpuMilliseconds();
+    const double cpuBefore = bench::milliseconds(CLOCK_PROCESS_CPUTIME_ID);
     const auto begin = Clock::now();
     std::vector<double> stalls;
     double worstTick = 0;
@@ -180,7 +171,7 @@ double askRegularly(platform::Accessibility &accessibility, const platform::AXUI
     std::printf("every 0.4 s, %s: stall median %.2f ms, worst %.2f ms, %d of %d answered; "
                 "tick's question worst %.2f ms; CPU %.2f %% of one core\n",
                 which, median(stalls), worst, answered, questions, worstTick,
-                100 * (cpuMilliseconds() - cpuBefore) / millisecondsSince(begin));
+                100 * (bench::milliseconds(CLOCK_PROCESS_CPUTIME_ID) - cpuBefore) / millisecondsSince(begin));
     return worst;
 }
 

@@ -4,8 +4,10 @@
 // waits for the X server and the window manager, else its processor time.
 #include "Quillory/UI/Settings/SettingsWindow.h"
 
+#include "ClockTime.h"
 #include "Platform/Linux/QtMainQueue.h"
 #include "Platform/Linux/Storage/FileUserDefaults.h"
+#include "Platform/Replacing.h"
 #include "Quillory/AppSettings.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
@@ -18,7 +20,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 
 namespace quillory {
 namespace {
@@ -47,17 +48,11 @@ class PaintWatch final : public QObject {
     }
 };
 
-double milliseconds(clockid_t clock) {
-    timespec now{};
-    clock_gettime(clock, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
-}
-
 template <typename Deed> double timed(Deed deed, clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
-    const double start = milliseconds(clock);
+    const double start = bench::milliseconds(clock);
     deed();
     QApplication::processEvents();
-    return milliseconds(clock) - start;
+    return bench::milliseconds(clock) - start;
 }
 
 double opening(SettingsWindow &window) {
@@ -152,26 +147,6 @@ void measureProfile() {
     }
 }
 
-platform::Platform withRealStore(platform::MainQueue &queue, platform::UserDefaults &store) {
-    const platform::Platform &simulated = platform::current();
-    return {.accessibility = simulated.accessibility,
-            .application = simulated.application,
-            .codeSigning = simulated.codeSigning,
-            .eventTaps = simulated.eventTaps,
-            .fileSystem = simulated.fileSystem,
-            .keyPoster = simulated.keyPoster,
-            .mainQueue = queue,
-            .panelWindows = simulated.panelWindows,
-            .pasteboard = simulated.pasteboard,
-            .process = simulated.process,
-            .screens = simulated.screens,
-            .statusBar = simulated.statusBar,
-            .systemTools = simulated.systemTools,
-            .urlSession = simulated.urlSession,
-            .userDefaults = store,
-            .workspace = simulated.workspace};
-}
-
 } // namespace
 } // namespace quillory
 
@@ -182,7 +157,7 @@ int main(int argc, char **argv) {
     const QTemporaryDir folder;
     platform::desktop::QtMainQueue queue;
     platform::desktop::FileUserDefaults store(folder.path(), platform::desktop::Saving::inBackground);
-    const platform::Platform services = quillory::withRealStore(queue, store);
+    const platform::Platform services = platform::withReplaced(platform::current(), queue, store);
     const platform::Installation installation(services);
     quillory::measureFAQ();
     quillory::measureProfile();

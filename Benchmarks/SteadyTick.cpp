@@ -2,6 +2,7 @@
 // Asks ten times a second what the program's tick asks of an unchanged field in Chromium, for ten seconds. Prints the
 // messages and round trips on the accessibility bus per tick, and this process's share of one core.
 #include "BrowserPage.h"
+#include "ClockTime.h"
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/QtMainQueue.h"
 #include "RealDesktop/RealDesktop.h"
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <sys/resource.h>
 
 namespace {
 
@@ -21,15 +21,6 @@ namespace axAttribute = platform::axAttribute;
 using Clock = std::chrono::steady_clock;
 
 constexpr int ticks = 100;
-
-double cpuMilliseconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto milliseconds = [](const timeval &time) {
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
-    };
-    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
-}
 
 // The questions of a tick on a chat's message box.
 bool tick(platform::Accessibility &accessibility) {
@@ -55,7 +46,7 @@ int main(int argc, char **argv) {
     test::waitUntil([&] { return tick(accessibility); });
 
     const auto before = accessibility.traffic();
-    const double cpuBefore = cpuMilliseconds();
+    const double cpuBefore = bench::milliseconds(CLOCK_PROCESS_CPUTIME_ID);
     const auto start = Clock::now();
     double worst = 0;
     int answered = 0;
@@ -75,6 +66,7 @@ int main(int argc, char **argv) {
     std::printf("per tick: %.2f round trips, %.2f messages\n",
                 static_cast<double>(after.roundTrips - before.roundTrips) / ticks,
                 static_cast<double>(after.messages - before.messages) / ticks);
-    std::printf("CPU: %.2f %% of one core\n", 100 * (cpuMilliseconds() - cpuBefore) / elapsed);
+    std::printf("CPU: %.2f %% of one core\n",
+                100 * (bench::milliseconds(CLOCK_PROCESS_CPUTIME_ID) - cpuBefore) / elapsed);
     return 0;
 }

@@ -1,7 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // What a streamed answer costs in this program, beside libcurl alone fetching the same bytes from the same server: CPU
 // of the process, and the time from a piece on the socket to onChunk.
+#include "ClockTime.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
+#include "Platform/Replacing.h"
 #include "Quillory/AppSettings.h"
 #include "Quillory/OpenRouterClient.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
@@ -15,7 +17,6 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
-#include <ctime>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -54,12 +55,6 @@ void serve(LoopbackConnection &connection, bool isPaced) {
     }
 }
 
-double processCPU() {
-    timespec used{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
-    return static_cast<double>(used.tv_sec) * 1e3 + static_cast<double>(used.tv_nsec) / 1e6;
-}
-
 double median(std::vector<double> values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::ranges::nth_element(values, middle);
@@ -71,9 +66,9 @@ template <typename Call> double costOf(const Call &call) {
     call();
     std::vector<double> costs;
     for (int round = 0; round < rounds; ++round) {
-        const double before = processCPU();
+        const double before = bench::milliseconds(CLOCK_PROCESS_CPUTIME_ID);
         call();
-        costs.push_back(processCPU() - before);
+        costs.push_back(bench::milliseconds(CLOCK_PROCESS_CPUTIME_ID) - before);
     }
     return median(costs);
 }
@@ -182,34 +177,13 @@ void measureLatency(const QString &address) {
     report("from a piece on the socket to onChunk (median)", ours.medianValue(), plain.medianValue());
 }
 
-/// The simulated desktop with a real network.
-platform::Platform withNetwork(platform::URLSession &session) {
-    const platform::Platform &simulated = platform::current();
-    return {.accessibility = simulated.accessibility,
-            .application = simulated.application,
-            .codeSigning = simulated.codeSigning,
-            .eventTaps = simulated.eventTaps,
-            .fileSystem = simulated.fileSystem,
-            .keyPoster = simulated.keyPoster,
-            .mainQueue = simulated.mainQueue,
-            .panelWindows = simulated.panelWindows,
-            .pasteboard = simulated.pasteboard,
-            .process = simulated.process,
-            .screens = simulated.screens,
-            .statusBar = simulated.statusBar,
-            .systemTools = simulated.systemTools,
-            .urlSession = session,
-            .userDefaults = simulated.userDefaults,
-            .workspace = simulated.workspace};
-}
-
 void measureAll() {
     // Before the first thread of this process.
     const ServerProcess burst(false);
     const ServerProcess paced(true);
     SimulatedDesktop desktop;
     platform::desktop::CurlURLSession session;
-    const platform::Platform services = withNetwork(session);
+    const platform::Platform services = platform::withReplaced(platform::current(), session);
     const platform::Installation installation(services);
     AppSettings::shared().store().set(settingsKey::openRouterAPIKey, QStringLiteral("sk-benchmark"));
     QString &service = desktop.process.variables[QStringLiteral("QUILLORY_MODEL_SERVICE")];

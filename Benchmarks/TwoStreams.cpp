@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // What two answers that come at 200 pieces a second each cost the main thread, and how often their cards are updated.
+#include "ClockTime.h"
 #include "HalfRealDesktop.h"
 #include "Quillory/TypingMonitor.h"
 #include "Quillory/UI/SuggestionViewHost.h"
@@ -10,7 +11,6 @@
 
 #include <atomic>
 #include <cstdio>
-#include <ctime>
 #include <thread>
 
 namespace {
@@ -72,12 +72,6 @@ class CountingHost final : public quillory::SuggestionHost {
     quillory::ui::SuggestionViewHost m_host;
 };
 
-double cpuSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
-}
-
 } // namespace
 
 int main(int argc, char **argv) {
@@ -94,7 +88,7 @@ int main(int argc, char **argv) {
     desktop.type(QStringLiteral("helo can u send me the price list"));
     quillory::runEventsUntil([&] { return service.hasBegun(); });
     updates = 0;
-    const double cpu = cpuSeconds();
+    const double cpu = quillory::bench::milliseconds(CLOCK_THREAD_CPUTIME_ID);
     const auto begin = Clock::now();
     quillory::runEventsUntil([&] { return service.isDone(); });
     const double seconds = std::chrono::duration<double>(Clock::now() - begin).count();
@@ -103,6 +97,7 @@ int main(int argc, char **argv) {
         return 1;
     }
     std::printf("two answers of %d pieces in %.1f s: main thread %.1f %% of one core, %.1f card updates a second\n",
-                pieces, seconds, (cpuSeconds() - cpu) / seconds * 100, updates / seconds);
+                pieces, seconds, (quillory::bench::milliseconds(CLOCK_THREAD_CPUTIME_ID) - cpu) / (1e3 * seconds) * 100,
+                updates / seconds);
     return 0;
 }

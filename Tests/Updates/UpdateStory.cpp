@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Updates/UpdateStory.h"
 
+#include "Platform/Replacing.h"
 #include "Quillory/UpdateChecker.h"
 #include "RealDesktop/ChildProcess.h"
 
@@ -26,23 +27,7 @@ UpdateStory::~UpdateStory() {
 }
 
 platform::Platform UpdateStory::services() {
-    const platform::Platform &simulated = platform::current();
-    return {.accessibility = simulated.accessibility,
-            .application = simulated.application,
-            .codeSigning = m_codeSigning,
-            .eventTaps = simulated.eventTaps,
-            .fileSystem = m_fileSystem,
-            .keyPoster = simulated.keyPoster,
-            .mainQueue = simulated.mainQueue,
-            .panelWindows = simulated.panelWindows,
-            .pasteboard = simulated.pasteboard,
-            .process = simulated.process,
-            .screens = simulated.screens,
-            .statusBar = simulated.statusBar,
-            .systemTools = tools,
-            .urlSession = m_urlSession,
-            .userDefaults = simulated.userDefaults,
-            .workspace = simulated.workspace};
+    return platform::withReplaced(platform::current(), m_codeSigning, m_fileSystem, tools, m_urlSession);
 }
 
 void UpdateStory::answer(LoopbackConnection &connection) {

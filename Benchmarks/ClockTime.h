@@ -1,0 +1,15 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#pragma once
+
+#include <ctime>
+
+namespace quillory::bench {
+
+/// What a clock of the system shows, such as CLOCK_PROCESS_CPUTIME_ID, in milliseconds.
+inline double milliseconds(clockid_t clock) {
+    timespec time{};
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+} // namespace quillory::bench
