@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "BrowserPage.h"
 
-#include <QDir>
+#include "RealDesktop/BrowserSettings.h"
+
 #include <QFile>
 
 #include <stdexcept>
@@ -32,48 +33,32 @@ QByteArray pageSource(const BrowserPage::Chat &chat) {
     return page;
 }
 
-std::vector<std::string> chromiumCommand(const std::string &folder) {
-    return {"chromium", "--no-sandbox", "--test-type", "--force-renderer-accessibility", "--disable-gpu",
-            "--no-first-run", "--disable-background-networking", "--disable-component-update", "--disable-sync",
-            // No question for the password of a key ring.
-            "--password-store=basic", "--user-data-dir=" + folder + "/profile",
-            "--app=file://" + folder + "/page.html"};
-}
-
-// No page of its own comes before the one that is asked for.
-constexpr char firefoxSettings[] = R"(
-user_pref("network.captive-portal-service.enabled", false);
-user_pref("network.connectivity-service.enabled", false);
-user_pref("browser.shell.checkDefaultBrowser", false);
-user_pref("browser.aboutwelcome.enabled", false);
-user_pref("browser.preonboarding.enabled", false);
-user_pref("browser.startup.homepage_override.mstone", "ignore");
-user_pref("termsofuse.bypassNotification", true);
-user_pref("datareporting.policy.dataSubmissionEnabled", false);
-user_pref("datareporting.policy.firstRunURL", "");
-user_pref("browser.sessionstore.resume_from_crash", false);
-user_pref("app.update.enabled", false);
-)";
-
 void write(const QString &path, const QByteArray &content) {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) < 0) {
-        throw std::runtime_error("the page or its browser's profile cannot be written");
+        throw std::runtime_error("the page cannot be written");
     }
 }
 
-std::vector<std::string> firefoxCommand(const QString &folder) {
+std::vector<std::string> commandLine(BrowserPage::Browser browser, const QString &folder) {
     const QString profile = folder + QStringLiteral("/profile");
-    QDir().mkpath(profile);
-    write(profile + QStringLiteral("/user.js"), firefoxSettings);
-    return {"env",
-            "GNOME_ACCESSIBILITY=1",
-            "MOZ_CRASHREPORTER_DISABLE=1",
-            "firefox-esr",
-            "--no-remote",
-            "--profile",
-            profile.toStdString(),
-            "file://" + folder.toStdString() + "/page.html"};
+    const std::string page = "file://" + folder.toStdString() + "/page.html";
+    if (browser == BrowserPage::Browser::firefox) {
+        test::browserSettings::makeFirefoxProfile(profile);
+        return {"env",
+                "GNOME_ACCESSIBILITY=1",
+                "MOZ_CRASHREPORTER_DISABLE=1",
+                "firefox-esr",
+                "--no-remote",
+                "--profile",
+                profile.toStdString(),
+                page};
+    }
+    auto command = test::browserSettings::chromiumSwitches();
+    command.insert(command.begin(), "chromium");
+    command.insert(command.end(),
+                   {"--force-renderer-accessibility", "--user-data-dir=" + profile.toStdString(), "--app=" + page});
+    return command;
 }
 
 template <class T> std::optional<T> read(const AXUIElement &element, QLatin1StringView name) {
@@ -86,9 +71,7 @@ template <class T> std::optional<T> read(const AXUIElement &element, QLatin1Stri
 
 BrowserPage::BrowserPage(Browser browser, Chat chat) {
     write(m_folder.filePath(QStringLiteral("page.html")), pageSource(chat));
-    const auto command =
-        browser == Browser::chromium ? chromiumCommand(m_folder.path().toStdString()) : firefoxCommand(m_folder.path());
-    m_browser = test::ChildProcess(command, test::Output::dropped);
+    m_browser = test::ChildProcess(commandLine(browser, m_folder.path()), test::Output::dropped);
 }
 
 AXUIElement BrowserPage::waitForBox(platform::Accessibility &accessibility) {

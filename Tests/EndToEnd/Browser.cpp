@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "EndToEnd/Browser.h"
 
+#include "RealDesktop/BrowserSettings.h"
+
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
@@ -16,24 +18,11 @@ using Arguments = std::vector<std::string>;
 /// All but what says which window to open.
 Arguments chromiumFlags(int pagePort) {
     const std::string port = std::to_string(pagePort);
-    return {"--no-sandbox",
-            "--test-type",
-            "--disable-gpu",
-            "--disable-quic",
-            "--disable-dev-shm-usage",
-            "--no-first-run",
-            "--no-default-browser-check",
-            "--disable-background-networking",
-            "--disable-component-update",
-            "--disable-sync",
-            "--password-store=basic",
-            "--log-level=3",
-            "--lang=en-US",
-            "--window-position=40,20",
-            "--window-size=1100,800",
-            "--ignore-certificate-errors",
-            "--host-resolver-rules=MAP web.whatsapp.com 127.0.0.1:" + port + ", MAP shop.example 127.0.0.1:" + port +
-                ", MAP * ~NOTFOUND"};
+    Arguments flags = browserSettings::chromiumSwitches();
+    flags.insert(flags.end(), {"--window-position=40,20", "--window-size=1100,800", "--ignore-certificate-errors",
+                               "--host-resolver-rules=MAP web.whatsapp.com 127.0.0.1:" + port +
+                                   ", MAP shop.example 127.0.0.1:" + port + ", MAP * ~NOTFOUND"});
+    return flags;
 }
 
 Arguments chromium(int pagePort, const QString &profile, const Browser::Options &options) {
@@ -48,35 +37,8 @@ Arguments chromium(int pagePort, const QString &profile, const Browser::Options 
     return arguments;
 }
 
-/// Every name stands on this machine, so nothing leaves it; no page comes before the one that is asked for, and none is
-/// loaded once more for its picture.
-constexpr char firefoxSettings[] = R"(
-user_pref("network.dns.forceResolve", "127.0.0.1");
-user_pref("network.stricttransportsecurity.preloadlist", false);
-user_pref("dom.security.https_first", false);
-user_pref("network.captive-portal-service.enabled", false);
-user_pref("network.connectivity-service.enabled", false);
-user_pref("browser.shell.checkDefaultBrowser", false);
-user_pref("browser.aboutwelcome.enabled", false);
-user_pref("browser.preonboarding.enabled", false);
-user_pref("browser.startup.homepage_override.mstone", "ignore");
-user_pref("termsofuse.bypassNotification", true);
-user_pref("datareporting.policy.dataSubmissionEnabled", false);
-user_pref("datareporting.policy.firstRunURL", "");
-user_pref("toolkit.telemetry.reportingpolicy.firstRun", false);
-user_pref("browser.sessionstore.resume_from_crash", false);
-user_pref("browser.newtab.preload", false);
-user_pref("browser.pagethumbnails.capturing_disabled", true);
-user_pref("extensions.update.enabled", false);
-user_pref("app.update.enabled", false);
-)";
-
 Arguments firefox(int pagePort, const QString &profile, const Browser::Options &options) {
-    QDir().mkpath(profile);
-    QFile settings(profile + QStringLiteral("/user.js"));
-    if (settings.open(QFile::WriteOnly)) {
-        settings.write(firefoxSettings);
-    }
+    browserSettings::makeFirefoxProfile(profile);
     const QString address = QStringLiteral("http://%1:%2/%3").arg(options.host).arg(pagePort).arg(options.query);
     return {"env",
             options.forceAccessibility ? "GNOME_ACCESSIBILITY=1" : "-uGNOME_ACCESSIBILITY",
