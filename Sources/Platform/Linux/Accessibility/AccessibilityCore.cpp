@@ -14,15 +14,11 @@ using namespace std::chrono_literals;
 constexpr auto tickWait = 16ms;
 constexpr auto questionWait = 60ms;
 constexpr auto writeWait = 150ms;
-constexpr auto subtreeWait = 200ms;
-// What is left of a frame when a page has changed since it was read last.
-constexpr auto pageWait = 10ms;
 // The questions of one tick follow each other within this time.
 constexpr auto sameMoment = 40ms;
 // How old an answer may be when its application is too busy for a new one. Fields seldom move.
 constexpr auto oldestAnswer = 1s;
 constexpr auto oldestFrame = 5s;
-constexpr auto oldestCopy = 3s;
 // An element that was not named the last time is asked about at once, and what cannot be answered then is taken for no.
 constexpr auto oldestConfirmation = 300ms;
 constexpr auto wantedFor = 1s;
@@ -34,7 +30,7 @@ constexpr auto oldestAncestry = 4s;
 AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints,
                                      AskActiveWindow activeWindow)
     : m_ownPid(ownPid), m_inPoints(std::move(inPoints)), m_activeWindow(std::move(activeWindow)),
-      m_reader(std::move(sessionBusAddress), ownPid) {}
+      m_reader(std::move(sessionBusAddress), ownPid), m_pages(m_reader) {}
 
 AXUIElement AccessibilityCore::element(const Handle &handle) {
     return AXUIElement(std::make_shared<AtspiElement>(shared_from_this(), handle));
@@ -327,27 +323,14 @@ bool AccessibilityCore::setAttribute(const Handle &element, QLatin1StringView na
     return false;
 }
 
-// A page that has not changed is answered for by its mirror; one that has is waited for, but not for long.
 std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXSubtreeLimits limits,
                                                       AXFreshness freshness) {
-    if (element.pid == m_ownPid) {
-        return {};
-    }
-    const PageName page{element.ref, limits};
-    const auto askedAt = Clock::now();
-    auto mirrored = m_reader.board().page();
-    const auto request = requestPage(page, freshness.notBefore.value_or(Clock::time_point()));
-    const bool isGood =
-        freshness.notBefore ? mirrored.wasReadSince(page, *freshness.notBefore) : mirrored.isFresh(page, askedAt);
-    if (!isGood) {
-        m_reader.await(*request, freshness.notBefore ? subtreeWait : pageWait);
-        mirrored = m_reader.board().page();
-    }
-    if (!mirrored.wasReadSince(page, freshness.notBefore.value_or(oldestUseful(page, mirrored, askedAt)))) {
-        return {};
-    }
+    const auto copy = element.pid == m_ownPid ? nullptr : m_pages.copy({element.ref, limits}, freshness);
     std::vector<AXSubtreeNode> nodes;
-    for (const auto &item : mirrored.copy->items) {
+    if (copy == nullptr) {
+        return nodes;
+    }
+    for (const auto &item : copy->items) {
         nodes.push_back({item.depth, item.role, item.value, {}});
         if (item.frame) {
             nodes.back().frame = inPoints(*item.frame);
@@ -356,41 +339,10 @@ std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXS
     return nodes;
 }
 
-// A fresh copy will do however old it is.
-Clock::time_point AccessibilityCore::oldestUseful(const PageName &page, const MirroredPage &mirrored,
-                                                  Clock::time_point askedAt) const {
-    if (mirrored.isFresh(page, askedAt)) {
-        return {};
-    }
-    return std::max(askedAt - oldestCopy, m_prepared == page ? m_preparedAt : Clock::time_point());
-}
-
 void AccessibilityCore::prepareSubtree(const Handle &element, AXSubtreeLimits limits, AXFreshness freshness) {
-    if (element.pid == m_ownPid) {
-        return;
+    if (element.pid != m_ownPid) {
+        m_pages.prepare({element.ref, limits}, freshness);
     }
-    if (freshness.notBefore) {
-        m_prepared = {element.ref, limits};
-        m_preparedAt = *freshness.notBefore;
-    }
-    requestPage({element.ref, limits}, {});
-}
-
-// Also tells the mirror that the page is wanted. One request at a time is enough, except for who wants it anew.
-AccessibilityCore::PageJob AccessibilityCore::requestPage(const PageName &page, Clock::time_point notBefore) {
-    const bool isAskedFor = m_request != nullptr && !m_request->isFinished() && m_requested == page;
-    if (!isAskedFor || notBefore != Clock::time_point()) {
-        m_requested = page;
-        m_request = m_reader.start(
-            [page, notBefore](Session &session) {
-                if (session.mirror() != nullptr) {
-                    session.mirror()->refresh(page, notBefore);
-                }
-                return true;
-            },
-            Reader::Length::longer);
-    }
-    return m_request;
 }
 
 std::optional<AXUIElement> AccessibilityCore::focusedWindow(qint32 pid) {

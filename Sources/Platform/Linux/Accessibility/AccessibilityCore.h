@@ -3,7 +3,7 @@
 
 #include "Platform/Accessibility.h"
 #include "Platform/Linux/Accessibility/ElementQueries.h"
-#include "Platform/Linux/Accessibility/Reader.h"
+#include "Platform/Linux/Accessibility/PageQuestions.h"
 #include "Platform/Linux/ActiveWindow.h"
 
 namespace platform::desktop::atspi {
@@ -52,6 +52,7 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     Conversion m_inPoints;
     AskActiveWindow m_activeWindow;
     Reader m_reader;
+    PageQuestions m_pages;
     /// The application that was seen to have the active window, under the number that its window gives.
     qint32 m_knownByItsWindow = 0;
     /// For the others: the window that was active when the element had the focus for sure.
@@ -71,16 +72,6 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     [[nodiscard]] bool isUnclimbable(const ElementRef &ref) const;
     std::shared_ptr<Reader::Job<std::shared_ptr<const Ancestry>>> m_chain;
     Clock::time_point m_unclimbableUntil;
-    using PageJob = std::shared_ptr<Reader::Job<bool>>;
-    [[nodiscard]] Clock::time_point oldestUseful(const PageName &page, const MirroredPage &mirrored,
-                                                 Clock::time_point askedAt) const;
-    PageJob requestPage(const PageName &page, Clock::time_point notBefore);
-    /// The latest request, which the reader may not have finished yet.
-    PageName m_requested;
-    /// Since when a page that was announced must have been read, if it is known to have changed.
-    PageName m_prepared;
-    Clock::time_point m_preparedAt;
-    PageJob m_request;
     /// The latest refresh, which the reader may not have finished yet.
     std::shared_ptr<Reader::Job<bool>> m_refresh;
 };
