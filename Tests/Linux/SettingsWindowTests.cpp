@@ -21,6 +21,7 @@
 #include <QSpinBox>
 #include <QTabBar>
 #include <QTest>
+#include <QTextBlock>
 
 #include <gmock/gmock.h>
 
@@ -341,6 +342,52 @@ TEST_F(SettingsWindowTest, TakesAnyText) {
     profile->moveCursor(QTextCursor::End);
     QTest::keyClicks(profile, u"x"_s);
     EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(large + u'x'));
+}
+
+TEST_F(SettingsWindowTest, KeepsALongLineInOneThoughItIsShownInPieces) {
+    const QString end = u"We sell dresses 😊 and deliver. "_s.repeated(400);
+    const QString text = u"A shop\n"_s + QString(9001, u'م') + u"\n\n"_s + end;
+    desktop.userDefaults.set(settingsKey::businessProfile, text);
+    open(1);
+    auto *const profile = child<QPlainTextEdit>();
+    profile->setFocus();
+    EXPECT_EQ(profile->document()->blockCount(), 1 + 3 + 1 + 4);
+    const qsizetype place = text.size() - profile->document()->lastBlock().length() + 1;
+    const auto expect = [&](const QString &before, const QString &after, const char *when) {
+        EXPECT_TRUE(stored(settingsKey::businessProfile) == DefaultsValue(before + after)) << when;
+    };
+    const QString before = text.first(place);
+    const QString after = text.sliced(place);
+    profile->setTextCursor(QTextCursor(profile->document()->lastBlock()));
+    QTest::keyClicks(profile, u"x"_s);
+    expect(before + u'x', after, "after the break");
+    QTest::keyClick(profile, Qt::Key_Backspace);
+    expect(before, after, "taken back");
+    QTest::keyClick(profile, Qt::Key_Backspace);
+    expect(before.chopped(1), after, "back over the break");
+    QTest::keyClick(profile, Qt::Key_Delete);
+    expect(before.chopped(1), after.sliced(1), "forward over the break");
+    QTest::keyClick(profile, Qt::Key_Return);
+    expect(before.chopped(1) + u'\n', after.sliced(1), "a break of the user's");
+    profile->moveCursor(QTextCursor::End, QTextCursor::KeepAnchor);
+    QTest::keyClick(profile, Qt::Key_Delete);
+    QTest::keyClicks(profile, u"end"_s);
+    QTest::keyClick(profile, Qt::Key_Return);
+    expect(before.chopped(1), u"\nend\n"_s, "in an emptied paragraph");
+    while (profile->document()->isUndoAvailable()) {
+        profile->undo();
+    }
+    expect(before, after, "all undone");
+    profile->selectAll();
+    profile->cut();
+    expect({}, {}, "cut");
+    profile->paste();
+    expect(before, after, "pasted");
+    profile->undo();
+    profile->undo();
+    profile->moveCursor(QTextCursor::End);
+    QTest::keyClicks(profile, u"!"_s);
+    expect(before, after + u'!', "cut and pasted and undone");
 }
 
 TEST_F(SettingsWindowTest, GoesThroughHundredsOfEntriesByKeyboard) {

@@ -4,7 +4,9 @@
 #include "Quillory/UI/Look.h"
 #include "Quillory/UI/Settings/Form.h"
 #include "Quillory/UI/Settings/SlimScrollBar.h"
+#include "Quillory/UI/Settings/SoftBreaks.h"
 
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
 #include <QTextBlock>
@@ -127,6 +129,11 @@ TextField::TextField(const QString &placeholder) {
     document()->setDocumentMargin(0);
     viewport()->setAutoFillBackground(false);
     applyColors(*this);
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this, [this] {
+        if (m_hasSoftBreaks && textCursor().block().length() <= 1) {
+            setCurrentCharFormat({}); // else what is typed here would take on what the break before it has
+        }
+    });
     connect(this, &QPlainTextEdit::textChanged, this, [this] {
         alignToScript();
         if (!m_isShowing && onEdit) {
@@ -136,13 +143,21 @@ TextField::TextField(const QString &placeholder) {
 }
 
 QString TextField::text() const {
-    return document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
+    return m_hasSoftBreaks ? softBreaks::textBetween(*document(), 0, document()->characterCount() - 1)
+                           : document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
 }
 
 void TextField::showText(const QString &text) {
     m_isShowing = true;
     const int position = textCursor().position();
-    setPlainText(text);
+    m_hasSoftBreaks = softBreaks::areNeeded(text);
+    if (m_hasSoftBreaks) {
+        clear();
+        softBreaks::insert(QTextCursor(document()), text);
+        document()->clearUndoRedoStacks();
+    } else {
+        setPlainText(text);
+    }
     QTextCursor cursor = textCursor();
     cursor.setPosition(std::min(position, document()->characterCount() - 1));
     setTextCursor(cursor);
@@ -222,10 +237,39 @@ void TextField::focusOutEvent(QFocusEvent *event) {
 }
 
 void TextField::insertFromMimeData(const QMimeData *source) {
-    if (source->hasText()) {
-        textCursor().insertText(cleaned(source->text(), u'\n'));
-        ensureCursorVisible();
+    if (!source->hasText()) {
+        return;
     }
+    const QString text = cleaned(source->text(), u'\n');
+    if (softBreaks::areNeeded(text)) {
+        m_hasSoftBreaks = true;
+        softBreaks::insert(textCursor(), text);
+    } else {
+        textCursor().insertText(text);
+    }
+    ensureCursorVisible();
+}
+
+QMimeData *TextField::createMimeDataFromSelection() const {
+    const QTextCursor cursor = textCursor();
+    auto *const selected = new QMimeData;
+    selected->setText(softBreaks::textBetween(*document(), cursor.selectionStart(), cursor.selectionEnd()));
+    return selected;
+}
+
+// A key that deletes shall not be spent on a break that the user does not know of.
+void TextField::keyPressEvent(QKeyEvent *event) {
+    QTextCursor cursor = textCursor();
+    if (m_hasSoftBreaks && !cursor.hasSelection()) {
+        const bool isBack = event->key() == Qt::Key_Backspace;
+        const bool isForward = event->key() == Qt::Key_Delete;
+        if ((isBack && cursor.atBlockStart() && softBreaks::isContinued(cursor.block())) ||
+            (isForward && cursor.atBlockEnd() && softBreaks::isContinued(cursor.block().next()))) {
+            cursor.movePosition(isBack ? QTextCursor::PreviousCharacter : QTextCursor::NextCharacter);
+            setTextCursor(cursor);
+        }
+    }
+    QPlainTextEdit::keyPressEvent(event);
 }
 
 } // namespace quillory::ui

@@ -43,12 +43,16 @@ class TextField : public QPlainTextEdit {
     void changeEvent(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    [[nodiscard]] QMimeData *createMimeDataFromSelection() const override;
 
   private:
     void alignToScript();
 
     bool m_isShowing = false;
+    /// Whether the document may hold breaks that are not in the text.
+    bool m_hasSoftBreaks = false;
 };
 
 } // namespace quillory::ui
