@@ -9,19 +9,10 @@
 namespace quillory::test {
 namespace {
 
-void write(const QString &setting, const QString &value) {
-    QProcess program;
-    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    program.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_qs, u"write"_qs, setting, value});
-    if (!program.waitForFinished() || program.exitCode() != 0) {
-        throw std::runtime_error("the setting could not be written: " + setting.toStdString());
-    }
-}
-
 ChildProcess started(const QByteArray &modelService, const Assistant::Settings &settings) {
     qputenv("OPENROUTER_API_KEY", "made-up-key");
     for (const auto &[setting, value] : settings) {
-        write(setting, value);
+        Assistant::set(setting, value);
     }
     qputenv("QUILLORY_MODEL_SERVICE", modelService);
     return ChildProcess({QUILLORY_PROGRAM});
@@ -38,6 +29,15 @@ Assistant::Assistant(const QByteArray &modelService, const Settings &settings)
     : m_process(started(modelService, settings)) {
     if (!waitUntil([] { return timesLogged(u"accessibility trusted -> true"_qs) > 0; })) {
         throw std::runtime_error("the program did not start: " + log().toStdString());
+    }
+}
+
+void Assistant::set(const QString &setting, const QString &value) {
+    QProcess program;
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_qs, u"write"_qs, setting, value});
+    if (!program.waitForFinished() || program.exitCode() != 0) {
+        throw std::runtime_error("the setting could not be written: " + setting.toStdString());
     }
 }
 

@@ -18,6 +18,9 @@ class Assistant {
     /// The settings are written before it starts, as a user's command would write them.
     Assistant(const QByteArray &modelService, const Settings &settings);
 
+    /// Changes a setting as a user's command would, also while the program runs.
+    static void set(const QString &setting, const QString &value);
+
     [[nodiscard]] static QString log();
     /// How many lines of the log contain the text.
     [[nodiscard]] static int timesLogged(const QString &text);

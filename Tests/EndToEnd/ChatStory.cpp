@@ -76,6 +76,10 @@ bool ChatStory::logged(const QString &text, int times) {
     return waitUntil([&] { return Assistant::timesLogged(text) >= times; });
 }
 
+bool ChatStory::panelIsUp() {
+    return run({"xdotool", "search", "--onlyvisible", "--class", "quillory"}, Output::dropped) == 0;
+}
+
 bool ChatStory::boxHolds(const QString &text) const {
     return waitUntil([&] { return m_page.text() == text; });
 }

@@ -33,6 +33,10 @@ class ChatStory : public testing::TestWithParam<Browser::Kind> {
     [[nodiscard]] bool clickChat(const QString &chat) const;
 
     [[nodiscard]] static bool logged(const QString &text, int times = 1);
+    [[nodiscard]] static bool panelIsUp();
+    [[nodiscard]] static bool panelGoes() {
+        return waitUntil([] { return !panelIsUp(); });
+    }
     [[nodiscard]] bool boxHolds(const QString &text) const;
     /// What a reader of the page would write down: each text that is no noise, marked by the side it stands on.
     [[nodiscard]] std::string transcriptOfPage() const;

@@ -35,10 +35,6 @@ bool ReplyStory::staysQuiet() const {
     return !waitUntil([&] { return timesAsked() > before; }, 1500);
 }
 
-bool ReplyStory::panelIsUp() {
-    return run({"xdotool", "search", "--onlyvisible", "--class", "quillory"}, Output::dropped) == 0;
-}
-
 void ReplyStory::clearBox() {
     keyboard::tap("ctrl+a");
     keyboard::tap("BackSpace");

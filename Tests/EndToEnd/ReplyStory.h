@@ -22,10 +22,6 @@ class ReplyStory : public ChatStory {
     [[nodiscard]] static int timesLoggedSinceDraft(const QString &text);
     /// No question comes for longer than the program waits before it asks for the same conversation again.
     [[nodiscard]] bool staysQuiet() const;
-    [[nodiscard]] static bool panelIsUp();
-    [[nodiscard]] static bool panelGoes() {
-        return waitUntil([] { return !panelIsUp(); });
-    }
     /// As the user would, to write something else.
     void clearBox();
 };

@@ -105,6 +105,23 @@ TEST_P(Rewrite, EscDropsTheCardAndTheNextEscIsTheUsers) {
     }));
 }
 
+TEST_P(RewriteInChromium, ASwitchThatIsTurnedElsewhereCountsAtOnce) {
+    ASSERT_NO_FATAL_FAILURE(openChat());
+    ASSERT_NO_FATAL_FAILURE(typeDraft(draft));
+    ASSERT_TRUE(waitUntil(panelIsUp));
+    const QString enabled = u"enabled"_qs;
+    Assistant::set(enabled, u"false"_qs);
+    EXPECT_TRUE(panelGoes());
+    const auto asked = m_model.questions().size();
+    keyboard::type(u" today"_qs);
+    EXPECT_FALSE(waitUntil([&] { return panelIsUp() || m_model.questions().size() > asked; }, 1500))
+        << "for longer than a pause";
+    Assistant::set(enabled, u"true"_qs);
+    ASSERT_NO_FATAL_FAILURE(typeDraft(u" pls"_qs, draft + u" today pls"_qs));
+    EXPECT_TRUE(waitUntil(panelIsUp));
+    expectUntouched(0);
+}
+
 TEST_P(RewriteInChromium, NothingIsAskedForOtherFields) {
     startAssistant();
     startBrowser({.host = u"shop.example"_qs, .wholeWindow = true});
