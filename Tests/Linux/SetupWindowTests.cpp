@@ -83,7 +83,13 @@ bool says(const QWidget &window, const QString &text) {
 TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
     ui::SetupWindow window({*this, *this, *this});
     window.QWidget::show();
-    ASSERT_TRUE(runUntil([&] { return button(window, u"Switch On"_s) != nullptr; }));
+    ASSERT_TRUE(runUntil([&] { return button(window, u"Switch On"_s) != nullptr && window.isActiveWindow(); }));
+    QPushButton *const again = button(window, u"Check Again"_s);
+    again->setFocus();
+    again->click();
+    EXPECT_EQ(window.focusWidget(), nullptr) << "the next button would take a second press of the key";
+    ASSERT_TRUE(runUntil([&] { return again->isEnabled(); }));
+    EXPECT_EQ(window.focusWidget(), again);
     button(window, u"Switch On"_s)->click();
     ASSERT_TRUE(runUntil([&] { return says(window, u"Accessibility is on."_s); }));
 

@@ -106,7 +106,7 @@ void KeySection::showTest() {
 void KeySection::showButtons() {
     m_saveButton->setEnabled(!m_isBusy && !m_field->text().isEmpty());
     m_testButton->setText(m_test.isTesting() ? QStringLiteral("Testing…") : QStringLiteral("&Test"));
-    m_testButton->setEnabled(!m_isBusy && m_hasKey && !m_test.isTesting());
+    m_testButton->setEnabled(!m_isBusy && m_hasKey); // while it tests, it keeps the focus and does nothing
 }
 
 } // namespace quillory::ui

@@ -62,6 +62,7 @@ SetupWindow::SetupWindow(SetupWork work)
     const QRect room = (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
     resize(size().boundedTo(room.size() * 0.9));
     move(room.center() - rect().center());
+    m_key->focusField();
     look();
 }
 
@@ -130,14 +131,15 @@ void SetupWindow::show(std::vector<Finding> findings) {
     m_status->setText(m_outcome.isEmpty() ? verdict : m_outcome + u' ' + verdict);
 }
 
-/// By keyboard one goes through the window from its top to its bottom, and after mending something to what is left.
+/// By keyboard one goes through the window from its top to its bottom, and after mending something to what is left. The
+/// row that had the focus is gone.
 void SetupWindow::orderFocus(const QWidget &page) {
     const auto buttons = page.findChildren<QPushButton *>();
     if (!buttons.isEmpty()) {
         setTabOrder(buttons.last(), m_again);
         setTabOrder(m_again, m_close);
     }
-    if (std::exchange(m_hasMended, false)) {
+    if (std::exchange(m_hasMended, false) || focusWidget() == nullptr) {
         (buttons.isEmpty() ? m_close : buttons.first())->setFocus(Qt::TabFocusReason);
     }
 }
@@ -176,11 +178,26 @@ void SetupWindow::saveKey(const QString &typed) {
 
 void SetupWindow::setBusy(bool isBusy, const QString &said) {
     m_isBusy = isBusy;
+    if (isBusy) {
+        holdFocus();
+    }
     m_status->setText(said);
     m_again->setEnabled(!isBusy);
     m_key->setBusy(isBusy);
     if (QWidget *const page = m_list->widget()) {
         page->setEnabled(!isBusy);
+    }
+    if (!isBusy && m_pressed != nullptr && focusWidget() == nullptr) {
+        m_pressed->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+/// A button that is switched off hands the focus on, in the end to the one that closes the window, and the key that
+/// pressed it may be pressed again.
+void SetupWindow::holdFocus() {
+    m_pressed = qobject_cast<QPushButton *>(focusWidget());
+    if (m_pressed != nullptr) {
+        m_pressed->clearFocus();
     }
 }
 

@@ -4,6 +4,7 @@
 #include "Quillory/SetupWork.h"
 #include "Quillory/Tasks.h"
 
+#include <QPointer>
 #include <QWidget>
 
 class QPushButton;
@@ -36,6 +37,7 @@ class SetupWindow final : public QWidget {
     void mend(const Finding &finding);
     void saveKey(const QString &typed);
     void setBusy(bool isBusy, const QString &said);
+    void holdFocus();
     [[nodiscard]] QWidget *bottomRow();
 
     SetupWork m_work;
@@ -44,6 +46,8 @@ class SetupWindow final : public QWidget {
     FormText *m_status;
     QPushButton *m_again;
     QPushButton *m_close;
+    /// What had the focus when work began.
+    QPointer<QPushButton> m_pressed;
     bool m_isBusy = false;
     bool m_canWork = false;
     bool m_hasMended = false;
