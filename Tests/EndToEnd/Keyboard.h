@@ -1,21 +1,42 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include "RealDesktop/ChildProcess.h"
+
 #include <QPoint>
-#include <QString>
+#include <QProcess>
 
 /// The user's hands: keys and clicks that come from the X server like real ones, and the clipboard.
 namespace quillory::test::keyboard {
 
-void type(const QString &text);
+inline void type(const QString &text) {
+    run({"xdotool", "type", "--delay", "15", "--", text.toStdString()});
+}
 /// A key with its modifiers, as xdotool names it ("Tab", "ctrl+l").
-void tap(const char *key);
-void click(QPoint place);
-void setLayout(const char *layout);
+inline void tap(const char *key) {
+    run({"xdotool", "key", key});
+}
+inline void click(QPoint place) {
+    run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click", "1"});
+}
 
 /// Puts content on the clipboard as another program would, which goes on owning it.
-void copy(const QByteArray &content, const char *type);
+inline void copy(const QByteArray &content, const char *type) {
+    QProcess copier;
+    // It stays in the background as the owner: without the output closed, waiting for it would never end.
+    copier.setStandardOutputFile(QProcess::nullDevice());
+    copier.setStandardErrorFile(QProcess::nullDevice());
+    copier.start(u"xclip"_qs, {u"-selection"_qs, u"clipboard"_qs, u"-t"_qs, QString::fromLatin1(type)});
+    copier.write(content);
+    copier.closeWriteChannel();
+    copier.waitForFinished();
+}
 /// What the clipboard offers as that type; empty when it does not.
-[[nodiscard]] QByteArray clipboard(const char *type);
+[[nodiscard]] inline QByteArray clipboard(const char *type) {
+    QProcess reader;
+    reader.start(u"xclip"_qs, {u"-selection"_qs, u"clipboard"_qs, u"-t"_qs, QString::fromLatin1(type), u"-o"_qs});
+    reader.waitForFinished();
+    return reader.readAllStandardOutput();
+}
 
 } // namespace quillory::test::keyboard

@@ -11,19 +11,45 @@ class ReplyStory : public ChatStory {
     using Question = ModelService::Question;
 
     /// The shop's profile and questions are set, and the model has an answer.
-    ReplyStory();
+    ReplyStory() {
+        m_settings = {{u"businessProfile"_qs, u"\nDate House, a gift shop in Riffa.\n"_qs},
+                      {u"faqEntries"_qs,
+                       uR"([{"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D10","question":"Delivery?","answer":"1 BHD."},)"
+                       R"({"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D11","question":"Hours?","answer":"9 to 9"}])"_qs}};
+        m_model.willAnswer(u"It is 1 BHD to any place in Bahrain 😊"_qs, Manner::answersAtOnce);
+    }
 
     [[nodiscard]] int timesAsked() const { return static_cast<int>(m_model.questions().size()); }
     /// The conversation that a reply was last asked for.
-    [[nodiscard]] std::string transcriptAskedFor() const;
+    [[nodiscard]] std::string transcriptAskedFor() const {
+        const auto questions = m_model.questions();
+        return questions.empty() || !questions.back().isForReply() ? std::string() : questions.back().conversation();
+    }
     /// A reply to what the page shows is on its card and may be accepted.
-    [[nodiscard]] bool replyIsReady() const;
+    [[nodiscard]] bool replyIsReady() const {
+        const bool ready = waitUntil([this] {
+            return timesLoggedSinceDraft(u" complete ("_qs) > 0 && transcriptAskedFor() == transcriptOfPage() &&
+                   panelIsUp();
+        });
+        EXPECT_EQ(transcriptAskedFor(), transcriptOfPage());
+        return ready;
+    }
     /// How often the log says so since a reply was last asked for.
-    [[nodiscard]] static int timesLoggedSinceDraft(const QString &text);
+    [[nodiscard]] static int timesLoggedSinceDraft(const QString &text) {
+        const QString log = Assistant::log();
+        return static_cast<int>(log.mid(log.lastIndexOf(u"drafting reply ("_qs)).count(text));
+    }
     /// No question comes for longer than the program waits before it asks for the same conversation again.
-    [[nodiscard]] bool staysQuiet() const;
+    [[nodiscard]] bool staysQuiet() const {
+        const int before = timesAsked();
+        return !waitUntil([&] { return timesAsked() > before; }, 1500);
+    }
     /// As the user would, to write something else.
-    void clearBox();
+    void clearBox() {
+        keyboard::tap("ctrl+a");
+        keyboard::tap("BackSpace");
+        ASSERT_TRUE(boxHolds(QString()));
+    }
 };
 
 } // namespace quillory::test

@@ -81,7 +81,7 @@ TEST_P(Rewrite, SeveralLinesArriveAsWrittenAndACopiedPictureComesBack) {
 
 TEST_P(Rewrite, ArabicAndEmojiUnderAnArabicKeyboardLayout) {
     ASSERT_NO_FATAL_FAILURE(openChat());
-    keyboard::setLayout("ara,us");
+    run({"setxkbmap", "-layout", "ara,us"});
     ASSERT_NO_FATAL_FAILURE(
         acceptRewrite(u"مرحبا هل يوجد توصيل"_qs,
                       u"مرحباً مريم، نعم يوجد توصيل مجاني 👍🏽😊 Riffa!"_qs));

@@ -1,45 +1,146 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #pragma once
 
+#include "RealDesktop/ChildProcess.h"
+
+#include <QCoreApplication>
+#include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QVariant>
 
 #include <functional>
+#include <stdexcept>
 #include <vector>
 
 namespace quillory::test {
+
+inline const auto watcher = u"org.kde.StatusNotifierWatcher"_qs;
+inline const auto itemInterface = u"org.kde.StatusNotifierItem"_qs;
+inline const auto itemPath = u"/StatusNotifierItem"_qs;
 
 /// A desktop's tray that speaks the StatusNotifierItem protocol, as a panel does, and reads the menu of the item that
 /// registers with it.
 class StatusNotifierHost final : private QDBusVirtualObject {
   public:
-    StatusNotifierHost();
-    ~StatusNotifierHost() override;
+    StatusNotifierHost() : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"tray"_qs)) {
+        if (!m_bus.registerVirtualObject(u"/StatusNotifierWatcher"_qs, this)) {
+            throw std::runtime_error("the tray has no session bus");
+        }
+    }
+    ~StatusNotifierHost() override { QDBusConnection::disconnectFromBus(u"tray"_qs); }
 
     /// Takes or gives up the name under which items look for the tray.
-    void appear();
+    void appear() { m_bus.registerService(watcher); }
     /// Takes the name with no tray behind it yet, waits until somebody asks for one, and says that it has come.
-    bool appearInSteps();
-    void vanish();
+    bool appearInSteps() {
+        m_isShown = false;
+        m_timesAsked = 0;
+        appear();
+        const bool isAsked = await([this] { return m_timesAsked > 0; });
+        m_isShown = true;
+        m_bus.send(
+            QDBusMessage::createSignal(u"/StatusNotifierWatcher"_qs, watcher, u"StatusNotifierHostRegistered"_qs));
+        return isAsked;
+    }
+    void vanish() {
+        m_bus.unregisterService(watcher);
+        m_item.clear();
+    }
     /// Waits until an item has registered since the tray appeared.
-    bool hasItem();
-    [[nodiscard]] QVariant property(const char *name) const;
+    bool hasItem() {
+        return await([this] { return !m_item.isEmpty(); });
+    }
+    [[nodiscard]] QVariant property(const char *name) const {
+        QDBusMessage question =
+            QDBusMessage::createMethodCall(m_item, itemPath, u"org.freedesktop.DBus.Properties"_qs, u"Get"_qs);
+        question.setArguments({itemInterface, QString::fromLatin1(name)});
+        return m_bus.call(question).arguments().value(0).value<QDBusVariant>().variant();
+    }
     /// Opens the menu: what can be seen of it, with its check marks and keys, in its order.
-    QString openedMenu();
+    QString openedMenu() {
+        askMenu("AboutToShow", {0});
+        QStringList lines;
+        for (const auto &[id, properties] : menuItems()) {
+            if (!properties.value(u"visible"_qs, true).toBool()) {
+                continue;
+            }
+            const bool isChecked = properties.value(u"toggle-state"_qs).toInt() == 1;
+            QString line = (isChecked ? u"✓ "_qs : QString()) + properties.value(u"label"_qs).toString();
+            if (properties.contains(u"shortcut"_qs)) {
+                QList<QStringList> keys;
+                properties.value(u"shortcut"_qs).value<QDBusArgument>() >> keys;
+                line += u' ' + keys.value(0).join(u'+');
+            }
+            lines += properties.value(u"type"_qs) == u"separator"_qs ? u"-"_qs : line;
+        }
+        return lines.join(u" | "_qs);
+    }
     /// Chooses an item of it by its title.
-    void choose(const QString &title);
+    void choose(const QString &title) {
+        for (const auto &[id, properties] : menuItems()) {
+            if (properties.value(u"label"_qs) == title) {
+                askMenu("Event", {id, u"clicked"_qs, QVariant::fromValue(QDBusVariant(0)), 0U});
+            }
+        }
+    }
 
   private:
     struct MenuItem {
         int id = 0;
         QVariantMap properties;
     };
-    static bool await(const std::function<bool()> &condition);
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
-    [[nodiscard]] QString introspect(const QString &path) const override;
-    [[nodiscard]] std::vector<MenuItem> menuItems() const;
-    QDBusMessage askMenu(const char *method, const QVariantList &arguments) const;
+    static bool await(const std::function<bool()> &condition) {
+        return waitUntil(
+            [&] {
+                QCoreApplication::processEvents();
+                return condition();
+            },
+            60'000);
+    }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override {
+        if (message.member() == u"RegisterStatusNotifierItem"_qs) {
+            m_item = message.arguments().value(0).toString();
+            return connection.send(message.createReply());
+        }
+        if (message.member() == u"Get"_qs) {
+            ++m_timesAsked;
+            return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(m_isShown))));
+        }
+        return false;
+    }
+    [[nodiscard]] QString introspect(const QString & /*path*/) const override {
+        return u"<interface name=\"org.kde.StatusNotifierWatcher\">"
+               "<method name=\"RegisterStatusNotifierItem\"><arg type=\"s\" direction=\"in\"/></method>"
+               "<property name=\"IsStatusNotifierHostRegistered\" type=\"b\" access=\"read\"/></interface>"_qs;
+    }
+    [[nodiscard]] std::vector<MenuItem> menuItems() const {
+        const QDBusMessage layout = askMenu("GetLayout", {0, -1, QStringList()});
+        const auto root = layout.arguments().value(1).value<QDBusArgument>();
+        int id = 0;
+        QVariantMap properties;
+        QVariantList entries;
+        root.beginStructure();
+        root >> id >> properties >> entries;
+        root.endStructure();
+        std::vector<MenuItem> items(static_cast<std::size_t>(entries.size()));
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            const auto entry = entries[static_cast<qsizetype>(i)].value<QDBusArgument>();
+            entry.beginStructure();
+            entry >> items[i].id >> items[i].properties;
+            entry.endStructure();
+        }
+        return items;
+    }
+    QDBusMessage askMenu(const char *method, const QVariantList &arguments) const {
+        QDBusMessage question =
+            QDBusMessage::createMethodCall(m_item, property("Menu").value<QDBusObjectPath>().path(),
+                                           u"com.canonical.dbusmenu"_qs, QString::fromLatin1(method));
+        question.setArguments(arguments);
+        return m_bus.call(question);
+    }
 
     QDBusConnection m_bus;
     QString m_item;

@@ -33,18 +33,42 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
     int announced = 0;
 
     [[nodiscard]] platform::AXUIElement element();
-    Node add(QLatin1StringView role);
+    Node add(QLatin1StringView role) {
+        auto child = std::make_shared<SimulatedNode>(pid, role);
+        child->m_parent = weak_from_this();
+        m_children.push_back(child);
+        return child;
+    }
     /// Adds a child with a frame.
-    Node add(QLatin1StringView role, const platform::Rect &frame);
+    Node add(QLatin1StringView role, const platform::Rect &frame) {
+        auto child = add(role);
+        child->setFrame(frame);
+        return child;
+    }
     /// Adds a line of text as a chat program shows it.
-    Node addText(const QString &text, const platform::Rect &frame);
+    Node addText(const QString &text, const platform::Rect &frame) {
+        auto child = add(platform::axRole::staticText, frame);
+        child->setValue(text);
+        return child;
+    }
     void removeChildren() { m_children.clear(); }
-    SimulatedNode &set(QLatin1StringView attribute, const platform::AXValue &value);
-    SimulatedNode &setFrame(const platform::Rect &frame);
+    SimulatedNode &set(QLatin1StringView attribute, const platform::AXValue &value) {
+        m_attributes.insert_or_assign(QString(attribute), value);
+        return *this;
+    }
+    SimulatedNode &setFrame(const platform::Rect &frame) {
+        return set(platform::axAttribute::position, frame.origin()).set(platform::axAttribute::size, frame.size());
+    }
     SimulatedNode &setValue(const QString &value) { return set(platform::axAttribute::value, value); }
     [[nodiscard]] QString value() const { return attribute<QString>(platform::axAttribute::value).value_or(QString()); }
     /// Replaces the value as an application does it that is told to.
-    bool write(const QString &text);
+    bool write(const QString &text) {
+        const auto outcome = onWrite(text);
+        if (outcome) {
+            setValue(*outcome);
+        }
+        return outcome.has_value();
+    }
 
   private:
     friend class SimulatedElement;
@@ -56,6 +80,85 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
     std::vector<Node> m_children;
     std::weak_ptr<SimulatedNode> m_parent;
 };
+
+/// A handle on a node, as the program sees it.
+class SimulatedElement final : public platform::AXElementBackend {
+  public:
+    explicit SimulatedElement(Node node) : m_node(std::move(node)) {}
+
+    [[nodiscard]] std::optional<platform::AXValue> copyAttributeValue(QLatin1StringView attribute) const override {
+        if (m_node->gone) {
+            return std::nullopt;
+        }
+        if (attribute == platform::axAttribute::parent) {
+            const auto parent = m_node->m_parent.lock();
+            return parent ? std::optional<platform::AXValue>(parent->element()) : std::nullopt;
+        }
+        if (attribute == platform::axAttribute::children) {
+            std::vector<platform::AXUIElement> children;
+            for (const auto &child : m_node->m_children) {
+                children.push_back(child->element());
+            }
+            return children;
+        }
+        const auto found = m_node->m_attributes.find(attribute);
+        return found == m_node->m_attributes.end() ? std::nullopt : std::optional(found->second);
+    }
+    [[nodiscard]] bool isAttributeSettable(QLatin1StringView attribute) const override {
+        return attribute == platform::axAttribute::value && m_node->settable && !m_node->gone;
+    }
+    bool setAttributeValue(QLatin1StringView attribute, const platform::AXValue &value) const override {
+        if (m_node->gone || !m_node->settable) {
+            return false;
+        }
+        if (attribute == platform::axAttribute::selectedTextRange) {
+            m_node->caret = std::get<platform::AXRange>(value);
+            return true;
+        }
+        return m_node->write(std::get<QString>(value));
+    }
+    [[nodiscard]] qint32 pid() const override { return m_node->pid; }
+    [[nodiscard]] bool isEqual(const AXElementBackend &other) const override {
+        const auto *same = dynamic_cast<const SimulatedElement *>(&other);
+        return same != nullptr && same->m_node == m_node;
+    }
+    [[nodiscard]] std::vector<platform::AXSubtreeNode> copySubtree(platform::AXSubtreeLimits limits,
+                                                                   platform::AXFreshness) const override {
+        std::vector<platform::AXSubtreeNode> nodes;
+        if (!m_node->gone) {
+            walk(*m_node, 0, limits, nodes);
+        }
+        return nodes;
+    }
+    void prepareSubtree(platform::AXSubtreeLimits, platform::AXFreshness) const override { ++m_node->announced; }
+
+  private:
+    static void walk(const SimulatedNode &node, int depth, const platform::AXSubtreeLimits &limits,
+                     std::vector<platform::AXSubtreeNode> &nodes) {
+        if (depth > limits.maxDepth || std::cmp_greater_equal(nodes.size(), limits.maxNodes)) {
+            return;
+        }
+        platform::AXSubtreeNode copy{depth, *node.attribute<QString>(platform::axAttribute::role), {}, {}};
+        const auto position = node.attribute<platform::Point>(platform::axAttribute::position);
+        const auto size = node.attribute<platform::Size>(platform::axAttribute::size);
+        if (copy.role == platform::axRole::staticText) {
+            copy.value = node.attribute<QString>(platform::axAttribute::value);
+            if (position && size) {
+                copy.frame = {position->x, position->y, size->width, size->height};
+            }
+        }
+        nodes.push_back(std::move(copy));
+        for (const auto &child : node.m_children) {
+            walk(*child, depth + 1, limits, nodes);
+        }
+    }
+
+    Node m_node;
+};
+
+inline platform::AXUIElement SimulatedNode::element() {
+    return platform::AXUIElement(std::make_shared<SimulatedElement>(shared_from_this()));
+}
 
 /// The applications of a simulated desktop, their windows and the keyboard focus.
 class SimulatedApplications final : public platform::Accessibility, public platform::Workspace {
@@ -69,15 +172,50 @@ class SimulatedApplications final : public platform::Accessibility, public platf
     std::vector<QUrl> opened;
 
     /// A running application with one window, which is returned.
-    Node launch(const platform::RunningApplication &application, const QString &windowTitle);
+    Node launch(const platform::RunningApplication &application, const QString &windowTitle) {
+        auto root = std::make_shared<SimulatedNode>(application.pid, QLatin1StringView("AXApplication"));
+        auto window = root->add(platform::axRole::window);
+        window->set(platform::axAttribute::title, windowTitle);
+        root->set(platform::axAttribute::focusedWindow, window->element());
+        m_running.insert_or_assign(application.pid, Running{application, root});
+        return window;
+    }
 
     [[nodiscard]] bool isProcessTrusted() override { return trusted; }
-    bool isProcessTrustedWithPrompt() override;
-    [[nodiscard]] platform::AXUIElement createSystemWide() override;
-    [[nodiscard]] platform::AXUIElement createApplication(qint32 pid) override;
-    [[nodiscard]] std::optional<platform::RunningApplication> runningApplication(qint32 pid) override;
-    void activate(qint32 pid) override;
-    bool open(const QUrl &url) override;
+    bool isProcessTrustedWithPrompt() override {
+        ++prompts;
+        return trusted;
+    }
+    [[nodiscard]] platform::AXUIElement createSystemWide() override {
+        auto node = std::make_shared<SimulatedNode>(0, QLatin1StringView("AXSystemWide"));
+        if (focused) {
+            node->set(platform::axAttribute::focusedUIElement, focused->element());
+        }
+        return node->element();
+    }
+    [[nodiscard]] platform::AXUIElement createApplication(qint32 pid) override {
+        const auto found = m_running.find(pid);
+        if (found != m_running.end()) {
+            return found->second.root->element();
+        }
+        auto nobody = std::make_shared<SimulatedNode>(pid, QLatin1StringView());
+        nobody->gone = true;
+        return nobody->element();
+    }
+    [[nodiscard]] std::optional<platform::RunningApplication> runningApplication(qint32 pid) override {
+        const auto found = m_running.find(pid);
+        return found == m_running.end() ? std::nullopt : std::optional(found->second.description);
+    }
+    void activate(qint32 pid) override {
+        activated.push_back(pid);
+        if (const auto found = focusOnActivation.find(pid); found != focusOnActivation.end()) {
+            focused = found->second;
+        }
+    }
+    bool open(const QUrl &url) override {
+        opened.push_back(url);
+        return true;
+    }
 
   private:
     struct Running {

@@ -38,13 +38,29 @@ class SimulatedDesktop final : private platform::KeyPoster {
     QStringList typed;
 
     /// The user presses a key without modifiers. True when it reaches the application.
-    bool press(platform::KeyCode key);
+    bool press(platform::KeyCode key) {
+        const bool passes = eventTaps.press(key) == platform::TapVerdict::pass;
+        advance(0);
+        return passes;
+    }
     void advance(int milliseconds) { mainQueue.advance(std::chrono::milliseconds(milliseconds)); }
     [[nodiscard]] QStringList log() const { return process.logMessages(); }
 
   private:
     [[nodiscard]] bool userHoldsKeys() override { return userHoldsKey; }
-    bool postKey(platform::KeyCode key, platform::EventFlags flags) override;
+    // Whatever has the focus takes the keys, wherever the program meant them to go.
+    bool postKey(platform::KeyCode key, platform::EventFlags flags) override {
+        const bool pastes = key == platform::keyCode::v;
+        typed += (flags == platform::eventFlag::command ? u"Command-"_qs : u"?-"_qs) + (pastes ? u'V' : u'A');
+        if (const Node field = applications.focused; pastes && field) {
+            mainQueue.postAfter(pasteDelay, [this, field, replaces = m_allSelected] {
+                const QString pasted = pasteboard.fetch();
+                field->write(replaces ? pasted : field->value() + pasted);
+            });
+        }
+        m_allSelected = !pastes;
+        return true;
+    }
 
     bool m_allSelected = false;
     /// There are no files and no tools on it.

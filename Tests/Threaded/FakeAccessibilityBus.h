@@ -5,14 +5,75 @@
 
 #include <systemd/sd-bus.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <functional>
 #include <map>
 #include <mutex>
+#include <numeric>
 #include <set>
+#include <stdexcept>
+#include <string_view>
 #include <thread>
+#include <utility>
 
 namespace quillory::test {
+
+using Lock = std::scoped_lock<std::recursive_mutex>;
+
+inline sd_bus *connectTo(const std::string &address) {
+    sd_bus *bus = nullptr;
+    if (sd_bus_new(&bus) < 0 || sd_bus_set_address(bus, address.c_str()) < 0 || sd_bus_set_bus_client(bus, 1) < 0 ||
+        sd_bus_start(bus) < 0) {
+        throw std::runtime_error("the private bus cannot be reached");
+    }
+    return bus;
+}
+
+inline std::string nameOf(sd_bus *bus) {
+    const char *name = nullptr;
+    sd_bus_get_unique_name(bus, &name);
+    return name;
+}
+
+inline bool appendStates(sd_bus_message *message, const std::vector<unsigned> &states) {
+    std::array<std::uint32_t, 2> words{};
+    for (const unsigned state : states) {
+        words.at(state / 32) |= 1U << (state % 32);
+    }
+    return sd_bus_message_append_array(message, 'u', words.data(), sizeof words) >= 0;
+}
+
+inline bool appendAttributes(sd_bus_message *message, const std::map<std::string, std::string> &attributes) {
+    sd_bus_message_open_container(message, 'a', "{ss}");
+    for (const auto &[key, value] : attributes) {
+        sd_bus_message_append(message, "{ss}", key.c_str(), value.c_str());
+    }
+    return sd_bus_message_close_container(message) >= 0;
+}
+
+// Whether a search asks for a role (the word with that of static texts is set) or for any element.
+inline bool asksForTexts(sd_bus_message *call) {
+    const void *words = nullptr;
+    std::size_t size = 0;
+    sd_bus_message_enter_container(call, 'r', "aiia{ss}iaiiasib");
+    sd_bus_message_skip(call, "aiia{ss}i");
+    sd_bus_message_read_array(call, 'i', &words, &size);
+    return size == 4 * sizeof(std::uint32_t) && static_cast<const std::uint32_t *>(words)[3] != 0;
+}
+
+inline int characters(const std::string &utf8) {
+    return static_cast<int>(std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+inline bool isRegistered(const std::set<std::string> &registered, const std::string &event) {
+    static const std::map<std::string, std::string> names{{"ChildrenChanged", "object:children-changed"},
+                                                          {"TextChanged", "object:text-changed"},
+                                                          {"PropertyChange", "object:property-change:accessible-name"},
+                                                          {"StateChanged", "object:state-changed:focused"}};
+    return registered.contains(names.at(event));
+}
 
 /// An element of a fake application.
 struct FakeElement {
@@ -35,8 +96,35 @@ class FakeAccessibilityBus {
     /// A chance to answer a call in the test's own way: true when it did.
     using Answer = std::function<bool(const std::string &path, const std::string &member, sd_bus_message *reply)>;
 
-    FakeAccessibilityBus();
-    ~FakeAccessibilityBus();
+    FakeAccessibilityBus() {
+        m_address =
+            startAndListen(m_daemon, {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address="});
+        m_elements[root] = FakeElement{.role = 75, .name = "fake"};
+        m_service = std::jthread([this](const std::stop_token &stop) {
+            const auto onCall = [](sd_bus_message *call, void *self, sd_bus_error *) {
+                return static_cast<FakeAccessibilityBus *>(self)->answerAsService(call);
+            };
+            const auto begin = [](sd_bus *bus) {
+                sd_bus_request_name(bus, "org.a11y.Bus", 0);
+                sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
+            };
+            serve(onCall, stop, begin, [this](sd_bus *bus) { workAsService(bus); });
+        });
+        m_application = std::jthread([this](const std::stop_token &stop) {
+            const auto onCall = [](sd_bus_message *call, void *self, sd_bus_error *) {
+                return static_cast<FakeAccessibilityBus *>(self)->answerAsApplication(call);
+            };
+            const auto begin = [this](sd_bus *bus) {
+                const Lock lock(m_mutex);
+                m_name = nameOf(bus);
+            };
+            serve(onCall, stop, begin, [this](sd_bus *bus) { workAsApplication(bus); });
+            const Lock lock(m_mutex);
+            m_name.clear();
+        });
+        waitUntil([this] { return m_ready == 2; });
+    }
+    ~FakeAccessibilityBus() { sd_bus_close_unref(m_hung); }
     FakeAccessibilityBus(const FakeAccessibilityBus &) = delete;
     FakeAccessibilityBus &operator=(const FakeAccessibilityBus &) = delete;
 
@@ -51,38 +139,249 @@ class FakeAccessibilityBus {
 
     [[nodiscard]] const std::string &address() const { return m_address; }
     /// Adds an element below another and returns its path.
-    std::string add(const std::string &parent, FakeElement element);
-    void change(const std::string &path, const std::function<void(FakeElement &)> &change);
-    [[nodiscard]] FakeElement element(const std::string &path);
-    void remove(const std::string &path);
+    std::string add(const std::string &parent, FakeElement element) {
+        const Lock lock(m_mutex);
+        std::string path = "/" + std::to_string(m_next++);
+        element.parent = parent;
+        m_elements[path] = std::move(element);
+        m_elements[parent].children.push_back(path);
+        return path;
+    }
+    void change(const std::string &path, const std::function<void(FakeElement &)> &change) {
+        const Lock lock(m_mutex);
+        change(m_elements[path]);
+    }
+    [[nodiscard]] FakeElement element(const std::string &path) {
+        const Lock lock(m_mutex);
+        return m_elements[path];
+    }
+    void remove(const std::string &path) {
+        const Lock lock(m_mutex);
+        std::erase(m_elements[m_elements[path].parent].children, path);
+        m_elements.erase(path);
+    }
     /// Lists another application before the others, one that never answers.
-    void addHungApplication();
+    void addHungApplication() {
+        m_hung = connectTo(m_address);
+        const Lock lock(m_mutex);
+        m_hungName = nameOf(m_hung);
+    }
     /// Gives an element the focus, with or without telling anybody.
-    void focus(const std::string &path, bool isTold = true);
+    void focus(const std::string &path, bool isTold = true) {
+        constexpr unsigned focused = 12;
+        const Lock lock(m_mutex);
+        for (auto &[other, element] : m_elements) {
+            std::erase(element.states, focused);
+        }
+        m_elements[path].states.push_back(focused);
+        if (isTold) {
+            m_pendingSignals.push_back({path, "StateChanged", "focused"});
+        }
+    }
     /// Tells that something about an element has changed, as the application's event of this name, if anybody has
     /// registered for it.
-    void tell(const std::string &path, const std::string &event);
+    void tell(const std::string &path, const std::string &event) {
+        const Lock lock(m_mutex);
+        m_pendingSignals.push_back({path, event, event == "PropertyChange" ? "accessible-name" : "add"});
+    }
     /// Whether an event of this name would be sent.
-    [[nodiscard]] bool hearsOf(const std::string &event);
-    void setAnswer(Answer answer);
-    void setEnabled(bool enabled);
+    [[nodiscard]] bool hearsOf(const std::string &event) {
+        const Lock lock(m_mutex);
+        return !registryMustRestart && isRegistered(m_registered, event);
+    }
+    void setAnswer(Answer answer) {
+        const Lock lock(m_mutex);
+        m_answer = std::move(answer);
+    }
+    void setEnabled(bool enabled) {
+        m_isEnabled = enabled;
+        m_mustTell = true;
+    }
     /// The application leaves the bus.
-    void quit();
-    [[nodiscard]] int callsOf(const std::string &member);
+    void quit() {
+        m_application.request_stop();
+        m_application.join();
+    }
+    [[nodiscard]] int callsOf(const std::string &member) {
+        const Lock lock(m_mutex);
+        return m_calls[member];
+    }
     /// All of them together.
-    [[nodiscard]] int calls();
+    [[nodiscard]] int calls() {
+        const Lock lock(m_mutex);
+        return std::accumulate(m_calls.begin(), m_calls.end(), 0,
+                               [](int sum, const auto &of) { return sum + of.second; });
+    }
 
   private:
     void serve(sd_bus_message_handler_t onCall, const std::stop_token &stop, const std::function<void(sd_bus *)> &begin,
-               const std::function<void(sd_bus *)> &work);
-    void workAsService(sd_bus *bus);
-    void workAsApplication(sd_bus *bus);
-    int answerAsService(sd_bus_message *call);
-    int answerAsApplication(sd_bus_message *call);
-    bool answer(sd_bus_message *call, sd_bus_message *reply);
-    bool answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply);
-    bool appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const;
-    void find(const std::string &path, bool textsOnly, std::vector<std::string> &found) const;
+               const std::function<void(sd_bus *)> &work) {
+        sd_bus *bus = connectTo(m_address);
+        sd_bus_add_filter(bus, nullptr, onCall, this);
+        begin(bus);
+        ++m_ready;
+        while (!stop.stop_requested()) {
+            work(bus);
+        }
+        sd_bus_flush_close_unref(bus);
+    }
+    // The session's accessibility service and the registry.
+    void workAsService(sd_bus *bus) {
+        if (m_mustTell.exchange(false)) {
+            sd_bus_emit_signal(bus, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
+                               "org.a11y.Status", 1, "IsEnabled", "b", m_isEnabled ? 1 : 0, 0);
+        }
+        if (registryMustRestart.exchange(false)) {
+            sd_bus_release_name(bus, "org.a11y.atspi.Registry");
+            const Lock lock(m_mutex);
+            m_registered.clear();
+            sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
+        }
+        if (sd_bus_process(bus, nullptr) == 0) {
+            sd_bus_wait(bus, 5'000);
+        }
+    }
+    void workAsApplication(sd_bus *bus) {
+        if (hangs) {
+            return sleepBriefly();
+        }
+        {
+            const Lock lock(m_mutex);
+            for (const auto &[path, member, detail] : std::exchange(m_pendingSignals, {})) {
+                if (isRegistered(m_registered, member)) {
+                    sd_bus_emit_signal(bus, path.c_str(), "org.a11y.atspi.Event.Object", member.c_str(), "siiva{sv}",
+                                       detail, 1, 0, "i", 0, 0);
+                }
+            }
+        }
+        if (sd_bus_process(bus, nullptr) == 0) {
+            sd_bus_wait(bus, 5'000);
+        }
+    }
+    int answerAsService(sd_bus_message *call) {
+        if (sd_bus_message_is_method_call(call, nullptr, nullptr) <= 0) {
+            return 0;
+        }
+        const Lock lock(m_mutex);
+        const std::string_view member = sd_bus_message_get_member(call);
+        if (const char *event = nullptr; member == "RegisterEvent" && sd_bus_message_read(call, "s", &event) > 0) {
+            m_registered.insert(event);
+        } else if (member == "DeregisterEvent" && sd_bus_message_read(call, "s", &event) > 0) {
+            m_registered.erase(event);
+        } else if (member == "GetAddress") {
+            return sd_bus_reply_method_return(call, "s", m_address.c_str());
+        } else if (member == "GetChildren" && !m_hungName.empty()) {
+            return sd_bus_reply_method_return(call, "a(so)", 2, m_hungName.c_str(), root, m_name.c_str(), root);
+        } else if (member == "GetChildren" && !m_name.empty()) {
+            return sd_bus_reply_method_return(call, "a(so)", 1, m_name.c_str(), root);
+        } else if (member == "Set") {
+            setEnabled(true);
+        } else if (member == "Get") {
+            return sd_bus_reply_method_return(call, "v", "b", m_isEnabled ? 1 : 0);
+        }
+        return sd_bus_reply_method_return(call, nullptr);
+    }
+    int answerAsApplication(sd_bus_message *call) {
+        if (sd_bus_message_is_method_call(call, nullptr, nullptr) <= 0 ||
+            sd_bus_message_is_method_call(call, "org.freedesktop.DBus.Peer", nullptr) > 0) {
+            return 0;
+        }
+        const Lock lock(m_mutex);
+        const std::string member = sd_bus_message_get_member(call);
+        ++m_calls[member];
+        sd_bus_message *reply = nullptr;
+        sd_bus_message_new_method_return(call, &reply);
+        if ((m_answer && m_answer(sd_bus_message_get_path(call), member, reply)) || answer(call, reply)) {
+            sd_bus_send(nullptr, reply, nullptr);
+        } else {
+            sd_bus_reply_method_errorf(call, SD_BUS_ERROR_UNKNOWN_METHOD, "not known here");
+        }
+        sd_bus_message_unref(reply);
+        return 1;
+    }
+    bool answer(sd_bus_message *call, sd_bus_message *reply) {
+        const std::string path = sd_bus_message_get_path(call);
+        const std::string_view member = sd_bus_message_get_member(call);
+        const auto say = [reply](const char *types, auto... values) {
+            return sd_bus_message_append(reply, types, values...) >= 0;
+        };
+        if (member == "GetMatches" && search == Search::wrong) {
+            return say("as", 1, "nothing");
+        }
+        if (member == "GetMatches" && search == Search::whole) {
+            std::vector<std::string> found;
+            find(path, asksForTexts(call), found);
+            return appendReferences(reply, found);
+        }
+        const auto found = m_elements.find(path);
+        if (found == m_elements.end()) {
+            return false;
+        }
+        FakeElement &element = found->second;
+        const std::map<std::string_view, std::function<bool()>> answers{
+            {"GetRole", [&] { return say("u", element.role); }},
+            {"GetState", [&] { return appendStates(reply, element.states); }},
+            {"GetChildren", [&] { return appendReferences(reply, element.children); }},
+            {"GetInterfaces",
+             [&] {
+                 return say("as", 3, "org.a11y.atspi.Accessible", "org.a11y.atspi.Text", "org.a11y.atspi.EditableText");
+             }},
+            {"GetAttributes", [&] { return appendAttributes(reply, element.attributes); }},
+            {"GetText", [&] { return say("s", element.text.c_str()); }},
+            {"GetExtents", [&] { return say("(iiii)", 10, 20, 100, 30); }},
+            {"SetTextContents",
+             [&] {
+                 const char *text = nullptr;
+                 sd_bus_message_read(call, "s", &text);
+                 element.text = text;
+                 return say("b", 1);
+             }},
+            {"SetCaretOffset",
+             [&] {
+                 int offset = 0;
+                 sd_bus_message_read(call, "i", &offset);
+                 caret = offset;
+                 return say("b", 1);
+             }},
+            {"Get", [&] { return answerProperty(call, element, reply); }}};
+        const auto known = answers.find(member);
+        return known != answers.end() && known->second();
+    }
+    bool answerProperty(sd_bus_message *call, const FakeElement &element, sd_bus_message *reply) {
+        const char *interface = nullptr;
+        const char *name = nullptr;
+        sd_bus_message_read(call, "ss", &interface, &name);
+        const std::string_view property = name;
+        if (property == "Parent") {
+            const bool hasParent = !element.parent.empty();
+            return sd_bus_message_append(reply, "v", "(so)", hasParent ? m_name.c_str() : "",
+                                         hasParent ? element.parent.c_str() : "/org/a11y/atspi/null") >= 0;
+        }
+        if (property == "Name" || property == "ToolkitName") {
+            return sd_bus_message_append(reply, "v", "s", property == "Name" ? element.name.c_str() : toolkit.load()) >=
+                   0;
+        }
+        const auto count =
+            property == "ChildCount" ? static_cast<int>(element.children.size()) : characters(element.text);
+        return sd_bus_message_append(reply, "v", "i", count) >= 0;
+    }
+    bool appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const {
+        sd_bus_message_open_container(reply, 'a', "(so)");
+        for (const auto &path : paths) {
+            sd_bus_message_append(reply, "(so)", m_name.c_str(), path.c_str());
+        }
+        return sd_bus_message_close_container(reply) >= 0;
+    }
+    // The texts, or all that is below an element, in the order of a walk.
+    void find(const std::string &path, bool textsOnly, std::vector<std::string> &found) const {
+        constexpr unsigned staticText = 116;
+        for (const auto &child : m_elements.at(path).children) {
+            if (!textsOnly || m_elements.at(child).role == staticText) {
+                found.push_back(child);
+            }
+            find(child, textsOnly, found);
+        }
+    }
 
     struct Event {
         std::string path;

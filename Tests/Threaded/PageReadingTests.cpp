@@ -166,8 +166,10 @@ TEST_F(BulkRead, TakesFoldedTextApart) {
     start();
     EXPECT_THAT(readPage({21, 2500}), ElementsAre("0 ", "1 ", "2 Hi there ", "2 ", "3 link", "2 12:45", "1 "));
     EXPECT_FALSE(isTold);
-    EXPECT_THAT(focused()->copySubtree({21, 2500}),
-                testing::Contains(testing::Field(&AXSubtreeNode::frame, Rect{1, 2, 3, 0})).Times(3));
+    EXPECT_TRUE(waitUntil([&] {
+        const auto isPlaced = testing::Field(&AXSubtreeNode::frame, Rect{1, 2, 3, 0});
+        return testing::Value(focused()->copySubtree({21, 2500}), testing::Contains(isPlaced).Times(3));
+    }));
 }
 
 // A chat whose last message is looked at.
