@@ -4,6 +4,7 @@
 #include "Platform/Linux/FileDescriptor.h"
 #include "Platform/Linux/Updates/FileTree.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
+#include "Quillory/UpdateChecker.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -16,14 +17,18 @@ namespace {
 
 namespace desktop = platform::desktop;
 
+const QString expectedTeam = QStringLiteral(QUILLORY_TEAM_ID);
+
 constexpr auto usage = R"(Usage:
   quillory-sign make-key TEAM KEYFILE          make a secret key and print the line for Packaging/UpdateKeys
   quillory-sign show-key KEYFILE               print that line again
   quillory-sign sign KEYFILE VERSION BUNDLE    write the bundle's manifest and sign it
-  quillory-sign verify BUNDLE                  verify a bundle by the keys that are in it
+  quillory-sign verify BUNDLE [--as PREVIOUS]  verify a bundle by the keys that are in it, or, as users' programs will,
+                                               by those in the previous release's bundle
   quillory-sign rotate OLDKEYFILE NEWKEYFILE   print the statement for Packaging/UpdateKeys.rotations
 
-TEAM is 10 upper-case letters and digits. A key file is secret: keep it off this repository and off the web.
+TEAM is 10 upper-case letters and digits. Only for the team that the programs of this build look for is anything signed.
+A key file is secret: keep it off this repository and off the web.
 )";
 
 desktop::SigningKey readKey(const QString &path) {
@@ -54,11 +59,47 @@ int makeKey(const QString &team, const QString &path) {
     return printLine(key);
 }
 
-int verify(const QString &bundle) {
-    const auto found = desktop::LinuxCodeSigning::ofBundle(bundle).signingInformation(bundle, {});
+/// A program takes updates of one team alone, which it was built with, whatever keys its bundle names.
+void checkTeam(const QString &team) {
+    if (team != expectedTeam) {
+        throw platform::FileError(QStringLiteral("The programs of this build take updates of the team %1 only, not of "
+                                                 "%2. QUILLORY_TEAM_ID in the environment of ./dev sets theirs.")
+                                      .arg(expectedTeam, team)
+                                      .toStdString());
+    }
+}
+
+void sign(const QString &keyFile, const QString &version, const QString &bundle) {
+    const auto key = readKey(keyFile);
+    checkTeam(key.team());
+    desktop::signBundle(bundle, version, desktop::LinuxCodeSigning::hostArchitecture(), key);
+}
+
+/// Whether users who run the previous release are offered that one.
+void checkSuccession(const platform::SigningInformation &next, const QString &previousBundle) {
+    const auto previous = desktop::LinuxCodeSigning::ofBundle(previousBundle).signingInformation(previousBundle, {});
+    if (!previous) {
+        throw platform::FileError(previousBundle.toStdString() + " is not a signed release for this machine.");
+    }
+    checkTeam(previous->teamIdentifier);
+    if (!quillory::UpdateChecker::isNewer(next.version, previous->version)) {
+        throw platform::FileError(QStringLiteral("Version %1 is not newer than %2, so nobody will install it.")
+                                      .arg(next.version, previous->version)
+                                      .toStdString());
+    }
+}
+
+int verify(const QString &bundle, const QString &previous) {
+    const bool isUpdate = !previous.isEmpty();
+    const auto found = desktop::LinuxCodeSigning::ofBundle(isUpdate ? previous : bundle).signingInformation(bundle, {});
     if (!found) {
-        std::cerr << "not signed by one of its own keys, changed since, or not for this machine\n";
+        std::cerr << "not signed by a key that " << (isUpdate ? "the previous release trusts" : "it names itself")
+                  << ", changed since, or not for this machine\n";
         return 1;
+    }
+    checkTeam(found->teamIdentifier);
+    if (isUpdate) {
+        checkSuccession(*found, previous);
     }
     std::cout << "team " << found->teamIdentifier.toStdString() << ", version " << found->version.toStdString() << '\n';
     return 0;
@@ -86,12 +127,11 @@ int run(const QStringList &arguments) {
         return printLine(readKey(arguments.at(1)));
     }
     if (is("sign", 3)) {
-        desktop::signBundle(arguments.at(3), arguments.at(2), desktop::LinuxCodeSigning::hostArchitecture(),
-                            readKey(arguments.at(1)));
+        sign(arguments.at(1), arguments.at(2), arguments.at(3));
         return 0;
     }
-    if (is("verify", 1)) {
-        return verify(arguments.at(1));
+    if (is("verify", 1) || (is("verify", 3) && arguments.at(2) == QStringLiteral("--as"))) {
+        return verify(arguments.at(1), arguments.value(3));
     }
     if (is("rotate", 2)) {
         return rotate(arguments.at(1), arguments.at(2));
