@@ -2,10 +2,12 @@
 #include "Platform/Accessibility.h"
 #include "Platform/Linux/Desktop/LinuxExamination.h"
 #include "Platform/Linux/Desktop/LinuxMending.h"
+#include "Platform/Linux/Desktop/OwnProgram.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Keyboard.h"
 #include "RealDesktop/RealDesktop.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -39,6 +41,37 @@ TEST_F(DesktopExaminationTest, FindsAccessibilityOffAndSwitchesItOn) {
     EXPECT_EQ(run({"desktop-file-validate", entry}), 0);
     EXPECT_TRUE(mending.setStartsAtLogin(false));
     EXPECT_FALSE(examination.examine({}).startsAtLogin);
+}
+
+TEST_F(DesktopExaminationTest, StartsAtLoginWhatIsStillThereAfterAnUpdate) {
+    const QTemporaryDir folder;
+    const QByteArray before = qgetenv("XDG_DATA_HOME");
+    const QString link = folder.filePath(QStringLiteral("link"));
+    ASSERT_TRUE(QFile::link(folder.path(), link));
+    qputenv("XDG_DATA_HOME", link.toUtf8());
+    const QString applications = folder.filePath(QStringLiteral("quillory/Applications/"));
+    const QString own = applications + QStringLiteral("Quillory.app/quillory");
+    QDir().mkpath(QFileInfo(own).path());
+    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/true"), own));
+    const QString elsewhere = folder.filePath(QStringLiteral("quillory"));
+    const struct {
+        QString running;
+        QString path;
+    } cases[] = {
+        {own, own},
+        {own + QStringLiteral(" (deleted)"), own},
+        {applications + QStringLiteral(".Quillory.app.new/quillory (deleted)"), own},
+        {applications + QStringLiteral("Quillory.app.previous/quillory (deleted)"), own},
+        {elsewhere, elsewhere},
+        {elsewhere + QStringLiteral(" (deleted)"), elsewhere},
+    };
+    for (const auto &[running, path] : cases) {
+        EXPECT_EQ(desktop::ownProgram::path(running), path) << running.toStdString();
+    }
+    EXPECT_EQ(desktop::ownProgram::atLogin(own, QStringLiteral("/bin/true")), QStringLiteral("/bin/true"));
+    EXPECT_EQ(desktop::ownProgram::atLogin(own, QStringLiteral("/etc/passwd")), own) << "it is no program";
+    EXPECT_EQ(desktop::ownProgram::atLogin(elsewhere, QStringLiteral("/bin/true")), elsewhere);
+    qputenv("XDG_DATA_HOME", before);
 }
 
 TEST_F(DesktopExaminationTest, NoticesAKeyThatAnotherProgramHasAndTakesNone) {

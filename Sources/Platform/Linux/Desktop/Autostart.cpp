@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 #include "Platform/Linux/Desktop/Autostart.h"
 
+#include "Platform/Linux/Desktop/OwnProgram.h"
 #include "Platform/Linux/Folders.h"
 
 #include <QFile>
@@ -28,13 +29,12 @@ QByteArray quoted(const QString &path) {
 }
 
 QByteArray entry() {
-    const QString program = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
     return "[Desktop Entry]\n"
            "Type=Application\n"
            "Name=Quillory\n"
            "Comment=Better wording while you write to customers\n"
            "Exec=" +
-           quoted(program) +
+           quoted(ownProgram::atLogin(ownProgram::path())) +
            "\n"
            "Icon=quillory\n"
            "Terminal=false\n"

@@ -5,7 +5,7 @@
 namespace platform::desktop::autostart {
 
 [[nodiscard]] bool isOn();
-/// Whether that worked. The entry starts this very executable.
+/// Whether that worked. The entry starts this very executable, or the package's in its place.
 [[nodiscard]] bool set(bool on);
 
 } // namespace platform::desktop::autostart

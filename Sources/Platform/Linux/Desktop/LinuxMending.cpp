@@ -4,10 +4,10 @@
 #include "Platform/Linux/Desktop/Autostart.h"
 #include "Platform/Linux/Desktop/BusExamination.h"
 #include "Platform/Linux/Desktop/DesktopSettings.h"
+#include "Platform/Linux/Desktop/OwnProgram.h"
 #include "Platform/Linux/Desktop/ProgramRestart.h"
 #include "Platform/Linux/Desktop/X11Examination.h"
 
-#include <QFile>
 #include <QProcess>
 
 #include <thread>
@@ -27,7 +27,7 @@ bool LinuxMending::start(const std::stop_token &stop) {
     using namespace std::chrono_literals;
     constexpr auto patience = 10s;
     constexpr auto pause = 50ms;
-    if (!QProcess::startDetached(QFile::symLinkTarget(QStringLiteral("/proc/self/exe")), {})) {
+    if (!QProcess::startDetached(ownProgram::path(), {})) {
         return false;
     }
     const auto giveUp = std::chrono::steady_clock::now() + patience;
