@@ -26,6 +26,7 @@
 #include <QTimer>
 
 #include <iostream>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -211,13 +212,21 @@ void startPreferred(char **argv) {
     }
 }
 
+/// A program that is tried out before it is preferred is asked for its version, and must answer for itself.
+bool isAskedAboutItself(int argc, char **argv) {
+    const std::string_view command = argc > 1 ? argv[1] : "";
+    return command == "--version" || command == "-v" || command == "--help" || command == "-h";
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
+    if (!isAskedAboutItself(argc, argv)) {
+        startPreferred(argv);
+    }
     if (const auto status = runCommand(argc, argv)) {
         return *status;
     }
-    startPreferred(argv);
     auto connection = desktop::X11Connection::open();
     if (!connection) {
         std::cerr << "quillory: no X display can be reached; start it in a desktop session, or set DISPLAY\n";

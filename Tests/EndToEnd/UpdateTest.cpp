@@ -43,7 +43,7 @@ class Maker {
         qputenv("SOURCE_DATE_EPOCH", "1700000000");
         qputenv("DEB_COMPRESSION", "none");
         const QString sign = QStringLiteral(QUILLORY_BUILD "/bin/quillory-sign");
-        write(in("keys"), succeed(sign, {QStringLiteral("make-key"), QStringLiteral("QUILLORY26"), in("key")}));
+        write(in("keys"), succeed(sign, {QStringLiteral("make-key"), QStringLiteral(QUILLORY_TEAM_ID), in("key")}));
         succeed(QStringLiteral("cmake"), {QStringLiteral("--install"), QStringLiteral(QUILLORY_BUILD),
                                           QStringLiteral("--prefix"), in("tree"), QStringLiteral("--strip")});
         m_server.Get("/version.json", [this](const httplib::Request &, httplib::Response &answer) {
@@ -179,6 +179,10 @@ TEST_F(Update, TakesPrecedenceOverTheDebianPackage) {
             {QStringLiteral("-x"), maker.packageOf(QStringLiteral("1"), "deb"), maker.in("root")});
     const QString installed = maker.in("root") + QStringLiteral("/usr/bin/quillory");
     expectUpdate(installed);
+    succeed(installed, {QStringLiteral("autostart"), QStringLiteral("on")});
+    QFile entry(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/autostart/quillory.desktop"));
+    EXPECT_TRUE(entry.open(QIODevice::ReadOnly) && entry.readAll().contains(updated.toUtf8()))
+        << "commands prefer it too";
     const ChildProcess again({installed.toStdString()});
     EXPECT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 2; }, 30'000))
         << Assistant::log().toStdString();
