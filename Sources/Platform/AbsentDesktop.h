@@ -40,6 +40,7 @@ class AbsentDesktop final : public Accessibility,
     [[nodiscard]] QString temporaryDirectory() const override { return {}; }
     void createDirectory(const QString &path) override;
     [[nodiscard]] QStringList contentsOfDirectory(const QString &path) override;
+    void hold(const QString & /*path*/) noexcept override {}
     void removeItem(const QString & /*path*/) noexcept override {}
     void removeAbandoned(const QStringList & /*beginnings*/) noexcept override {}
     void replaceItem(const QString &installed, const QString &found, const Approval &approve,

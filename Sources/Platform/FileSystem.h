@@ -27,6 +27,9 @@ class FileSystem {
     virtual void createDirectory(const QString &path) = 0;
     /// The names in a folder, in no particular order. Throws FileError.
     [[nodiscard]] virtual QStringList contentsOfDirectory(const QString &path) = 0;
+    /// Keeps removeAbandoned(), in whatever process, from taking a file or folder until it is removed, as if it had
+    /// been made by createDirectory().
+    virtual void hold(const QString &path) noexcept = 0;
     /// Removes a file, or a folder with all that is in it; what cannot be removed stays.
     virtual void removeItem(const QString &path) noexcept = 0;
     /// Removes what earlier runs of this user left in the temporary folder under names that begin so, and have not

@@ -23,6 +23,8 @@ struct URLRequest {
     QByteArray body;
     /// The longest wait for the next data of the response, not a limit on the whole exchange.
     std::chrono::milliseconds timeout{60'000};
+    /// The longest time for all of it, each address that is gone to; without an end by default.
+    std::chrono::milliseconds longestTime{0};
     /// The longest body that is taken, in bytes.
     qint64 longestBody = 16 << 20;
     /// Goes where the server points to, a few times at most and only while every address on the way is safe. Of no

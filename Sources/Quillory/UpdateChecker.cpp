@@ -47,6 +47,7 @@ namespace UpdateChecker {
 namespace {
 constexpr auto checkInterval = 21'600s;
 constexpr auto feedTimeout = 15s;
+constexpr auto longestCheck = 60s; // with each address that the feed's points to
 constexpr qint64 longestFeed = 1 << 20;
 
 qint64 versionNumber(const QString &component) {
@@ -54,20 +55,33 @@ qint64 versionNumber(const QString &component) {
     return form.match(component).hasMatch() ? component.toLongLong() : 0;
 }
 
-/// What comes from the network stays on its line of the log.
-QString onOneLine(QString version) {
-    for (QChar &character : version) {
-        if (character.category() == QChar::Other_Control) {
+/// A version as it is shown and logged: what comes from the network stays on its line, and within bounds.
+QString shown(const QString &version) {
+    constexpr qsizetype longestVersion = 64;
+    QString line = version.first(std::min(version.size(), longestVersion));
+    for (QChar &character : line) {
+        if (!character.isPrint()) {
             character = QLatin1Char(' ');
         }
     }
-    return version;
+    return line;
+}
+
+/// Notes that are laid out in a moment.
+QString shownNotes(const QString &notes) {
+    constexpr qsizetype longestNotes = 4'000;
+    if (notes.size() <= longestNotes) {
+        return notes;
+    }
+    const bool isBetweenHalves = notes.at(longestNotes - 1).isHighSurrogate();
+    return notes.first(longestNotes - (isBetweenHalves ? 1 : 0)) + QStringLiteral("…");
 }
 
 UpdateFeed fetchedFeed(const std::stop_token &stop) {
     platform::URLRequest request;
     request.url = feedURL();
     request.timeout = feedTimeout;
+    request.longestTime = longestCheck;
     request.longestBody = longestFeed;
     request.followsRedirects = true;
     return updateFeedFromJSON(platform::current().urlSession.data(request, stop).body);
@@ -76,12 +90,11 @@ UpdateFeed fetchedFeed(const std::stop_token &stop) {
 void report(const UpdateFeed &feed, bool userInitiated, const std::weak_ptr<bool> &life) {
     const QString current = currentVersion();
     if (isNewer(feed.version, current)) {
-        FileLog::log(
-            QStringLiteral("update available: %1 (running %2)").arg(onOneLine(feed.version), onOneLine(current)));
-        onMainThread(life, [feed] { offerUpdate(feed.version, feed.notes, feed.archive); });
+        FileLog::log(QStringLiteral("update available: %1 (running %2)").arg(shown(feed.version), shown(current)));
+        onMainThread(life, [feed] { offerUpdate(shown(feed.version), shownNotes(feed.notes), feed.archive); });
         return;
     }
-    FileLog::log(QStringLiteral("update check: up to date (%1)").arg(onOneLine(current)));
+    FileLog::log(QStringLiteral("update check: up to date (%1)").arg(shown(current)));
     if (userInitiated) {
         onMainThread(life, [current] {
             showAlert(QStringLiteral("You're up to date"),
@@ -99,7 +112,6 @@ void reportFailure(const QString &description, bool userInitiated, const std::we
 } // namespace
 
 void startPeriodicChecks() {
-    versionHistory::remember(currentVersion(), platform::current().process.homeDirectory());
     check(/*userInitiated=*/false);
     updateState().timer = platform::current().mainQueue.repeat(checkInterval, [] { check(/*userInitiated=*/false); });
 }
@@ -107,6 +119,7 @@ void startPeriodicChecks() {
 void check(bool userInitiated) {
     const std::weak_ptr<bool> life = updateState().life;
     const auto task = updateState().tasks->start([userInitiated, life](const std::stop_token &stop) {
+        versionHistory::remember(currentVersion(), platform::current().process.homeDirectory());
         // Of installs that were ended from outside.
         platform::current().fileSystem.removeAbandoned({updateWorkName, QLatin1StringView(platform::downloadName)});
         try {

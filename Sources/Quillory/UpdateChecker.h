@@ -13,7 +13,7 @@
 /// Main thread only, where nothing else is said; nothing waits there.
 namespace quillory::UpdateChecker {
 
-/// Checks now and every six hours, silently unless there is something to offer, and remembers that this version ran.
+/// Checks now and every six hours, silently unless there is something to offer. Each check remembers which version ran.
 void startPeriodicChecks();
 /// Starts one check. One that the user asked for also says that there is nothing new, or what went wrong.
 void check(bool userInitiated);

@@ -39,6 +39,7 @@ class Installing {
 
     void run() const {
         const Temporary archive(downloaded());
+        platform::current().fileSystem.hold(archive.path());
         const Temporary work(platform::current().fileSystem.temporaryDirectory() + u'/' + updateWorkName +
                              QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
         platform::current().fileSystem.createDirectory(work.path());
@@ -86,7 +87,7 @@ class Installing {
             throw RewriteError::badResponse(QStringLiteral("update signature mismatch — refusing to install"));
         }
         if (!isNewer(found->version, currentVersion()) ||
-            !isNewer(found->version, versionHistory::highest(platform::current().process.homeDirectory()))) {
+            isNewer(versionHistory::highest(platform::current().process.homeDirectory()), found->version)) {
             throw RewriteError::badResponse(
                 QStringLiteral("update is not newer than what has run here — refusing to install"));
         }

@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "EndToEnd/AccessibleTree.h"
 #include "EndToEnd/Assistant.h"
 #include "EndToEnd/Keyboard.h"
 #include "Platform/Linux/Updates/ArchiveUnpacker.h"
@@ -111,28 +112,6 @@ bool end(const QString &program) {
     return waitUntil([&] { return processesOf(program).empty(); });
 }
 
-/// Whether the window that the user's keys go to is one of ours with that title.
-bool isInFront(const char *title) {
-    QProcess asking;
-    asking.start(QStringLiteral("xdotool"), {QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")});
-    return asking.waitForFinished() && asking.readAllStandardOutput().trimmed() == title;
-}
-
-/// Clicks on the button that the offer's row of buttons begins with.
-void clickInstall() {
-    constexpr int fromTheLeft = 290;
-    constexpr int fromTheBottom = 30;
-    const QString active = QStringLiteral("getactivewindow");
-    const QByteArray frame =
-        succeed(QStringLiteral("xdotool"), {active, QStringLiteral("getwindowgeometry"), QStringLiteral("--shell")});
-    const QByteArray label = "HEIGHT=";
-    const int height = frame.sliced(frame.indexOf(label) + label.size()).split('\n').first().toInt();
-    succeed(QStringLiteral("xdotool"),
-            {active, QStringLiteral("mousemove"), QStringLiteral("--window"), QStringLiteral("%1"),
-             QString::number(fromTheLeft), QString::number(height - fromTheBottom), QStringLiteral("click"),
-             QStringLiteral("1")});
-}
-
 class Update : public testing::Test {
   protected:
     Update() {
@@ -147,9 +126,13 @@ class Update : public testing::Test {
         succeed(program, {QStringLiteral("defaults"), QStringLiteral("write"), QStringLiteral("tone"),
                           QStringLiteral("Friendly")});
         ChildProcess first({program.toStdString()});
-        ASSERT_TRUE(waitUntil([] { return isInFront("Quillory"); }, 30'000)) << Assistant::log().toStdString();
+        AccessibleTree tree;
+        ASSERT_TRUE(waitUntil([&] { return tree.focusedName() == QStringLiteral("Install & Relaunch"); }, 30'000))
+            << Assistant::log().toStdString();
+        EXPECT_TRUE(
+            waitUntil([&] { return tree.windowShows(first.pid(), QStringLiteral("Quillory 2 is available")); }));
         EXPECT_EQ(Assistant::timesLogged(QStringLiteral("update available: 2 (running 1)")), 1);
-        clickInstall();
+        keyboard::tap("Return");
         ASSERT_TRUE(waitUntil([&] { return !first.isRunning(); }, 30'000)) << Assistant::log().toStdString();
         EXPECT_EQ(first.end(), 0);
         ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 1; }, 30'000))

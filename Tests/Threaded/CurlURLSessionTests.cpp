@@ -254,7 +254,10 @@ TEST(CurlURLSession, WaitsAsLongAsSomethingComes) {
         connection.send("0\r\n\r\n");
     });
     CurlURLSession session;
-    EXPECT_THAT(readAll(*session.bytes(requestTo(server.url(), 1s), {})), ElementsAre("::::::::::::"));
+    URLRequest request = requestTo(server.url(), 1s);
+    EXPECT_THAT(readAll(*session.bytes(request, {})), ElementsAre("::::::::::::"));
+    request.longestTime = 400ms;
+    EXPECT_EQ(failureOf(session, request), "The request timed out.");
 }
 
 TEST(CurlURLSession, SlowsDownAServerThatIsFasterThanItsReader) {

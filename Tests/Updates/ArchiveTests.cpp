@@ -10,6 +10,8 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <sched.h>
+#include <sys/mount.h>
 
 namespace quillory::test {
 namespace {
@@ -42,6 +44,13 @@ class Archive : public testing::Test {
         return zip.bytes();
     }
 
+    /// With other bytes in the first file's own head and in its head in the directory.
+    [[nodiscard]] static QByteArray patched(QByteArray zip, qsizetype inHead, qsizetype inDirectory, char byte) {
+        zip[inHead] = byte;
+        zip[zip.indexOf("PK\x01\x02") + inDirectory] = byte;
+        return zip;
+    }
+
     QTemporaryDir folder{folderTemplate()};
 };
 
@@ -54,7 +63,10 @@ TEST_F(Archive, GivesASignedBundleBackAsItWas) {
     EXPECT_EQ(unpack(zip.bytes()), "");
     umask(old);
     EXPECT_EQ(vouchedVersion(work() + QStringLiteral("/Quillory.app")), "2");
-    EXPECT_EQ(unpack("MZ something before it" + zip.bytes()), "") << "as installers have it";
+    for (const QByteArray &archive : {"MZ something before it" + zip.bytes(), zip.bytes() + "and after it"}) {
+        EXPECT_EQ(unpack(archive), "");
+        EXPECT_EQ(vouchedVersion(work() + QStringLiteral("/Quillory.app")), "2") << "nothing else is unpacked";
+    }
 }
 
 TEST_F(Archive, IsRefusedWhenItCouldDoHarm) {
@@ -96,6 +108,8 @@ TEST_F(Archive, IsRefusedWhenItCouldDoHarm) {
         {"half of it", whole.first(20)},
         {"empty", ""},
         {"an error page", "<html><body>404 not found</body></html>"},
+        {"encrypted", patched(whole, 6, 8, 0x01)},
+        {"packed by a method that wants much memory", patched(whole, 8, 10, 14)},
         {"changed content", QByteArray(whole).replace("content", "malice!")},
     };
     for (const auto &[attack, zip] : attacks) {
@@ -111,6 +125,31 @@ TEST_F(Archive, DoesNotUnpackWhatIsInAnArchiveInIt) {
     EXPECT_EQ(unpack(zipOf({{"inner.zip", zipOf({{"Quillory.app/quillory", "x"}})}})), "");
     EXPECT_THAT(QDir(work()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
                 ElementsAre(QStringLiteral("inner.zip")));
+}
+
+TEST_F(Archive, NeedsRoomForAllOfItBeforeAnythingIsWritten) {
+    const QByteArray zip = zipOf({{"small", "x"}, {"large", QByteArray(200'000, 'x')}});
+    constexpr int notAllowed = 3;
+    const auto onSmallDisk = [&] {
+        QDir().mkpath(work());
+        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("tmpfs", qPrintable(work()), "tmpfs", 0, "size=64k") != 0) {
+            return notAllowed;
+        }
+        writeFile(folder.filePath(QStringLiteral("a.zip")), zip);
+        try {
+            unpackZip(folder.filePath(QStringLiteral("a.zip")), work(), {});
+        } catch (const UnpackError &error) {
+            const bool saysSo = std::string_view(error.what()) == "the archive unpacks to more than there is room for";
+            return saysSo && QDir(work()).isEmpty() ? 0 : 1;
+        }
+        return 2;
+    };
+    const int status = runTraced(onSmallDisk, [](const TracedCall &) { return goOn; });
+    if (status == notAllowed) {
+        GTEST_SKIP() << "mounting a small disk is not allowed here";
+    }
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(Archive, StopsWhenAsked) {

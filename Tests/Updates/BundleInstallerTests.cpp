@@ -5,6 +5,7 @@
 #include "Updates/TracedChild.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -20,6 +21,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace quillory::test {
@@ -117,52 +119,147 @@ TEST_F(Installing, ReplacesTheBundleAndLeavesNothingElse) {
 }
 
 TEST_F(Installing, LeavesTheOldOneWhereTheNewOneCannotStart) {
-    writeFile(found + QStringLiteral("/quillory"), "#!/lib/that/is/missing\n", 0755);
-    platform::desktop::signBundle(found, QStringLiteral("2"), platform::desktop::LinuxCodeSigning::hostArchitecture(),
-                                  teamKey());
-    EXPECT_EQ(failure(), "The new version does not start on this computer.");
-    EXPECT_EQ(vouchedVersion(target), "1");
-    expectClean();
+    for (const char *program : {"#!/lib/that/is/missing\n", "#!/bin/sh\nexit 127\n", "#!/bin/sh\nkill -SEGV $$\n"}) {
+        writeFile(found + QStringLiteral("/quillory"), program, 0755);
+        platform::desktop::signBundle(found, QStringLiteral("2"),
+                                      platform::desktop::LinuxCodeSigning::hostArchitecture(), teamKey());
+        EXPECT_EQ(failure(), "The new version does not start on this computer.") << program;
+        EXPECT_EQ(vouchedVersion(target), "1");
+        expectClean();
+    }
 }
 
-TEST_F(Installing, GivesTheNameBackToTheGenuineOneOfTwo) {
-    const QString staged = applications + QStringLiteral("/.Quillory.app.new");
-    const QString previous = target + QStringLiteral(".previous");
-    const struct {
+TEST_F(Installing, StartsAndExchangesNothingThatWasNotApproved) {
+    const auto refuse = [](const QString &) { throw Refusal("not genuine"); };
+    int before = 0;
+    int dangerous = 0;
+    runTraced(
+        [&] {
+            try {
+                BundleInstaller(applications, signing).install(found, name, refuse, {});
+            } catch (const Refusal &) {
+            }
+            return 0;
+        },
+        [&](const TracedCall &call) {
+            ++before;
+            const std::set<unsigned long long> starting{SYS_clone, SYS_clone3, SYS_fork, SYS_vfork};
+            dangerous += starting.contains(call.number) || isExchange(call) ? 1 : 0;
+            return goOn;
+        });
+    EXPECT_GT(before, 100);
+    EXPECT_EQ(dangerous, 0);
+    EXPECT_EQ(vouchedVersion(target), "1");
+}
+
+TEST_F(Installing, BringsEverythingToTheDiskBeforeTheExchangeAndTheFolderBeforeTheOldOneGoes) {
+    QStringList wanted{applications + QStringLiteral("/.Quillory.app.new")};
+    for (QDirIterator files(found, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+         files.hasNext();) {
+        wanted += wanted.first() + files.next().sliced(found.size());
+    }
+    QStringList synced;
+    bool isExchanged = false;
+    runTraced([&] { return install(); },
+              [&](const TracedCall &call) {
+                  if (call.number == SYS_fsync) {
+                      synced += QFile::symLinkTarget(
+                          QStringLiteral("/proc/%1/fd/%2").arg(call.process).arg(call.arguments[0]));
+                  } else if (isExchange(call)) {
+                      EXPECT_THAT(synced, testing::UnorderedElementsAreArray(wanted));
+                      isExchanged = true;
+                  } else if (isExchanged && call.number == SYS_unlinkat) {
+                      EXPECT_EQ(synced.last(), applications);
+                  }
+                  return goOn;
+              });
+    EXPECT_TRUE(isExchanged);
+}
+
+/// What an install that was ended may have left, of versions 1 (the old one) and 2.
+class Interrupted : public Installing {
+  protected:
+    QString staged = applications + QStringLiteral("/.Quillory.app.new");
+    QString previous = target + QStringLiteral(".previous");
+    struct State {
         const char *what;
-        std::function<void()> change;
+        std::function<void()> make;
         std::string version;
         bool isClean;
-    } cases[] = {
-        {"ended after the exchange", [&] { makeSignedBundle(staged, 3); }, "1", true},
+    };
+    const std::vector<State> states{
+        {"ended after the exchange", [this] { makeSignedBundle(staged, 3); }, "1", true},
         {"changed in the instant before it",
-         [&] {
+         [this] {
              QDir().rename(target, staged);
              makeBundle(target, 2);
          },
          "1", true},
         {"the same where names cannot be exchanged",
-         [&] {
+         [this] {
              QDir().rename(target, previous);
              makeBundle(target, 2);
          },
          "1", true},
+        {"ended between the two renames there",
+         [this] {
+             QDir().rename(target, previous);
+             makeSignedBundle(staged, 2);
+         },
+         "1", true},
         {"none of them is anybody's we know",
-         [&] {
+         [this] {
              makeBundle(staged, 3);
              QFile::remove(target + QStringLiteral("/Manifest"));
          },
          "none", false},
     };
-    for (const auto &[what, change, version, isClean] : cases) {
-        QDir(target).removeRecursively();
-        QDir(staged).removeRecursively();
+    void make(const State &state) const {
+        QDir(applications).removeRecursively();
+        QDir().mkpath(applications);
+        chmod(QFile::encodeName(applications).constData(), 0700);
         makeSignedBundle(target, 1);
-        change();
-        BundleInstaller(applications, signing).recover(name);
-        EXPECT_EQ(vouchedVersion(target), version) << what;
-        EXPECT_EQ(left().size(), isClean ? 2 : 3) << what << ": nothing is thrown away that may be the user's";
+        state.make();
     }
+    int recover() const {
+        BundleInstaller(applications, signing).recover(name);
+        return 0;
+    }
+};
+
+TEST_F(Interrupted, GivesTheNameBackToTheGenuineOneOfTwo) {
+    for (const State &state : states) {
+        make(state);
+        recover();
+        EXPECT_EQ(vouchedVersion(target), state.version) << state.what;
+        EXPECT_EQ(left().size(), state.isClean ? 2 : 3) << state.what << ": what may be the user's is not thrown away";
+    }
+}
+
+TEST_F(Interrupted, MayBeInterruptedAgainAnywhere) {
+    int calls = 0;
+    const auto interrupt = [&](const State &state, Verdict exchange, Verdict fault) {
+        int count = 1;
+        for (int at = 1; count >= at - 1; ++at) {
+            make(state);
+            count = 0;
+            runTraced([&] { return recover(); },
+                      [&](const TracedCall &call) {
+                          const bool isHere = changesDisk(call) && ++count == at;
+                          return isHere ? fault : (isExchange(call) ? exchange : goOn);
+                      });
+            recover();
+            EXPECT_EQ(vouchedVersion(target), state.version) << state.what << ", before change " << at;
+            calls += count >= at ? 1 : 0;
+        }
+    };
+    for (const State &state : states) {
+        for (const Verdict exchange : {goOn, EINVAL}) {
+            interrupt(state, exchange, killed);
+            interrupt(state, exchange, EIO);
+        }
+    }
+    EXPECT_GT(calls, 200);
 }
 
 TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
@@ -214,27 +311,40 @@ TEST_F(Installing, LeavesOneOfTheTwoWhereNamesCannotBeExchanged) {
     std::cout << "killed before each of " << calls << " system calls of the fall-back\n";
 }
 
-TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskIsFullAtAnyWrite) {
-    for (const int error : {ENOSPC, EROFS, EACCES}) {
+TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskFailsAtAnyWrite) {
+    const struct {
+        int error;
+        bool lasts;
+        Verdict exchange;
+    } faults[] = {{ENOSPC, false, goOn}, {EROFS, true, goOn}, {EACCES, false, EINVAL}, {EIO, true, EINVAL}};
+    for (const auto &[error, lasts, exchange] : faults) {
         int tried = 0;
         for (int at = 1;; ++at) {
             reset();
             int count = 0;
             const int status =
                 runTraced([&] { return install(); },
-                          [&](const TracedCall &call) { return changesDisk(call) && ++count == at ? error : goOn; });
+                          [&](const TracedCall &call) {
+                              if (isExchange(call) && exchange != goOn) {
+                                  return exchange;
+                              }
+                              count += changesDisk(call) ? 1 : 0;
+                              return changesDisk(call) && (count == at || (lasts && count > at)) ? error : goOn;
+                          });
             if (count < at) {
                 EXPECT_EQ(status, 0);
                 break;
             }
             tried = at;
-            EXPECT_EQ(vouchedVersion(target), status == failed ? "1" : "2") << "write " << at;
-            expectStartable(target, at);
+            if (!lasts) {
+                EXPECT_EQ(vouchedVersion(target), status == failed ? "1" : "2") << "write " << at;
+            }
             BundleInstaller(applications, signing).recover(name);
+            expectStartable(target, at);
             EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "write " << at;
         }
-        EXPECT_GT(tried, 20);
-        std::cout << "failed each of " << tried << " writes\n";
+        EXPECT_GT(tried, 50);
+        std::cout << "failed each of " << tried << (lasts ? " writes and all after it\n" : " writes\n");
     }
 }
 
@@ -369,6 +479,14 @@ TEST_F(Installing, NeedsAFolderThatIsTheUsersAlone) {
     chmod(QFile::encodeName(folder.path()).constData(), 0777);
     EXPECT_THAT(failure(), HasSubstr("can be changed by others")) << "who can change the folder above can replace it";
     chmod(QFile::encodeName(folder.path()).constData(), 0700);
+    // For a user by name, which the mode shows as a right of the group; each entry is a tag, rights and a number.
+    const std::array<std::uint16_t, 22> list{2, 0, 1, 7,    0, 0, 2, 7,    65534, 0, 4,
+                                             0, 0, 0, 0x10, 7, 0, 0, 0x20, 0,     0, 0};
+    if (setxattr(qPrintable(folder.path()), "system.posix_acl_access", list.data(), sizeof list, 0) == 0) {
+        EXPECT_THAT(failure(), HasSubstr("can be changed by others")) << "by an access control list";
+        removexattr(qPrintable(folder.path()), "system.posix_acl_access");
+        chmod(QFile::encodeName(folder.path()).constData(), 0700);
+    }
     QDir().rename(applications, folder.filePath(QStringLiteral("elsewhere")));
     QFile::link(folder.filePath(QStringLiteral("elsewhere")), applications);
     EXPECT_THAT(failure(), HasSubstr("could not be opened"));

@@ -26,7 +26,9 @@ void *asPointer(std::uintptr_t value) {
 
 class Tracer {
   public:
-    Tracer(pid_t child, const std::function<Verdict(const TracedCall &)> &before) : m_child(child), m_before(before) {}
+    Tracer(pid_t child, const std::function<Verdict(const TracedCall &)> &before) : m_child(child), m_before(before) {
+        m_call.process = child;
+    }
 
     int follow() {
         waitpid(m_child, &m_status, 0);

@@ -3,11 +3,14 @@
 
 #include <array>
 #include <functional>
+#include <sys/types.h>
 
 namespace quillory::test {
 
 /// A system call that a traced process is about to make.
 struct TracedCall {
+    /// Who makes it.
+    pid_t process = 0;
     /// Counted from 1.
     int count = 0;
     unsigned long long number = 0;

@@ -74,7 +74,13 @@ TEST_F(UpdateCheck, TellsTheUserWhoAsked) {
         {"a version that would write a line of the log",
          answerWith("200 OK", R"({"version": "2.\n12:00 x", "url": "https://a/b"})"),
          QStringLiteral("update available: 2. 12:00 x (running 1)"),
-         QStringLiteral("Quillory 2.\n12:00 x is available|Install now and relaunch?|Install & Relaunch|Later")},
+         QStringLiteral("Quillory 2. 12:00 x is available|Install now and relaunch?|Install & Relaunch|Later")},
+        {"more than anybody reads",
+         answerWith("200 OK", R"({"version": "2.)" + QByteArray(1000, '0') + R"(", "url": "https://a/b", "notes": ")" +
+                                  QByteArray(900'000, 'n') + "\"}"),
+         QStringLiteral("update available: 2.") + QString(62, u'0') + QStringLiteral(" (running 1)"),
+         QStringLiteral("Quillory 2.") + QString(62, u'0') + QStringLiteral(" is available|") + QString(4000, u'n') +
+             QStringLiteral("…\n\nInstall now and relaunch?|Install & Relaunch|Later")},
         {"a redirect to nowhere", answerWith("302 Found", R"({"version": "1", "url": "https://a/b"})"),
          QStringLiteral("update check: up to date (1)"),
          QStringLiteral("You're up to date|Quillory 1 is the latest version.")},
@@ -120,6 +126,7 @@ TEST_F(UpdateCheck, SaysWhatWentWrong) {
         {"a version that is a number", answerWith("200 OK", R"({"version": 2, "url": "https://a/b"})"), bad},
         {"an address that is null", answerWith("200 OK", R"({"version": "2", "url": null})"), bad},
         {"10 MB", answerWith("200 OK", QByteArray(10 << 20, ' ')), QStringLiteral("The answer is too long.")},
+        {"a body without end", plain + "/endless\r\n\r\n", QStringLiteral("The answer is too long.")},
         {"less than announced", "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{",
          QStringLiteral("The connection to the server was lost.")},
         {"a redirect to http", plain + "http://192.0.2.1/version.json\r\n\r\n",
@@ -174,12 +181,17 @@ TEST_F(UpdateCheck, ClearsAwayWhatAnInterruptedInstallLeft) {
     // Another process installs since before the computer was put to sleep.
     const platform::desktop::LinuxCodeSigning signing = trustingTeam();
     platform::desktop::LinuxFileSystem other(signing);
+    const QString download = temporary + QStringLiteral("quillory-download-LIVING");
+    writeFile(download, "x");
+    other.hold(download);
+    utimensat(AT_FDCWD, qPrintable(download), longAgo.data(), 0);
     other.createDirectory(temporary + QStringLiteral("QuilloryUpdate-LIVING"));
     utimensat(AT_FDCWD, qPrintable(temporary + QStringLiteral("QuilloryUpdate-LIVING")), longAgo.data(), 0);
     UpdateChecker::check(false);
     ASSERT_TRUE(awaitLog(1));
     EXPECT_THAT(temporaryFiles(),
-                testing::UnorderedElementsAre(QStringLiteral("QuilloryUpdate-LIVING"),
+                testing::UnorderedElementsAre(QStringLiteral("quillory-download-LIVING"),
+                                              QStringLiteral("QuilloryUpdate-LIVING"),
                                               QStringLiteral("QuilloryUpdate-NEW"), QStringLiteral("another-old")));
 }
 

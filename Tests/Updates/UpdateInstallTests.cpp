@@ -134,9 +134,9 @@ TEST_F(UpdateInstall, NeverGoesBackBehindTheHighestVersionThatRan) {
     serve(archiveOf(4));
     installFrom(QStringLiteral("/Quillory.zip"));
     expectRefusal("older than the highest", notNewer);
-    serve(archiveOf(6));
+    serve(archiveOf(5));
     installFrom(QStringLiteral("/Quillory.zip"));
-    EXPECT_EQ(vouchedVersion(target), "6");
+    EXPECT_EQ(vouchedVersion(target), "5") << "which ran already, and was lost since";
     // The same at a start, among genuine ones.
     const QString home = desktop.process.homeDirectory();
     const auto comesFirst = [&](const QString &whose, const char *version) {
@@ -160,6 +160,15 @@ TEST_F(UpdateInstall, LeavesNothingWhenItIsCancelled) {
     EXPECT_EQ(application().alerts.size(), 1U);
     EXPECT_THAT(temporaryFiles(), IsEmpty());
     EXPECT_EQ(vouchedVersion(target), "1");
+}
+
+TEST_F(UpdateInstall, KnowsTheTeamOfAGenuineBundleOnly) {
+    EXPECT_EQ(UpdateChecker::teamID(made(2)), team);
+    const auto other = platform::desktop::SigningKey::generated(team);
+    EXPECT_EQ(UpdateChecker::teamID(made(2, other)), std::nullopt);
+    QFile::remove(made(2) + QStringLiteral("/Manifest"));
+    EXPECT_EQ(UpdateChecker::teamID(folder.filePath(QStringLiteral("made/Quillory.app"))), std::nullopt);
+    EXPECT_EQ(UpdateChecker::teamID(folder.filePath(QStringLiteral("none"))), std::nullopt);
 }
 
 TEST_F(UpdateInstall, SaysThatTheDownloadCannotBeSaved) {

@@ -44,6 +44,14 @@ class UserApplications : public testing::Test {
             });
     }
 
+    /// Version 3, signed.
+    void makeWithProgram(const QByteArray &script) const {
+        makeBundle(own, 3);
+        writeFile(own + QStringLiteral("/quillory"), "#!/bin/sh\n" + script + '\n', 0755);
+        platform::desktop::signBundle(own, QStringLiteral("3"), platform::desktop::LinuxCodeSigning::hostArchitecture(),
+                                      teamKey());
+    }
+
     platform::desktop::LinuxCodeSigning signing = trustingTeam();
     LinuxFileSystem files{signing};
     QTemporaryDir folder{folderTemplate()};
@@ -69,22 +77,10 @@ TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
              writeFile(own + QStringLiteral("/quillory"), "#!/bin/sh", 0755);
          },
          false},
-        {"unable to start here",
-         [&] {
-             makeBundle(own, 3);
-             writeFile(own + QStringLiteral("/quillory"), "#!/lib/that/is/missing\n", 0755);
-             platform::desktop::signBundle(own, QStringLiteral("3"),
-                                           platform::desktop::LinuxCodeSigning::hostArchitecture(), teamKey());
-         },
-         false},
-        {"slow to start",
-         [&] {
-             makeBundle(own, 3);
-             writeFile(own + QStringLiteral("/quillory"), "#!/bin/sh\nsleep 60\n", 0755);
-             platform::desktop::signBundle(own, QStringLiteral("3"),
-                                           platform::desktop::LinuxCodeSigning::hostArchitecture(), teamKey());
-         },
-         true},
+        {"slow to start", [&] { makeWithProgram("sleep 0.4"); }, true},
+        {"slow to fail", [&] { makeWithProgram("sleep 0.4; exit 127"); }, false},
+        {"hanging", [&] { makeWithProgram("sleep 60"); }, false},
+        {"without functions that are looked for late", [&] { makeWithProgram("exit $((1 - LD_BIND_NOW))"); }, true},
         {"in a folder that others can change",
          [&] {
              makeSignedBundle(own, 3);

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <pwd.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace platform::desktop::folders {
@@ -42,6 +43,14 @@ struct stat statusOf(const QString &folder) {
     return status;
 }
 
+/// Whether what the group of a folder may do is for the user alone: by the custom of many systems a group that is
+/// called like its user has nobody else in it. With an access control list those bits are not about the group.
+bool isPrivateGroup(const QString &folder) {
+    const bool hasList = ::getxattr(QFile::encodeName(folder).constData(), "system.posix_acl_access", nullptr, 0) > 0;
+    // Names are asked for last: they may have to come from a server.
+    return !hasList && QFileInfo(folder).group() == QFileInfo(folder).owner();
+}
+
 bool canOthersReplaceIn(const QString &folder) {
     const struct stat status = statusOf(folder);
     if (status.st_uid != ::geteuid() && status.st_uid != 0) {
@@ -50,10 +59,7 @@ bool canOthersReplaceIn(const QString &folder) {
     if ((status.st_mode & S_ISVTX) != 0 || (status.st_mode & (S_IWOTH | S_IWGRP)) == 0) {
         return false;
     }
-    // A group that is called like the user has nobody else in it, by the custom of many systems. Asked last: names may
-    // have to come from a server.
-    const QFileInfo info(folder);
-    return (status.st_mode & S_IWOTH) != 0 || info.group() != info.owner();
+    return (status.st_mode & S_IWOTH) != 0 || !isPrivateGroup(folder);
 }
 
 } // namespace

@@ -49,7 +49,7 @@ struct LinuxPlatform::Private {
     LinuxCodeSigning codeSigning = LinuxCodeSigning::ofBundle(applications::runningBundle());
     LinuxFileSystem fileSystem{codeSigning};
     LinuxSystemTools systemTools;
-    QtApplication application;
+    QtApplication application{[this] { workspace.activate(process.identifier()); }};
     std::unique_ptr<X11Connection> connection;
     X11Screens screens{*connection};
     X11ActiveWindow activeWindow{*connection};

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace platform::desktop {
@@ -82,15 +83,24 @@ std::unique_ptr<QDialog> alertDialog(const Alert &alert) {
     return dialog;
 }
 
-void comeToFront(QDialog &dialog) {
+void comeToFront(QDialog &dialog, const std::function<void()> &bringForward) {
+    // A window manager may take a new window for an intruder, which a second request mends.
+    constexpr std::chrono::milliseconds untilManaged{300};
     dialog.show();
     dialog.raise();
     dialog.activateWindow();
+    bringForward();
+    QTimer::singleShot(untilManaged, &dialog, [&dialog, bringForward] {
+        if (dialog.isVisible() && !dialog.isActiveWindow()) {
+            bringForward();
+        }
+    });
 }
 
 class QtProgressWindow final : public ProgressWindow {
   public:
-    QtProgressWindow(const QString &title, std::function<void()> cancel) : m_cancel(std::move(cancel)) {
+    QtProgressWindow(const QString &title, std::function<void()> cancel, const std::function<void()> &bringForward)
+        : m_cancel(std::move(cancel)) {
         m_dialog.setWindowTitle(title);
         m_dialog.setFixedWidth(progressWidth);
         auto *const layout = new QVBoxLayout(&m_dialog);
@@ -107,7 +117,7 @@ class QtProgressWindow final : public ProgressWindow {
                 asked();
             }
         });
-        comeToFront(m_dialog);
+        comeToFront(m_dialog, bringForward);
     }
 
     void show(const QString &work, std::optional<double> done) override {
@@ -124,7 +134,7 @@ class QtProgressWindow final : public ProgressWindow {
 };
 } // namespace
 
-QtApplication::QtApplication() = default;
+QtApplication::QtApplication(std::function<void()> bringForward) : m_bringForward(std::move(bringForward)) {}
 
 QtApplication::~QtApplication() = default;
 
@@ -151,11 +161,11 @@ void QtApplication::showNext() {
                              showNext();
                          }
                      });
-    comeToFront(*m_open);
+    comeToFront(*m_open, m_bringForward);
 }
 
 std::unique_ptr<ProgressWindow> QtApplication::showProgress(const QString &title, std::function<void()> cancel) {
-    return std::make_unique<QtProgressWindow>(title, std::move(cancel));
+    return std::make_unique<QtProgressWindow>(title, std::move(cancel), m_bringForward);
 }
 
 void QtApplication::terminate() {

@@ -14,7 +14,8 @@ namespace platform::desktop {
 /// of its own: the tick and what it started go on as ever.
 class QtApplication final : public Application {
   public:
-    QtApplication();
+    /// bringForward: asks the window manager, on the user's behalf, for this program's windows to come to the front.
+    explicit QtApplication(std::function<void()> bringForward = [] {});
     ~QtApplication() override;
     QtApplication(const QtApplication &) = delete;
     QtApplication &operator=(const QtApplication &) = delete;
@@ -27,6 +28,7 @@ class QtApplication final : public Application {
   private:
     void showNext();
 
+    std::function<void()> m_bringForward;
     std::deque<std::pair<Alert, std::function<void(int)>>> m_waiting;
     std::unique_ptr<QDialog> m_open;
 };

@@ -62,6 +62,7 @@ void CurlExchange::setLimits() {
     // As elsewhere: for a network whose owner vouches for every server with a certificate of their own.
     if (const QByteArray trusted = qgetenv("SSL_CERT_FILE"); !trusted.isEmpty()) {
         set(CURLOPT_CAINFO, trusted.constData());
+        set(CURLOPT_CAPATH, static_cast<const char *>(nullptr));
     }
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -70,6 +71,7 @@ void CurlExchange::setLimits() {
     set(CURLOPT_QUICK_EXIT, 1L);
     // The worker's own deadline decides; this makes curl leave time for the other addresses of a host.
     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(transfer->request().timeout.count()));
+    set(CURLOPT_TIMEOUT_MS, static_cast<long>(transfer->request().longestTime.count()));
 }
 
 void CurlExchange::setCallbacks() {

@@ -78,6 +78,11 @@ class Reader {
         if (archive_entry_is_encrypted(m_entry) != 0) {
             refuse(QStringLiteral("is encrypted"));
         }
+        // Other methods may want memory by the hundred megabytes.
+        const QByteArray form(archive_format_name(get()));
+        if (!form.contains("(deflation)") && !form.contains("(uncompressed)")) {
+            refuse(QStringLiteral("is packed by a method that updates are not"));
+        }
         QByteArray path(archive_entry_pathname(m_entry));
         const bool isFolder = type == AE_IFDIR;
         if (isFolder && path.endsWith('/')) {

@@ -145,11 +145,6 @@ void putInPlace(int folder, const QByteArray &name) {
     }
 }
 
-void removeLeftovers(int folder, const QByteArray &name) {
-    fileTree::remove(folder, previousName(name).constData());
-    fileTree::remove(folder, newName(name).constData());
-}
-
 /// Gives the name back to the one that had it before the other one took its place.
 void takeBack(int folder, const QByteArray &name) {
     const QByteArray staged = newName(name);
@@ -164,13 +159,33 @@ void takeBack(int folder, const QByteArray &name) {
     }
 }
 
-/// Leaves everything as it was before the install.
+/// Gives the name back to the bundle that was on its way to be replaced where names cannot be exchanged.
+void giveNameBack(int folder, const QByteArray &name) {
+    if (!exists(folder, name) && exists(folder, previousName(name))) {
+        rename(folder, previousName(name), name);
+        sync(folder);
+    }
+}
+
+/// Leaves everything as it was before the install. Throws, and throws nothing away, while the old bundle has not got
+/// its name back.
 void undo(int folder, const QByteArray &name, bool isInPlace) {
     if (isInPlace) {
         takeBack(folder, name);
     }
-    removeLeftovers(folder, name);
+    giveNameBack(folder, name);
+    fileTree::remove(folder, newName(name).constData());
     ::fsync(folder);
+}
+
+/// Under a name that a genuine bundle has.
+void removeOthers(int folder, const QByteArray &name) {
+    fileTree::remove(folder, previousName(name).constData());
+    fileTree::remove(folder, newName(name).constData());
+}
+
+bool hasOthers(int folder, const QByteArray &name) {
+    return exists(folder, previousName(name)) || exists(folder, newName(name));
 }
 } // namespace
 
@@ -185,19 +200,21 @@ bool BundleInstaller::isGenuine(const QByteArray &name) const {
 }
 
 void BundleInstaller::restore(int folder, const QByteArray &name) const {
-    const QByteArray previous = previousName(name);
-    if (!exists(folder, name) && exists(folder, previous)) {
-        rename(folder, previous, name);
-        sync(folder);
-    }
-    const bool hasOther = exists(folder, previous) || exists(folder, newName(name));
-    if (!hasOther || !exists(folder, name) || isGenuine(name)) {
+    giveNameBack(folder, name);
+    if (!hasOthers(folder, name)) {
         return;
     }
-    // It was changed in the instant before it took the place, and the install was ended before that was seen.
-    if (isGenuine(previous) || (!exists(folder, previous) && isGenuine(newName(name)))) {
+    const QByteArray previous = previousName(name);
+    const QByteArray staged = newName(name);
+    if (exists(folder, name) && !isGenuine(name) &&
+        (isGenuine(previous) || (!exists(folder, previous) && isGenuine(staged)))) {
+        // It was changed in the instant before it took the place, and the install was ended before that was seen.
         takeBack(folder, name);
         sync(folder);
+    }
+    // Where nobody can be told to be genuine, none is thrown away.
+    if (!exists(folder, name) || isGenuine(name)) {
+        removeOthers(folder, name);
     }
 }
 
@@ -210,8 +227,8 @@ void BundleInstaller::install(const QString &found, const QByteArray &name, cons
         throw FileError("Another update is being installed.");
     }
     restore(folder.get(), name);
-    removeLeftovers(folder.get(), name);
     const QByteArray staged = newName(name);
+    fileTree::remove(folder.get(), staged.constData());
     const QString prefix = m_folder + u'/';
     bool isInPlace = false;
     try {
@@ -232,20 +249,17 @@ void BundleInstaller::install(const QString &found, const QByteArray &name, cons
         undo(folder.get(), name, isInPlace);
         throw;
     }
-    removeLeftovers(folder.get(), name);
+    removeOthers(folder.get(), name);
 }
 
 void BundleInstaller::recover(const QByteArray &name) const noexcept {
     try {
         const FileDescriptor folder = openFolder();
-        const FileDescriptor locked = lock(folder.get());
-        if (!locked) {
-            return;
+        if (!hasOthers(folder.get(), name)) {
+            return; // as nearly always
         }
-        restore(folder.get(), name);
-        // Where nobody can be told to be genuine, none is thrown away.
-        if (!exists(folder.get(), name) || isGenuine(name)) {
-            removeLeftovers(folder.get(), name);
+        if (const FileDescriptor locked = lock(folder.get())) {
+            restore(folder.get(), name);
         }
     } catch (const FileError &) {
         // Nothing has been installed here yet, or it is somebody else's: the next install says so.

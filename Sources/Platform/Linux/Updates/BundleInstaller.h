@@ -31,7 +31,8 @@ class BundleInstaller {
     /// Throws FileError unless the folder is the user's alone to change.
     [[nodiscard]] FileDescriptor openFolder() const;
     [[nodiscard]] bool isGenuine(const QByteArray &name) const;
-    /// Gives the name to the genuine one of those that an interrupted install left. Under the lock.
+    /// Gives the name to the genuine one of those that an interrupted install left, and removes the others. Under the
+    /// lock.
     void restore(int folder, const QByteArray &name) const;
 
     QString m_folder;

@@ -15,7 +15,7 @@
 namespace platform::desktop {
 
 namespace {
-constexpr qint64 largestManifest = 8 << 20;
+constexpr qint64 largestManifest = 4 << 20;
 constexpr qint64 largestText = 64 << 10;
 constexpr mode_t plainFile = 0644;
 
@@ -46,11 +46,12 @@ std::optional<Manifest> signedManifest(int bundle, const TrustedKeys &trusted) {
     }
     const TrustedKeys keys =
         trusted.after(fileTree::content(bundle, bundleName::rotations, largestText).value_or(QByteArray()));
-    std::optional<Manifest> manifest = Manifest::parsed(*text);
-    if (!manifest || !keys.verify(manifest->team, *text, QByteArray::fromBase64(signature->trimmed()))) {
+    const QByteArray proof = QByteArray::fromBase64(signature->trimmed());
+    if (!keys.verify(*text, proof)) {
         return std::nullopt;
     }
-    return manifest;
+    std::optional<Manifest> manifest = Manifest::parsed(*text);
+    return manifest && keys.verify(manifest->team, *text, proof) ? std::move(manifest) : std::nullopt;
 }
 
 bool digestsAgree(int bundle, const Manifest &manifest, const Watch &watch) {

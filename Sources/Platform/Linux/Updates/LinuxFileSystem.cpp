@@ -39,10 +39,16 @@ void LinuxFileSystem::createDirectory(const QString &path) {
     folders::make(wanted.path());
     fileTree::checked(::mkdir(QFile::encodeName(wanted.filePath()).constData(), S_IRWXU),
                       QStringLiteral("The folder %1 could not be made").arg(path));
-    FileDescriptor made = fileTree::openFolder(wanted.filePath());
-    (void)::flock(made.get(), LOCK_SH | LOCK_NB); // a file system without locks has no cleaners either
-    const std::scoped_lock lock(m_mutex);
-    m_locks[path] = std::move(made);
+    hold(path);
+}
+
+void LinuxFileSystem::hold(const QString &path) noexcept {
+    const QByteArray name = QFile::encodeName(applications::resolved(path));
+    FileDescriptor held(::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (held && ::flock(held.get(), LOCK_SH | LOCK_NB) == 0) {
+        const std::scoped_lock lock(m_mutex);
+        m_locks[path] = std::move(held);
+    }
 }
 
 QStringList LinuxFileSystem::contentsOfDirectory(const QString &path) {

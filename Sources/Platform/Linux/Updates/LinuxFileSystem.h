@@ -20,6 +20,7 @@ class LinuxFileSystem final : public FileSystem {
     [[nodiscard]] QString temporaryDirectory() const override;
     void createDirectory(const QString &path) override;
     [[nodiscard]] QStringList contentsOfDirectory(const QString &path) override;
+    void hold(const QString &path) noexcept override;
     void removeItem(const QString &path) noexcept override;
     void removeAbandoned(const QStringList &beginnings) noexcept override;
     void replaceItem(const QString &installed, const QString &found, const Approval &approve,

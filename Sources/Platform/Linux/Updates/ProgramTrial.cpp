@@ -28,16 +28,19 @@ class TrialProcess {
         : m_process(process), m_ended(static_cast<int>(::syscall(SYS_pidfd_open, process, 0))) {}
     ~TrialProcess() {
         if (m_process > 0) {
-            ::kill(m_process, SIGKILL);
+            ::kill(-m_process, SIGKILL); // and what it started
             (void)takeStatus();
         }
     }
     TrialProcess(const TrialProcess &) = delete;
     TrialProcess &operator=(const TrialProcess &) = delete;
 
+    /// Without a descriptor of the process, which takes one that is free, the time is waited for.
     [[nodiscard]] bool endsWithin(std::chrono::milliseconds time) const {
         pollfd ended{.fd = m_ended.get(), .events = POLLIN, .revents = 0};
-        return ::poll(&ended, 1, static_cast<int>(time.count())) > 0;
+        (void)::poll(&ended, 1, static_cast<int>(time.count()));
+        siginfo_t end{};
+        return ::waitid(P_PID, static_cast<id_t>(m_process), &end, WEXITED | WNOHANG | WNOWAIT) == 0 && end.si_pid != 0;
     }
     /// As waitpid() gives it. Waits for the end.
     int takeStatus() {
@@ -65,7 +68,8 @@ std::vector<char *> trialEnvironment() {
     return variables;
 }
 
-/// Without files, blocked signals or anybody to talk to. -1 when it cannot be started; errno says why.
+/// Without files, blocked signals or anybody to talk to, in a group of its own. -1 when it cannot be started; errno
+/// says why.
 pid_t spawned(const QByteArray &program) {
     posix_spawn_file_actions_t files{};
     posix_spawnattr_t attributes{};
@@ -78,7 +82,7 @@ pid_t spawned(const QByteArray &program) {
     sigset_t none;
     sigemptyset(&none);
     ::posix_spawnattr_setsigmask(&attributes, &none);
-    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
     QByteArray name = program;
     char question[] = "--version";
     const std::array<char *, 3> arguments{name.data(), question, nullptr};

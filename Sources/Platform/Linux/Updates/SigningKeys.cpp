@@ -5,6 +5,8 @@
 
 #include <sodium.h>
 
+#include <algorithm>
+
 namespace platform::desktop {
 
 namespace {
@@ -125,6 +127,11 @@ TrustedKeys TrustedKeys::parsed(const QByteArray &text) {
 
 QByteArray TrustedKeys::line(const QString &team, const QByteArray &publicKey) {
     return team.toUtf8() + ' ' + algorithm + ' ' + publicKey.toBase64() + '\n';
+}
+
+bool TrustedKeys::verify(const QByteArray &message, const QByteArray &signature) const {
+    return std::ranges::any_of(
+        m_keys, [&](const auto &ownerAndKey) { return isSignedWith(ownerAndKey.second, message, signature); });
 }
 
 bool TrustedKeys::verify(const QString &team, const QByteArray &message, const QByteArray &signature) const {

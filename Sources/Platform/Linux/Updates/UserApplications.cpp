@@ -16,7 +16,8 @@ namespace {
 const QString programFolder = QStringLiteral("/Applications/");
 constexpr auto bundleFolder = "Quillory.app";
 constexpr qint64 largestBundleManifest = 8 << 20;
-constexpr auto startPatience = std::chrono::milliseconds(250);
+/// A healthy program answers in hundredths of a second, and what it loads for that it has loaded already when it runs.
+constexpr auto startPatience = std::chrono::seconds(3);
 
 /// The version that the running bundle's manifest states. Nobody has to vouch for it: its program runs already.
 QString ownVersion(const QString &bundle) {
@@ -52,8 +53,7 @@ QByteArray programToPrefer(const QString &running, const Precedence &takesPreced
         folders::checkOwn(folder());
         folders::checkOwn(own);
         const auto found = signing.signingInformation(own, {});
-        // One that takes its time has been loaded at least, and this is a start that somebody waits for.
-        return found && takesPrecedence(*found, version) && tryProgram(own, startPatience) != ProgramTrial::fails
+        return found && takesPrecedence(*found, version) && tryProgram(own, startPatience) == ProgramTrial::works
                    ? QFile::encodeName(own + u'/' + QLatin1StringView(bundleName::program))
                    : QByteArray();
     } catch (const FileError &) {

@@ -22,8 +22,8 @@ namespace platform::desktop::applications {
 using Precedence = std::function<bool(const SigningInformation &own, const QString &running)>;
 /// Puts right what an interrupted install left, and gives the program of the user's own Quillory when that takes
 /// precedence over the running one: another bundle, in folders that only the user can change, signed by a team that the
-/// running one trusts, and not unable to start here. Empty otherwise, and always for a program that was not started
-/// from a signed bundle. Reads the whole bundle, and waits for its program for a quarter of a second at most.
+/// running one trusts, and able to start here. Empty otherwise, and always for a program that was not started from a
+/// signed bundle. Reads the whole bundle, and waits for its program for three seconds at most.
 [[nodiscard]] QByteArray programToPrefer(const QString &running, const Precedence &takesPrecedence);
 
 } // namespace platform::desktop::applications
