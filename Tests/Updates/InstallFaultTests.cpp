@@ -1,0 +1,268 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+#include "Updates/Installing.h"
+
+#include <QDirIterator>
+
+#include <cerrno>
+#include <iostream>
+#include <sched.h>
+#include <set>
+#include <sys/mount.h>
+
+namespace quillory::test {
+namespace {
+
+using platform::desktop::BundleInstaller;
+using testing::AnyOf;
+
+TEST_F(Installing, StartsAndExchangesNothingThatWasNotApproved) {
+    const auto refuse = [](const QString &) { throw Refusal("not genuine"); };
+    int before = 0;
+    int dangerous = 0;
+    runTraced(
+        [&] {
+            try {
+                BundleInstaller(applications, signing).install(found, name, refuse, {});
+            } catch (const Refusal &) {
+            }
+            return 0;
+        },
+        [&](const TracedCall &call) {
+            ++before;
+            const std::set<unsigned long long> starting{SYS_clone, SYS_clone3, SYS_fork, SYS_vfork};
+            dangerous += starting.contains(call.number) || isExchange(call) ? 1 : 0;
+            return goOn;
+        });
+    EXPECT_GT(before, 100);
+    EXPECT_EQ(dangerous, 0);
+    EXPECT_EQ(vouchedVersion(target), "1");
+}
+
+TEST_F(Installing, BringsEverythingToTheDiskBeforeTheExchangeAndTheFolderBeforeTheOldOneGoes) {
+    QStringList wanted{applications + QStringLiteral("/.Quillory.app.new")};
+    for (QDirIterator files(found, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+         files.hasNext();) {
+        wanted += wanted.first() + files.next().sliced(found.size());
+    }
+    QStringList synced;
+    bool isExchanged = false;
+    runTraced([&] { return install(); },
+              [&](const TracedCall &call) {
+                  if (call.number == SYS_fsync) {
+                      synced += QFile::symLinkTarget(
+                          QStringLiteral("/proc/%1/fd/%2").arg(call.process).arg(call.arguments[0]));
+                  } else if (isExchange(call)) {
+                      EXPECT_THAT(synced, testing::UnorderedElementsAreArray(wanted));
+                      isExchanged = true;
+                  } else if (isExchanged && call.number == SYS_unlinkat) {
+                      EXPECT_EQ(synced.last(), applications);
+                  }
+                  return goOn;
+              });
+    EXPECT_TRUE(isExchanged);
+}
+
+/// What an install that was ended may have left, of versions 1 (the old one) and 2.
+class Interrupted : public Installing {
+  protected:
+    QString staged = applications + QStringLiteral("/.Quillory.app.new");
+    QString previous = target + QStringLiteral(".previous");
+    struct State {
+        const char *what;
+        std::function<void()> make;
+        std::string version;
+        bool isClean;
+    };
+    const std::vector<State> states{
+        {"ended after the exchange", [this] { makeSignedBundle(staged, 3); }, "1", true},
+        {"changed in the instant before it",
+         [this] {
+             QDir().rename(target, staged);
+             makeBundle(target, 2);
+         },
+         "1", true},
+        {"the same where names cannot be exchanged",
+         [this] {
+             QDir().rename(target, previous);
+             makeBundle(target, 2);
+         },
+         "1", true},
+        {"ended between the two renames there",
+         [this] {
+             QDir().rename(target, previous);
+             makeSignedBundle(staged, 2);
+         },
+         "1", true},
+        {"none of them is anybody's we know",
+         [this] {
+             makeBundle(staged, 3);
+             QFile::remove(target + QStringLiteral("/Manifest"));
+         },
+         "none", false},
+    };
+    void make(const State &state) const {
+        QDir(applications).removeRecursively();
+        QDir().mkpath(applications);
+        chmod(QFile::encodeName(applications).constData(), 0700);
+        makeSignedBundle(target, 1);
+        state.make();
+    }
+    int recover() const {
+        BundleInstaller(applications, signing).recover(name);
+        return 0;
+    }
+};
+
+TEST_F(Interrupted, GivesTheNameBackToTheGenuineOneOfTwo) {
+    for (const State &state : states) {
+        make(state);
+        recover();
+        EXPECT_EQ(vouchedVersion(target), state.version) << state.what;
+        EXPECT_EQ(left().size(), state.isClean ? 2 : 3) << state.what << ": what may be the user's is not thrown away";
+    }
+}
+
+TEST_F(Interrupted, MayBeInterruptedAgainAnywhere) {
+    int calls = 0;
+    const auto interrupt = [&](const State &state, Verdict exchange, Verdict fault) {
+        int count = 1;
+        for (int at = 1; count >= at - 1; ++at) {
+            make(state);
+            count = 0;
+            runTraced([&] { return recover(); },
+                      [&](const TracedCall &call) {
+                          const bool isHere = changesDisk(call) && ++count == at;
+                          return isHere ? fault : (isExchange(call) ? exchange : goOn);
+                      });
+            recover();
+            EXPECT_EQ(vouchedVersion(target), state.version) << state.what << ", before change " << at;
+            calls += count >= at ? 1 : 0;
+        }
+    };
+    for (const State &state : states) {
+        for (const Verdict exchange : {goOn, EINVAL}) {
+            interrupt(state, exchange, killed);
+            interrupt(state, exchange, EIO);
+        }
+    }
+    EXPECT_GT(calls, 200);
+}
+
+TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
+    int calls = 0;
+    for (int at = 1;; ++at) {
+        reset();
+        const int status = runTraced([&] { return install(); },
+                                     [&](const TracedCall &call) { return call.count == at ? killed : goOn; });
+        if (status != killedStatus) {
+            EXPECT_EQ(status, 0);
+            break;
+        }
+        calls = at;
+        expectStartable(target, at);
+        BundleInstaller(applications, signing).recover(name);
+        EXPECT_NE(vouchedVersion(target), "none") << "before call " << at;
+        EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "before call " << at;
+    }
+    EXPECT_GT(calls, 200);
+    RecordProperty("points", calls);
+    std::cout << "killed before each of " << calls << " system calls\n";
+}
+
+TEST_F(Installing, LeavesOneOfTheTwoWhereNamesCannotBeExchanged) {
+    int calls = 0;
+    for (int at = 1;; ++at) {
+        reset();
+        bool counts = false;
+        int count = 0;
+        const int status = runTraced([&] { return install(); },
+                                     [&](const TracedCall &call) {
+                                         if (isExchange(call)) {
+                                             counts = true;
+                                             return EINVAL;
+                                         }
+                                         return counts && ++count == at ? killed : goOn;
+                                     });
+        if (status != killedStatus) {
+            EXPECT_EQ(status, 0);
+            break;
+        }
+        calls = at;
+        expectStartable(QFile::exists(target) ? target : target + QStringLiteral(".previous"), at);
+        BundleInstaller(applications, signing).recover(name);
+        expectStartable(target, at);
+        expectClean();
+    }
+    EXPECT_GT(calls, 50);
+    std::cout << "killed before each of " << calls << " system calls of the fall-back\n";
+}
+
+TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskFailsAtAnyWrite) {
+    const struct {
+        int error;
+        bool lasts;
+        Verdict exchange;
+    } faults[] = {{ENOSPC, false, goOn}, {EROFS, true, goOn}, {EACCES, false, EINVAL}, {EIO, true, EINVAL}};
+    for (const auto &[error, lasts, exchange] : faults) {
+        int tried = 0;
+        for (int at = 1;; ++at) {
+            reset();
+            int count = 0;
+            const int status =
+                runTraced([&] { return install(); },
+                          [&](const TracedCall &call) {
+                              if (isExchange(call) && exchange != goOn) {
+                                  return exchange;
+                              }
+                              count += changesDisk(call) ? 1 : 0;
+                              return changesDisk(call) && (count == at || (lasts && count > at)) ? error : goOn;
+                          });
+            if (count < at) {
+                EXPECT_EQ(status, 0);
+                break;
+            }
+            tried = at;
+            if (!lasts) {
+                EXPECT_EQ(vouchedVersion(target), status == failed ? "1" : "2") << "write " << at;
+            }
+            BundleInstaller(applications, signing).recover(name);
+            expectStartable(target, at);
+            EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "write " << at;
+        }
+        EXPECT_GT(tried, 50);
+        std::cout << "failed each of " << tried << (lasts ? " writes and all after it\n" : " writes\n");
+    }
+}
+
+TEST_F(Installing, ChangesNothingOnADiskThatIsReallyFull) {
+    constexpr int notAllowed = 3;
+    constexpr int broken = 4;
+    const auto onDisk = [this](int kilobytes) {
+        QDir(applications).removeRecursively();
+        QDir().mkpath(applications);
+        const std::string size = "mode=700,size=" + std::to_string(kilobytes) + "k";
+        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("tmpfs", qPrintable(applications), "tmpfs", 0, size.c_str()) != 0) {
+            return notAllowed;
+        }
+        makeSignedBundle(target, 1);
+        const int status = install();
+        const bool isWhole = vouchedVersion(target) == (status == 0 ? "2" : "1");
+        return isWhole && !left().contains(QStringLiteral(".Quillory.app.new")) ? status : broken;
+    };
+    constexpr int largest = 160;
+    int failures = 0;
+    for (int kilobytes = 44; kilobytes <= largest; kilobytes += 4) {
+        const int status = runTraced([&] { return onDisk(kilobytes); }, [](const TracedCall &) { return goOn; });
+        if (status == notAllowed) {
+            GTEST_SKIP() << "mounting a small disk is not allowed here; every write has been let fail above";
+        }
+        ASSERT_THAT(status, AnyOf(0, failed)) << kilobytes;
+        failures += status;
+        EXPECT_TRUE(kilobytes < largest || status == 0);
+    }
+    EXPECT_GT(failures, 3);
+}
+
+} // namespace
+} // namespace quillory::test
