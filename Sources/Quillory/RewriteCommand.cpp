@@ -25,9 +25,10 @@ struct Order {
     bool asJSON = false;
 };
 
-/// A mistake in the arguments or the input, as a sentence without its full stop.
-struct Misuse {
+/// What cannot be carried out, as a sentence without its full stop.
+struct Refusal {
     QString sentence;
+    int status = exitStatus::failure;
 };
 
 QStringList toneNames() {
@@ -42,7 +43,7 @@ Tone toneNamed(const QString &name) {
     const auto found = std::ranges::find_if(
         allTones, [&](Tone tone) { return rawValue(tone).compare(name, Qt::CaseInsensitive) == 0; });
     if (found == std::end(allTones)) {
-        throw Misuse{QStringLiteral("a tone is one of ") + toneNames().join(QStringLiteral(", "))};
+        throw Refusal{QStringLiteral("a tone is one of ") + toneNames().join(QStringLiteral(", ")), exitStatus::misuse};
     }
     return *found;
 }
@@ -50,7 +51,7 @@ Tone toneNamed(const QString &name) {
 QString readDraft(std::istream &input) {
     std::optional<QString> draft = readText(input);
     if (!draft) {
-        throw Misuse{QStringLiteral("the draft must be UTF-8 text of at most a megabyte")};
+        throw Refusal{QStringLiteral("the draft must be UTF-8 text of at most a megabyte")};
     }
     return *std::move(draft);
 }
@@ -65,9 +66,17 @@ Order orderFrom(const CommandArguments &given, std::istream &input) {
     const bool isFromInput = words.isEmpty() || words == QStringList{QStringLiteral("-")};
     order.draft = isFromInput ? readDraft(input) : words.join(u' ');
     if (text::trimmed(order.draft).isEmpty()) {
-        throw Misuse{QStringLiteral("there is no draft")};
+        throw Refusal{QStringLiteral("there is no draft")};
     }
     return order;
+}
+
+/// What can be shown of an answer that still grows: without an end that may become one of the tags to leave out.
+QString settled(const QString &soFar) {
+    constexpr qsizetype longestTag = 15;
+    const qsizetype open = soFar.lastIndexOf(u'<');
+    const bool mayBeTag = open >= 0 && soFar.size() - open < longestTag && !soFar.sliced(open).contains(u'>');
+    return cleanedAnswer(mayBeTag ? soFar.first(open) : soFar);
 }
 
 /// Shows an answer as it grows on a terminal, and ends its line, whatever comes next.
@@ -114,14 +123,16 @@ void carryOut(const Order &order, const CommandStreams &streams) {
     Growing growing(streams.output);
     const QString answer = rewriteOf(order, model, [&](const QString &soFar) {
         if (isShownGrowing) {
-            growing.show(soFar);
+            growing.show(settled(soFar));
         }
     });
     if (order.asJSON) {
         const nlohmann::json document{
             {"rewrite", answer.toStdString()}, {"model", model.toStdString()}, {"seconds", clock.now() - start}};
         streams.output << document.dump(2) << '\n';
-    } else if (!isShownGrowing) {
+    } else if (isShownGrowing) {
+        growing.show(answer);
+    } else {
         streams.output << answer.toStdString() << '\n';
     }
 }
@@ -155,8 +166,8 @@ int runRewriteCommand(const QStringList &arguments, const CommandStreams &stream
     try {
         carryOut(orderFrom(given, streams.input), streams);
         return exitStatus::success;
-    } catch (const Misuse &misuse) {
-        return fail(streams, misuse.sentence, exitStatus::misuse);
+    } catch (const Refusal &refusal) {
+        return fail(streams, refusal.sentence, refusal.status);
     } catch (const std::exception &error) {
         return fail(streams, QString::fromUtf8(error.what()), exitStatus::failure);
     }
