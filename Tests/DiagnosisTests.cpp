@@ -58,7 +58,7 @@ struct Diagnosis : testing::Test {
         desktop.hasStatusNotifier = true;
         desktop.isRunning = true;
         desktop.canGrabTab = desktop.canGrabEscape = true;
-        own.hasKey = true;
+        own.hasKey = own.isKeyKept = true;
         own.serviceHost = utf16("service.example");
     }
     Finding of(const char *check) const {
@@ -93,7 +93,9 @@ TEST_F(Diagnosis, TellsWhatStandsInTheWayFromWhatIsWorthKnowing) {
         {"keys", [](auto &d) { d.desktop.canGrabTab = false; }, State::problem, "taken Tab"},
         {"keys", [](auto &d) { d.desktop.canGrabEscape.reset(); }, State::problem, "cannot be tried"},
         {"tray", [](auto &d) { d.desktop.hasStatusNotifier = false; }, State::note, "none"},
-        {"key", [](auto &d) { d.own.hasKey = false; }, State::problem, "none is set", Remedy::enterKey},
+        {"key", [](auto &d) { d.own.hasKey = d.own.isKeyKept = false; }, State::problem, "none is set",
+         Remedy::enterKey},
+        {"key", [](auto &d) { d.own.hasKey = false; }, State::problem, "is locked"},
         {"key", [](auto &d) { d.own.keyFault = utf16("broken"); }, State::problem, "broken", Remedy::enterKey},
         {"service", [](auto &d) { d.own.serviceFault = utf16("unreachable"); }, State::problem, "unreachable"},
         {"suggestions", [](auto &d) { d.own.areSuggestionsOn = false; }, State::problem, "switched off"},
@@ -110,6 +112,9 @@ TEST_F(Diagnosis, TellsWhatStandsInTheWayFromWhatIsWorthKnowing) {
         EXPECT_EQ(finding.remedy, remedy) << says;
         EXPECT_EQ(works(), state != State::problem) << says;
     }
+    SetUp();
+    desktop.isAccessibilityKept = desktop.hasAccessibilityBus = false;
+    EXPECT_EQ(of("accessibility-kept").advice, QString()) << "nothing can be fixed without the bus";
 }
 
 TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {

@@ -17,6 +17,7 @@ QString failure(const QString &description) {
 } // namespace
 
 QString triedConnection(const std::stop_token &stop) {
+    AppSettings::shared().store().askAgain();
     try {
         static_cast<void>(OpenRouterClient::rewrite(QStringLiteral("helo this is a quik test mesage"), stop));
         return QStringLiteral("✓ Working");
@@ -34,7 +35,6 @@ void ConnectionTest::run() {
         return;
     }
     m_isTesting = true;
-    AppSettings::shared().store().askAgain();
     m_result.reset();
     const auto task = m_tasks.start([this, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
         platform::current().mainQueue.post([this, life, result = triedConnection(stop)] {

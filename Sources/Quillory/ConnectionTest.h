@@ -8,6 +8,7 @@
 namespace quillory {
 
 /// Asks the model service once, on the calling thread. What came of it, for the user: begins with "✓" or "✗".
+/// A password store that is locked may ask to be unlocked once more.
 [[nodiscard]] QString triedConnection(const std::stop_token &stop);
 
 /// Asks the model service for one small rewrite, to see whether it answers. Main thread only.

@@ -75,8 +75,12 @@ std::optional<QString> shownValue(const Setting &setting, const platform::UserDe
         return json ? std::optional(QString::fromUtf8(*json)) : std::nullopt;
     }
     case Type::secret:
-        return store.string(setting.key).value_or(QString()).isEmpty() ? std::nullopt
-                                                                       : std::optional(QStringLiteral("(set)"));
+        if (!store.string(setting.key).value_or(QString()).isEmpty()) {
+            return QStringLiteral("(set)");
+        }
+        return store.isKept(setting.key)
+                   ? std::optional(QStringLiteral("(set; its password store is locked or does not answer)"))
+                   : std::nullopt;
     case Type::string:
         break;
     }

@@ -101,8 +101,10 @@ Finding aboutAccessibilityLater(const DesktopFacts &desktop) {
     } else {
         finding.state = State::note;
         finding.found = QStringLiteral("accessibility will be off again");
-        finding.advice = QStringLiteral("quillory doctor --fix keeps it on.");
-        finding.remedy = desktop.hasAccessibilityBus ? Remedy::enableAccessibility : Remedy::none;
+        if (desktop.hasAccessibilityBus) {
+            finding.advice = QStringLiteral("quillory doctor --fix keeps it on.");
+            finding.remedy = Remedy::enableAccessibility;
+        }
     }
     return finding;
 }
@@ -258,6 +260,12 @@ Finding aboutKey(const ProgramFacts &program) {
         return finding;
     }
     finding.state = State::problem;
+    if (!program.hasKey && program.isKeyKept) {
+        finding.found = QStringLiteral("kept in the password store, which is locked or does not answer");
+        finding.advice = QStringLiteral("Unlock it and check again. If that does not help, enter the key anew with: "
+                                        "quillory setup");
+        return finding;
+    }
     finding.found = program.hasKey ? program.keyFault : QStringLiteral("none is set");
     finding.advice = QStringLiteral("Enter one with: quillory setup");
     finding.remedy = Remedy::enterKey;

@@ -8,7 +8,10 @@ namespace quillory {
 
 /// What is known of the program itself.
 struct ProgramFacts {
+    /// Whether the key can be read.
     bool hasKey = false;
+    /// Whether there is one, which may be in a password store that is locked.
+    bool isKeyKept = false;
     /// What is wrong with the key, as a sentence; empty when nothing is.
     QString keyFault;
     /// Where requests go.

@@ -42,6 +42,7 @@ ProgramFacts examineProgram(const std::stop_token &stop) {
     facts.version = QStringLiteral(QUILLORY_VERSION);
     const QString key = text::trimmed(AppSettings::shared().apiKey());
     facts.hasKey = !key.isEmpty();
+    facts.isKeyKept = AppSettings::shared().isKeySet();
     // A key with a line break in it is never sent.
     if (facts.hasKey && enteredKey(key).key != key) {
         facts.keyFault = QStringLiteral("the key holds a space, a line break or a character that no key has");
