@@ -90,10 +90,11 @@ TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
     EXPECT_EQ(window.focusWidget(), nullptr) << "the next button would take a second press of the key";
     ASSERT_TRUE(runUntil([&] { return again->isEnabled(); }));
     EXPECT_EQ(window.focusWidget(), again);
-    button(window, u"Switch On"_s)->click();
-    ASSERT_TRUE(runUntil([&] { return says(window, u"Accessibility is on."_s); }));
-
     auto *const field = window.findChild<QLineEdit *>();
+    button(window, u"Switch On"_s)->click();
+    field->setFocus();
+    ASSERT_TRUE(runUntil([&] { return says(window, u"Accessibility is on."_s); }));
+    EXPECT_EQ(window.focusWidget(), field) << "the user has gone on to the key";
     EXPECT_EQ(field->echoMode(), QLineEdit::Password);
     QApplication::clipboard()->setText(u"sk-or-\r\nv1 \n"_s);
     field->paste();
@@ -103,6 +104,22 @@ TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
     EXPECT_EQ(stored, u"sk-or-v1"_s);
     EXPECT_TRUE(runUntil([&] { return button(window, u"Test"_s) != nullptr; }));
     EXPECT_FALSE(says(window, u"sk-or"_s));
+}
+
+TEST_F(SetupWindowTest, SavesWhatWasEnteredWhileItLooked) {
+    desktop.urlSession.onRequest([](SimulatedExchange & /*exchange*/) {}); // looking takes its time
+    const ui::SetupWindow window({*this, *this, *this});
+    ASSERT_TRUE(runUntil([&] { return desktop.urlSession.requestCount() == 1; }));
+    auto *const field = window.findChild<QLineEdit *>();
+    for (const QString &typed : {u"sk-or"_s, u"sk-or-v1"_s}) {
+        field->setText(typed);
+        EXPECT_FALSE(says(window, u"Saving…"_s)) << "what was entered has changed since";
+        Q_EMIT field->returnPressed();
+        EXPECT_TRUE(says(window, u"Saving…"_s));
+    }
+    desktop.urlSession.onRequest([](SimulatedExchange &exchange) { exchange.answer({}); });
+    desktop.urlSession.exchange(0)->answer({});
+    EXPECT_TRUE(runUntil([&] { return stored == u"sk-or-v1"_s && field->text().isEmpty(); }));
 }
 
 TEST_F(SetupWindowTest, WaitsForNoWorkWhenItIsClosed) {

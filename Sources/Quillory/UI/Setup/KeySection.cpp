@@ -8,6 +8,8 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 
+#include <utility>
+
 namespace quillory::ui {
 
 namespace {
@@ -36,7 +38,7 @@ KeySection::KeySection(std::function<void(const QString &)> save)
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(section);
-    connect(m_field, &QLineEdit::textChanged, this, [this] { showButtons(); });
+    connect(m_field, &QLineEdit::textChanged, this, [this] { takeBack(); });
     connect(m_field, &QLineEdit::returnPressed, this, [this] { submit(); });
     connect(m_saveButton, &QPushButton::clicked, this, [this] { submit(); });
     connect(m_testButton, &QPushButton::clicked, this, [this] { m_test.run(); });
@@ -66,14 +68,33 @@ QWidget *KeySection::testRow() {
 }
 
 void KeySection::submit() {
-    if (m_saveButton->isEnabled()) {
-        m_result->setText(QStringLiteral("Saving… The desktop may ask for the password of its password store."),
-                          Tint::secondary);
+    if (m_field->text().isEmpty()) {
+        return;
+    }
+    m_result->setText(QStringLiteral("Saving… The desktop may ask for the password of its password store."),
+                      Tint::secondary);
+    m_isWaiting = m_isBusy;
+    if (!m_isBusy) {
         m_save(m_field->text());
     }
 }
 
+void KeySection::saveWaiting() {
+    if (std::exchange(m_isWaiting, false)) {
+        submit();
+    }
+}
+
+/// Half of a key must not be saved because an earlier text was entered.
+void KeySection::takeBack() {
+    if (std::exchange(m_isWaiting, false)) {
+        m_result->setText({}, Tint::secondary);
+    }
+    showButtons();
+}
+
 void KeySection::showOutcome(const QString &sentence, bool isSaved) {
+    m_isWaiting = false; // entered once more while it was being saved
     m_result->setText(sentence, isSaved ? Tint::good : Tint::bad);
     if (isSaved) {
         m_field->clear();

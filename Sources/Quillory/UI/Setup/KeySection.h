@@ -21,13 +21,17 @@ class KeySection final : public QWidget {
     /// Says what came of saving. A key that was saved leaves the field.
     void showOutcome(const QString &sentence, bool isSaved);
     void setKeyKnown(bool hasKey);
+    /// While busy nothing can be saved; what is entered then waits for saveWaiting().
     void setBusy(bool isBusy);
+    /// Saves what was entered while this was busy, if anything.
+    void saveWaiting();
     void focusField();
 
   private:
     [[nodiscard]] QWidget *fieldRow();
     [[nodiscard]] QWidget *testRow();
     void submit();
+    void takeBack();
     void showTest();
     void showButtons();
 
@@ -38,6 +42,8 @@ class KeySection final : public QWidget {
     ClampedText *m_result;
     bool m_isBusy = false;
     bool m_hasKey = false;
+    /// Whether the user entered what is in the field while this was busy, and has not changed it since.
+    bool m_isWaiting = false;
     ConnectionTest m_test;
 };
 

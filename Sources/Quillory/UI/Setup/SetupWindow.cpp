@@ -2,6 +2,7 @@
 #include "Quillory/UI/Setup/SetupWindow.h"
 
 #include "Platform/Platform.h"
+#include "Quillory/AppSettings.h"
 #include "Quillory/UI/Settings/Form.h"
 #include "Quillory/UI/Settings/SlimScrollBar.h"
 #include "Quillory/UI/Setup/FindingRow.h"
@@ -78,7 +79,10 @@ QWidget *SetupWindow::bottomRow() {
     line->addWidget(m_close);
     m_again->setAutoDefault(false);
     m_close->setAutoDefault(false);
-    connect(m_again, &QPushButton::clicked, this, [this] { look(); });
+    connect(m_again, &QPushButton::clicked, this, [this] {
+        AppSettings::shared().store().askAgain();
+        look();
+    });
     connect(m_close, &QPushButton::clicked, this, [this] { close(); });
     return row;
 }
@@ -93,6 +97,9 @@ template <typename Work, typename Done> void SetupWindow::start(const QString &s
             if (!life.expired()) {
                 setBusy(false, {});
                 done(result);
+                if (!m_isBusy) {
+                    m_key->saveWaiting();
+                }
             }
         });
     });
@@ -132,14 +139,16 @@ void SetupWindow::show(std::vector<Finding> findings) {
 }
 
 /// By keyboard one goes through the window from its top to its bottom, and after mending something to what is left. The
-/// row that had the focus is gone.
+/// row that had the focus is gone; who has gone on to the key by then stays there.
 void SetupWindow::orderFocus(const QWidget &page) {
     const auto buttons = page.findChildren<QPushButton *>();
     if (!buttons.isEmpty()) {
         setTabOrder(buttons.last(), m_again);
         setTabOrder(m_again, m_close);
     }
-    if (std::exchange(m_hasMended, false) || focusWidget() == nullptr) {
+    const QWidget *const focused = focusWidget();
+    const bool hasMended = std::exchange(m_hasMended, false);
+    if (focused == nullptr || (hasMended && !m_key->isAncestorOf(focused))) {
         (buttons.isEmpty() ? m_close : buttons.first())->setFocus(Qt::TabFocusReason);
     }
 }
