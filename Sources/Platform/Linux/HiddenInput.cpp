@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <poll.h>
@@ -21,11 +22,14 @@ int signalPipe = -1;
 
 /// A signal handler may do next to nothing; writing into a pipe is allowed.
 void noteSignal(int number) {
+    const int before = errno; // what it interrupts may be about to look at it
     const auto byte = static_cast<unsigned char>(number);
     [[maybe_unused]] const ssize_t ignored = write(signalPipe, &byte, 1);
+    errno = before;
 }
 
-/// Holds such signals back while it lives, on whichever thread they arrive. One that the program ignores stays ignored.
+/// Holds such signals back while it lives, on whichever thread they arrive, and lets all of them through at its end,
+/// which the program may not survive. One that the program ignores stays ignored.
 class HeldSignals {
   public:
     HeldSignals() {
@@ -50,16 +54,16 @@ class HeldSignals {
         for (std::size_t i = 0; m_arrived && i < endingAndStopping.size(); ++i) {
             sigaction(endingAndStopping[i], &m_before[i], nullptr);
         }
+        unsigned char number = 0;
+        while (m_arrived && ::read(m_arrived.get(), &number, 1) == 1) {
+            ::raise(number); // ends here, or stops here until it goes on
+        }
     }
     HeldSignals(const HeldSignals &) = delete;
     HeldSignals &operator=(const HeldSignals &) = delete;
 
+    /// Can be read from once one has come; nothing is to be read by others.
     [[nodiscard]] int descriptor() const { return m_arrived.get(); }
-    /// The first that came; 0 for none.
-    [[nodiscard]] int arrived() const {
-        unsigned char byte = 0;
-        return m_arrived && read(m_arrived.get(), &byte, 1) == 1 ? byte : 0;
-    }
 
   private:
     FileDescriptor m_arrived;
@@ -93,8 +97,8 @@ class Hidden {
 
 struct Typed {
     QByteArray text;
-    /// What came instead of the end of the text; 0 for none.
-    int signal = 0;
+    /// Whether a signal came instead of the end of the text.
+    bool isInterrupted = false;
 };
 
 Typed readUnlessSignalled() {
@@ -108,8 +112,11 @@ Typed readUnlessSignalled() {
     while (typed.text.size() < longest) {
         std::array<pollfd, 2> watched{{{STDIN_FILENO, POLLIN, 0}, {signals.descriptor(), POLLIN, 0}}};
         const int ready = poll(watched.data(), watched.size(), typed.text.isEmpty() ? noLimit : pasteTime);
-        typed.signal = signals.arrived();
-        if (typed.signal != 0 || ready == 0) {
+        if (ready < 0 && errno == EINTR) {
+            continue; // and sees why
+        }
+        typed.isInterrupted = watched[1].revents != 0;
+        if (typed.isInterrupted || ready == 0) {
             break;
         }
         const ssize_t count = watched[0].revents != 0 ? ::read(STDIN_FILENO, piece.data(), piece.size()) : 0;
@@ -127,10 +134,7 @@ QString readHidden() {
     Typed typed;
     do {
         typed = readUnlessSignalled();
-        if (typed.signal != 0) {
-            ::raise(typed.signal); // ends here, or stops here and asks anew once it goes on
-        }
-    } while (typed.signal != 0);
+    } while (typed.isInterrupted);
     return QString::fromUtf8(typed.text);
 }
 
