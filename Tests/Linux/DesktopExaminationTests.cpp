@@ -3,6 +3,7 @@
 #include "Platform/Linux/Desktop/LinuxExamination.h"
 #include "Platform/Linux/Desktop/LinuxMending.h"
 #include "Platform/Linux/Desktop/OwnProgram.h"
+#include "Platform/Linux/Desktop/RestartArguments.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Keyboard.h"
 #include "RealDesktop/RealDesktop.h"
@@ -117,6 +118,60 @@ TEST_F(DesktopExaminationTest, SeesTheBoxInABrowsersPage) {
     const PageFacts &seen = facts.applications[0].tree->pages.front();
     EXPECT_EQ(seen.fields[0].role, axRole::textArea);
     EXPECT_TRUE(seen.frame && seen.fields[0].frame && seen.fields[0].frame->midY() < seen.frame->midY());
+}
+
+TEST(RestartArguments, OpenTheSameWindowsAndGiveSwitchesOnlyToWhatTakesThem) {
+    const auto isFolder = [](const QString &path) {
+        return path == QStringLiteral("/home/u/work") || path == QStringLiteral("/home/u/my work");
+    };
+    const QString path = QStringLiteral("/usr/lib/program");
+    const char *chromium = "org.chromium.Chromium";
+    const char *other = "net.whatsapp.zapzap";
+    const struct {
+        const char *identifier;
+        /// Pieces of the command line, and of what is expected.
+        std::vector<const char *> running;
+        std::vector<const char *> expected;
+    } cases[] = {
+        {chromium, {"/usr/lib/program"}, {"--restore-last-session"}},
+        {chromium,
+         {"/usr/lib/program --type --user-data-dir=/home/u/work https://web.whatsapp.com"},
+         {"--restore-last-session", "--user-data-dir=/home/u/work"}},
+        {chromium,
+         {"/usr/lib/program --user-data-dir=/home/u/my work --app=https://a.b/ /tmp/a --type"},
+         {"--user-data-dir=/home/u/my work", "--app=https://a.b/"}},
+        {chromium, {"/usr/lib/program --user-data-dir=/gone --app-id=abc https://a.b/"}, {"--app-id=abc"}},
+        {"com.google.Chrome.beta",
+         {"/usr/lib/program --profile-directory=Profile 1 web.whatsapp.com"},
+         {"--restore-last-session", "--profile-directory=Profile 1"}},
+        {"com.brave.Browser",
+         {"/usr/lib/program --profile-directory=My Own https://a.b/"},
+         {"--restore-last-session", "--profile-directory=My Own"}},
+        {"com.vivaldi.Vivaldi",
+         {"/usr/lib/program --profile-directory=My Own /tmp/a.html"},
+         {"--restore-last-session", "--profile-directory=My Own"}},
+        {"com.microsoft.edgemac",
+         {"program", "--ozone-platform=wayland", "https://a.b/"},
+         {"--restore-last-session", "https://a.b/"}},
+        {"net.whatsapp.altus", {"/usr/lib/program /opt/altus.asar --quiet"}, {"/opt/altus.asar", "--quiet"}},
+        {other,
+         {"python3", "/usr/bin/zapzap", "--ozone-platform=wayland"},
+         {"/usr/bin/zapzap", "--ozone-platform=wayland"}},
+        {other, {"/opt/my programs/wrapper"}, {}},
+        {"net.whatsapp.wasistlos", {"program", "a b"}, {"a b"}},
+    };
+    const auto list = [](const std::vector<const char *> &pieces) {
+        QStringList whole;
+        std::ranges::transform(pieces, std::back_inserter(whole), [](auto piece) { return QLatin1StringView(piece); });
+        return whole;
+    };
+    for (const auto &[identifier, running, expected] : cases) {
+        const auto kind = desktop::programKind(QLatin1StringView(identifier));
+        const bool takesSwitches = kind == desktop::ProgramKind::chromium || kind == desktop::ProgramKind::electron;
+        const QStringList switches(takesSwitches ? 1 : 0, QStringLiteral("--ozone-platform=x11"));
+        EXPECT_EQ(desktop::restartArguments(kind, list(running), path, isFolder), switches + list(expected))
+            << identifier << ": " << running.front();
+    }
 }
 
 /// Of a stand-in, which is known by its name alone.

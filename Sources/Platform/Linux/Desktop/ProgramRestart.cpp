@@ -4,12 +4,12 @@
 #include "Platform/Linux/Accessibility/Waiting.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 #include "Platform/Linux/Applications/OtherPrograms.h"
+#include "Platform/Linux/Desktop/RestartArguments.h"
 #include "Platform/Linux/FileDescriptor.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -65,45 +65,45 @@ QStringList commandLine(qint32 pid) {
     return arguments;
 }
 
-/// The arguments that a program was started with. Chromium and its kin write them anew as one piece, of which only
-/// those are taken that say which windows to open.
-QStringList argumentsOf(qint32 pid) {
-    const QStringList whole = commandLine(pid);
-    if (whole.size() != 1) {
-        return whole.mid(1);
+/// What to start instead of a running executable: the launcher of that name, which may set things up, or itself. Empty
+/// for one in a sandbox: what has its name outside is another program.
+QString launcherOf(qint32 pid, const QString &executable) {
+    if (QFileInfo::exists(QStringLiteral("/proc/%1/root/.flatpak-info").arg(pid))) {
+        return {};
     }
-    static const QRegularExpression wanted(
-        QStringLiteral(" (--(?:user-data-dir|profile-directory|app|app-id)=.+?)(?= --|$)"));
-    QStringList arguments;
-    for (const auto &found : wanted.globalMatch(whole.first())) {
-        arguments += found.captured(1);
-    }
-    return arguments;
-}
-
-/// What to start instead of a running executable: the launcher of that name, which may set things up, or itself.
-QString launcherOf(qint32 pid) {
-    const auto process = processes::fingerprint(pid);
-    const QString executable = process ? processes::withoutDeletedMark(process->executable) : QString();
     const QString launcher = QStandardPaths::findExecutable(processes::fileName(executable));
     return launcher.isEmpty() && QFileInfo(executable).isExecutable() ? executable : launcher;
 }
 
-void prepare(QProcess &program, const ApplicationFacts &application, QStringList arguments) {
-    keepApart(program);
-    QProcessEnvironment environment = program.processEnvironment();
-    if (application.bundleIdentifier.startsWith(QStringLiteral("org.mozilla."))) {
+/// Where a program runs, as its arguments may name files from there.
+QDir folderOf(qint32 pid) {
+    const QString folder = QFileInfo(QStringLiteral("/proc/%1/cwd").arg(pid)).symLinkTarget();
+    return QFileInfo(folder).isDir() ? QDir(folder) : QDir::home();
+}
+
+/// What makes a program use the X display and show its tree, where no argument does.
+QProcessEnvironment environmentFor(ProgramKind kind, QProcessEnvironment environment) {
+    if (kind == ProgramKind::mozilla) {
         environment.insert(QStringLiteral("GNOME_ACCESSIBILITY"), QStringLiteral("1"));
         environment.insert(QStringLiteral("MOZ_ENABLE_WAYLAND"), QStringLiteral("0"));
-    } else {
-        if (arguments.filter(QStringLiteral("--app")).isEmpty()) {
-            arguments.prepend(QStringLiteral("--restore-last-session"));
-        }
-        arguments.prepend(QStringLiteral("--ozone-platform=x11"));
+    } else if (kind == ProgramKind::other) { // GTK, Qt, and Electron that is not known to be it
+        environment.insert(QStringLiteral("GDK_BACKEND"), QStringLiteral("x11"));
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+        environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+        environment.insert(QStringLiteral("ELECTRON_OZONE_PLATFORM_HINT"), QStringLiteral("x11"));
     }
-    program.setProcessEnvironment(environment);
-    program.setArguments(arguments);
-    program.setWorkingDirectory(QDir::homePath());
+    return environment;
+}
+
+void prepare(QProcess &program, const ApplicationFacts &application, const QString &executable) {
+    const ProgramKind kind = programKind(application.bundleIdentifier);
+    const QDir folder = folderOf(application.pid);
+    const auto isFolder = [&](const QString &path) { return QFileInfo(folder, path).isDir(); };
+    keepApart(program);
+    program.setProgram(launcherOf(application.pid, executable));
+    program.setArguments(restartArguments(kind, commandLine(application.pid), executable, isFolder));
+    program.setProcessEnvironment(environmentFor(kind, program.processEnvironment()));
+    program.setWorkingDirectory(folder.path());
 }
 
 /// Whether a program that is started is still there after a moment; one that refuses to run ends at once.
@@ -125,13 +125,14 @@ bool restartProgram(const ApplicationFacts &application, const std::stop_token &
     constexpr std::chrono::seconds patience(10);
     // Held first and compared then: what was compared is what the signal goes to.
     const FileDescriptor process = hold(application.pid);
-    const QString launcher = process && isStill(application) ? launcherOf(application.pid) : QString();
-    if (launcher.isEmpty()) {
+    const auto found = process && isStill(application) ? processes::fingerprint(application.pid) : std::nullopt;
+    QProcess program;
+    if (found) {
+        prepare(program, application, processes::withoutDeletedMark(found->executable));
+    }
+    if (program.program().isEmpty()) {
         return false; // gone, or inside a sandbox, and nothing that could start it again
     }
-    QProcess program;
-    program.setProgram(launcher);
-    prepare(program, application, argumentsOf(application.pid));
     // Once it is told to end it is waited for in any case: its user would be left without it.
     return pidfd_send_signal(process.get(), SIGTERM, nullptr, 0) == 0 && ends(process, patience) &&
            startsAndStays(program, stop);
