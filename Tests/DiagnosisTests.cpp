@@ -173,7 +173,10 @@ struct MendableDesktop final : platform::DesktopExamination, platform::DesktopMe
         return true;
     }
     bool start(const std::stop_token & /*stop*/) override { return false; }
-    bool restart(const ApplicationFacts & /*application*/, const std::stop_token & /*stop*/) override { return false; }
+    platform::RestartOutcome restart(const ApplicationFacts & /*application*/,
+                                     const std::stop_token & /*stop*/) override {
+        return platform::RestartOutcome::failed;
+    }
 };
 
 TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {

@@ -88,6 +88,15 @@ class DesktopExamination {
     [[nodiscard]] virtual DesktopFacts examine(const std::stop_token &stop) = 0;
 };
 
+/// What came of starting a program anew.
+enum class RestartOutcome {
+    restarted,
+    /// It was told to end and takes long over it, or asks its user something; it is not started again.
+    isStillEnding,
+    /// It was gone already, cannot be started from here, or did not come up.
+    failed,
+};
+
 /// Changes what the user asked to have changed on the desktop. Each operation says whether it worked; one that takes a
 /// token may take some seconds, and no longer waits for the outcome once that asks to stop.
 class DesktopMending {
@@ -100,9 +109,9 @@ class DesktopMending {
     /// Starts the program on this display; whether it runs.
     virtual bool start(const std::stop_token &stop) = 0;
     /// Ends a program as its user would and starts it again, so that it comes up with its tree and, in a Wayland
-    /// session, on the X display. Touches nothing when the program that was found has ended meanwhile. What was ended
-    /// is started again even when the token asks to stop.
-    virtual bool restart(const ApplicationFacts &application, const std::stop_token &stop) = 0;
+    /// session, on the X display. Touches nothing when the program that was found has ended meanwhile. What ends within
+    /// some seconds is started again even when the token asks to stop.
+    virtual RestartOutcome restart(const ApplicationFacts &application, const std::stop_token &stop) = 0;
 };
 
 } // namespace platform

@@ -5,6 +5,20 @@
 
 namespace quillory {
 
+namespace {
+QString outcomeOf(platform::RestartOutcome restart) {
+    switch (restart) {
+    case platform::RestartOutcome::restarted:
+        return QStringLiteral(" was started again.");
+    case platform::RestartOutcome::isStillEnding:
+        return QStringLiteral(" is still ending. Start it yourself once it is gone.");
+    case platform::RestartOutcome::failed:
+        break;
+    }
+    return QStringLiteral(" could not be started again. Start it yourself.");
+}
+} // namespace
+
 std::vector<Finding> SetupWork::look(const std::stop_token &stop) const {
     return diagnose(m_examination.examine(stop), examineProgram(stop));
 }
@@ -19,9 +33,8 @@ QString SetupWork::mend(const Finding &finding, const std::stop_token &stop) con
                    ? QStringLiteral("The desktop was asked to keep accessibility on.")
                    : QStringLiteral("Accessibility is on. Browsers that were running must be restarted once.");
     case Remedy::restart:
-        return finding.application && m_mending.restart(*finding.application, stop)
-                   ? finding.title + QStringLiteral(" was started again.")
-                   : finding.title + QStringLiteral(" could not be started again. Start it yourself.");
+        return finding.title + outcomeOf(finding.application ? m_mending.restart(*finding.application, stop)
+                                                             : platform::RestartOutcome::failed);
     case Remedy::startAtLogin:
         return m_mending.setStartsAtLogin(true) ? QStringLiteral("Quillory starts at your next login.")
                                                 : QStringLiteral("The entry for the autostart could not be written.");

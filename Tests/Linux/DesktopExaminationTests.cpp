@@ -3,6 +3,7 @@
 #include "Platform/Linux/Desktop/LinuxExamination.h"
 #include "Platform/Linux/Desktop/LinuxMending.h"
 #include "Platform/Linux/Desktop/OwnProgram.h"
+#include "Platform/Linux/Desktop/ProgramRestart.h"
 #include "Platform/Linux/Desktop/RestartArguments.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Keyboard.h"
@@ -187,9 +188,9 @@ TEST_F(DesktopExaminationTest, RestartsTheProgramThatWasFoundAndNoOther) {
     ASSERT_TRUE(waitUntil(find));
     ApplicationFacts earlier = found[0];
     --earlier.startTime;
-    EXPECT_FALSE(mending.restart(earlier, {})) << "its number means another program now";
+    EXPECT_EQ(mending.restart(earlier, {}), RestartOutcome::failed) << "its number means another program now";
     EXPECT_TRUE(first.isRunning());
-    EXPECT_TRUE(mending.restart(found[0], {}));
+    EXPECT_EQ(mending.restart(found[0], {}), RestartOutcome::restarted);
     EXPECT_FALSE(first.isRunning());
     ASSERT_TRUE(find());
     const auto fileOf = [&](const char *name) {
@@ -199,6 +200,10 @@ TEST_F(DesktopExaminationTest, RestartsTheProgramThatWasFoundAndNoOther) {
     EXPECT_TRUE(fileOf("cmdline").endsWith(QByteArray("600", 4)));
     EXPECT_TRUE(fileOf("environ").contains("GNOME_ACCESSIBILITY=1"));
     EXPECT_FALSE(fileOf("environ").contains("made-up-key"));
+    kill(found[0].pid, SIGSTOP);
+    std::stop_source stopped;
+    stopped.request_stop();
+    EXPECT_EQ(desktop::restartProgram(found[0], stopped.get_token(), {}), RestartOutcome::isStillEnding);
     kill(found[0].pid, SIGKILL);
 }
 

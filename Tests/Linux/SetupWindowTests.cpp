@@ -42,8 +42,9 @@ struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::
     }
     bool setStartsAtLogin(bool /*starts*/) override { return false; }
     bool start(const std::stop_token & /*stop*/) override { return false; }
-    bool restart(const platform::ApplicationFacts & /*application*/, const std::stop_token & /*stop*/) override {
-        return false;
+    platform::RestartOutcome restart(const platform::ApplicationFacts & /*application*/,
+                                     const std::stop_token & /*stop*/) override {
+        return platform::RestartOutcome::failed;
     }
     platform::KeyPlace storeKey(const QString &key, const std::stop_token & /*stop*/) override {
         stored = key;

@@ -37,7 +37,7 @@ bool LinuxMending::start(const std::stop_token &stop) {
     return isProgramRunning();
 }
 
-bool LinuxMending::restart(const ApplicationFacts &application, const std::stop_token &stop) {
+RestartOutcome LinuxMending::restart(const ApplicationFacts &application, const std::stop_token &stop) {
     return restartProgram(application, stop);
 }
 

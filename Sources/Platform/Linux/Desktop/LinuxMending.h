@@ -11,7 +11,7 @@ class LinuxMending final : public DesktopMending {
     bool enableAccessibility(const std::stop_token &stop) override;
     bool setStartsAtLogin(bool starts) override;
     bool start(const std::stop_token &stop) override;
-    bool restart(const ApplicationFacts &application, const std::stop_token &stop) override;
+    RestartOutcome restart(const ApplicationFacts &application, const std::stop_token &stop) override;
 };
 
 } // namespace platform::desktop

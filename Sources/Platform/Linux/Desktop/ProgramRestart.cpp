@@ -107,22 +107,21 @@ void prepare(QProcess &program, const ApplicationFacts &application, const QStri
 }
 
 /// Whether a program that is started is still there after a moment; one that refuses to run ends at once.
-bool startsAndStays(QProcess &program, const std::stop_token &stop) {
+bool startsAndStays(QProcess &program, const atspi::StopSignal &stop) {
     constexpr std::chrono::milliseconds moment(1500);
     qint64 pid = 0;
     if (!program.startDetached(&pid)) {
         return false;
     }
-    atspi::StopSignal ended;
-    const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
     const FileDescriptor process = hold(static_cast<qint32>(pid));
-    return process && !ends(process, moment, &ended);
+    return process && !ends(process, moment, &stop);
 }
 
 } // namespace
 
-bool restartProgram(const ApplicationFacts &application, const std::stop_token &stop) {
-    constexpr std::chrono::seconds patience(10);
+RestartOutcome restartProgram(const ApplicationFacts &application, const std::stop_token &stop,
+                              std::chrono::milliseconds patience) {
+    constexpr std::chrono::seconds furtherPatience(20);
     // Held first and compared then: what was compared is what the signal goes to.
     const FileDescriptor process = hold(application.pid);
     const auto found = process && isStill(application) ? processes::fingerprint(application.pid) : std::nullopt;
@@ -131,11 +130,18 @@ bool restartProgram(const ApplicationFacts &application, const std::stop_token &
         prepare(program, application, processes::withoutDeletedMark(found->executable));
     }
     if (program.program().isEmpty()) {
-        return false; // gone, or inside a sandbox, and nothing that could start it again
+        return RestartOutcome::failed; // gone, or inside a sandbox, and nothing that could start it again
     }
+    if (pidfd_send_signal(process.get(), SIGTERM, nullptr, 0) != 0) {
+        return RestartOutcome::failed;
+    }
+    atspi::StopSignal stopped;
+    const std::stop_callback whenAsked(stop, [&stopped] { stopped.request(); });
     // Once it is told to end it is waited for in any case: its user would be left without it.
-    return pidfd_send_signal(process.get(), SIGTERM, nullptr, 0) == 0 && ends(process, patience) &&
-           startsAndStays(program, stop);
+    if (!ends(process, patience) && !ends(process, furtherPatience, &stopped)) {
+        return RestartOutcome::isStillEnding;
+    }
+    return startsAndStays(program, stopped) ? RestartOutcome::restarted : RestartOutcome::failed;
 }
 
 } // namespace platform::desktop
