@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // From the first byte of an answer on the socket to the card's repaint: the program's core, its network layer, its
 // views and its window are the real ones; only the field that is typed into is simulated.
 
 #include "HalfRealDesktop.h"
-#include "Quillory/TypingMonitor.h"
-#include "Quillory/UI/SuggestionViewHost.h"
+#include "Quillory/Monitor/TypingMonitor.h"
+#include "Quillory/UI/Card/SuggestionViewHost.h"
 
 #include <QApplication>
 #include <QWidget>

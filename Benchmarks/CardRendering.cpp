@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What it costs to show an answer of 2,000 characters as it streams in: cards that change in place against cards that
 // are made afresh for each update. Processor time of the main thread, painting included.
 #include "ClockTime.h"
-#include "Quillory/UI/SuggestionViewHost.h"
+#include "Quillory/UI/Card/SuggestionViewHost.h"
 
 #include <QApplication>
 

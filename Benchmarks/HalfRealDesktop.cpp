@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "HalfRealDesktop.h"
 
 #include "Platform/Replacing.h"
-#include "Quillory/AppSettings.h"
+#include "Quillory/Settings/AppSettings.h"
 
 #include <QEventLoop>
 #include <QTimer>

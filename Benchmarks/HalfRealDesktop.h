@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Linux/QtMainQueue.h"
-#include "Platform/Linux/X11/QtPanelWindow.h"
+#include "Platform/Linux/X11/Panel/QtPanelWindow.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Screens.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"

@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Verifies and installs a bundle of 50 MB as an update does, beside sha256sum over its files.
 #include "Platform/Linux/Updates/BundleInstaller.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"

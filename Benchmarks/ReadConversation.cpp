@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads the conversation of a chat in each browser in two ways, in turns: in bulk as the program does when it asks the
 // page itself, and by walking it with libatspi, one blocking call for each attribute. Before that it asks a long chat
 // every 0.4 s, as the program does, of a page to which a message comes every second and of one that does not change.

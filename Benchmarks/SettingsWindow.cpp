@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How long the settings window takes to come up and to follow its user, with 500 FAQ entries and with a profile of a
 // megabyte, on a settings file on disk. Time of the main thread, painting included: by the clock for opening, which
 // waits for the X server and the window manager, else its processor time.
@@ -8,7 +9,7 @@
 #include "Platform/Linux/QtMainQueue.h"
 #include "Platform/Linux/Storage/FileUserDefaults.h"
 #include "Platform/Replacing.h"
-#include "Quillory/AppSettings.h"
+#include "Quillory/Settings/AppSettings.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <QApplication>

@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Asks ten times a second what the program's tick asks of an unchanged field in Chromium, for ten seconds. Prints the
 // messages and round trips on the accessibility bus per tick, and this process's share of one core.
 #include "BrowserPage.h"

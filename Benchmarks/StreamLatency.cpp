@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a streamed answer costs in this program, beside libcurl alone fetching the same bytes from the same server: CPU
 // of the process, and the time from a piece on the socket to onChunk.
 #include "ClockTime.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Replacing.h"
-#include "Quillory/AppSettings.h"
-#include "Quillory/OpenRouterClient.h"
+#include "Quillory/Model/OpenRouterClient.h"
+#include "Quillory/Settings/AppSettings.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 #include "Threaded/LoopbackServer.h"
 

@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What two answers that come at 200 pieces a second each cost the main thread, and how often their cards are updated.
 #include "ClockTime.h"
 #include "HalfRealDesktop.h"
-#include "Quillory/TypingMonitor.h"
-#include "Quillory/UI/SuggestionViewHost.h"
+#include "Quillory/Monitor/TypingMonitor.h"
+#include "Quillory/UI/Card/SuggestionViewHost.h"
 
 #include <QApplication>
 

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/AXText.h"
-#include "Quillory/FieldSnapshot.h"
-#include "Quillory/PasteQueue.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Field/AXText.h"
+#include "Quillory/Field/FieldSnapshot.h"
+#include "Quillory/Field/PasteQueue.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/ChatContext.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Field/ChatContext.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/AppSettings.h"
-#include "Quillory/CommandLine.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Commands/CommandLine.h"
+#include "Quillory/Settings/AppSettings.h"
 #include "SimulatedDesktop/SimulatedUserDefaults.h"
 
 #include <QDir>

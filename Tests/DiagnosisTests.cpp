@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/ApiKey.h"
-#include "Quillory/AppSettings.h"
-#include "Quillory/Diagnosis.h"
-#include "Quillory/DoctorCommand.h"
-#include "Quillory/SetupCommand.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Commands/DoctorCommand.h"
+#include "Quillory/Commands/SetupCommand.h"
+#include "Quillory/Settings/ApiKey.h"
+#include "Quillory/Settings/AppSettings.h"
+#include "Quillory/Setup/Diagnosis.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/AnswerScreening.h"
-#include "Quillory/DraftRules.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Monitor/AnswerScreening.h"
+#include "Quillory/Monitor/DraftRules.h"
 
 #include <gmock/gmock.h>
 

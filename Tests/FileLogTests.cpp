@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/ChoiceStats.h"
-#include "Quillory/FileLog.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Records/ChoiceStats.h"
+#include "Quillory/Records/FileLog.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <QDir>

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "MonitorStory.h"
-#include "Quillory/InspectCommand.h"
-#include "Quillory/RequestPlan.h"
+#include "Quillory/Commands/InspectCommand.h"
+#include "Quillory/Commands/RequestPlan.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

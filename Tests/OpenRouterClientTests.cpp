@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/AppSettings.h"
-#include "Quillory/OpenRouterAnswer.h"
-#include "Quillory/OpenRouterClient.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Model/OpenRouterAnswer.h"
+#include "Quillory/Model/OpenRouterClient.h"
 #include "Quillory/RewriteError.h"
+#include "Quillory/Settings/AppSettings.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <QJsonArray>

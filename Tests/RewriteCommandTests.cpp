@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/AppSettings.h"
-#include "Quillory/RewriteCommand.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Commands/RewriteCommand.h"
+#include "Quillory/Settings/AppSettings.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <gmock/gmock.h>

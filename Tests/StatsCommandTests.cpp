@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/ChoiceRecords.h"
-#include "Quillory/ChoiceStats.h"
-#include "Quillory/StatsCommand.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Commands/StatsCommand.h"
+#include "Quillory/Records/ChoiceRecords.h"
+#include "Quillory/Records/ChoiceStats.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <QFile>

@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/SuggestionPanelController.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Panel/SuggestionPanelController.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "MonitorStory.h"
-#include "Quillory/ChoiceStats.h"
-#include "Quillory/DraftRules.h"
+#include "Quillory/Monitor/DraftRules.h"
+#include "Quillory/Records/ChoiceStats.h"
 
 #include <QFile>
 

@@ -1,4 +1,5 @@
 # SPDX-FileCopyrightText: 2026 The Quillory developers
+# SPDX-License-Identifier: GPL-3.0-or-later
 _quillory() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} words=
     local keys="enabled assistantMode tone debounceMs minChars maxChars model compareMode secondModel businessProfile

@@ -1,4 +1,5 @@
 # SPDX-FileCopyrightText: 2026 The Quillory developers
+# SPDX-License-Identifier: GPL-3.0-or-later
 set -l keys enabled assistantMode tone debounceMs minChars maxChars model compareMode secondModel businessProfile \
     faqEntries faqKnowledge openRouterAPIKey debugAcceptOnce
 complete -c quillory -f

@@ -1,5 +1,6 @@
 #compdef quillory
 # SPDX-FileCopyrightText: 2026 The Quillory developers
+# SPDX-License-Identifier: GPL-3.0-or-later
 _quillory() {
     local -a commands keys
     commands=(

@@ -1,24 +1,25 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/AbsentDesktop.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
-#include "Platform/Linux/Desktop/LinuxExamination.h"
-#include "Platform/Linux/Desktop/LinuxMending.h"
+#include "Platform/Linux/Doctor/LinuxExamination.h"
+#include "Platform/Linux/Doctor/LinuxMending.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/HiddenInput.h"
 #include "Platform/Linux/LinuxPlatform.h"
+#include "Platform/Linux/LinuxProcess.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Linux/QtMainQueue.h"
-#include "Platform/Linux/Storage/LinuxProcess.h"
 #include "Platform/Linux/Storage/SecretUserDefaults.h"
 #include "Platform/Linux/TerminationSignals.h"
 #include "Platform/Linux/Updates/UserApplications.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Instance.h"
-#include "Quillory/CommandLine.h"
-#include "Quillory/UI/AppDelegate.h"
-#include "Quillory/UI/BringToFront.h"
+#include "Quillory/Commands/CommandLine.h"
 #include "Quillory/UI/Setup/SetupWindow.h"
-#include "Quillory/UpdateChecker.h"
+#include "Quillory/UI/Shell/AppDelegate.h"
+#include "Quillory/UI/Shell/BringToFront.h"
+#include "Quillory/Updates/UpdateChecker.h"
 
 #include <QApplication>
 #include <QEventLoop>

@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The maintainer's tool: makes keys, signs bundles, hands over from one key to the next. Docs/releasing.md tells when.
 #include "Platform/FileSystem.h"
 #include "Platform/Linux/FileDescriptor.h"
 #include "Platform/Linux/Updates/FileTree.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
-#include "Quillory/UpdateChecker.h"
+#include "Quillory/Updates/UpdateChecker.h"
 
 #include <QFile>
 #include <QRegularExpression>

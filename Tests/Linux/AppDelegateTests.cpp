@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Linux/XClient.h"
-#include "Quillory/AppSettings.h"
-#include "Quillory/UI/AppDelegate.h"
-#include "Quillory/UI/MenuWindow.h"
+#include "Quillory/Settings/AppSettings.h"
 #include "Quillory/UI/Settings/SettingsWindow.h"
-#include "Quillory/UI/StatusMenu.h"
+#include "Quillory/UI/Shell/AppDelegate.h"
+#include "Quillory/UI/Shell/MenuWindow.h"
+#include "Quillory/UI/Shell/StatusMenu.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <QAbstractButton>

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Linux/XClient.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
-#include "Platform/Linux/Storage/LinuxProcess.h"
+#include "Platform/Linux/LinuxProcess.h"
 #include "Platform/Linux/X11/X11ActiveWindow.h"
 
 #include <QDir>

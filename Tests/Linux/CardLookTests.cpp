@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/UI/AcceptButton.h"
-#include "Quillory/UI/CardText.h"
-#include "Quillory/UI/CopyMenu.h"
-#include "Quillory/UI/HoverIconButton.h"
-#include "Quillory/UI/KeyCap.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/UI/Card/AcceptButton.h"
+#include "Quillory/UI/Card/CardText.h"
+#include "Quillory/UI/Card/CopyMenu.h"
+#include "Quillory/UI/Card/HoverIconButton.h"
+#include "Quillory/UI/Card/KeyCap.h"
+#include "Quillory/UI/Card/RefiningIndicator.h"
+#include "Quillory/UI/Card/SuggestionViewHost.h"
 #include "Quillory/UI/Look.h"
-#include "Quillory/UI/RefiningIndicator.h"
-#include "Quillory/UI/SuggestionViewHost.h"
 
 #include <QAccessible>
 #include <QApplication>

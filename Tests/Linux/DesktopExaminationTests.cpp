@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Accessibility.h"
-#include "Platform/Linux/Desktop/LinuxExamination.h"
-#include "Platform/Linux/Desktop/LinuxMending.h"
-#include "Platform/Linux/Desktop/OwnProgram.h"
-#include "Platform/Linux/Desktop/ProgramRestart.h"
-#include "Platform/Linux/Desktop/RestartArguments.h"
+#include "Platform/Linux/Doctor/LinuxExamination.h"
+#include "Platform/Linux/Doctor/LinuxMending.h"
+#include "Platform/Linux/Doctor/OwnProgram.h"
+#include "Platform/Linux/Doctor/ProgramRestart.h"
+#include "Platform/Linux/Doctor/RestartArguments.h"
+#include "Platform/Linux/X11/Keys/X11Keyboard.h"
 #include "Platform/Linux/X11/X11Connection.h"
-#include "Platform/Linux/X11/X11Keyboard.h"
 #include "RealDesktop/RealDesktop.h"
 
 #include <QDir>

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Linux/XClient.h"
-#include "Platform/Linux/X11/QtPanelWindow.h"
-#include "Quillory/UI/AcceptButton.h"
-#include "Quillory/UI/SuggestionViewHost.h"
+#include "Platform/Linux/X11/Panel/QtPanelWindow.h"
+#include "Quillory/UI/Card/AcceptButton.h"
+#include "Quillory/UI/Card/SuggestionViewHost.h"
 
 #include <QApplication>
 #include <QPlainTextEdit>

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Linux/XClient.h"
-#include "Quillory/AppSettings.h"
+#include "Quillory/Settings/AppSettings.h"
 #include "Quillory/UI/Settings/SettingsWindow.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 

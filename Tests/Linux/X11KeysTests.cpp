@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Linux/XClient.h"
-#include "Platform/Linux/X11/X11KeyPoster.h"
+#include "Platform/Linux/X11/Keys/X11KeyPoster.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Linux/XClient.h"
-#include "Platform/Linux/X11/X11Keyboard.h"
-#include "Platform/Linux/X11/X11Pasteboard.h"
+#include "Platform/Linux/X11/Clipboard/X11Pasteboard.h"
+#include "Platform/Linux/X11/Keys/X11Keyboard.h"
 #include "RealDesktop/RealDesktop.h"
 
 #include <QClipboard>

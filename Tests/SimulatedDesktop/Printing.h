@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/SuggestionCardData.h"
+#include "Quillory/Panel/SuggestionCardData.h"
 
 #include <QString>
 

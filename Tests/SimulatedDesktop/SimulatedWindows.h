@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "Platform/Application.h"
 #include "Platform/PanelWindow.h"
 #include "Platform/Screens.h"
 #include "Platform/StatusBar.h"
-#include "Quillory/SuggestionHost.h"
+#include "Quillory/Panel/SuggestionHost.h"
 
 #include <QObject>
 

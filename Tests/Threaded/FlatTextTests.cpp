@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Platform/Linux/Accessibility/FlatText.h"
-#include "Platform/Linux/Accessibility/Roles.h"
-#include "Platform/Linux/Accessibility/TextRuns.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Linux/Accessibility/Bus/Roles.h"
+#include "Platform/Linux/Accessibility/Text/FlatText.h"
+#include "Platform/Linux/Accessibility/Text/TextRuns.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "AccessibilityStory.h"
-#include "Platform/Linux/Accessibility/Message.h"
-#include "Platform/Linux/Desktop/PageSearch.h"
+#include "Platform/Linux/Accessibility/Bus/Message.h"
+#include "Platform/Linux/Doctor/PageSearch.h"
 
 #include <thread>
 

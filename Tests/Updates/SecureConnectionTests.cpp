@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Network/CurlURLSession.h"
 
 #include <QProcess>

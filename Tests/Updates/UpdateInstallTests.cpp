@@ -1,5 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
-#include "Quillory/UpdateChecker.h"
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Updates/UpdateChecker.h"
 #include "Updates/UpdateStory.h"
 
 #include <QDir>

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Updates/LinuxFileSystem.h"
 #include "Platform/Linux/Updates/LinuxSystemTools.h"
 #include "Platform/Linux/Updates/UserApplications.h"
-#include "Quillory/UpdateChecker.h"
+#include "Quillory/Updates/UpdateChecker.h"
 #include "RealDesktop/ChildProcess.h"
 #include "Updates/SampleBundle.h"
 

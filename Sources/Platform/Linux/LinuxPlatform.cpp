@@ -1,25 +1,26 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/LinuxPlatform.h"
 
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
+#include "Platform/Linux/LinuxProcess.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Linux/QtApplication.h"
 #include "Platform/Linux/QtMainQueue.h"
 #include "Platform/Linux/StatusBar/LinuxStatusBar.h"
-#include "Platform/Linux/Storage/LinuxProcess.h"
 #include "Platform/Linux/Storage/SecretUserDefaults.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
 #include "Platform/Linux/Updates/LinuxFileSystem.h"
 #include "Platform/Linux/Updates/LinuxSystemTools.h"
 #include "Platform/Linux/Updates/UserApplications.h"
-#include "Platform/Linux/X11/QtPanelWindow.h"
+#include "Platform/Linux/X11/Clipboard/X11Pasteboard.h"
+#include "Platform/Linux/X11/Keys/X11EventTaps.h"
+#include "Platform/Linux/X11/Keys/X11KeyPoster.h"
+#include "Platform/Linux/X11/Keys/X11Keyboard.h"
+#include "Platform/Linux/X11/Panel/QtPanelWindow.h"
 #include "Platform/Linux/X11/X11ActiveWindow.h"
 #include "Platform/Linux/X11/X11Connection.h"
-#include "Platform/Linux/X11/X11EventTaps.h"
-#include "Platform/Linux/X11/X11KeyPoster.h"
-#include "Platform/Linux/X11/X11Keyboard.h"
-#include "Platform/Linux/X11/X11Pasteboard.h"
 #include "Platform/Linux/X11/X11Screens.h"
 
 namespace platform::desktop {

@@ -1,14 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/AccessibleViews.h"
 
-#include "Quillory/UI/CardText.h"
-#include "Quillory/UI/KeyCap.h"
-#include "Quillory/UI/MenuWindow.h"
-#include "Quillory/UI/RefiningIndicator.h"
-#include "Quillory/UI/Settings/ClampedText.h"
-#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Card/CardText.h"
+#include "Quillory/UI/Card/KeyCap.h"
+#include "Quillory/UI/Card/RefiningIndicator.h"
+#include "Quillory/UI/Card/SuggestionCard.h"
+#include "Quillory/UI/Form/ClampedText.h"
+#include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Settings/SettingsWindow.h"
-#include "Quillory/UI/SuggestionCard.h"
+#include "Quillory/UI/Shell/MenuWindow.h"
 
 #include <QAccessibleWidget>
 

@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The message box: a rich-text editor, a plain text area or a password field. Each tells its text whenever it changes.
 import { createEditor, $getRoot, $createParagraphNode, $createTextNode, KEY_ENTER_COMMAND, COMMAND_PRIORITY_HIGH } from 'lexical';
 import { registerRichText } from '@lexical/rich-text';

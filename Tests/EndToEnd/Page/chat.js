@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A web chat of our own. Its address chooses how it is built:
 //   ?box=textarea, ?box=password   another message box than the rich-text editor
 //   ?language=ar                   in Arabic, from right to left

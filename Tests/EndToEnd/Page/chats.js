@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the chats of the page hold. A message is from "them" or "us"; a divider or a day stands apart from both.
 
 const them = (text, time, extra) => ({ from: 'them', text, time, ...extra });

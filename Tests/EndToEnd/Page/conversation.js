@@ -1,4 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The conversation: rows at places of their own in a tall empty element, of which only those near the view exist.
 
 const view = document.getElementById('conversation');

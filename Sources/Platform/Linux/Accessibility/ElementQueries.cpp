@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Accessibility/ElementQueries.h"
 
-#include "Platform/Linux/Accessibility/FlatText.h"
+#include "Platform/Linux/Accessibility/Text/FlatText.h"
 
 #include <algorithm>
 

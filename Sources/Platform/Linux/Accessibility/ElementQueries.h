@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "Platform/Accessibility.h"
-#include "Platform/Linux/Accessibility/Session.h"
+#include "Platform/Linux/Accessibility/Reader/Session.h"
 
 #include <variant>
 

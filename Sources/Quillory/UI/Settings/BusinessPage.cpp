@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/BusinessPage.h"
 
+#include "Quillory/UI/Form/Field.h"
+#include "Quillory/UI/Form/Form.h"
+#include "Quillory/UI/Form/LinkButton.h"
 #include "Quillory/UI/Settings/FAQList.h"
-#include "Quillory/UI/Settings/Field.h"
-#include "Quillory/UI/Settings/Form.h"
-#include "Quillory/UI/Settings/LinkButton.h"
 #include "Quillory/UI/Settings/SettingsBinding.h"
 #include "Quillory/UI/Symbols.h"
 

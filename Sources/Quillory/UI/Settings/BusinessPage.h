@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/FAQEditor.h"
+#include "Quillory/Settings/FAQEditor.h"
 
 #include <QWidget>
 

@@ -1,10 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/FAQBlock.h"
 
-#include "Quillory/AppSettings.h"
-#include "Quillory/UI/HoverIconButton.h"
-#include "Quillory/UI/Settings/Field.h"
-#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/Settings/AppSettings.h"
+#include "Quillory/UI/Card/HoverIconButton.h"
+#include "Quillory/UI/Form/Field.h"
+#include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Symbols.h"
 
 #include <QEvent>

@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/FAQList.h"
 
+#include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Look.h"
 #include "Quillory/UI/Settings/FAQBlock.h"
-#include "Quillory/UI/Settings/Form.h"
 
 #include <QEvent>
 #include <QPainter>

@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/GeneralPage.h"
 
-#include "Quillory/AppSettings.h"
-#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/Settings/AppSettings.h"
+#include "Quillory/UI/Form/Form.h"
+#include "Quillory/UI/Form/Stepper.h"
+#include "Quillory/UI/Form/SwitchRow.h"
 #include "Quillory/UI/Settings/SettingsBinding.h"
 #include "Quillory/UI/Settings/StatusSection.h"
-#include "Quillory/UI/Settings/Stepper.h"
-#include "Quillory/UI/Settings/SwitchRow.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>

@@ -1,13 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/SettingsView.h"
 
 #include "Platform/Platform.h"
-#include "Quillory/AppSettings.h"
+#include "Quillory/Settings/AppSettings.h"
+#include "Quillory/UI/Form/Form.h"
+#include "Quillory/UI/Form/SettingsTabBar.h"
+#include "Quillory/UI/Form/SlimScrollBar.h"
 #include "Quillory/UI/Settings/BusinessPage.h"
-#include "Quillory/UI/Settings/Form.h"
 #include "Quillory/UI/Settings/GeneralPage.h"
-#include "Quillory/UI/Settings/SettingsTabBar.h"
-#include "Quillory/UI/Settings/SlimScrollBar.h"
 #include "Quillory/UI/Symbols.h"
 
 #include <QScrollArea>

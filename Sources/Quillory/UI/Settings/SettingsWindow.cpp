@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/SettingsWindow.h"
 
 #include "Quillory/UI/AccessibleViews.h"
-#include "Quillory/UI/BringToFront.h"
 #include "Quillory/UI/Settings/SettingsView.h"
+#include "Quillory/UI/Shell/BringToFront.h"
 
 #include <QCursor>
 #include <QGuiApplication>

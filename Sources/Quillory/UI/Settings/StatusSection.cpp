@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/StatusSection.h"
 
 #include "Platform/Platform.h"
-#include "Quillory/UI/Settings/ClampedText.h"
-#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Form/ClampedText.h"
+#include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Settings/SettingsBinding.h"
 #include "Quillory/UI/Symbols.h"
 

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/ConnectionTest.h"
+#include "Quillory/Model/ConnectionCheck.h"
 
 #include <QWidget>
 
@@ -33,7 +34,7 @@ class StatusSection final : public QWidget {
     FormText *m_trustAdvice;
     QPushButton *m_testButton;
     ClampedText *m_testResult;
-    ConnectionTest m_test;
+    ConnectionCheck m_test;
 };
 
 } // namespace quillory::ui

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Setup/FindingRow.h"
 
-#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Symbols.h"
 
 #include <QGridLayout>

@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Setup/KeySection.h"
 
-#include "Quillory/UI/Settings/ClampedText.h"
-#include "Quillory/UI/Settings/Field.h"
-#include "Quillory/UI/Settings/Form.h"
+#include "Quillory/UI/Form/ClampedText.h"
+#include "Quillory/UI/Form/Field.h"
+#include "Quillory/UI/Form/Form.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>

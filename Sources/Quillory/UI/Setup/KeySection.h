@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/ConnectionTest.h"
+#include "Quillory/Model/ConnectionCheck.h"
 
 #include <QWidget>
 
@@ -44,7 +45,7 @@ class KeySection final : public QWidget {
     bool m_hasKey = false;
     /// Whether the user entered what is in the field while this was busy, and has not changed it since.
     bool m_isWaiting = false;
-    ConnectionTest m_test;
+    ConnectionCheck m_test;
 };
 
 } // namespace quillory::ui

@@ -1,13 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Setup/SetupWindow.h"
 
 #include "Platform/Platform.h"
-#include "Quillory/AppSettings.h"
-#include "Quillory/UI/Settings/Form.h"
-#include "Quillory/UI/Settings/SlimScrollBar.h"
+#include "Quillory/Settings/AppSettings.h"
+#include "Quillory/UI/Form/Form.h"
+#include "Quillory/UI/Form/SlimScrollBar.h"
 #include "Quillory/UI/Setup/FindingRow.h"
 #include "Quillory/UI/Setup/KeySection.h"
-#include "Quillory/UI/StatusItem.h"
+#include "Quillory/UI/Shell/StatusItem.h"
 
 #include <QCursor>
 #include <QGuiApplication>

@@ -1,7 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/SetupWork.h"
+#include "Quillory/Setup/SetupWork.h"
 #include "Quillory/Tasks.h"
 
 #include <QPointer>

@@ -1,0 +1,278 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Linux/Accessibility/Bus/Connection.h"
+
+namespace platform::desktop::atspi {
+
+namespace {
+using namespace std::chrono_literals;
+constexpr auto noTimeout = static_cast<std::uint64_t>(-1);
+// The bus keeps a bounded list of replies that a connection waits for, and an application a bounded queue.
+constexpr std::size_t callsInFlight = 1000;
+constexpr const char *busName = "org.freedesktop.DBus";
+// Signals can come faster than they are handled; the clock and other work get their turn in between.
+constexpr int messagesInOneGo = 200;
+// Who had less time than this to answer may only be busy.
+constexpr auto shortestSilence = 100ms;
+
+int runHandler(sd_bus_message *message, void *userdata, sd_bus_error *) {
+    (*static_cast<Connection::SignalHandler *>(userdata))(message);
+    return 0;
+}
+} // namespace
+
+struct Connection::Batch {
+    struct Part {
+        Batch *batch = nullptr;
+        Reply reply;
+        SlotPtr slot;
+    };
+
+    explicit Batch(std::size_t size) : parts(size) {}
+
+    static int onReply(sd_bus_message *message, void *userdata, sd_bus_error *) {
+        auto &part = *static_cast<Part *>(userdata);
+        part.reply = Reply(MessagePtr(sd_bus_message_ref(message)));
+        --part.batch->outstanding;
+        return 0;
+    }
+
+    std::vector<Part> parts;
+    std::size_t outstanding = 0;
+};
+
+struct Connection::Ping {
+    Connection *connection = nullptr;
+    std::string name;
+    SlotPtr slot;
+
+    static int onReply(sd_bus_message *, void *userdata, sd_bus_error *) {
+        const auto &ping = *static_cast<Ping *>(userdata);
+        const std::string answered = ping.name;
+        ping.connection->m_answering.insert(answered);
+        return 0;
+    }
+};
+
+Connection::Connection(const std::string &address, const StopSignal &stop) : m_stop(stop) {
+    sd_bus *bus = nullptr;
+    if (sd_bus_new(&bus) < 0) {
+        return;
+    }
+    m_bus.reset(bus);
+    if (sd_bus_set_address(bus, address.c_str()) < 0 || sd_bus_set_bus_client(bus, 1) < 0 || sd_bus_start(bus) < 0) {
+        m_bus.reset();
+        return;
+    }
+    match("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',member='NameOwnerChanged'",
+          [this](sd_bus_message *message) {
+              const char *name = nullptr;
+              const char *before = nullptr;
+              const char *after = nullptr;
+              if (sd_bus_message_read(message, "sss", &name, &before, &after) > 0 && *after == '\0') {
+                  forget(name);
+              }
+          });
+}
+
+Connection::~Connection() = default;
+
+bool Connection::isOpen() const {
+    return m_bus != nullptr && !m_stop.isRequested() && sd_bus_is_open(m_bus.get()) > 0;
+}
+
+bool Connection::process() {
+    const bool isWell = handleArrived();
+    for (const auto &name : std::exchange(m_answering, {})) {
+        m_silent.erase(name);
+    }
+    return isWell && isOpen();
+}
+
+bool Connection::handleArrived() {
+    int handled = isOpen() ? 1 : -1;
+    for (int i = 0; i < messagesInOneGo && handled > 0; ++i) {
+        handled = sd_bus_process(m_bus.get(), nullptr);
+    }
+    return handled >= 0;
+}
+
+// Handles a message, or waits for one. False when the time is up or the connection is lost.
+bool Connection::waitFor(Deadline deadline) {
+    if (!isOpen() || Clock::now() >= deadline) {
+        return false;
+    }
+    const int handled = sd_bus_process(m_bus.get(), nullptr);
+    if (handled == 0) {
+        waitForActivity({m_bus.get()}, m_stop.descriptor(), deadline);
+    }
+    return handled >= 0;
+}
+
+MessagePtr Connection::build(const Call &call) const {
+    sd_bus_message *message = nullptr;
+    if (sd_bus_message_new_method_call(m_bus.get(), &message, call.target.bus.c_str(), call.target.path.c_str(),
+                                       call.interface, call.member) < 0) {
+        return nullptr;
+    }
+    MessagePtr built(message);
+    sd_bus_message_set_auto_start(message, call.mayStart ? 1 : 0);
+    return !call.arguments || call.arguments(message) >= 0 ? std::move(built) : nullptr;
+}
+
+void Connection::sendPart(const Call &call, Batch &batch, std::size_t index) {
+    const auto message = isSilent(call.target.bus) || call.target.isNull() ? nullptr : build(call);
+    if (message == nullptr) {
+        return;
+    }
+    auto &part = batch.parts[index];
+    part.batch = &batch;
+    sd_bus_slot *slot = nullptr;
+    if (sd_bus_call_async(m_bus.get(), &slot, message.get(), Batch::onReply, &part, noTimeout) >= 0) {
+        part.slot.reset(slot);
+        ++batch.outstanding;
+        ++m_counters.messages;
+    }
+}
+
+std::vector<Reply> Connection::callAll(const std::vector<Call> &calls, Deadline deadline) {
+    std::vector<Reply> replies(calls.size());
+    const auto begin = Clock::now();
+    if (!isOpen() || calls.empty() || begin >= deadline) {
+        return replies;
+    }
+    Batch batch(calls.size());
+    ++m_counters.roundTrips;
+    bool inTime = true;
+    for (std::size_t i = 0; i < calls.size() && inTime; ++i) {
+        while (inTime && batch.outstanding >= callsInFlight) {
+            inTime = waitFor(deadline);
+        }
+        if (inTime) {
+            sendPart(calls[i], batch, i);
+        }
+    }
+    while (inTime && batch.outstanding > 0) {
+        inTime = waitFor(deadline);
+    }
+    if (batch.outstanding > 0) {
+        // What came while this thread had no turn came in time.
+        handleArrived();
+    }
+    if (Clock::now() - begin >= shortestSilence) {
+        leaveSilentOnesAlone(calls, batch);
+    }
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        replies[i] = std::move(batch.parts[i].reply);
+    }
+    return replies;
+}
+
+// Who answered a part of many questions is slow, not hung.
+void Connection::leaveSilentOnesAlone(const std::vector<Call> &calls, const Batch &batch) {
+    std::set<std::string> silent;
+    std::set<std::string> alive;
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        if (batch.parts[i].slot != nullptr) {
+            (batch.parts[i].reply.isAnswered() ? alive : silent).insert(calls[i].target.bus);
+        }
+    }
+    for (const auto &name : silent) {
+        if (!alive.contains(name)) {
+            leaveAlone(name);
+        }
+    }
+}
+
+Reply Connection::call(Call call, Deadline deadline) {
+    std::vector<Call> one;
+    one.push_back(std::move(call));
+    return std::move(callAll(one, deadline).front());
+}
+
+void Connection::send(const Call &call) {
+    if (isOpen() && !isSilent(call.target.bus)) {
+        const auto message = build(call);
+        sd_bus_message_set_expect_reply(message.get(), 0);
+        sd_bus_send(m_bus.get(), message.get(), nullptr);
+        ++m_counters.messages;
+    }
+}
+
+void Connection::match(const char *rule, SignalHandler handler) {
+    m_matches.push_back(subscribe(rule, std::move(handler)));
+}
+
+Connection::Subscription Connection::subscribe(const std::string &rule, SignalHandler handler) {
+    Subscription subscription{std::make_unique<SignalHandler>(std::move(handler)), nullptr};
+    sd_bus_slot *slot = nullptr;
+    if (m_bus != nullptr && sd_bus_add_match_async(m_bus.get(), &slot, rule.c_str(), runHandler, nullptr,
+                                                   subscription.handler.get()) >= 0) {
+        subscription.slot.reset(slot);
+    }
+    return subscription;
+}
+
+void Connection::idle(Deadline until) {
+    while (waitFor(until)) {
+    }
+}
+
+void Connection::leaveAlone(const std::string &name) {
+    if (name == busName || isSilent(name) || !isOpen()) {
+        return;
+    }
+    auto ping = std::make_unique<Ping>();
+    ping->connection = this;
+    ping->name = name;
+    const auto message = build(calls::method({name, rootPath}, "org.freedesktop.DBus.Peer", "Ping"));
+    sd_bus_slot *slot = nullptr;
+    if (message != nullptr &&
+        sd_bus_call_async(m_bus.get(), &slot, message.get(), Ping::onReply, ping.get(), noTimeout) >= 0) {
+        ping->slot.reset(slot);
+        m_silent.emplace(name, std::move(ping));
+        ++m_counters.messages;
+    }
+}
+
+void Connection::forget(const std::string &name) {
+    m_pids.erase(name);
+    if (isSilent(name)) {
+        m_answering.insert(name);
+    }
+}
+
+qint32 Connection::knownPid(const std::string &name) const {
+    const auto found = m_pids.find(name);
+    return found != m_pids.end() ? found->second : 0;
+}
+
+std::vector<Handle> Connection::handles(std::vector<ElementRef> refs, Deadline deadline) {
+    std::set<std::string> unknown;
+    for (const auto &ref : refs) {
+        if (!m_pids.contains(ref.bus)) {
+            unknown.insert(ref.bus);
+        }
+    }
+    std::vector<Call> questions;
+    questions.reserve(unknown.size());
+    for (const auto &name : unknown) {
+        questions.push_back(
+            calls::withText({busName, "/org/freedesktop/DBus"}, busName, "GetConnectionUnixProcessID", name));
+    }
+    const auto replies = callAll(questions, deadline);
+    std::size_t i = 0;
+    for (const auto &name : unknown) {
+        if (const auto pid = replies[i++].number()) {
+            m_pids[name] = static_cast<qint32>(*pid);
+        }
+    }
+    std::vector<Handle> handles;
+    for (auto &ref : refs) {
+        const qint32 pid = knownPid(ref.bus);
+        handles.push_back({std::move(ref), pid});
+    }
+    return handles;
+}
+
+} // namespace platform::desktop::atspi

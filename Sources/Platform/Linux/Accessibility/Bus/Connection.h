@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Linux/Accessibility/Bus/Waiting.h"
+
+#include <functional>
+#include <map>
+#include <set>
+
+namespace platform::desktop::atspi {
+
+/// A connection to the accessibility bus that asks many questions at once and waits for all the answers together.
+/// An application that let a deadline pass is left alone: it is sent one last question, a ping, and until that is
+/// answered every further call to it fails at once. Belongs to one thread.
+class Connection {
+  public:
+    using SignalHandler = std::function<void(sd_bus_message *)>;
+
+    /// Hears signals for as long as it lives, which must not be longer than the connection.
+    struct Subscription {
+        std::unique_ptr<SignalHandler> handler;
+        SlotPtr slot;
+    };
+
+    /// Connects to a bus address; whether that worked shows in isOpen() and in the answers. stop ends every wait; from
+    /// then on the connection counts as closed.
+    Connection(const std::string &address, const StopSignal &stop);
+    Connection(const Connection &) = delete;
+    Connection &operator=(const Connection &) = delete;
+    ~Connection();
+
+    [[nodiscard]] bool isOpen() const;
+    /// For waiting on activity together with others.
+    [[nodiscard]] sd_bus *bus() const { return m_bus.get(); }
+    /// Handles what has arrived, without waiting, and a bounded part of it; false once the connection is lost.
+    bool process();
+
+    /// Sends all the calls, then waits for their answers until the deadline. An answer per call, in their order; an
+    /// empty one where nothing came. After the deadline nothing is sent.
+    std::vector<Reply> callAll(const std::vector<Call> &calls, Deadline deadline);
+    Reply call(Call call, Deadline deadline);
+    /// Sends a call whose answer nobody waits for.
+    void send(const Call &call);
+    /// Calls the handler for every signal that matches the rule, while process() or callAll() runs.
+    void match(const char *rule, SignalHandler handler);
+    /// The same until the subscription ends.
+    [[nodiscard]] Subscription subscribe(const std::string &rule, SignalHandler handler);
+    /// Handles what arrives until then.
+    void idle(Deadline until);
+
+    /// Whether an application is being left alone.
+    [[nodiscard]] bool isSilent(const std::string &name) const { return m_silent.contains(name); }
+    /// The processes behind the names, asked of the bus itself and remembered.
+    std::vector<Handle> handles(std::vector<ElementRef> refs, Deadline deadline);
+    /// What is remembered of a process, 0 if nothing.
+    [[nodiscard]] qint32 knownPid(const std::string &name) const;
+    /// Messages sent and batches awaited so far, for measurements.
+    struct Counters {
+        std::uint64_t messages = 0;
+        std::uint64_t roundTrips = 0;
+    };
+    [[nodiscard]] Counters counters() const { return m_counters; }
+
+  private:
+    struct Batch;
+    struct Ping;
+    bool handleArrived();
+    bool waitFor(Deadline deadline);
+    void sendPart(const Call &call, Batch &batch, std::size_t index);
+    void leaveSilentOnesAlone(const std::vector<Call> &calls, const Batch &batch);
+    void leaveAlone(const std::string &name);
+    void forget(const std::string &name);
+    [[nodiscard]] MessagePtr build(const Call &call) const;
+
+    const StopSignal &m_stop;
+    BusPtr m_bus;
+    std::vector<Subscription> m_matches;
+    std::map<std::string, std::unique_ptr<Ping>, std::less<>> m_silent;
+    std::set<std::string, std::less<>> m_answering;
+    std::map<std::string, qint32, std::less<>> m_pids;
+    Counters m_counters;
+};
+
+} // namespace platform::desktop::atspi

@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Linux/Accessibility/Bus/Protocol.h"
+
+#include <QString>
+
+namespace platform::desktop::atspi {
+
+/// What an element says of its kind. Only some kinds of element need the states and the attributes to be told apart.
+struct Kind {
+    Role role = Role::unknown;
+    States states;
+    Attributes attributes;
+    bool hasChildren = false;
+};
+
+/// The one translation of the bus's roles into the program's role names.
+[[nodiscard]] QString axRoleName(const Kind &kind);
+
+/// Nobody reads passwords, nor the leaves that stand for one's characters.
+[[nodiscard]] inline bool isSecret(const Kind &kind) {
+    return kind.role == Role::passwordText;
+}
+
+/// Whether an element's text stands in a line of its own in what surrounds it.
+[[nodiscard]] bool isBlock(Role role);
+
+} // namespace platform::desktop::atspi

@@ -1,0 +1,91 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Linux/Accessibility/Page/SubtreeReader.h"
+
+#include <functional>
+#include <memory>
+
+namespace platform::desktop::atspi {
+
+/// What is read: a subtree, within limits.
+struct PageName {
+    ElementRef root;
+    AXSubtreeLimits limits;
+    friend bool operator==(const PageName &, const PageName &) = default;
+};
+
+/// A whole read of a page, never changed once it was given out.
+struct PageCopy {
+    PageName page;
+    std::vector<SubtreeItem> items;
+    Clock::time_point begunAt;
+};
+
+/// The last copy of the mirrored page, and whether something changed since it was begun, as far as anybody told.
+struct MirroredPage {
+    std::shared_ptr<const PageCopy> copy;
+    bool isStale = false;
+
+    [[nodiscard]] bool shows(const PageName &page) const { return copy != nullptr && copy->page == page; }
+    [[nodiscard]] bool wasReadSince(const PageName &page, Clock::time_point begin) const {
+        return shows(page) && copy->begunAt >= begin;
+    }
+    /// Whether it answers for now. Nobody tells of everything, so the answer holds for a few seconds.
+    [[nodiscard]] bool isFresh(const PageName &page, Clock::time_point now) const;
+};
+
+/// Keeps a copy of one page while somebody asks for it: after its application told of a change it is read anew for the
+/// next question, at a bounded rate, and every few seconds, as no application tells of everything. An unchanged page
+/// costs no question in between. Belongs to the reader's thread.
+class PageMirror {
+  public:
+    using Publish = std::function<void(const MirroredPage &)>;
+
+    /// giveWay: called in the course of a read, lets those have their turn who cannot wait for its end.
+    PageMirror(Connection &connection, std::function<void()> giveWay, Publish publish);
+
+    /// Somebody asks for this page and may do so again. Reads it now, unless the copy is fresh and was not begun
+    /// before. If any copy will do, the application gets its pause first.
+    void refresh(const PageName &page, Clock::time_point notBefore);
+    /// Does what is due. field: where the focused field stands; when it moves, so has the page's content.
+    void settle(const std::optional<PixelRect> &field);
+    /// When settle() wants to be called at the latest.
+    [[nodiscard]] Clock::time_point nextLook() const;
+
+  private:
+    void want(const PageName &page);
+    void read(bool mayGoOn);
+    void onChange(const ElementRef &source);
+    void noteChange();
+    void publish() const { m_publish({m_copy, m_isStale}); }
+    void listen();
+    void stopListening();
+    void forget();
+    void sendRegistrations(bool isOn) const;
+    [[nodiscard]] bool isWanted(Clock::time_point now) const { return now < m_wantedUntil; }
+    [[nodiscard]] bool hasCopy() const { return m_copy != nullptr && m_copy->page == m_page; }
+
+    Connection &m_connection;
+    std::function<void()> m_giveWay;
+    Publish m_publish;
+    SubtreeReader m_reader;
+    PageName m_page;
+    Clock::time_point m_wantedUntil;
+    /// When it was asked for last, and how long after the time before.
+    Clock::time_point m_askedAt;
+    Clock::duration m_askedEvery{};
+    std::shared_ptr<const PageCopy> m_copy;
+    bool m_isReading = false;
+    /// The changes since the copy was begun.
+    bool m_isStale = false;
+    Clock::time_point m_firstChangeAt;
+    Clock::time_point m_lastChangeAt;
+    /// When the application may be read again.
+    Clock::time_point m_readyAt;
+    std::optional<PixelRect> m_field;
+    std::vector<Connection::Subscription> m_subscriptions;
+};
+
+} // namespace platform::desktop::atspi

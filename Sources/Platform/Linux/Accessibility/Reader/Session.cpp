@@ -1,0 +1,147 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Linux/Accessibility/Reader/Session.h"
+
+namespace platform::desktop::atspi {
+
+namespace {
+using namespace std::chrono_literals;
+constexpr auto retryPause = 1s;
+constexpr auto serviceTime = 500ms;
+// For a question that may have to start the service first.
+constexpr auto startTime = 2s;
+constexpr auto startPause = 1min;
+
+const ElementRef service{"org.a11y.Bus", "/org/a11y/bus"};
+constexpr const char *statusInterface = "org.a11y.Status";
+} // namespace
+
+Session::Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop,
+                 std::function<void()> giveWay)
+    : m_sessionBusAddress(std::move(sessionBusAddress)), m_ownPid(ownPid), m_board(board), m_stop(stop),
+      m_giveWay(std::move(giveWay)), m_retryAt(Clock::now()) {}
+
+void Session::process() {
+    if (m_session != nullptr && !m_session->process()) {
+        m_session.reset();
+    }
+    if (m_bus != nullptr && !m_bus->process()) {
+        loseAccessibility();
+    }
+    if ((m_session == nullptr || m_bus == nullptr) && Clock::now() >= m_retryAt) {
+        connect();
+    }
+    if (m_session != nullptr && std::exchange(m_mustReadEnabled, false)) {
+        readEnabled(false);
+    }
+    decide();
+    if (m_focus != nullptr) {
+        m_focus->settle();
+        const auto &field = m_focus->focus().snapshot;
+        m_mirror->settle(field != nullptr ? field->frame : std::nullopt);
+    }
+}
+
+Clock::time_point Session::nextWake() const {
+    return m_focus != nullptr && m_session != nullptr ? std::min(m_focus->nextLook(), m_mirror->nextLook()) : m_retryAt;
+}
+
+std::vector<sd_bus *> Session::buses() const {
+    std::vector<sd_bus *> buses;
+    for (const auto *connection : {m_session.get(), m_bus.get()}) {
+        if (connection != nullptr && connection->isOpen()) {
+            buses.push_back(connection->bus());
+        }
+    }
+    return buses;
+}
+
+void Session::connect() {
+    const bool mayStart = Clock::now() >= m_startAt;
+    connectSession(mayStart);
+    connectAccessibility(mayStart);
+    if (mayStart && m_session != nullptr) {
+        m_startAt = Clock::now() + startPause;
+    }
+    m_retryAt = Clock::now() + retryPause;
+}
+
+// Another bus hands out the same names again: nothing that is known by them may outlive this one.
+void Session::loseAccessibility() {
+    m_focus.reset();
+    m_mirror.reset();
+    m_bus.reset();
+    m_board.setFocus({});
+    m_board.setPage({});
+    m_retryAt = Clock::now() + retryPause;
+}
+
+void Session::connectSession(bool mayStart) {
+    if (m_session != nullptr) {
+        return;
+    }
+    auto session = std::make_unique<Connection>(m_sessionBusAddress, m_stop);
+    if (!session->isOpen()) {
+        return;
+    }
+    m_session = std::move(session);
+    m_session->match("type='signal',path='/org/a11y/bus',member='PropertiesChanged',arg0='org.a11y.Status'",
+                     [this](sd_bus_message *) { m_mustReadEnabled = true; });
+    readEnabled(mayStart);
+}
+
+void Session::connectAccessibility(bool mayStart) {
+    if (m_session == nullptr || m_bus != nullptr) {
+        return;
+    }
+    auto question = calls::method(service, "org.a11y.Bus", "GetAddress");
+    question.mayStart = mayStart;
+    const auto address =
+        m_session->call(std::move(question), Clock::now() + (mayStart ? startTime : serviceTime)).string();
+    if (!address || address->isEmpty()) {
+        return;
+    }
+    auto bus = std::make_unique<Connection>(address->toStdString(), m_stop);
+    const auto answer =
+        bus->call(calls::method({"org.freedesktop.DBus", "/org/freedesktop/DBus"}, "org.freedesktop.DBus", "GetId"),
+                  Clock::now() + serviceTime);
+    if (!answer.string()) {
+        return;
+    }
+    m_bus = std::move(bus);
+    m_focus = std::make_unique<FocusTracker>(*m_bus, m_ownPid, [this](const Focus &focus) { m_board.setFocus(focus); });
+    m_mirror =
+        std::make_unique<PageMirror>(*m_bus, m_giveWay, [this](const MirroredPage &page) { m_board.setPage(page); });
+    readEnabled(false);
+}
+
+void Session::readEnabled(bool mayStart) {
+    auto question = calls::property(service, statusInterface, "IsEnabled");
+    question.mayStart = mayStart;
+    const auto reply = m_session->call(std::move(question), Clock::now() + (mayStart ? startTime : serviceTime));
+    m_isEnabled = reply.flagProperty().value_or(false);
+}
+
+void Session::decide() {
+    m_board.hasBus = m_bus != nullptr;
+    m_board.isTrusted = m_bus != nullptr && m_isEnabled;
+}
+
+void Session::enable() {
+    if (m_session == nullptr) {
+        connectSession(true);
+    }
+    if (m_session == nullptr) {
+        return;
+    }
+    m_session->call({service, "org.freedesktop.DBus.Properties", "Set",
+                     [](sd_bus_message *message) {
+                         return sd_bus_message_append(message, "ssv", statusInterface, "IsEnabled", "b", 1);
+                     },
+                     true},
+                    Clock::now() + startTime);
+    m_retryAt = Clock::now();
+    m_mustReadEnabled = true;
+}
+
+} // namespace platform::desktop::atspi

@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Linux/Doctor/BusExamination.h"
+
+#include "Platform/Linux/Accessibility/Bus/Questions.h"
+#include "Platform/Linux/Applications/LinuxWorkspace.h"
+#include "Platform/Linux/Doctor/PageSearch.h"
+
+#include <QUrl>
+
+namespace platform::desktop {
+
+namespace {
+using namespace atspi;
+using namespace std::chrono_literals;
+constexpr auto answerTime = 1s;
+// For what may have to be started first.
+constexpr auto startTime = 3s;
+constexpr std::size_t maxApplications = 500;
+
+const ElementRef busService{"org.a11y.Bus", "/org/a11y/bus"};
+const ElementRef busItself{"org.freedesktop.DBus", "/org/freedesktop/DBus"};
+constexpr const char *statusInterface = "org.a11y.Status";
+constexpr const char *watcherName = "org.kde.StatusNotifierWatcher";
+
+Deadline within(Clock::duration time) {
+    return Clock::now() + time;
+}
+
+std::string sessionBus() {
+    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    return address.isEmpty() ? "unix:path=" + qgetenv("XDG_RUNTIME_DIR").toStdString() + "/bus" : address.toStdString();
+}
+
+bool hasStatusNotifier(Connection &session) {
+    const auto answer = session.call(
+        calls::property({watcherName, "/StatusNotifierWatcher"}, watcherName, "IsStatusNotifierHostRegistered"),
+        within(answerTime));
+    return answer.flagProperty().value_or(false);
+}
+
+std::optional<std::string> accessibilityBus(Connection &session) {
+    Call question = calls::method(busService, "org.a11y.Bus", "GetAddress");
+    question.mayStart = true;
+    const auto address = session.call(std::move(question), within(startTime)).string();
+    return address && !address->isEmpty() ? std::optional(address->toStdString()) : std::nullopt;
+}
+
+std::optional<bool> isEnabled(Connection &session) {
+    return session.call(calls::property(busService, statusInterface, "IsEnabled"), within(answerTime)).flagProperty();
+}
+
+/// An application's own entry on the accessibility bus; null when it has none. One that lives in a sandbox is there
+/// behind another process, which is then none of those listed.
+const Handle *entryOf(const ApplicationFacts &application, const std::vector<Handle> &roots,
+                      const std::vector<ApplicationFacts> &listed) {
+    LinuxWorkspace workspace(nullptr);
+    const auto samePid = std::ranges::find(roots, application.pid, &Handle::pid);
+    if (samePid != roots.end()) {
+        return &*samePid;
+    }
+    const auto sameProgram = std::ranges::find_if(roots, [&](const Handle &root) {
+        const auto known = workspace.runningApplication(root.pid);
+        return known && known->bundleIdentifier == application.bundleIdentifier &&
+               std::ranges::find(listed, root.pid, &ApplicationFacts::pid) == listed.end();
+    });
+    return sameProgram == roots.end() ? nullptr : &*sameProgram;
+}
+
+void examineApplications(Connection &bus, std::vector<ApplicationFacts> &applications) {
+    const auto listed = bus.call(calls::children({registryName, rootPath}), within(answerTime));
+    const auto roots =
+        bus.handles(listed.references(maxApplications).value_or(std::vector<ElementRef>()), within(answerTime));
+    for (ApplicationFacts &application : applications) {
+        const Handle *entry = entryOf(application, roots, applications);
+        application.isOnBus = entry != nullptr;
+        if (entry != nullptr) {
+            application.tree = findPages(bus, entry->ref);
+        }
+    }
+}
+
+} // namespace
+
+void examineBuses(DesktopFacts &facts, const std::stop_token &stop) {
+    StopSignal ended;
+    const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
+    Connection session(sessionBus(), ended);
+    facts.hasSessionBus = session.call(calls::method(busItself, "org.freedesktop.DBus", "GetId"), within(answerTime))
+                              .string()
+                              .has_value();
+    if (!facts.hasSessionBus) {
+        return;
+    }
+    facts.hasStatusNotifier = hasStatusNotifier(session);
+    const auto address = accessibilityBus(session);
+    if (!address) {
+        return;
+    }
+    facts.isAccessibilityEnabled = isEnabled(session);
+    Connection bus(*address, ended);
+    facts.hasAccessibilityBus = bus.isOpen();
+    if (facts.hasAccessibilityBus) {
+        examineApplications(bus, facts.applications);
+    }
+}
+
+bool enableAccessibilityNow(const std::stop_token &stop) {
+    StopSignal ended;
+    const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
+    Connection session(sessionBus(), ended);
+    session.call({busService, "org.freedesktop.DBus.Properties", "Set",
+                  [](sd_bus_message *message) {
+                      return sd_bus_message_append(message, "ssv", statusInterface, "IsEnabled", "b", 1);
+                  },
+                  true},
+                 within(startTime));
+    return isEnabled(session).value_or(false);
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Linux/Doctor/X11Examination.h"
+
+#include "Platform/Linux/X11/Keys/X11Keyboard.h"
+#include "Platform/Linux/X11/X11Instance.h"
+
+namespace platform::desktop {
+
+namespace {
+
+/// Some rights on a display are told by who owns a selection that is named after its screen.
+QByteArray withScreenNumber(const char *name, X11Connection &connection) {
+    int number = 0;
+    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection.get())); screens.rem > 0;
+         xcb_screen_next(&screens), ++number) {
+        if (screens.data->root == connection.root()) {
+            break;
+        }
+    }
+    return QByteArray(name) + QByteArray::number(number);
+}
+
+bool isOwned(X11Connection &connection, const QByteArray &selection) {
+    const auto asked = xcb_get_selection_owner(connection.get(), connection.atom(selection));
+    const auto answer = connection.reply(xcb_get_selection_owner_reply, asked);
+    return answer && answer->owner != XCB_NONE;
+}
+
+QString windowManager(X11Connection &connection) {
+    const auto window =
+        connection.values(connection.askValues(connection.root(), connection.atom("_NET_SUPPORTING_WM_CHECK")));
+    if (window.empty()) {
+        return {};
+    }
+    constexpr std::uint32_t longestName = 64;
+    const auto asked = xcb_get_property(connection.get(), 0, window.front(), connection.atom("_NET_WM_NAME"),
+                                        connection.atom("UTF8_STRING"), 0, longestName);
+    const auto answer = connection.reply(xcb_get_property_reply, asked);
+    return answer ? QString::fromUtf8(static_cast<const char *>(xcb_get_property_value(answer.get())),
+                                      xcb_get_property_value_length(answer.get()))
+                  : QString();
+}
+
+/// Takes a key as the program does while cards are up, and gives it back at once.
+bool canGrab(X11Connection &connection, const X11Keyboard &keyboard, KeyCode key) {
+    bool granted = true;
+    for (const xcb_keycode_t code : keyboard.keyCodes(key)) {
+        for (const std::uint16_t locks : keyboard.lockCombinations()) {
+            const auto asked = xcb_grab_key_checked(connection.get(), 0, connection.root(), locks, code,
+                                                    XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+            const X11Reply<xcb_generic_error_t> refusal(xcb_request_check(connection.get(), asked));
+            granted = granted && !refusal;
+        }
+        xcb_ungrab_key(connection.get(), code, connection.root(), XCB_MOD_MASK_ANY);
+    }
+    connection.sync();
+    return granted;
+}
+
+std::set<qint32> processesWithWindows(X11Connection &connection) {
+    std::set<qint32> processes;
+    const auto windows =
+        connection.values(connection.askValues(connection.root(), connection.atom("_NET_CLIENT_LIST")));
+    for (const std::uint32_t window : windows) {
+        for (const auto pid : connection.values(connection.askValues(window, connection.atom("_NET_WM_PID")))) {
+            processes.insert(static_cast<qint32>(pid));
+        }
+    }
+    return processes;
+}
+
+} // namespace
+
+std::set<qint32> examineX11(DesktopFacts &facts) {
+    const auto connection = X11Connection::open();
+    facts.hasDisplay = connection != nullptr;
+    if (!connection) {
+        return {};
+    }
+    const X11Keyboard keyboard(*connection);
+    facts.windowManager = windowManager(*connection);
+    facts.hasTray = isOwned(*connection, withScreenNumber("_NET_SYSTEM_TRAY_S", *connection));
+    facts.hasCompositor = isOwned(*connection, withScreenNumber("_NET_WM_CM_S", *connection));
+    facts.hasClipboardManager = isOwned(*connection, "CLIPBOARD_MANAGER");
+    facts.isRunning = X11Instance::isThere(*connection);
+    facts.canGrabTab = canGrab(*connection, keyboard, keyCode::tab);
+    facts.canGrabEscape = canGrab(*connection, keyboard, keyCode::escape);
+    return processesWithWindows(*connection);
+}
+
+bool isProgramRunning() {
+    const auto connection = X11Connection::open();
+    return connection && X11Instance::isThere(*connection);
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,228 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Linux/X11/Clipboard/X11Pasteboard.h"
+
+#include <xcb/xfixes.h>
+
+#include <algorithm>
+#include <array>
+
+namespace platform::desktop {
+
+namespace {
+
+/// How long the program's end may wait for a clipboard manager.
+constexpr std::chrono::milliseconds longestHandOver{200};
+
+/// The targets under which plain text stands as UTF-8.
+constexpr std::array<QLatin1StringView, 4> utf8Targets{QLatin1StringView("UTF8_STRING"),
+                                                       QLatin1StringView("text/plain;charset=utf-8"),
+                                                       QLatin1StringView("text/plain"), QLatin1StringView("TEXT")};
+
+/// Marks content that nobody is to keep, with the value "secret".
+constexpr auto secretHint = "x-kde-passwordManagerHint";
+
+std::optional<QString> stringIn(const PasteboardItems &items) {
+    for (const PasteboardItem &item : items) {
+        for (const auto &[type, data] : item.representations) {
+            if (std::ranges::find(utf8Targets, type) != utf8Targets.end()) {
+                return QString::fromUtf8(data);
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+X11Pasteboard::X11Pasteboard(X11Connection &connection)
+    : m_connection(connection), m_clipboard(connection.atom("CLIPBOARD")), m_owner(connection, m_clipboard),
+      m_firstFixesEvent(connection.firstEvent(&xcb_xfixes_id)) {
+    if (m_firstFixesEvent != 0) {
+        const auto version = xcb_xfixes_query_version(connection.get(), 1, 0);
+        (void)connection.reply(xcb_xfixes_query_version_reply, version);
+        xcb_xfixes_select_selection_input(connection.get(), connection.window(), m_clipboard,
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    }
+    m_events = connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
+}
+
+X11Pasteboard::~X11Pasteboard() {
+    if (m_holdsUserContent) {
+        m_owner.handOver(longestHandOver);
+    }
+}
+
+void X11Pasteboard::handle(const xcb_generic_event_t &event) {
+    if (isOwnerChange(event)) {
+        ownerChanged(event);
+    }
+}
+
+bool X11Pasteboard::isOwnerChange(const xcb_generic_event_t &event) const {
+    return m_firstFixesEvent != 0 && eventType(event) == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY &&
+           eventAs<xcb_xfixes_selection_notify_event_t>(event).selection == m_clipboard;
+}
+
+void X11Pasteboard::ownerChanged(const xcb_generic_event_t &event) {
+    const auto &change = eventAs<xcb_xfixes_selection_notify_event_t>(event);
+    // What this program does is counted when it does it.
+    const bool isOurs = change.owner == m_connection.window() ||
+                        (change.owner == XCB_NONE && change.selection_timestamp == m_givenUpAt);
+    if (isOurs) {
+        return;
+    }
+    ++m_changeCount;
+    m_owner.lose();
+    std::vector<X11SelectionReader *> readers;
+    std::ranges::transform(m_readings, std::back_inserter(readers),
+                           [](const Reading &one) { return one.reader.get(); });
+    for (X11SelectionReader *reader : readers) {
+        reader->ownerChanged(change.owner);
+    }
+}
+
+qint64 X11Pasteboard::changeCount() {
+    // Asked before something of the user's would be overwritten, so it must not lag behind the server.
+    m_connection.sync();
+    takeOwnerChanges();
+    return m_changeCount;
+}
+
+void X11Pasteboard::takeOwnerChanges() {
+    for (const X11Event &event : m_connection.takeEvents([this](const auto &one) { return isOwnerChange(one); })) {
+        ownerChanged(*event);
+    }
+}
+
+void X11Pasteboard::copyItems(std::function<void(std::optional<PasteboardItems>)> done) {
+    (void)changeCount(); // hears of an owner that came just now
+    if (m_isCleared || m_owner.isOwner()) {
+        auto items = m_isCleared ? PasteboardItems() : itemsFrom(m_owner.values());
+        QMetaObject::invokeMethod(
+            &m_context, [done = std::move(done), items = std::move(items)] { done(items); }, Qt::QueuedConnection);
+        return;
+    }
+    m_readings.push_back({nullptr, std::move(done)});
+    Reading &reading = m_readings.back();
+    auto self = std::make_shared<const X11SelectionReader *>(nullptr);
+    reading.reader = std::make_unique<X11SelectionReader>(
+        m_connection, m_clipboard, [this, self](const std::optional<std::vector<X11SelectionValue>> &values) {
+            // Later, since the reader is in the midst of its work, and goes away then.
+            QMetaObject::invokeMethod(
+                &m_context, [this, self, values] { finishReading(*self, values); }, Qt::QueuedConnection);
+        });
+    *self = reading.reader.get();
+}
+
+void X11Pasteboard::finishReading(const X11SelectionReader *reader,
+                                  const std::optional<std::vector<X11SelectionValue>> &values) {
+    const auto reading =
+        std::ranges::find_if(m_readings, [&](const Reading &one) { return one.reader.get() == reader; });
+    if (reading == m_readings.end()) {
+        return;
+    }
+    const auto done = std::move(reading->done);
+    m_readings.erase(reading);
+    if (!values) {
+        done(std::nullopt);
+        return;
+    }
+    for (const X11SelectionValue &value : *values) {
+        m_forms[m_connection.atomNames({value.target}).front()] = {value.type, value.format};
+    }
+    done(itemsFrom(*values));
+}
+
+PasteboardItems X11Pasteboard::itemsFrom(const std::vector<X11SelectionValue> &values) {
+    if (values.empty()) {
+        return {};
+    }
+    PasteboardItem item;
+    for (const X11SelectionValue &value : values) {
+        item.representations.emplace_back(m_connection.atomNames({value.target}).front(), value.data);
+    }
+    return {item};
+}
+
+void X11Pasteboard::copyString(std::function<void(std::optional<QString>)> done) {
+    copyItems([done = std::move(done)](const std::optional<PasteboardItems> &items) {
+        done(items ? stringIn(*items) : std::nullopt);
+    });
+}
+
+void X11Pasteboard::clearContents() {
+    ++m_changeCount;
+    m_isCleared = true;
+    m_holdsUserContent = false;
+    m_owner.forget();
+    m_givenUpAt = m_connection.serverTime();
+    // Not at once: clipboard managers fill an empty clipboard again, and would so overwrite what is written next.
+    QMetaObject::invokeMethod(
+        &m_context, [this] { giveUpIfStillCleared(); }, Qt::QueuedConnection);
+}
+
+void X11Pasteboard::giveUpIfStillCleared() {
+    if (std::exchange(m_isCleared, false)) {
+        m_owner.giveUp(m_givenUpAt);
+    }
+}
+
+void X11Pasteboard::setString(const QString &text) {
+    const QByteArray utf8 = text.toUtf8();
+    std::vector<X11SelectionValue> values;
+    const xcb_atom_t utf8String = m_connection.atom("UTF8_STRING");
+    for (const QLatin1StringView target : utf8Targets) {
+        const xcb_atom_t atom = m_connection.atom(QByteArray(target.data(), target.size()));
+        values.push_back({atom, atom, 8, utf8});
+    }
+    values.back().type = utf8String; // "TEXT" leaves the encoding to the owner
+    values.push_back({XCB_ATOM_STRING, XCB_ATOM_STRING, 8, text.toLatin1()});
+    const xcb_atom_t hint = m_connection.atom(secretHint);
+    values.push_back({hint, hint, 8, QByteArrayLiteral("secret")});
+    m_holdsUserContent = false;
+    write(std::move(values));
+}
+
+void X11Pasteboard::writeObjects(const PasteboardItems &items) {
+    std::vector<X11SelectionValue> values;
+    for (const PasteboardItem &item : items) {
+        for (const auto &[type, data] : item.representations) {
+            X11SelectionValue value = valueFrom(type, data);
+            const bool isNew = std::ranges::find(values, value.target, &X11SelectionValue::target) == values.end();
+            if (isNew && value.target != XCB_NONE) {
+                values.push_back(std::move(value));
+            }
+        }
+    }
+    if (!values.empty()) {
+        const xcb_atom_t hint = m_connection.atom(secretHint);
+        m_holdsUserContent = std::ranges::none_of(
+            values, [hint](const X11SelectionValue &value) { return value.target == hint && value.data == "secret"; });
+        write(std::move(values));
+    }
+}
+
+void X11Pasteboard::write(std::vector<X11SelectionValue> values) {
+    ++m_changeCount;
+    m_isCleared = false;
+    const bool isOurs = m_owner.claim();
+    // Changes by others that came before are still to be heard of, and must not be taken for a loss of what is new.
+    takeOwnerChanges();
+    if (isOurs) {
+        m_owner.hold(std::move(values));
+    }
+}
+
+X11SelectionValue X11Pasteboard::valueFrom(const QString &type, const QByteArray &data) {
+    const xcb_atom_t target = m_connection.atom(type.toLatin1());
+    const auto known = m_forms.find(type);
+    if (known == m_forms.end() || data.size() % (known->second.format / 8) != 0) {
+        return {target, target, 8, data};
+    }
+    return {target, known->second.type, known->second.format, data};
+}
+
+} // namespace platform::desktop

@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Linux/X11/Clipboard/X11SelectionOwner.h"
+#include "Platform/Pasteboard.h"
+
+namespace platform::desktop {
+
+/// The clipboard selection. X11 has one item: reading gives one, writing joins several. See README.md beside.
+class X11Pasteboard final : public Pasteboard {
+  public:
+    explicit X11Pasteboard(X11Connection &connection);
+    /// Hands the user's own content, if it is here and no secret, to the desktop's clipboard manager.
+    ~X11Pasteboard() override;
+    X11Pasteboard(const X11Pasteboard &) = delete;
+    X11Pasteboard &operator=(const X11Pasteboard &) = delete;
+
+    void copyItems(std::function<void(std::optional<PasteboardItems>)> done) override;
+    void copyString(std::function<void(std::optional<QString>)> done) override;
+    void clearContents() override;
+    void setString(const QString &text) override;
+    void writeObjects(const PasteboardItems &items) override;
+    [[nodiscard]] qint64 changeCount() override;
+    [[nodiscard]] qint64 fetchCount() override { return m_owner.timesServed(); }
+
+  private:
+    struct Form {
+        xcb_atom_t type;
+        std::uint8_t format;
+    };
+    struct Reading {
+        std::unique_ptr<X11SelectionReader> reader;
+        std::function<void(std::optional<PasteboardItems>)> done;
+    };
+
+    void handle(const xcb_generic_event_t &event);
+    void takeOwnerChanges();
+    void ownerChanged(const xcb_generic_event_t &event);
+    [[nodiscard]] bool isOwnerChange(const xcb_generic_event_t &event) const;
+    void write(std::vector<X11SelectionValue> values);
+    void giveUpIfStillCleared();
+    void finishReading(const X11SelectionReader *reader, const std::optional<std::vector<X11SelectionValue>> &values);
+    [[nodiscard]] PasteboardItems itemsFrom(const std::vector<X11SelectionValue> &values);
+    [[nodiscard]] X11SelectionValue valueFrom(const QString &type, const QByteArray &data);
+
+    X11Connection &m_connection;
+    xcb_atom_t m_clipboard;
+    X11SelectionOwner m_owner;
+    std::vector<Reading> m_readings;
+    /// How each type came when it was read last, so that it can be given back in the same form.
+    std::map<QString, Form> m_forms;
+    bool m_isCleared = false;
+    bool m_holdsUserContent = false;
+    qint64 m_changeCount = 0;
+    xcb_timestamp_t m_givenUpAt = XCB_CURRENT_TIME;
+    std::uint8_t m_firstFixesEvent = 0;
+    RegistrationHandle m_events;
+    QObject m_context;
+};
+
+} // namespace platform::desktop

@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Linux/X11/Panel/Compositor.h"
+#include "Platform/Linux/X11/Panel/PanelFrame.h"
+#include "Platform/Linux/X11/X11Screens.h"
+#include "Platform/PanelWindow.h"
+
+#include <QTimer>
+#include <QVariantAnimation>
+
+namespace platform::desktop {
+
+/// A panel window on X11. Where no compositor runs it cannot be translucent: it then only moves where it would fade.
+/// It is raised when told to and not whenever something covers it: what comes up over it, a menu or the lock screen,
+/// does so rightly.
+class QtPanelWindow final : public PanelWindow {
+  public:
+    explicit QtPanelWindow(X11Screens &screens);
+
+    void setContentView(QObject *view) override;
+    void setContentSize(Size size) override;
+    void setFrameOrigin(Point origin) override;
+    [[nodiscard]] Rect frame() const override { return m_frame; }
+    void setAlpha(double alpha) override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+    [[nodiscard]] bool isVisible() const override { return m_window.isVisible(); }
+    void animate(Point origin, double alpha, std::chrono::milliseconds duration) override;
+
+    /// The widget behind it, for tests.
+    [[nodiscard]] PanelFrame &window() { return m_window; }
+
+  private:
+    void animateTo(double progress);
+    void applyLater();
+    void applyGeometry();
+    void applyAlpha();
+
+    X11Screens &m_screens;
+    PanelFrame m_window;
+    Compositor m_compositor;
+    Rect m_frame;
+    double m_alpha = 1;
+    QTimer m_apply;
+    struct Flight {
+        Point from;
+        Point to;
+        double fromAlpha = 1;
+        double toAlpha = 1;
+        bool moves = false;
+        bool fades = false;
+    };
+    Flight m_flight;
+    QVariantAnimation m_animation;
+};
+
+class QtPanelWindows final : public PanelWindows {
+  public:
+    /// The screens say where on the desktop a place in screen coordinates is.
+    explicit QtPanelWindows(X11Screens &screens) : m_screens(screens) {}
+    [[nodiscard]] std::unique_ptr<PanelWindow> create() override;
+
+  private:
+    X11Screens &m_screens;
+};
+
+} // namespace platform::desktop

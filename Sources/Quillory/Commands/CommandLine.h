@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/DesktopFacts.h"
+#include "Platform/KeyStorage.h"
+#include "Platform/UserDefaults.h"
+
+#include <QStringList>
+
+#include <chrono>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+
+namespace quillory {
+
+/// What a command reads and writes instead of the terminal.
+struct CommandStreams {
+    std::istream &input;
+    std::ostream &output;
+    std::ostream &errors;
+    /// Whether somebody watches the output.
+    bool outputIsTerminal = false;
+};
+
+/// The exit statuses of commands.
+namespace exitStatus {
+inline constexpr int success = 0;
+/// There was nothing to show, or a value could not be saved.
+inline constexpr int failure = 1;
+/// The arguments were wrong; nothing was done.
+inline constexpr int misuse = 2;
+} // namespace exitStatus
+
+/// The real desktop, installed as the platform for as long as it lives.
+class CommandDesktop {
+  public:
+    CommandDesktop() = default;
+    virtual ~CommandDesktop() = default;
+    CommandDesktop(const CommandDesktop &) = delete;
+    CommandDesktop &operator=(const CommandDesktop &) = delete;
+    /// Handles what happens on the desktop until so much time has passed.
+    virtual void pass(std::chrono::milliseconds time) = 0;
+    /// What that and all work in between moves on.
+    [[nodiscard]] virtual std::chrono::steady_clock::time_point now() const = 0;
+};
+
+/// The settings store, and the one that keeps the key for it. Both outlive the command.
+struct CommandSettings {
+    platform::UserDefaults &values;
+    platform::KeyStorage &keys;
+};
+
+/// What commands need of the platform, since most run without the rest of it.
+struct CommandServices {
+    /// For the commands that read or change settings and do nothing else.
+    std::function<CommandSettings()> openSettings;
+    /// The folder under which the program keeps its own files.
+    QString homeDirectory;
+    /// Installs a platform without a desktop, for the commands that ask the model service; it stays while the result
+    /// lives, which takes a new key for it.
+    std::function<std::shared_ptr<platform::KeyStorage>()> install;
+    /// Opens the desktop, for the commands that look at it; null when no display can be reached.
+    std::function<std::unique_ptr<CommandDesktop>()> openDesktop;
+    /// For the commands that look after the desktop; never null for those.
+    platform::DesktopExamination *examination = nullptr;
+    platform::DesktopMending *mending = nullptr;
+    /// Sets things up in a window and gives the exit status; absent when there is no display to show it on.
+    std::function<std::optional<int>()> setUpInWindow;
+    /// Reads a line that is not shown while it is typed, with what is pasted after its line breaks; none where the
+    /// input is no terminal.
+    std::function<QString()> readHidden;
+};
+
+/// Carries out the command that the arguments (without the program's name) ask for and gives the exit status; absent
+/// when they ask for no command, so that the program itself is to run. Options with one dash belong to the desktop's
+/// toolkit and session management and ask for none. Needs no display.
+[[nodiscard]] std::optional<int> runCommandLine(const QStringList &arguments, const CommandServices &services,
+                                                const CommandStreams &streams);
+
+} // namespace quillory

@@ -1,0 +1,152 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Commands/DoctorCommand.h"
+
+#include "Quillory/Setup/ProgramExamination.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <ostream>
+
+namespace quillory {
+
+namespace {
+using State = Finding::State;
+
+/// Whether "--fix" may do it unasked. The rest changes more than a switch.
+bool isSafe(Remedy remedy) {
+    return remedy == Remedy::enableAccessibility;
+}
+
+std::vector<Finding> findingsNow(const CommandServices &services) {
+    return diagnose(services.examination->examine({}), examineProgram({}));
+}
+
+bool isToBeKept(const Finding &finding) {
+    return isSafe(finding.remedy) && isOnlyForLater(finding);
+}
+
+/// Does what is safe and looks again.
+void fix(std::vector<Finding> &findings, const CommandServices &services, const CommandStreams &streams) {
+    const auto safe = std::ranges::count_if(findings, [](const Finding &f) { return isSafe(f.remedy); });
+    if (safe == 0) {
+        streams.errors << "There is nothing that could be fixed safely.\n";
+        return;
+    }
+    const bool isOnNow = safe == std::ranges::count_if(findings, isToBeKept);
+    const bool isDone = services.mending->enableAccessibility({});
+    findings = findingsNow(services);
+    if (!isDone) {
+        streams.errors << "quillory: accessibility could not be switched on.\n";
+    } else if (!isOnNow) {
+        streams.errors << "Switched accessibility on. Browsers that were running must be restarted once.\n";
+    } else {
+        streams.errors << (std::ranges::none_of(findings, isToBeKept)
+                               ? "Accessibility stays on at the next login.\n"
+                               : "quillory: the setting that keeps accessibility on could not be changed.\n");
+    }
+}
+
+const char *nameOf(State state) {
+    switch (state) {
+    case State::good:
+        return "ok";
+    case State::note:
+        return "note";
+    case State::problem:
+        break;
+    }
+    return "PROBLEM";
+}
+
+void writeJSON(std::ostream &output, const std::vector<Finding> &findings) {
+    nlohmann::json checks = nlohmann::json::array();
+    for (const Finding &finding : findings) {
+        checks.push_back({{"check", finding.check.toStdString()},
+                          {"title", finding.title.toStdString()},
+                          {"state", finding.state == State::problem ? "problem" : nameOf(finding.state)},
+                          {"found", finding.found.toStdString()},
+                          {"advice", finding.advice.toStdString()},
+                          {"fixable", isSafe(finding.remedy)}});
+    }
+    output << nlohmann::json{{"canWork", canWork(findings)}, {"checks", std::move(checks)}}.dump(2) << '\n';
+}
+
+} // namespace
+
+void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
+    qsizetype width = 0;
+    for (const Finding &finding : findings) {
+        width = std::max(width, finding.title.size());
+    }
+    for (const Finding &finding : findings) {
+        output << QString::fromLatin1(nameOf(finding.state)).leftJustified(9).toStdString()
+               << finding.title.leftJustified(width + 2).toStdString() << finding.found.toStdString() << '\n';
+        if (!finding.advice.isEmpty()) {
+            output << std::string(static_cast<std::size_t>(9 + width + 2), ' ') << "-> " << finding.advice.toStdString()
+                   << '\n';
+        }
+    }
+    const auto problems = std::ranges::count(findings, State::problem, &Finding::state);
+    if (problems == 0) {
+        output << (isAtWork(findings) ? "\nQuillory can do its work.\n"
+                                      : "\nQuillory can do its work once it is started.\n");
+    } else {
+        output << "\nQuillory cannot do its work yet: " << problems << (problems == 1 ? " problem.\n" : " problems.\n");
+    }
+}
+
+const CommandSyntax &doctorSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("doctor"),
+        .forms = {{{}, QStringLiteral("check what the program needs and say what to do; --fix does what is safe")}},
+        .options = {{QStringLiteral("fix"), QStringLiteral("First do what is safe: switch accessibility on.")},
+                    {QStringLiteral("json"), QStringLiteral("Show the checks as JSON.")}}};
+    return syntax;
+}
+
+int runDoctorCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
+    const CommandArguments given(doctorSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
+    }
+    const bool asJSON = given.has(QStringLiteral("json"));
+    const bool mayFix = given.has(QStringLiteral("fix"));
+    const auto installed = services.install();
+    std::vector<Finding> findings = findingsNow(services);
+    if (mayFix) {
+        fix(findings, services, streams);
+    }
+    asJSON ? writeJSON(streams.output, findings) : writeFindings(streams.output, findings);
+    return canWork(findings) ? exitStatus::success : exitStatus::failure;
+}
+
+const CommandSyntax &autostartSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("autostart"),
+        .forms = {{QStringLiteral("on|off"), QStringLiteral("start it at every login, or no longer")}},
+        .options = {},
+        .mostWords = 1};
+    return syntax;
+}
+
+int runAutostartCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
+    const CommandArguments given(autostartSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
+    }
+    const bool on = given.words() == QStringList{QStringLiteral("on")};
+    if (!on && given.words() != QStringList{QStringLiteral("off")}) {
+        return given.refuse();
+    }
+    if (!services.mending->setStartsAtLogin(on)) {
+        streams.errors << "quillory: the entry for the desktop's autostart could not be "
+                       << (on ? "written.\n" : "removed.\n");
+        return exitStatus::failure;
+    }
+    streams.output << (on ? "Quillory starts at your next login.\n" : "Quillory no longer starts at login.\n");
+    return exitStatus::success;
+}
+
+} // namespace quillory

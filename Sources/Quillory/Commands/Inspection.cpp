@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Commands/Inspection.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/Field/AXText.h"
+#include "Quillory/Settings/AppSettings.h"
+
+namespace quillory {
+
+namespace axAttribute = platform::axAttribute;
+
+namespace {
+
+QString stringOf(const platform::AXUIElement &element, QLatin1StringView name) {
+    return AXText::attribute<QString>(element, name).value_or(QString());
+}
+
+FieldSituation situation(const platform::AXUIElement &element, bool isChat) {
+    const platform::UserDefaults &store = AppSettings::shared().store();
+    FieldSituation field;
+    field.enabled = store.boolean(settingsKey::enabled);
+    field.assistantMode = store.boolean(settingsKey::assistantMode);
+    field.isTextElement = AXText::isTextElement(element);
+    field.isBrowserUI = field.isTextElement && AXText::isBrowserUIField(element);
+    field.isChat = field.isTextElement && isChat;
+    field.minChars = store.integer(settingsKey::minChars);
+    field.maxChars = store.integer(settingsKey::maxChars);
+    if (field.isChat && !field.isBrowserUI) {
+        field.length = AXText::attribute<double>(element, axAttribute::numberOfCharacters);
+        field.value = AXText::attribute<QString>(element, axAttribute::value);
+        field.placeholder = stringOf(element, axAttribute::placeholderValue);
+        if (auto conversation = ChatContext::extract(element)) {
+            field.conversation = std::move(conversation->text);
+        }
+    }
+    return field;
+}
+
+InspectedElement inspected(const platform::AXUIElement &element) {
+    InspectedElement seen;
+    seen.pid = element.pid();
+    if (const auto application = platform::current().workspace.runningApplication(element.pid())) {
+        seen.application = application->localizedName.value_or(QString());
+        seen.bundleIdentifier = application->bundleIdentifier.value_or(QString());
+    }
+    seen.windowTitle = AXText::focusedWindowTitle(element.pid()).value_or(QString());
+    seen.role = stringOf(element, axAttribute::role);
+    seen.frame = AXText::frame(element);
+    seen.canWriteValue = element.isAttributeSettable(axAttribute::value);
+    seen.canPlaceCaret = element.isAttributeSettable(axAttribute::selectedTextRange);
+    seen.recognition = ChatContext::recognise(element);
+    seen.field = situation(element, seen.recognition.isChat);
+    return seen;
+}
+
+} // namespace
+
+Inspection inspectFocus() {
+    Inspection seen;
+    seen.isTrusted = platform::current().accessibility.isProcessTrusted();
+    const auto focused = seen.isTrusted ? AXText::focusedElement() : std::nullopt;
+    if (!focused || focused->pid() == platform::current().process.identifier()) {
+        return seen;
+    }
+    seen.focus = inspected(*focused);
+    seen.plan = planRequest(seen.focus->field);
+    if (seen.plan.kind) {
+        seen.messages = OpenRouterClient::buildMessages(*seen.plan.kind, seen.plan.source, seen.plan.context);
+        seen.models = activeModels(AppSettings::shared().store());
+    }
+    return seen;
+}
+
+} // namespace quillory

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Quillory/Commands/RequestPlan.h"
+#include "Quillory/Field/ChatContext.h"
+#include "Quillory/Model/OpenRouterClient.h"
+#include "Quillory/Monitor/ModelStream.h"
+
+namespace quillory {
+
+/// The element that has the keyboard focus, as the program sees it.
+struct InspectedElement {
+    qint32 pid = 0;
+    QString application;
+    QString bundleIdentifier;
+    QString windowTitle;
+    QString role;
+    std::optional<platform::Rect> frame;
+    bool canWriteValue = false;
+    bool canPlaceCaret = false;
+    ChatContext::Recognition recognition;
+    /// What it holds is taken along for a message box alone.
+    FieldSituation field;
+};
+
+/// What the program sees of the desktop at one moment.
+struct Inspection {
+    bool isTrusted = false;
+    std::optional<InspectedElement> focus;
+    RequestPlan plan;
+    /// Of the request that is planned; empty when none is.
+    std::vector<OpenRouterClient::Message> messages;
+    std::vector<ModelChoice> models;
+    /// Not looked at by inspectFocus(): a locked password store would hold up every look.
+    bool hasKey = false;
+};
+
+/// Looks at the focused element through the installed platform. Main thread only.
+[[nodiscard]] Inspection inspectFocus();
+
+} // namespace quillory

@@ -1,0 +1,177 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Commands/RewriteCommand.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/Model/OpenRouterClient.h"
+#include "Quillory/Monitor/AnswerScreening.h"
+#include "Quillory/RewriteError.h"
+#include "Quillory/Settings/AppSettings.h"
+#include "Quillory/Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <istream>
+#include <limits>
+#include <ostream>
+
+namespace quillory {
+
+namespace {
+
+struct Order {
+    QString draft;
+    std::optional<Tone> tone;
+    bool asJSON = false;
+};
+
+/// What cannot be carried out, as a sentence without its full stop.
+struct Refusal {
+    QString sentence;
+    int status = exitStatus::failure;
+};
+
+QStringList toneNames() {
+    QStringList names;
+    for (const Tone tone : allTones) {
+        names.append(u'"' + rawValue(tone) + u'"');
+    }
+    return names;
+}
+
+Tone toneNamed(const QString &name) {
+    const auto found = std::ranges::find_if(
+        allTones, [&](Tone tone) { return rawValue(tone).compare(name, Qt::CaseInsensitive) == 0; });
+    if (found == std::end(allTones)) {
+        throw Refusal{QStringLiteral("a tone is one of ") + toneNames().join(QStringLiteral(", ")), exitStatus::misuse};
+    }
+    return *found;
+}
+
+QString readDraft(std::istream &input) {
+    std::optional<QString> draft = readText(input);
+    if (!draft) {
+        throw Refusal{QStringLiteral("the draft must be UTF-8 text of at most a megabyte")};
+    }
+    return *std::move(draft);
+}
+
+Order orderFrom(const CommandArguments &given, std::istream &input) {
+    Order order;
+    order.asJSON = given.has(QStringLiteral("json"));
+    if (given.has(QStringLiteral("tone"))) {
+        order.tone = toneNamed(given.value(QStringLiteral("tone")));
+    }
+    const QStringList words = given.words();
+    const bool isFromInput = words.isEmpty() || words == QStringList{QStringLiteral("-")};
+    order.draft = isFromInput ? readDraft(input) : words.join(u' ');
+    if (text::trimmed(order.draft).isEmpty()) {
+        throw Refusal{QStringLiteral("there is no draft")};
+    }
+    return order;
+}
+
+/// What can be shown of an answer that still grows: without an end that may become one of the tags to leave out.
+QString settled(const QString &soFar) {
+    constexpr qsizetype longestTag = 15;
+    const qsizetype open = soFar.lastIndexOf(u'<');
+    const bool mayBeTag = open >= 0 && soFar.size() - open < longestTag && !soFar.sliced(open).contains(u'>');
+    return cleanedAnswer(mayBeTag ? soFar.first(open) : soFar);
+}
+
+/// Shows an answer as it grows on a terminal, and ends its line, whatever comes next.
+class Growing {
+  public:
+    explicit Growing(std::ostream &output) : m_output(output) {}
+    ~Growing() {
+        if (m_shown > 0) {
+            m_output << std::endl;
+        }
+    }
+    Growing(const Growing &) = delete;
+    Growing &operator=(const Growing &) = delete;
+    void show(const QString &answer) {
+        m_output << text::printable(answer.sliced(std::min(m_shown, answer.size()))).toStdString() << std::flush;
+        m_shown = answer.size();
+    }
+
+  private:
+    std::ostream &m_output;
+    qsizetype m_shown = 0;
+};
+
+/// The screened rewrite. Throws RewriteError and what the network throws.
+QString rewriteOf(const Order &order, const QString &model, const OpenRouterClient::OnChunk &onChunk) {
+    const QString raw =
+        OpenRouterClient::stream(SuggestionKind::rewrite, order.draft, std::nullopt, model, onChunk, {}, order.tone);
+    QString answer = cleanedAnswer(raw);
+    const Verdict verdict = screen(SuggestionKind::rewrite, order.draft, answer);
+    if (verdict.outcome == Verdict::Outcome::rejected) {
+        throw RewriteError::badResponse(QStringLiteral("The model went off script: ") + verdict.reason);
+    }
+    if (answer.isEmpty()) {
+        throw RewriteError::badResponse(QStringLiteral("The model gave no answer"));
+    }
+    return answer;
+}
+
+void carryOut(const Order &order, const CommandStreams &streams) {
+    const QString model = AppSettings::shared().store().string(settingsKey::model).value_or(defaultModel);
+    const auto &clock = platform::current().mainQueue;
+    const platform::Instant start = clock.now();
+    const bool isShownGrowing = streams.outputIsTerminal && !order.asJSON;
+    Growing growing(streams.output);
+    const QString answer = rewriteOf(order, model, [&](const QString &soFar) {
+        if (isShownGrowing) {
+            growing.show(settled(soFar));
+        }
+    });
+    if (order.asJSON) {
+        const nlohmann::json document{
+            {"rewrite", answer.toStdString()}, {"model", model.toStdString()}, {"seconds", clock.now() - start}};
+        streams.output << document.dump(2) << '\n';
+    } else if (isShownGrowing) {
+        growing.show(answer);
+    } else {
+        streams.output << answer.toStdString() << '\n';
+    }
+}
+
+int fail(const CommandStreams &streams, const QString &sentence, int status) {
+    streams.errors << "quillory: " << text::printable(sentence).toStdString()
+                   << (sentence.endsWith(u'.') ? "\n" : ".\n");
+    return status;
+}
+
+} // namespace
+
+const CommandSyntax &rewriteSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("rewrite"),
+        .forms = {{QStringLiteral("[TEXT]"), QStringLiteral("rewrite a text, or what stands on standard input")}},
+        .options =
+            {{QStringLiteral("tone"),
+              QStringLiteral("One of %1; else that of the settings.").arg(toneNames().join(QStringLiteral(", "))),
+              QStringLiteral("TONE")},
+             {QStringLiteral("json"), QStringLiteral("Show the rewrite, its model and its time as JSON.")}},
+        .mostWords = std::numeric_limits<qsizetype>::max()};
+    return syntax;
+}
+
+int runRewriteCommand(const QStringList &arguments, const CommandStreams &streams) {
+    const CommandArguments given(rewriteSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
+    }
+    try {
+        carryOut(orderFrom(given, streams.input), streams);
+        return exitStatus::success;
+    } catch (const Refusal &refusal) {
+        return fail(streams, refusal.sentence, refusal.status);
+    } catch (const std::exception &error) {
+        return fail(streams, QString::fromUtf8(error.what()), exitStatus::failure);
+    }
+}
+
+} // namespace quillory

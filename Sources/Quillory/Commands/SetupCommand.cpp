@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Commands/SetupCommand.h"
+
+#include "Quillory/Commands/DoctorCommand.h"
+#include "Quillory/Model/ConnectionCheck.h"
+#include "Quillory/Setup/SetupWork.h"
+
+#include <algorithm>
+#include <istream>
+#include <ostream>
+#include <set>
+#include <string>
+
+namespace quillory {
+
+namespace {
+
+/// The questions, one after the other. An input that ends answers no to all that are left.
+class Dialogue {
+  public:
+    Dialogue(const SetupWork &work, const CommandServices &services, const CommandStreams &streams)
+        : m_work(work), m_services(services), m_streams(streams) {}
+
+    int run() {
+        std::vector<Finding> findings = m_work.look({});
+        writeFindings(m_streams.output, findings);
+        m_streams.output << '\n';
+        offer(findings);
+        const bool hasNewKey = askForKey();
+        const bool hasKey = hasNewKey || std::ranges::none_of(findings, [](const Finding &finding) {
+                                return finding.remedy == Remedy::enterKey;
+                            });
+        if (hasKey && agrees(QStringLiteral("Try the key now?"), true)) {
+            say(triedConnection({}));
+        }
+        findings = m_work.look({});
+        m_streams.output << '\n';
+        writeFindings(m_streams.output, findings);
+        return canWork(findings) ? exitStatus::success : exitStatus::failure;
+    }
+
+  private:
+    void offer(const std::vector<Finding> &findings) {
+        std::set<QString> asked; // two findings may lead to the same question
+        for (const Finding &finding : findings) {
+            const auto offered = offerFor(finding);
+            if (!offered || offered->question.isEmpty() || !asked.insert(offered->question).second) {
+                continue;
+            }
+            if (agrees(offered->question, offered->isHarmless)) {
+                say(m_work.mend(finding, {}));
+            }
+        }
+    }
+
+    bool askForKey() {
+        for (;;) {
+            m_streams.output << "API key (not shown while you type; Enter leaves it as it is): " << std::flush;
+            const QString typed = m_services.readHidden ? m_services.readHidden() : line();
+            if (typed.trimmed().isEmpty()) {
+                return false;
+            }
+            const SavedKey saved = m_work.saveKey(typed, {});
+            say(saved.sentence);
+            if (saved.isSaved) {
+                return true;
+            }
+        }
+    }
+
+    bool agrees(const QString &question, bool byDefault) {
+        m_streams.output << question.toStdString() << (byDefault ? " [Y/n] " : " [y/N] ") << std::flush;
+        const QString answer = line().trimmed().toLower();
+        if (m_hasEnded) {
+            m_streams.output << '\n';
+            return false;
+        }
+        return answer.isEmpty() ? byDefault : answer.startsWith(u'y');
+    }
+
+    QString line() {
+        std::string text;
+        m_hasEnded = !std::getline(m_streams.input, text);
+        return QString::fromStdString(text);
+    }
+
+    void say(const QString &sentence) { m_streams.output << sentence.toStdString() << '\n'; }
+
+    const SetupWork &m_work;
+    const CommandServices &m_services;
+    const CommandStreams &m_streams;
+    bool m_hasEnded = false;
+};
+
+} // namespace
+
+const CommandSyntax &setupSyntax() {
+    static const CommandSyntax syntax{
+        .name = QStringLiteral("setup"),
+        .forms = {{{}, QStringLiteral("set it up: what the program needs, and the API key")}},
+        .options = {{QStringLiteral("terminal"), QStringLiteral("Ask in the terminal, though there is a display.")}}};
+    return syntax;
+}
+
+int runSetupCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
+    const CommandArguments given(setupSyntax(), arguments, streams);
+    if (given.status()) {
+        return *given.status();
+    }
+    if (!given.has(QStringLiteral("terminal"))) {
+        if (const auto status = services.setUpInWindow()) {
+            return *status;
+        }
+    }
+    const auto keys = services.install();
+    const SetupWork work(*services.examination, *services.mending, *keys);
+    return Dialogue(work, services, streams).run();
+}
+
+} // namespace quillory

@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Quillory/Commands/CommandArguments.h"
+
+namespace quillory {
+
+[[nodiscard]] const CommandSyntax &setupSyntax();
+
+/// Sets the program up: in a window, or with questions in the terminal where there is no display or "--terminal" is
+/// said. Gives the exit status: success when the program can do its work afterwards.
+[[nodiscard]] int runSetupCommand(const QStringList &arguments, const CommandServices &services,
+                                  const CommandStreams &streams);
+
+} // namespace quillory

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Accessibility.h"
+#include "Quillory/Text.h"
+
+#include <QLatin1StringView>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <vector>
+
+/// Reads the conversation that is visible around a message box from the application's accessibility tree. No state;
+/// main thread only where an element is taken. What cannot be read counts as absent.
+namespace quillory::ChatContext {
+
+/// Bundle identifiers of chat programs begin with one of these.
+inline constexpr std::array chatBundlePrefixes{QLatin1StringView("net.whatsapp")};
+
+/// The visible conversation, oldest line first, each line marked with who said it where that is known.
+struct Conversation {
+    QString text;
+    /// Equal for equal texts within one run.
+    std::int64_t hash = 0;
+};
+
+/// The conversation around a message box as it was seen last, or absent when there is none.
+[[nodiscard]] std::optional<Conversation> extract(const platform::AXUIElement &element);
+/// The same, telling a page without a conversation from one that cannot be read at the moment.
+struct Look {
+    bool isAnswered = false;
+    std::optional<Conversation> conversation;
+};
+[[nodiscard]] Look look(const platform::AXUIElement &element, platform::AXFreshness freshness);
+/// Has the conversation read ahead that will be asked for soon, so that it is no older than this. Never waits for it.
+void prepare(const platform::AXUIElement &element, platform::AXFreshness freshness);
+/// What an element was taken for, and what that was judged by.
+struct Recognition {
+    enum class Evidence {
+        /// The bundle identifier of a chat program.
+        chatProgram,
+        /// Neither a chat program nor a browser; judged by the bundle identifier.
+        otherProgram,
+        /// The host of the page's address.
+        pageAddress,
+        /// The title of the browser's window, where the page gives no address.
+        windowTitle,
+    };
+    Evidence evidence = Evidence::otherProgram;
+    bool isChat = false;
+    /// The identifier, host or title; may be empty.
+    QString judgedBy;
+};
+[[nodiscard]] Recognition recognise(const platform::AXUIElement &element);
+/// Whether pages of a host are those of WhatsApp's web client.
+[[nodiscard]] bool isChatHost(const QString &host);
+/// Whether an element belongs to WhatsApp: its desktop program, or its web client in a browser.
+[[nodiscard]] bool isChatApp(const platform::AXUIElement &element);
+/// The nearest web page around an element, the element itself included.
+[[nodiscard]] std::optional<platform::AXUIElement> webArea(const platform::AXUIElement &element);
+/// The window that an element is in.
+[[nodiscard]] std::optional<platform::AXUIElement> containingWindow(const platform::AXUIElement &element);
+
+/// Whether a trimmed text is part of the interface (a time, a counter, a presence) rather than a message.
+[[nodiscard]] bool isNoise(const QString &text);
+
+/// The horizontal extent of the conversation, in accessibility coordinates. By default it excludes nothing.
+struct Column {
+    double left = std::numeric_limits<double>::lowest();
+    double right = std::numeric_limits<double>::max();
+};
+/// The column around a message box, which is a little wider than the box.
+[[nodiscard]] Column columnAround(const std::optional<platform::Rect> &field);
+/// The messages among the elements of a tree: marked lines in the order of the tree, 400 at most.
+[[nodiscard]] QStringList messageLines(const std::vector<platform::AXSubtreeNode> &nodes, const Column &column);
+/// The last lines, joined: 60 at most, and 8000 characters unless a single line is longer.
+[[nodiscard]] QString transcript(QStringList lines);
+
+/// The distinct lines of a conversation's text, without empty ones.
+[[nodiscard]] text::Set distinctLines(const QString &conversation);
+/// How many of the lines known before are still there, as a fraction from 0 to 1; 0 when none were known.
+[[nodiscard]] double overlap(const text::Set &now, const text::Set &before);
+
+} // namespace quillory::ChatContext

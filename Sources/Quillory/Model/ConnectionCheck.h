@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Quillory/Tasks.h"
+
+#include <QString>
+
+namespace quillory {
+
+/// Asks the model service once, on the calling thread. What came of it, for the user: begins with "✓" or "✗".
+/// A password store that is locked may ask to be unlocked once more.
+[[nodiscard]] QString triedConnection(const std::stop_token &stop);
+
+/// Asks the model service for one small rewrite, to see whether it answers. Main thread only.
+class ConnectionCheck {
+  public:
+    /// changed: called on the main thread whenever a test begins or ends.
+    explicit ConnectionCheck(std::function<void()> changed);
+
+    /// Starts a test; nothing while one is under way.
+    void run();
+    [[nodiscard]] bool isTesting() const { return m_isTesting; }
+    /// What came of the last test, for the user: begins with "✓" or "✗". Absent before the first and during one.
+    [[nodiscard]] const std::optional<QString> &result() const { return m_result; }
+
+  private:
+    void finish(const QString &result);
+
+    std::function<void()> m_changed;
+    bool m_isTesting = false;
+    std::optional<QString> m_result;
+    /// Gone with this, so that an answer that comes later knows.
+    std::shared_ptr<bool> m_life = std::make_shared<bool>();
+    Tasks m_tasks;
+};
+
+} // namespace quillory

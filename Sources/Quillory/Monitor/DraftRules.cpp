@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Monitor/DraftRules.h"
+
+#include "Quillory/Text.h"
+
+#include <algorithm>
+
+namespace quillory {
+
+namespace {
+// An inserted text settles (editors tidy it, models are not asked about it) before drafts are looked at again.
+constexpr double quietSecondsAfterInsert = 2.0;
+constexpr double shortestPrefetch = 0.2;
+constexpr double prefetchLead = 0.25;
+} // namespace
+
+QString normalized(const QString &text) {
+    QString result;
+    result.reserve(text.size());
+    bool gap = false;
+    for (const QChar unit : text) { // all white space is in the basic plane
+        if (text::isWhitespaceOrNewline(unit.unicode())) {
+            gap = true;
+            continue;
+        }
+        if (gap && !result.isEmpty()) {
+            result += u' ';
+        }
+        gap = false;
+        result += unit;
+    }
+    return result;
+}
+
+bool isEmptyField(const QString &value, const QString &placeholder) {
+    if (text::trimmed(value).isEmpty()) {
+        return true;
+    }
+    return !placeholder.isEmpty() && (text::equal(value, placeholder) || text::equal(value, placeholder + u'\n'));
+}
+
+bool mayRewrite(const QString &draft, const DraftGates &gates) {
+    return gates.secondsSinceInsert > quietSecondsAfterInsert &&
+           text::hasAtLeast(text::trimmed(draft), gates.minChars) && !text::hasMoreThan(draft, gates.maxChars) &&
+           !(gates.lastInserted && text::equal(normalized(draft), normalized(*gates.lastInserted)));
+}
+
+PausePhase pausePhase(double idleSeconds, qint64 debounceMs) {
+    const double debounce = static_cast<double>(debounceMs) / 1000.0;
+    if (idleSeconds >= debounce) {
+        return PausePhase::show;
+    }
+    return idleSeconds >= std::max(shortestPrefetch, debounce - prefetchLead) ? PausePhase::prefetch : PausePhase::wait;
+}
+
+} // namespace quillory

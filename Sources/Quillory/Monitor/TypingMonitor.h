@@ -1,0 +1,145 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Accessibility.h"
+#include "Platform/MainQueue.h"
+#include "Quillory/Field/ChatContext.h"
+#include "Quillory/Monitor/ModelStream.h"
+#include "Quillory/Monitor/ReplyRules.h"
+#include "Quillory/Panel/SuggestionPanelController.h"
+#include "Quillory/Settings/AppSettings.h"
+#include "Quillory/SuggestionKind.h"
+#include "Quillory/Tasks.h"
+#include "Quillory/Text.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quillory {
+
+/// The heart of the program: looks at the focused text field ten times a second, and in a chat's message box decides
+/// when to ask which models, screens their answers, shows them on cards, and carries out accept and dismiss. One for
+/// the whole run, owned by a shared pointer, since whatever may come later holds it weakly. Main thread only.
+class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
+  public:
+    explicit TypingMonitor(MakeSuggestionHost makeHost);
+    /// Asks running requests to stop and waits until they have.
+    ~TypingMonitor();
+
+    /// Listens to the panel and starts the poll timer. Once.
+    void start();
+
+  private:
+    using Element = platform::AXUIElement;
+    using StreamPointer = std::shared_ptr<ModelStream>;
+
+    // The poll tick (TypingMonitorTick.cpp).
+    void tick();
+    void resetTracking();
+    [[nodiscard]] bool followTrust();
+    void followFocus(const Element &element);
+    [[nodiscard]] bool adoptRecreated(const Element &element);
+    [[nodiscard]] bool focusMayComeBack();
+    void adopt(const Element &element, bool isText);
+    void logFocus(const Element &element, bool isText) const;
+    [[nodiscard]] bool isEligible(const Element &element) const;
+    void followField(const Element &element);
+    [[nodiscard]] bool isTooLong(const Element &element) const;
+    void followFrame(const Element &element);
+    void followEmptyField(const Element &element, const QString &value);
+    void followChangedDraft(const QString &value);
+    void followPause(const Element &element, const QString &value);
+    void showSuggestion(const Element &element, const QString &value);
+    void prefetchSuggestion(const Element &element, const QString &value);
+    void dropSuggestion();
+
+    // Drafting replies (TypingMonitorReplies.cpp).
+    void assistantTick(const Element &element);
+    [[nodiscard]] ReplyHistory replyHistory(platform::Instant now) const;
+    void rememberConversation(const ReplyContext &context);
+    void draftReply(const Element &element, const QString &conversation, platform::Instant now);
+
+    // Model requests (TypingMonitorStreams.cpp).
+    void startStreams(const QString &source, const Element &element, bool showPanel, SuggestionKind kind);
+    void launch(const StreamPointer &stream, int index, const QString &source, const std::optional<QString> &context,
+                SuggestionKind kind);
+    void presentStreams(const Element &element);
+    void cancelStreams();
+    [[nodiscard]] bool isLive(const StreamPointer &stream, const QString &source) const;
+    void handleChunk(const StreamPointer &stream, int index, const QString &source, const QString &text);
+    void handleFailure(const StreamPointer &stream, int index, const QString &source);
+    [[nodiscard]] SuggestionCards cards() const;
+    /// The field's frame, else the last one known, or absent.
+    [[nodiscard]] std::optional<platform::Rect> anchor(const Element &element) const;
+
+    // What comes of an answer (TypingMonitorScreening.cpp).
+    void handleCompletion(const StreamPointer &stream, int index, const QString &source, SuggestionKind kind,
+                          const QString &rawFinal);
+    void fail(const StreamPointer &stream, int index, const QString &message);
+    void complete(const StreamPointer &stream, int index, const QString &source, SuggestionKind kind,
+                  const QString &answer);
+    void showAnswer(const ModelStream &stream, int index);
+
+    // Accept and dismiss (TypingMonitorAccept.cpp).
+    void connectPanel();
+    /// The card that the user took, whose stream it shows, and when: the conversation is read from then on.
+    struct Choice {
+        qint64 index;
+        StreamPointer stream;
+        platform::AXFreshness askedAt;
+    };
+    void accept(qint64 index);
+    void accept(const Choice &choice, int looksLeft);
+    void insert(const QString &text, const Element &target);
+    [[nodiscard]] StreamPointer streamAt(qint64 index) const;
+    /// A look at the conversation that a reply would go into; absent for a rewrite.
+    [[nodiscard]] std::optional<ChatContext::Look> guardedLook(const Element &target, platform::AXFreshness since,
+                                                               bool isLast) const;
+    /// Whether a reply belongs to a conversation; logs that it does not.
+    [[nodiscard]] bool isDraftedFor(const ChatContext::Conversation &conversation) const;
+    void dismiss();
+    void recordChoice(std::size_t index) const;
+    void acceptForDebugging();
+
+    AppSettings &m_settings;
+    SuggestionPanelController m_panel;
+    platform::RegistrationHandle m_pollTimer;
+
+    std::optional<Element> m_currentElement;
+    /// In accessibility coordinates; all zero while the tracked element has reported none.
+    platform::Rect m_currentElementFrame;
+    QString m_lastText;
+    /// Absent means that no draft is pending: the field is empty, new, or holds what was just accepted.
+    std::optional<platform::Instant> m_lastChangeAt;
+    std::optional<bool> m_lastTrusted;
+    bool m_focusIsBrowserUI = false;
+    bool m_focusIsChatApp = false;
+    /// The text that was last asked about; it is not asked about twice.
+    std::optional<QString> m_lastRequestedSource;
+    std::optional<QString> m_lastInsertedText;
+    platform::Instant m_lastInsertAt = platform::distantPast;
+
+    std::vector<StreamPointer> m_streams;
+    /// The text that the streams were started for: every result that comes in is checked against it.
+    std::optional<QString> m_streamSource;
+    SuggestionKind m_streamKind = SuggestionKind::rewrite;
+
+    platform::Instant m_lastContextAt = platform::distantPast;
+    std::optional<std::int64_t> m_lastDraftedHash;
+    platform::Instant m_lastDraftStartAt = platform::distantPast;
+    /// The conversation to which the user did not want the drafted reply.
+    std::optional<std::int64_t> m_dismissedHash;
+    /// Since when something other than a text field has had the focus.
+    std::optional<platform::Instant> m_focusFlapSince;
+    std::optional<QString> m_replyContextLastLine;
+    text::Set m_replyContextLines;
+
+    /// Last, so that no request is left running when the rest goes.
+    Tasks m_tasks;
+};
+
+} // namespace quillory

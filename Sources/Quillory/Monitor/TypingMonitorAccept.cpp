@@ -1,0 +1,151 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Platform.h"
+#include "Quillory/Field/AXText.h"
+#include "Quillory/Field/ChatContext.h"
+#include "Quillory/Monitor/TypingMonitor.h"
+#include "Quillory/Records/ChoiceStats.h"
+#include "Quillory/Records/FileLog.h"
+
+#include <algorithm>
+
+namespace quillory {
+
+using platform::current;
+
+namespace {
+// A reply belongs to the conversation that it was drafted for: at least half of its lines must still be there.
+constexpr double leastOverlap = 0.5;
+// A page that is too busy to be read at once is asked for most of a second; then the text goes in unguarded.
+constexpr int mostLooks = 5;
+constexpr std::chrono::milliseconds lookPause{150};
+// Long enough for a person to see the card that is about to be accepted.
+constexpr std::chrono::milliseconds debugAcceptDelay{600};
+} // namespace
+
+void TypingMonitor::connectPanel() {
+    m_panel.onAcceptCard = [weak = weak_from_this()](int index) {
+        if (const auto self = weak.lock()) {
+            self->accept(index);
+        }
+    };
+    m_panel.onDismiss = [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) {
+            self->dismiss();
+        }
+    };
+}
+
+void TypingMonitor::accept(qint64 index) {
+    accept({index, streamAt(index), platform::AXFreshness::now()}, mostLooks);
+}
+
+void TypingMonitor::accept(const Choice &choice, int looksLeft) {
+    const auto target = m_panel.targetElement();
+    // While the page was asked, other cards may have taken the place of these.
+    if (!target || !m_panel.isCardAcceptable(choice.index) || streamAt(choice.index) != choice.stream) {
+        return;
+    }
+    const auto look = guardedLook(*target, choice.askedAt, looksLeft == 1);
+    if (look && !look->isAnswered && looksLeft > 1) {
+        current().mainQueue.postAfter(lookPause, [weak = weak_from_this(), choice, looksLeft] {
+            if (const auto self = weak.lock()) {
+                self->accept(choice, looksLeft - 1);
+            }
+        });
+        return;
+    }
+    if (look && look->conversation && !isDraftedFor(*look->conversation)) {
+        dropSuggestion();
+        return;
+    }
+    recordChoice(static_cast<std::size_t>(choice.index));
+    insert(m_panel.cards()[choice.index].text.value_or(QString()), *target);
+}
+
+void TypingMonitor::insert(const QString &text, const Element &target) {
+    // Ticks that run before the text has arrived already expect it, so what the field looked like is kept apart.
+    std::optional<FieldSnapshot> lastSeen;
+    if (!m_currentElementFrame.isZero()) {
+        lastSeen = {target.pid(), m_lastText, m_currentElementFrame};
+    }
+    m_panel.hide();
+    cancelStreams();
+    m_lastInsertedText = text;
+    m_lastInsertAt = current().mainQueue.now();
+    m_lastRequestedSource = text;
+    m_lastText = text;
+    m_lastChangeAt.reset();
+    AXText::insert(text, target, lastSeen);
+}
+
+TypingMonitor::StreamPointer TypingMonitor::streamAt(qint64 index) const {
+    return index >= 0 && index < std::ssize(m_streams) ? m_streams[static_cast<std::size_t>(index)] : nullptr;
+}
+
+std::optional<ChatContext::Look> TypingMonitor::guardedLook(const Element &target, platform::AXFreshness since,
+                                                            bool isLast) const {
+    if (m_streamKind != SuggestionKind::reply || m_replyContextLines.empty()) {
+        return std::nullopt;
+    }
+    auto look = ChatContext::look(target, since);
+    const auto focused = look.isAnswered ? std::nullopt : AXText::focusedElement();
+    if (focused && focused != target) {
+        // A page that changes the chat may make its box anew; the text would go there.
+        look = ChatContext::look(*focused, since);
+    }
+    if (!look.isAnswered && isLast) {
+        // What was seen a moment ago guards better than nothing.
+        look = ChatContext::look(target, {});
+    }
+    return look;
+}
+
+bool TypingMonitor::isDraftedFor(const ChatContext::Conversation &conversation) const {
+    const double overlap = ChatContext::overlap(ChatContext::distinctLines(conversation.text), m_replyContextLines);
+    if (overlap < leastOverlap) {
+        FileLog::log(QStringLiteral("accept blocked: only %1% conversation overlap (chat switch)")
+                         .arg(static_cast<int>(overlap * 100)));
+    }
+    return overlap >= leastOverlap;
+}
+
+void TypingMonitor::recordChoice(std::size_t index) const {
+    if (index >= m_streams.size()) {
+        return;
+    }
+    QList<ChoiceStats::Competitor> competitors;
+    for (std::size_t i = 0; i < m_streams.size(); ++i) {
+        if (i != index) {
+            competitors.append({m_streams[i]->model, m_streams[i]->elapsed()});
+        }
+    }
+    const ModelStream &chosen = *m_streams[index];
+    ChoiceStats::shared().record(chosen.model, chosen.elapsed(), competitors);
+}
+
+void TypingMonitor::dismiss() {
+    m_dismissedHash = m_lastDraftedHash;
+    dropSuggestion();
+}
+
+void TypingMonitor::acceptForDebugging() {
+    auto &store = m_settings.store();
+    const bool over = std::none_of(m_streams.begin(), m_streams.end(), [](const auto &s) { return s->isStreaming(); });
+    if (!over || !m_panel.isVisible() || !store.boolean(settingsKey::debugAcceptOnce)) {
+        return;
+    }
+    const auto index = m_panel.firstCompleteIndex();
+    if (!index) {
+        return;
+    }
+    store.set(settingsKey::debugAcceptOnce, false);
+    FileLog::log(QStringLiteral("debug: auto-accepting card ") + QString::number(*index));
+    current().mainQueue.postAfter(debugAcceptDelay, [weak = weak_from_this(), index = *index] {
+        if (const auto self = weak.lock()) {
+            self->accept(index);
+        }
+    });
+}
+
+} // namespace quillory

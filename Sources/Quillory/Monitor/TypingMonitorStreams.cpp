@@ -1,0 +1,182 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Platform.h"
+#include "Quillory/Field/AXText.h"
+#include "Quillory/Field/ChatContext.h"
+#include "Quillory/Model/OpenRouterClient.h"
+#include "Quillory/Monitor/AnswerScreening.h"
+#include "Quillory/Monitor/TypingMonitor.h"
+#include "Quillory/Records/FileLog.h"
+#include "Quillory/RewriteError.h"
+
+#include <algorithm>
+
+namespace quillory {
+
+using platform::current;
+
+namespace {
+
+// Each card update lays the whole stack out again.
+constexpr double cardUpdateSeconds = 0.08;
+
+QString logLine(const QString &source, SuggestionKind kind, bool showPanel, const QStringList &labels) {
+    const QString rewrite = showPanel ? QStringLiteral("rewrite requested") : QStringLiteral("prefetch started");
+    return (kind == SuggestionKind::reply ? QStringLiteral("reply") : rewrite) + QStringLiteral(" (") +
+           QString::number(text::characterCount(source)) + QStringLiteral(" chars, ") +
+           labels.join(QStringLiteral(" vs ")) + u')';
+}
+
+// Runs a request to its end on the calling thread: its answer, or absent when it failed, which is then logged. Throws
+// when it was cancelled.
+std::optional<QString> answer(const std::function<QString()> &request, const QString &label) {
+    QString description;
+    try {
+        return request();
+    } catch (const platform::CancellationError &) {
+        throw;
+    } catch (const RewriteError &error) {
+        description = error.description();
+    } catch (const std::exception &error) {
+        description = QString::fromUtf8(error.what());
+    }
+    FileLog::log(label + QStringLiteral(" failed: ") + description);
+    return std::nullopt;
+}
+
+} // namespace
+
+void TypingMonitor::startStreams(const QString &source, const Element &element, bool showPanel, SuggestionKind kind) {
+    m_lastRequestedSource = source;
+    m_streamSource = source;
+    m_streamKind = kind;
+    m_streams.clear();
+    QStringList labels;
+    for (const auto &[id, label] : activeModels(m_settings.store())) {
+        m_streams.push_back(std::make_shared<ModelStream>(id, label, current().mainQueue.now()));
+        labels.append(label);
+    }
+    // A reply's source is the conversation itself.
+    std::optional<QString> context;
+    if (kind == SuggestionKind::rewrite && m_focusIsChatApp) {
+        if (auto conversation = ChatContext::extract(element)) {
+            context = std::move(conversation->text);
+        }
+    }
+    FileLog::log(logLine(source, kind, showPanel, labels));
+    if (showPanel) {
+        presentStreams(element);
+    }
+    int index = 0;
+    for (const auto &stream : m_streams) {
+        launch(stream, index++, source, context, kind);
+    }
+}
+
+void TypingMonitor::launch(const StreamPointer &stream, int index, const QString &source,
+                           const std::optional<QString> &context, SuggestionKind kind) {
+    // What happens on the main thread, posted from the task; the monitor may be gone by then.
+    const auto deliver = [weak = weak_from_this(), stream](auto deed) {
+        current().mainQueue.post([weak, stream, deed = std::move(deed)] {
+            if (const auto self = weak.lock()) {
+                deed(*self, stream);
+            }
+        });
+    };
+    const auto deliverFailure = [deliver, index, source] {
+        deliver([=](TypingMonitor &self, const StreamPointer &from) { self.handleFailure(from, index, source); });
+    };
+    const auto onChunk = [deliver, index, source](const QString &text) {
+        deliver([=](TypingMonitor &self, const StreamPointer &from) { self.handleChunk(from, index, source, text); });
+    };
+    stream->task = m_tasks.start([=, model = stream->model, label = stream->label](const std::stop_token &stop) {
+        try {
+            const auto raw =
+                answer([&] { return OpenRouterClient::stream(kind, source, context, model, onChunk, stop); }, label);
+            if (!raw) {
+                deliverFailure();
+            } else if (!stop.stop_requested()) {
+                deliver([=](TypingMonitor &self, const StreamPointer &from) {
+                    self.handleCompletion(from, index, source, kind, *raw);
+                });
+            }
+        } catch (const platform::CancellationError &) {
+            return; // nobody waits for the answer any more
+        }
+    });
+    if (!stream->task) {
+        FileLog::log(stream->label + QStringLiteral(" failed: no thread for the request"));
+        deliverFailure();
+    }
+}
+
+// The same text may be asked about again; then the streams tell the sets apart.
+bool TypingMonitor::isLive(const StreamPointer &stream, const QString &source) const {
+    return m_streamSource && text::equal(*m_streamSource, source) &&
+           std::find(m_streams.begin(), m_streams.end(), stream) != m_streams.end();
+}
+
+void TypingMonitor::handleChunk(const StreamPointer &stream, int index, const QString &source, const QString &text) {
+    if (!isLive(stream, source)) {
+        return;
+    }
+    stream->buffer = text;
+    const platform::Instant now = current().mainQueue.now();
+    if (m_panel.isVisible() && now - stream->cardUpdatedAt > cardUpdateSeconds) {
+        stream->cardUpdatedAt = now;
+        m_panel.updateCard(index, stream->buffer);
+    }
+}
+
+void TypingMonitor::handleFailure(const StreamPointer &stream, int index, const QString &source) {
+    if (isLive(stream, source)) {
+        fail(stream, index, QStringLiteral("Couldn't reach ") + stream->label);
+    }
+}
+
+void TypingMonitor::presentStreams(const Element &element) {
+    if (!m_streamSource || m_streams.empty()) {
+        return;
+    }
+    const auto &only = m_streams.front()->final;
+    if (m_streamKind == SuggestionKind::rewrite && m_streams.size() == 1 && only &&
+        isUnchanged(*m_streamSource, *only)) {
+        FileLog::log(QStringLiteral("suggestion identical to draft, not showing"));
+        m_streamSource.reset();
+        m_streams.clear();
+        return;
+    }
+    if (const auto frame = anchor(element)) {
+        m_panel.show(cards(), *frame, element);
+    } else {
+        FileLog::log(QStringLiteral("no AX frame for element, cannot show panel"));
+    }
+}
+
+std::optional<platform::Rect> TypingMonitor::anchor(const Element &element) const {
+    const auto frame = AXText::frame(element);
+    if (frame || m_currentElementFrame.isZero()) {
+        return frame;
+    }
+    return m_currentElementFrame;
+}
+
+SuggestionCards TypingMonitor::cards() const {
+    SuggestionCards result;
+    for (std::size_t i = 0; i < m_streams.size(); ++i) {
+        result.append(card(*m_streams[i], m_streamKind, i, m_streams.size()));
+    }
+    return result;
+}
+
+void TypingMonitor::cancelStreams() {
+    for (const auto &stream : m_streams) {
+        if (stream->task) {
+            stream->task->cancel();
+        }
+    }
+    m_streams.clear();
+    m_streamSource.reset();
+}
+
+} // namespace quillory

@@ -1,0 +1,250 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Panel/SuggestionPanelController.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/Field/AXText.h"
+#include "Quillory/Records/FileLog.h"
+
+#include <algorithm>
+
+namespace quillory {
+
+using platform::TapEvent;
+using platform::TapEventType;
+using platform::TapVerdict;
+
+namespace {
+
+constexpr double minWidth = 360;
+constexpr double maxWidth = 620;
+constexpr double rise = 8;
+constexpr std::chrono::milliseconds fadeIn{180};
+
+bool isAcceptable(const SuggestionCardData &card) {
+    return card.isComplete && !card.failed && card.text && !card.text->isEmpty();
+}
+
+} // namespace
+
+struct SuggestionPanelController::Private {
+    Private(SuggestionPanelController &controller, MakeSuggestionHost make)
+        : owner(controller), makeHost(std::move(make)) {}
+
+    void render();
+    void place();
+    void riseIntoPlace();
+    void change(int index, const std::function<bool(SuggestionCardData &)> &edit);
+    void armTap();
+    void armAgain();
+    void loseTap();
+    TapVerdict handle(const TapEvent &event);
+    TapVerdict handleKey(platform::KeyCode key);
+    void post(std::function<void()> action);
+    void callAccept(int index) const;
+    void callDismiss() const;
+
+    // Wraps an action so that it does nothing once the controller is gone.
+    template <class Action> auto whileAlive(Action action) {
+        return [guard = std::weak_ptr(alive), action = std::move(action)](auto... arguments) {
+            if (!guard.expired()) {
+                action(arguments...);
+            }
+        };
+    }
+
+    SuggestionPanelController &owner;
+    MakeSuggestionHost makeHost;
+    // Declared before the window that shows its view, so that the window goes first.
+    std::unique_ptr<SuggestionHost> hosting;
+    std::unique_ptr<platform::PanelWindow> panel;
+    platform::Rect lastAXFrame;
+    double width = 420;
+    std::unique_ptr<platform::EventTap> eventTap;
+    std::shared_ptr<bool> alive = std::make_shared<bool>(true);
+};
+
+SuggestionPanelController::SuggestionPanelController(MakeSuggestionHost makeHost)
+    : m_private(std::make_unique<Private>(*this, std::move(makeHost))) {}
+
+SuggestionPanelController::~SuggestionPanelController() = default;
+
+void SuggestionPanelController::show(const SuggestionCards &cards, const platform::Rect &above,
+                                     const platform::AXUIElement &element) {
+    m_cards = cards;
+    m_targetElement = element;
+    m_private->lastAXFrame = above;
+    m_private->width = std::min(maxWidth, std::max(minWidth, above.width));
+    m_private->render();
+    if (isVisible()) {
+        m_private->panel->orderFrontRegardless();
+    } else {
+        FileLog::log(QStringLiteral("panel visible (%1 cards)").arg(cards.size()));
+        m_private->riseIntoPlace();
+    }
+    m_private->armTap();
+}
+
+void SuggestionPanelController::updateCard(int index, const QString &text) {
+    m_private->change(index, [&](SuggestionCardData &card) {
+        if (card.isComplete) {
+            return false;
+        }
+        card.text = text;
+        return true;
+    });
+}
+
+void SuggestionPanelController::finishCard(int index, const QString &text, const std::optional<QString> &elapsedText) {
+    m_private->change(index, [&](SuggestionCardData &card) {
+        card.text = text;
+        card.isComplete = true;
+        card.elapsedText = elapsedText;
+        return true;
+    });
+}
+
+void SuggestionPanelController::failCard(int index, const QString &message) {
+    m_private->change(index, [&](SuggestionCardData &card) {
+        card.text = message;
+        card.failed = true;
+        card.isComplete = false;
+        return true;
+    });
+}
+
+void SuggestionPanelController::hide() {
+    if (m_private->panel) {
+        m_private->panel->orderOut();
+    }
+    m_cards.clear();
+    m_targetElement.reset();
+    if (m_private->eventTap) {
+        m_private->eventTap->setEnabled(false);
+    }
+}
+
+void SuggestionPanelController::reposition(const platform::Rect &above) {
+    if (!isVisible()) {
+        return;
+    }
+    m_private->lastAXFrame = above;
+    m_private->place();
+}
+
+bool SuggestionPanelController::isVisible() const {
+    return m_private->panel && m_private->panel->isVisible();
+}
+
+bool SuggestionPanelController::isCardAcceptable(qint64 index) const {
+    return index >= 0 && index < m_cards.size() && isAcceptable(m_cards.at(index));
+}
+
+std::optional<int> SuggestionPanelController::firstCompleteIndex() const {
+    const auto found = std::find_if(m_cards.begin(), m_cards.end(), isAcceptable);
+    return found == m_cards.end() ? std::nullopt : std::optional(static_cast<int>(found - m_cards.begin()));
+}
+
+void SuggestionPanelController::Private::render() {
+    if (!hosting) {
+        hosting = makeHost();
+    }
+    if (!panel) {
+        panel = platform::current().panelWindows.create();
+    }
+    const platform::Size size =
+        hosting->setRootView(owner.m_cards, width, whileAlive([this](int index) { callAccept(index); }),
+                             whileAlive([this] { callDismiss(); }));
+    panel->setContentView(hosting->view());
+    panel->setContentSize(size);
+    place();
+}
+
+void SuggestionPanelController::Private::place() {
+    platform::Screens &screens = platform::current().screens;
+    panel->setFrameOrigin(
+        panelOrigin(AXText::cocoaRect(lastAXFrame), panel->frame().size(), screens.screens(), screens.mainScreen()));
+}
+
+void SuggestionPanelController::Private::riseIntoPlace() {
+    const platform::Point place = panel->frame().origin();
+    panel->setFrameOrigin({place.x, place.y - rise});
+    panel->setAlpha(0);
+    panel->orderFrontRegardless();
+    panel->animate(place, 1, fadeIn);
+}
+
+void SuggestionPanelController::Private::change(int index, const std::function<bool(SuggestionCardData &)> &edit) {
+    if (!owner.isVisible() || index < 0 || index >= owner.m_cards.size()) {
+        return;
+    }
+    if (edit(owner.m_cards[index])) {
+        render();
+    }
+}
+
+void SuggestionPanelController::Private::armTap() {
+    if (!eventTap) {
+        eventTap = platform::current().eventTaps.create([this](const TapEvent &event) { return handle(event); });
+    }
+    if (!eventTap || !eventTap->setEnabled(true)) {
+        loseTap();
+    }
+}
+
+void SuggestionPanelController::Private::armAgain() {
+    if (owner.isVisible() && eventTap && !eventTap->setEnabled(true)) {
+        loseTap();
+    }
+}
+
+// The panel works on without keys, and the next show tries again.
+void SuggestionPanelController::Private::loseTap() {
+    eventTap.reset();
+    FileLog::log(QStringLiteral("could not create event tap (Tab/Esc shortcuts unavailable)"));
+}
+
+TapVerdict SuggestionPanelController::Private::handle(const TapEvent &event) {
+    if (!owner.isVisible()) {
+        return TapVerdict::pass;
+    }
+    if (event.type != TapEventType::keyDown) {
+        if (eventTap && !eventTap->setEnabled(true)) {
+            // Not to be dropped here, inside its own callback.
+            post([this] { armAgain(); });
+        }
+        return TapVerdict::pass;
+    }
+    return (event.flags & platform::eventFlag::all) == 0 ? handleKey(event.key) : TapVerdict::pass;
+}
+
+TapVerdict SuggestionPanelController::Private::handleKey(platform::KeyCode key) {
+    if (key == platform::keyCode::escape) {
+        post([this] { callDismiss(); });
+        return TapVerdict::swallow;
+    }
+    const auto index = key == platform::keyCode::tab ? owner.firstCompleteIndex() : std::nullopt;
+    if (!index) {
+        return TapVerdict::pass;
+    }
+    post([this, index = *index] { callAccept(index); });
+    return TapVerdict::swallow;
+}
+
+void SuggestionPanelController::Private::post(std::function<void()> action) {
+    platform::current().mainQueue.post(whileAlive(std::move(action)));
+}
+
+void SuggestionPanelController::Private::callAccept(int index) const {
+    if (owner.onAcceptCard) {
+        owner.onAcceptCard(index);
+    }
+}
+
+void SuggestionPanelController::Private::callDismiss() const {
+    if (owner.onDismiss) {
+        owner.onDismiss();
+    }
+}
+
+} // namespace quillory

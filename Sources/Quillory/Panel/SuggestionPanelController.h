@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Accessibility.h"
+#include "Platform/Keys.h"
+#include "Platform/PanelWindow.h"
+#include "Platform/Screens.h"
+#include "Quillory/Panel/SuggestionCardData.h"
+#include "Quillory/Panel/SuggestionHost.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace quillory {
+
+/// Owns the floating panel: places it beside the text field of another application, shows the cards it is given, and
+/// while they are up turns Tab into accept and Esc into dismiss. Never takes the keyboard focus, never decides what to
+/// show. Main thread only.
+class SuggestionPanelController {
+  public:
+    explicit SuggestionPanelController(MakeSuggestionHost makeHost);
+    ~SuggestionPanelController();
+
+    /// Called when a card is to be accepted: Tab (through the main queue) or a click on its button.
+    std::function<void(int)> onAcceptCard;
+    /// Called when the cards are to be dismissed: Esc (through the main queue) or a click on a close button.
+    std::function<void()> onDismiss;
+
+    /// Shows cards for a field. The frame is the field's, in accessibility coordinates.
+    void show(const SuggestionCards &cards, const platform::Rect &above, const platform::AXUIElement &element);
+    /// Streams text into a card that is not complete.
+    void updateCard(int index, const QString &text);
+    void finishCard(int index, const QString &text, const std::optional<QString> &elapsedText);
+    void failCard(int index, const QString &message);
+    /// Takes the panel off the screen and forgets the cards and the field.
+    void hide();
+    /// Moves a visible panel with its field; nothing when it is hidden.
+    void reposition(const platform::Rect &above);
+
+    [[nodiscard]] bool isVisible() const;
+    [[nodiscard]] const std::optional<platform::AXUIElement> &targetElement() const { return m_targetElement; }
+    [[nodiscard]] const SuggestionCards &cards() const { return m_cards; }
+    /// Whether a card is complete, not failed and not empty; false for an index that there is no card for.
+    [[nodiscard]] bool isCardAcceptable(qint64 index) const;
+    [[nodiscard]] std::optional<int> firstCompleteIndex() const;
+
+  private:
+    struct Private;
+    std::optional<platform::AXUIElement> m_targetElement;
+    SuggestionCards m_cards;
+    std::unique_ptr<Private> m_private;
+};
+
+/// The least between a panel and the edges of its screen's visible frame, in points.
+inline constexpr double panelScreenMargin = 8;
+
+/// Where a panel of this size belongs beside a field, as its origin. All in screen coordinates (points, y upwards).
+/// screens: in the desktop's order, mainScreen: where to go when no screen holds the field's centre.
+[[nodiscard]] platform::Point panelOrigin(const platform::Rect &field, platform::Size panel,
+                                          const std::vector<platform::Screen> &screens,
+                                          const std::optional<platform::Screen> &mainScreen);
+
+} // namespace quillory

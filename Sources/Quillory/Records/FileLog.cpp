@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/Records/FileLog.h"
+
+#include "Platform/PerInstallation.h"
+#include "Quillory/Records/AppendLine.h"
+
+#include <QDateTime>
+#include <QLocale>
+
+namespace quillory::FileLog {
+
+namespace {
+QString path() {
+    static platform::PerInstallation<QString> path;
+    return path.get(
+        [] { return platform::current().process.homeDirectory() + QStringLiteral("/Library/Logs/Quillory.log"); });
+}
+} // namespace
+
+void log(const QString &message) {
+    static const QLocale locale = QLocale::system();
+    const QString time = locale.toString(QTime::currentTime(), QStringLiteral("HH:mm:ss.zzz"));
+    appendToFile(path(), (time + u' ' + message + u'\n').toUtf8());
+}
+
+} // namespace quillory::FileLog

@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/UserDefaults.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QUuid>
+
+#include <array>
+#include <optional>
+
+namespace quillory {
+
+/// The keys of the settings store.
+namespace settingsKey {
+inline const QString model = QStringLiteral("model");
+inline const QString secondModel = QStringLiteral("secondModel");
+inline const QString compareMode = QStringLiteral("compareMode");
+inline const QString tone = QStringLiteral("tone");
+inline const QString debounceMs = QStringLiteral("debounceMs");
+inline const QString minChars = QStringLiteral("minChars");
+inline const QString maxChars = QStringLiteral("maxChars");
+inline const QString enabled = QStringLiteral("enabled");
+inline const QString assistantMode = QStringLiteral("assistantMode");
+inline const QString businessProfile = QStringLiteral("businessProfile");
+inline const QString faqEntries = QStringLiteral("faqEntries");
+inline const QString faqKnowledge = QStringLiteral("faqKnowledge");
+inline const QString openRouterAPIKey = QStringLiteral("openRouterAPIKey");
+inline const QString debugAcceptOnce = QStringLiteral("debugAcceptOnce");
+} // namespace settingsKey
+
+/// The model that is asked when the settings name none.
+inline const QString defaultModel = QStringLiteral("anthropic/claude-haiku-4.5");
+
+/// How a rewrite should sound, in the order in which the choices are offered.
+enum class Tone { professional, friendly, concise, grammarOnly };
+inline constexpr std::array allTones{Tone::professional, Tone::friendly, Tone::concise, Tone::grammarOnly};
+/// The stored and displayed name of a tone.
+[[nodiscard]] QString rawValue(Tone tone);
+/// The tone of that exact name, or absent.
+[[nodiscard]] std::optional<Tone> toneFromRawValue(const QString &rawValue);
+
+/// A question that customers ask and the business's answer to it.
+struct FAQEntry {
+    QUuid id = QUuid::createUuid();
+    QString question;
+    QString answer;
+    friend bool operator==(const FAQEntry &, const FAQEntry &) = default;
+};
+
+/// The stored form of a list of entries: a JSON array of objects, UTF-8.
+[[nodiscard]] QByteArray faqEntriesToJSON(const QList<FAQEntry> &entries);
+/// The entries of that form, or absent when anything about it is wrong: not JSON, not an array, a member that is
+/// missing or no string, an identifier that is no UUID in its 36-character form. Members beyond the three are ignored.
+[[nodiscard]] std::optional<QList<FAQEntry>> faqEntriesFromJSON(const QByteArray &json);
+
+/// Registers the defaults of the settings that have one.
+void registerSettingsDefaults(platform::UserDefaults &store);
+
+/// The one owner of the settings store: registers the defaults and offers the settings that need logic. Everything
+/// else is read straight from store() by key at the moment of use, so a change counts at the next read. Safe to use
+/// from any thread.
+class AppSettings {
+  public:
+    /// Created on first use, once, on the current platform's store.
+    static AppSettings &shared();
+
+    [[nodiscard]] platform::UserDefaults &store() const { return m_store; }
+    /// The key as stored, else OPENROUTER_API_KEY, else the bundle's "EmbeddedAPIKey", else "". Not trimmed.
+    [[nodiscard]] QString apiKey() const;
+    /// Whether there is a key, told at once: a password store that has to be unlocked for it is not asked.
+    [[nodiscard]] bool isKeySet() const;
+    /// The stored list in its order; empty when there is none or it cannot be read.
+    [[nodiscard]] QList<FAQEntry> faqEntries() const;
+    void setFAQEntries(const QList<FAQEntry> &entries);
+    /// The FAQ list as text for a prompt, or the older free text when no entry has content.
+    [[nodiscard]] QString knowledgeText() const;
+
+  private:
+    explicit AppSettings(platform::UserDefaults &store);
+
+    platform::UserDefaults &m_store;
+};
+
+} // namespace quillory

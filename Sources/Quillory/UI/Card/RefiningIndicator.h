@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QBasicTimer>
+#include <QElapsedTimer>
+#include <QWidget>
+
+namespace quillory::ui {
+
+/// Shows that an answer is awaited: a spinner and a word that fades to and fro. Costs nothing while it is not on
+/// screen.
+class RefiningIndicator final : public QWidget {
+  public:
+    explicit RefiningIndicator(QWidget *parent);
+    [[nodiscard]] QSize sizeHint() const override;
+    /// The words' opacity so many milliseconds after the indicator was shown.
+    [[nodiscard]] static double opacityAt(qint64 milliseconds);
+
+  protected:
+    void paintEvent(QPaintEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+
+  private:
+    void paintSpinner(QPainter &painter) const;
+
+    QBasicTimer m_timer;
+    QElapsedTimer m_sinceShown;
+};
+
+} // namespace quillory::ui

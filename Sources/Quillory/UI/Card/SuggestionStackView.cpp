@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/UI/Card/SuggestionStackView.h"
+
+#include "Platform/PanelWindow.h"
+#include "Quillory/UI/Card/CopyMenu.h"
+
+#include <QVariant>
+
+#include <algorithm>
+#include <numeric>
+
+namespace quillory::ui {
+
+namespace {
+
+constexpr int cardGap = 8;
+// What a text keeps however little room there is.
+constexpr int leastTextHeight = 60;
+
+/// The height at which to cut so that all of them together take no more than there is.
+int fairLimit(std::vector<int> heights, int available) {
+    std::sort(heights.begin(), heights.end());
+    int left = available;
+    for (std::size_t i = 0; i < heights.size(); ++i) {
+        const int share = left / static_cast<int>(heights.size() - i);
+        if (heights[i] > share) {
+            return share;
+        }
+        left -= heights[i];
+    }
+    return heights.empty() ? 0 : heights.back();
+}
+
+} // namespace
+
+SuggestionStackView::SuggestionStackView() : m_copyMenu(new CopyMenu(this)) {
+    setFocusPolicy(Qt::NoFocus);
+    setProperty(platform::panelCornerRadiusProperty, SuggestionCard::cornerRadius);
+}
+
+void SuggestionStackView::addCard() {
+    auto *card = new SuggestionCard(this);
+    const int index = static_cast<int>(m_cards.size());
+    // Copies, since what is called may well put other callbacks in their place.
+    card->onAccept = [this, index] {
+        const auto accept = m_onAccept;
+        accept(index);
+    };
+    card->onDismiss = [this] {
+        const auto dismiss = m_onDismiss;
+        dismiss();
+    };
+    card->onCopyMenu = [this, card](QPoint place, const QString &text) {
+        m_copyMenu->popUp(card->mapToParent(place), text);
+    };
+    m_cards.push_back(card);
+    card->show();
+}
+
+void SuggestionStackView::setContent(const SuggestionCards &cards, std::function<void(int)> onAccept,
+                                     std::function<void()> onDismiss) {
+    m_onAccept = std::move(onAccept);
+    m_onDismiss = std::move(onDismiss);
+    while (m_cards.size() > static_cast<std::size_t>(cards.size())) {
+        // Later: the click that makes a card go may have come from its own button.
+        m_cards.back()->hide();
+        m_cards.back()->deleteLater();
+        m_cards.pop_back();
+    }
+    while (m_cards.size() < static_cast<std::size_t>(cards.size())) {
+        addCard();
+    }
+    for (qsizetype i = 0; i < cards.size(); ++i) {
+        m_cards[static_cast<std::size_t>(i)]->setData(cards.at(i), i == 0);
+    }
+}
+
+std::vector<SuggestionCard::Heights> SuggestionStackView::cardHeights(int width, int maxHeight) {
+    std::vector<SuggestionCard::Heights> heights;
+    std::vector<int> texts;
+    int available = maxHeight - cardGap * (static_cast<int>(m_cards.size()) - 1);
+    for (SuggestionCard *card : m_cards) {
+        heights.push_back(card->heightsFor(width));
+        texts.push_back(heights.back().text);
+        available -= heights.back().rest;
+    }
+    const int limit = std::max(leastTextHeight, fairLimit(texts, available));
+    for (SuggestionCard::Heights &one : heights) {
+        one.text = std::min(one.text, limit);
+    }
+    return heights;
+}
+
+void SuggestionStackView::layOut(int width, int maxHeight) {
+    const auto heights = cardHeights(width, maxHeight);
+    int y = 0;
+    for (std::size_t i = 0; i < m_cards.size(); ++i) {
+        m_cards[i]->layOut(width, heights[i]);
+        m_cards[i]->move(0, y);
+        y += m_cards[i]->height() + cardGap;
+    }
+    resize(width, std::max(0, y - cardGap));
+    publishShape();
+}
+
+void SuggestionStackView::publishShape() {
+    QVariantList shape;
+    for (const SuggestionCard *card : m_cards) {
+        shape.append(QRectF(card->geometry()));
+    }
+    if (property(platform::panelShapeProperty) != QVariant(shape)) {
+        setProperty(platform::panelShapeProperty, shape);
+    }
+}
+
+} // namespace quillory::ui

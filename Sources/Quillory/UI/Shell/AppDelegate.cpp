@@ -1,0 +1,170 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Quillory/UI/Shell/AppDelegate.h"
+
+#include "Platform/Platform.h"
+#include "Quillory/Field/PasteQueue.h"
+#include "Quillory/Monitor/TypingMonitor.h"
+#include "Quillory/Records/FileLog.h"
+#include "Quillory/Settings/AppSettings.h"
+#include "Quillory/Text.h"
+#include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "Quillory/UI/Settings/SettingsWindow.h"
+#include "Quillory/UI/Shell/MenuWindow.h"
+#include "Quillory/UI/Shell/StatusItem.h"
+#include "Quillory/UI/Shell/StatusMenu.h"
+
+#include <QApplication>
+#include <QUrl>
+
+#include <cstdio>
+
+namespace quillory::ui {
+
+namespace {
+/// A panel may start after us, when the session begins.
+constexpr std::chrono::seconds patienceForTray{10};
+/// Kept in the settings: who starts the program at every login is not to be told every time.
+const QString toldOfMissingTray = QStringLiteral("toldOfMissingTray");
+/// The set-up comes in front of the windows of the start, and the accessibility bus may be a moment late in a session.
+constexpr std::chrono::seconds untilSettled{2};
+
+void flip(const QString &key) {
+    platform::UserDefaults &store = AppSettings::shared().store();
+    store.set(key, !store.boolean(key));
+}
+} // namespace
+
+AppDelegate::AppDelegate(AppActions actions)
+    : m_actions(std::move(actions)),
+      m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
+
+AppDelegate::~AppDelegate() {
+    abandonPastes();
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    setUpStatusItem();
+    platform::Accessibility &accessibility = platform::current().accessibility;
+    const bool trusted = accessibility.isProcessTrusted();
+    FileLog::log(QStringLiteral("launched, accessibility trusted = %1").arg(text::trueOrFalse(trusted)));
+    if (!trusted) {
+        accessibility.isProcessTrustedWithPrompt();
+    }
+    m_monitor->start();
+    if (m_actions.startPeriodicChecks) {
+        m_actions.startPeriodicChecks();
+    }
+    if (!AppSettings::shared().isKeySet()) {
+        std::fputs("quillory: no OpenRouter API key is set; give one with: quillory setup\n", stderr);
+        openSettings();
+    }
+    if (lacksSetup()) {
+        launchSetup();
+    }
+}
+
+bool AppDelegate::lacksSetup() {
+    return !AppSettings::shared().isKeySet() || !platform::current().accessibility.isProcessTrusted();
+}
+
+void AppDelegate::launchSetup() {
+    platform::current().mainQueue.postAfter(untilSettled, [this, life = std::weak_ptr(m_life)] {
+        if (!life.expired() && m_actions.launchSetup && lacksSetup()) {
+            m_actions.launchSetup();
+        }
+    });
+}
+
+void AppDelegate::setUpStatusItem() {
+    m_menu = std::make_unique<StatusMenu>();
+    m_enabledItem = m_menu->addToggle(QStringLiteral("Suggestions Enabled"), [this] { toggleEnabled(); });
+    m_compareItem = m_menu->addToggle(QStringLiteral("Compare Two Models"), [this] { toggleCompare(); });
+    m_accessItem =
+        m_menu->addItem(QStringLiteral("Grant Accessibility Access…"), [this] { openAccessibilitySettings(); });
+    m_menu->addSeparator();
+    m_menu->addItem(
+        QStringLiteral("Settings…"), [this] { openSettings(); }, Qt::Key_Comma);
+    m_menu->addItem(QStringLiteral("Check for Updates…"), [this] { checkForUpdates(); })
+        ->setEnabled(m_actions.check != nullptr);
+    m_menu->addSeparator();
+    m_menu->addItem(
+        QStringLiteral("Quit Quillory"), [] { QApplication::quit(); }, Qt::Key_Q);
+    QObject::connect(m_menu.get(), &QMenu::aboutToShow, m_menu.get(), [this] { menuNeedsUpdate(); });
+    menuNeedsUpdate(); // a tray may read the menu long before it opens it
+    QApplication::setWindowIcon(programIcon());
+    m_statusItem = std::make_unique<StatusItem>(*m_menu);
+    platform::current().mainQueue.postAfter(patienceForTray, [this, life = std::weak_ptr(m_life)] {
+        if (!life.expired()) {
+            tellOfMissingTray();
+        }
+    });
+}
+
+void AppDelegate::tellOfMissingTray() {
+    platform::StatusBar &statusBar = platform::current().statusBar;
+    if (statusBar.isAvailable()) {
+        return;
+    }
+    std::fputs("quillory: this desktop has no place for status icons; start quillory again to open its menu\n", stderr);
+    platform::UserDefaults &store = AppSettings::shared().store();
+    if (!store.boolean(toldOfMissingTray)) {
+        store.set(toldOfMissingTray, true);
+        statusBar.tell(QStringLiteral("Quillory is running"),
+                       QStringLiteral("This desktop has no place for status icons. Start Quillory again to open its "
+                                      "menu."));
+    }
+}
+
+void AppDelegate::menuNeedsUpdate() {
+    const platform::UserDefaults &store = AppSettings::shared().store();
+    m_enabledItem->setChecked(store.boolean(settingsKey::enabled));
+    m_compareItem->setChecked(store.boolean(settingsKey::compareMode));
+    m_accessItem->setVisible(!platform::current().accessibility.isProcessTrusted());
+}
+
+void AppDelegate::toggleEnabled() {
+    flip(settingsKey::enabled);
+    menuNeedsUpdate(); // its own mark was turned from what it was, not from what is stored
+}
+
+void AppDelegate::toggleCompare() {
+    flip(settingsKey::compareMode);
+    menuNeedsUpdate();
+}
+
+void AppDelegate::openAccessibilitySettings() {
+    platform::current().accessibility.isProcessTrustedWithPrompt();
+    const QUrl page(QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+    if (page.isValid()) {
+        platform::current().workspace.open(page);
+    }
+}
+
+void AppDelegate::openSettings() {
+    if (m_settingsWindow == nullptr) {
+        m_settingsWindow = std::make_unique<SettingsWindow>();
+    }
+    m_settingsWindow->makeKeyAndOrderFront();
+}
+
+void AppDelegate::checkForUpdates() {
+    m_actions.check(true);
+}
+
+void AppDelegate::applicationDidReopen() {
+    if (platform::current().statusBar.isAvailable()) {
+        openSettings();
+    } else {
+        openMenu();
+    }
+}
+
+void AppDelegate::openMenu() {
+    if (m_menuWindow == nullptr) {
+        m_menuWindow = std::make_unique<MenuWindow>(*m_menu);
+    }
+    m_menuWindow->open();
+}
+
+} // namespace quillory::ui

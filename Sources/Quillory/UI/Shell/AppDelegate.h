@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+
+class QAction;
+
+namespace quillory {
+class TypingMonitor;
+}
+
+namespace quillory::ui {
+
+class MenuWindow;
+class SettingsWindow;
+class StatusItem;
+class StatusMenu;
+
+/// What the delegate has done elsewhere. main() fills it in; what is empty is not done.
+struct AppActions {
+    /// Updates; without a check the menu offers none.
+    std::function<void()> startPeriodicChecks;
+    std::function<void(bool userInitiated)> check;
+    /// Starts the set-up tool in a process of its own, where something is missing that it can mend.
+    std::function<void()> launchSetup;
+};
+
+/// Starts everything in its order and owns it for the life of the program. One per process, main thread only.
+class AppDelegate {
+  public:
+    /// Makes the typing monitor, and with it the settings and the suggestion panel. Starts nothing.
+    explicit AppDelegate(AppActions actions = {});
+    ~AppDelegate();
+
+    /// Called once, when the event loop runs.
+    void applicationDidFinishLaunching();
+    /// The user started the program again: shows the settings, or the menu where there is no tray to show it.
+    void applicationDidReopen();
+
+  private:
+    void setUpStatusItem();
+    void menuNeedsUpdate();
+    void toggleEnabled();
+    void toggleCompare();
+    void openAccessibilitySettings();
+    void openSettings();
+    void checkForUpdates();
+    void openMenu();
+    void tellOfMissingTray();
+    [[nodiscard]] static bool lacksSetup();
+    void launchSetup();
+
+    AppActions m_actions;
+    std::unique_ptr<StatusMenu> m_menu;
+    QAction *m_enabledItem = nullptr;
+    QAction *m_compareItem = nullptr;
+    QAction *m_accessItem = nullptr;
+    std::unique_ptr<StatusItem> m_statusItem;
+    /// Both are made when they are first shown, and only hidden when they are closed.
+    std::unique_ptr<SettingsWindow> m_settingsWindow;
+    std::unique_ptr<MenuWindow> m_menuWindow;
+    std::shared_ptr<TypingMonitor> m_monitor;
+    /// Gone with this, so that what was put off knows.
+    std::shared_ptr<bool> m_life = std::make_shared<bool>();
+};
+
+} // namespace quillory::ui
