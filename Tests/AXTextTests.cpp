@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 namespace {
 
@@ -17,7 +19,7 @@ namespace axRole = platform::axRole;
 
 struct AXTextTest : testing::Test {
     test::SimulatedDesktop desktop;
-    Node window = desktop.applications.launch({1, u"org.chromium.Chromium"_qs, u"Browser"_qs}, u"Page"_qs);
+    Node window = desktop.applications.launch({1, u"org.chromium.Chromium"_s, u"Browser"_s}, u"Page"_s);
 };
 
 TEST_F(AXTextTest, KnowsTextElementsByRoleOrByAWritableString) {
@@ -33,9 +35,9 @@ TEST_F(AXTextTest, KnowsTextElementsByRoleOrByAWritableString) {
              {axRole::textArea, {}, false, true},
              {axRole::comboBox, {}, false, true},
              {axRole::searchField, {}, false, true},
-             {axRole::secureTextField, u"secret"_qs, true, false},
+             {axRole::secureTextField, u"secret"_s, true, false},
              {group, QString(), true, true},
-             {group, u"text"_qs, false, false},
+             {group, u"text"_s, false, false},
              {group, 3.0, true, false},
              {group, {}, true, false},
          }) {
@@ -79,21 +81,21 @@ TEST_F(AXTextTest, ConvertsFramesAndNeedsThemWhole) {
 }
 
 TEST_F(AXTextTest, FindsTitlesOfLivingApplicationsAlone) {
-    EXPECT_EQ(AXText::focusedWindowTitle(1), u"Page"_qs);
+    EXPECT_EQ(AXText::focusedWindowTitle(1), u"Page"_s);
     EXPECT_EQ(AXText::focusedWindowTitle(99), std::nullopt);
     EXPECT_EQ(AXText::focusedElement(), std::nullopt);
 }
 
 struct InsertionTest : AXTextTest {
-    Node editor = desktop.applications.launch({2, u"org.example.editor"_qs, {}}, u"Draft"_qs);
+    Node editor = desktop.applications.launch({2, u"org.example.editor"_s, {}}, u"Draft"_s);
     Node page = window->add(axRole::webArea);
     Node field = fieldOf(editor);
-    const QString rewrite = u"Hello, can you send me the price list? \U0001F64F"_qs;
+    const QString rewrite = u"Hello, can you send me the price list? \U0001F64F"_s;
 
     Node fieldOf(const Node &parent) {
         Node made = parent->add(axRole::textArea, {300, 800, 400, 40});
         made->settable = true;
-        made->setValue(u"helo"_qs);
+        made->setValue(u"helo"_s);
         desktop.applications.focused = made;
         return made;
     }
@@ -103,11 +105,11 @@ TEST_F(InsertionTest, WritesTheValueAndPutsTheCaretBehindIt) {
     AXText::insert(rewrite, field->element());
     EXPECT_EQ(field->value(), rewrite);
     EXPECT_EQ(field->caret, (platform::AXRange{rewrite.size(), 0}));
-    EXPECT_EQ(desktop.log(), QStringList{u"inserted via AX set"_qs});
+    EXPECT_EQ(desktop.log(), QStringList{u"inserted via AX set"_s});
     // An editor that adds to the text has taken it, as long as it starts alike.
-    field->onWrite = [](const QString &text) { return text.left(24) + u"..."_qs; };
+    field->onWrite = [](const QString &text) { return text.left(24) + u"..."_s; };
     AXText::insert(rewrite, field->element());
-    EXPECT_EQ(desktop.log().last(), u"inserted via AX set"_qs);
+    EXPECT_EQ(desktop.log().last(), u"inserted via AX set"_s);
     EXPECT_TRUE(desktop.typed.empty());
 }
 
@@ -123,13 +125,13 @@ TEST_F(InsertionTest, PastesWhereTheWriteIsRefusedOrDoesNotStick) {
     AXText::insert(rewrite, field->element());
     desktop.advance(1000);
     EXPECT_EQ(field->value(), rewrite);
-    EXPECT_EQ(desktop.log(), (QStringList{u"AX write rejected, falling back to paste"_qs,
-                                          u"AX set did not stick (read back 5 chars), pasting instead"_qs}));
+    EXPECT_EQ(desktop.log(), (QStringList{u"AX write rejected, falling back to paste"_s,
+                                          u"AX set did not stick (read back 5 chars), pasting instead"_s}));
 }
 
 struct PasteTest : InsertionTest {
     Node box = fieldOf(page);
-    const platform::PasteboardItem picture{{{u"image/png"_qs, "PNG"}, {u"text/html"_qs, "<img>"}}};
+    const platform::PasteboardItem picture{{{u"image/png"_s, "PNG"}, {u"text/html"_s, "<img>"}}};
 
     void SetUp() override { desktop.pasteboard.copy({picture}); }
     void insert(const QString &text, int thenMilliseconds) {
@@ -143,14 +145,14 @@ TEST_F(PasteTest, GivesTheClipboardBackWithAllItsTypes) {
     EXPECT_TRUE(desktop.typed.empty());
     EXPECT_EQ(desktop.pasteboard.string(), rewrite);
     desktop.advance(10);
-    EXPECT_EQ(desktop.typed, (QStringList{u"Command-A"_qs, u"Command-V"_qs}));
+    EXPECT_EQ(desktop.typed, (QStringList{u"Command-A"_s, u"Command-V"_s}));
     EXPECT_EQ(box->value(), rewrite);
     desktop.advance(680);
     EXPECT_EQ(desktop.pasteboard.string(), rewrite) << "a slow application may still be fetching it";
     desktop.advance(20);
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
     EXPECT_EQ(desktop.applications.activated, std::vector<qint32>{1});
-    EXPECT_EQ(desktop.log(), QStringList{u"web field, inserting via paste"_qs});
+    EXPECT_EQ(desktop.log(), QStringList{u"web field, inserting via paste"_s});
 
     desktop.pasteboard.clearContents();
     insert(rewrite, 1000);
@@ -168,9 +170,9 @@ TEST_F(PasteTest, LeavesTheTextForABusyApplicationToFetchButNotForever) {
 }
 
 TEST_F(PasteTest, LeavesAloneWhatTheUserCopiesMeanwhile) {
-    for (const auto &[when, copied, isTyped] : {std::tuple(2, u"while saving"_qs, true),
-                                                {100, u"before pasting"_qs, false}, // it would replace the draft
-                                                {400, u"after pasting"_qs, true}}) {
+    for (const auto &[when, copied, isTyped] : {std::tuple(2, u"while saving"_s, true),
+                                                {100, u"before pasting"_s, false}, // it would replace the draft
+                                                {400, u"after pasting"_s, true}}) {
         desktop.typed.clear();
         insert(rewrite, when);
         desktop.pasteboard.copy(copied);
@@ -178,7 +180,7 @@ TEST_F(PasteTest, LeavesAloneWhatTheUserCopiesMeanwhile) {
         EXPECT_EQ(desktop.pasteboard.string(), copied);
         EXPECT_EQ(!desktop.typed.isEmpty(), isTyped) << copied.toStdString();
     }
-    EXPECT_TRUE(desktop.log().contains(u"pasteboard was taken by another program, not pasting"_qs));
+    EXPECT_TRUE(desktop.log().contains(u"pasteboard was taken by another program, not pasting"_s));
 }
 
 TEST_F(PasteTest, EndsWithTheProgram) {
@@ -189,13 +191,13 @@ TEST_F(PasteTest, EndsWithTheProgram) {
 
 TEST_F(PasteTest, DoesNotOverwriteWhatItCannotGiveBack) {
     desktop.pasteboard.hangs = true;
-    insert(u"first"_qs, 0);
-    insert(u"second"_qs, 8);
+    insert(u"first"_s, 0);
+    insert(u"second"_s, 8);
     desktop.pasteboard.hangs = false;
     desktop.advance(1000);
-    EXPECT_EQ(desktop.log().at(2), u"pasteboard could not be read, not pasting"_qs);
+    EXPECT_EQ(desktop.log().at(2), u"pasteboard could not be read, not pasting"_s);
     EXPECT_EQ(desktop.typed.size(), 2);
-    EXPECT_EQ(box->value(), u"second"_qs);
+    EXPECT_EQ(box->value(), u"second"_s);
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 
@@ -208,11 +210,11 @@ TEST_F(PasteTest, AClipboardManagerMayTakeTheTextOver) {
 }
 
 TEST_F(PasteTest, OneFollowsTheOther) {
-    insert(u"first"_qs, 500);
-    insert(u"second"_qs, 100);
-    EXPECT_EQ(box->value(), u"first"_qs);
+    insert(u"first"_s, 500);
+    insert(u"second"_s, 100);
+    EXPECT_EQ(box->value(), u"first"_s);
     desktop.advance(1500);
-    EXPECT_EQ(box->value(), u"second"_qs);
+    EXPECT_EQ(box->value(), u"second"_s);
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 
@@ -241,7 +243,7 @@ TEST_F(PasteTest, NeverTypesIntoAnotherField) {
     insert(rewrite, 1240);
     EXPECT_EQ(desktop.log().size(), 3);
     desktop.advance(100);
-    EXPECT_EQ(desktop.log().last(), u"focus left the field, not pasting"_qs);
+    EXPECT_EQ(desktop.log().last(), u"focus left the field, not pasting"_s);
     EXPECT_TRUE(desktop.typed.empty());
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
     EXPECT_EQ(desktop.applications.activated, (std::vector<qint32>{1, 1}));
@@ -263,13 +265,13 @@ TEST_F(PasteTest, TypesIntoACopyThatTheApplicationMadeOfTheField) {
 }
 
 TEST(FieldSnapshot, RecognisesAFieldThatWasMadeAnew) {
-    const FieldSnapshot known{7, u"draft"_qs, {100, 500, 400, 40}};
+    const FieldSnapshot known{7, u"draft"_s, {100, 500, 400, 40}};
     const auto moved = [&](double x, double y) { return FieldSnapshot{7, known.text, {100 + x, 500 + y, 10, 10}}; };
     EXPECT_TRUE(isRecreated(known, moved(79.9, -79.9)));
     EXPECT_FALSE(isRecreated(known, moved(80, 0)));
     EXPECT_FALSE(isRecreated(known, moved(0, -80)));
     EXPECT_FALSE(isRecreated(known, {8, known.text, known.frame}));
-    EXPECT_FALSE(isRecreated(known, {7, u"drafts"_qs, known.frame}));
+    EXPECT_FALSE(isRecreated(known, {7, u"drafts"_s, known.frame}));
 }
 
 } // namespace

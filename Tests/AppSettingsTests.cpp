@@ -8,6 +8,9 @@
 #include <thread>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 class AppSettingsTest : public testing::Test {
   protected:
@@ -22,15 +25,15 @@ const QByteArray goodId = R"("id":"9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2B")";
 
 TEST_F(AppSettingsTest, AFreshStoreHasNineDefaults) {
     const std::map<QString, platform::DefaultsValue> defaults{
-        {u"model"_qs, u"anthropic/claude-haiku-4.5"_qs},
-        {u"secondModel"_qs, u"google/gemini-2.5-flash-lite"_qs},
-        {u"compareMode"_qs, false},
-        {u"tone"_qs, u"Professional"_qs},
-        {u"debounceMs"_qs, qint64{500}},
-        {u"minChars"_qs, qint64{8}},
-        {u"maxChars"_qs, qint64{3000}},
-        {u"enabled"_qs, true},
-        {u"assistantMode"_qs, true},
+        {u"model"_s, u"anthropic/claude-haiku-4.5"_s},
+        {u"secondModel"_s, u"google/gemini-2.5-flash-lite"_s},
+        {u"compareMode"_s, false},
+        {u"tone"_s, u"Professional"_s},
+        {u"debounceMs"_s, qint64{500}},
+        {u"minChars"_s, qint64{8}},
+        {u"maxChars"_s, qint64{3000}},
+        {u"enabled"_s, true},
+        {u"assistantMode"_s, true},
     };
     EXPECT_EQ(desktop.userDefaults.registered(), defaults);
     EXPECT_TRUE(desktop.userDefaults.stored().empty());
@@ -38,20 +41,20 @@ TEST_F(AppSettingsTest, AFreshStoreHasNineDefaults) {
 }
 
 TEST_F(AppSettingsTest, TheFirstSourceThatHasAKeyWins) {
-    desktop.process.information[u"EmbeddedAPIKey"_qs] = QString();
+    desktop.process.information[u"EmbeddedAPIKey"_s] = QString();
     EXPECT_EQ(settings.apiKey(), QString());
-    desktop.process.information[u"EmbeddedAPIKey"_qs] = u"embedded"_qs;
-    desktop.process.variables[u"OPENROUTER_API_KEY"_qs] = QString();
-    EXPECT_EQ(settings.apiKey(), u"embedded"_qs);
-    desktop.process.variables[u"OPENROUTER_API_KEY"_qs] = u"variable"_qs;
+    desktop.process.information[u"EmbeddedAPIKey"_s] = u"embedded"_s;
+    desktop.process.variables[u"OPENROUTER_API_KEY"_s] = QString();
+    EXPECT_EQ(settings.apiKey(), u"embedded"_s);
+    desktop.process.variables[u"OPENROUTER_API_KEY"_s] = u"variable"_s;
     desktop.userDefaults.set(settingsKey::openRouterAPIKey, QString());
-    EXPECT_EQ(settings.apiKey(), u"variable"_qs);
-    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u" stored "_qs);
-    EXPECT_EQ(settings.apiKey(), u" stored "_qs);
+    EXPECT_EQ(settings.apiKey(), u"variable"_s);
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u" stored "_s);
+    EXPECT_EQ(settings.apiKey(), u" stored "_s);
 }
 
 TEST_F(AppSettingsTest, EntriesComeBackAsWritten) {
-    const QList<FAQEntry> entries{{.question = u"Price?\n\"€\" \\ /"_qs, .answer = u"😀\0 ok"_qs},
+    const QList<FAQEntry> entries{{.question = u"Price?\n\"€\" \\ /"_s, .answer = u"😀\0 ok"_s},
                                   {.id = QUuid(), .question = QString(), .answer = QString()},
                                   FAQEntry()};
     settings.setFAQEntries(entries);
@@ -82,32 +85,32 @@ TEST_F(AppSettingsTest, AMalformedListReadsAsEmptyAndStays) {
         "[{" + goodId + members + "},{}]",
         "[{" + goodId + ",\"question\":\"\xff\",\"answer\":\"A\"}]",
     };
-    desktop.userDefaults.set(settingsKey::faqKnowledge, u"older"_qs);
+    desktop.userDefaults.set(settingsKey::faqKnowledge, u"older"_s);
     for (const QByteArray &json : cases) {
         storeFAQ(json);
         EXPECT_TRUE(settings.faqEntries().isEmpty()) << json.left(80).data();
-        EXPECT_EQ(settings.knowledgeText(), u"older"_qs);
+        EXPECT_EQ(settings.knowledgeText(), u"older"_s);
         EXPECT_EQ(desktop.userDefaults.data(settingsKey::faqEntries), json);
     }
 }
 
 TEST_F(AppSettingsTest, KnowledgeIsTheEntriesWithContent) {
     EXPECT_EQ(settings.knowledgeText(), QString());
-    desktop.userDefaults.set(settingsKey::faqKnowledge, u" older "_qs);
-    settings.setFAQEntries({{.question = u" \t\u00a0"_qs, .answer = QString()}});
-    EXPECT_EQ(settings.knowledgeText(), u" older "_qs);
-    settings.setFAQEntries({{.question = u" Where? "_qs, .answer = QString()},
-                            {.question = QString(), .answer = u"\t"_qs},
-                            {.question = u"\n"_qs, .answer = u"Riffa"_qs}});
-    EXPECT_EQ(settings.knowledgeText(), u"Q:  Where? \nA: \n\nQ: \n\nA: Riffa"_qs);
+    desktop.userDefaults.set(settingsKey::faqKnowledge, u" older "_s);
+    settings.setFAQEntries({{.question = u" \t\u00a0"_s, .answer = QString()}});
+    EXPECT_EQ(settings.knowledgeText(), u" older "_s);
+    settings.setFAQEntries({{.question = u" Where? "_s, .answer = QString()},
+                            {.question = QString(), .answer = u"\t"_s},
+                            {.question = u"\n"_s, .answer = u"Riffa"_s}});
+    EXPECT_EQ(settings.knowledgeText(), u"Q:  Where? \nA: \n\nQ: \n\nA: Riffa"_s);
 }
 
 TEST(Tone, NamesAreExact) {
     for (const Tone tone : allTones) {
         EXPECT_EQ(toneFromRawValue(rawValue(tone)), tone);
     }
-    EXPECT_EQ(rawValue(Tone::grammarOnly), u"Grammar only"_qs);
-    EXPECT_EQ(toneFromRawValue(u"grammar only"_qs), std::nullopt);
+    EXPECT_EQ(rawValue(Tone::grammarOnly), u"Grammar only"_s);
+    EXPECT_EQ(toneFromRawValue(u"grammar only"_s), std::nullopt);
 }
 
 TEST(AppSettings, EachInstallationHasItsOwnAndOneOnly) {

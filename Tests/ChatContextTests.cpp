@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 namespace {
 
@@ -45,15 +47,15 @@ TEST(ChatContext, MarksMessagesByTheSideTheyStandOn) {
         EXPECT_EQ(ChatContext::messageLines({staticText("hello", x)}, column), QStringList{text(expected)}) << x;
     }
     EXPECT_EQ(ChatContext::messageLines({staticText("far", -5000), staticText("near", 400)}, {}),
-              (QStringList{u"far"_qs, u"near"_qs}))
+              (QStringList{u"far"_s, u"near"_s}))
         << "without a field nothing is excluded and nobody is marked";
 }
 
 TEST(ChatContext, KeepsOnlyMessagesOfTheColumn) {
     const auto column = ChatContext::columnAround(field);
     const std::vector<platform::AXSubtreeNode> nodes{
-        {1, u"AXHeading"_qs, u"heading"_qs, Rect{450, 0, 100, 20}},
-        {1, QString(axRole::staticText), u"without a frame"_qs, {}},
+        {1, u"AXHeading"_s, u"heading"_s, Rect{450, 0, 100, 20}},
+        {1, QString(axRole::staticText), u"without a frame"_s, {}},
         {1, QString(axRole::staticText), {}, Rect{450, 0, 100, 20}},
         staticText(" \n", 450),
         staticText("k", 450),
@@ -66,23 +68,23 @@ TEST(ChatContext, KeepsOnlyMessagesOfTheColumn) {
         staticText("  trimmed \n", 450),
     };
     EXPECT_EQ(ChatContext::messageLines(nodes, column),
-              (QStringList{u"«customer» left in"_qs, u"«you» right in"_qs, u"trimmed"_qs}));
+              (QStringList{u"«customer» left in"_s, u"«you» right in"_s, u"trimmed"_s}));
     EXPECT_EQ(ChatContext::messageLines(std::vector(500, staticText("again", 450)), column).size(), 400);
 }
 
 TEST(ChatContext, CutsTheTranscriptFromTheTop) {
     QStringList seventy;
     for (int i = 0; i < 70; ++i) {
-        seventy.append(u"line %1"_qs.arg(i));
+        seventy.append(u"line %1"_s.arg(i));
     }
     EXPECT_EQ(ChatContext::transcript(seventy), seventy.mid(10).join(u'\n'));
 
     const QString long900(900, u'x');
     EXPECT_EQ(ChatContext::transcript(QStringList(10, long900)), QStringList(8, long900).join(u'\n'));
     const QString oneLine(9000, u'x');
-    EXPECT_EQ(ChatContext::transcript({u"before"_qs, oneLine}), oneLine);
+    EXPECT_EQ(ChatContext::transcript({u"before"_s, oneLine}), oneLine);
     // Characters count, not code units; and the line breaks between lines count too.
-    const QString thousandEmoji = u"👋🏽"_qs.repeated(1000);
+    const QString thousandEmoji = u"👋🏽"_s.repeated(1000);
     const QStringList eight(8, thousandEmoji);
     EXPECT_EQ(ChatContext::transcript(eight), eight.mid(1).join(u'\n'));
     EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(28)}).count(u'\n'), 7);
@@ -101,7 +103,7 @@ struct Recognition : testing::Test {
     test::SimulatedDesktop desktop;
 
     Node window(const char *bundle, const char *title) {
-        return desktop.applications.launch({1, text(bundle), u"App"_qs}, text(title));
+        return desktop.applications.launch({1, text(bundle), u"App"_s}, text(title));
     }
 };
 
@@ -132,19 +134,19 @@ TEST_F(Recognition, GoesByTheAddressOfThePageBeforeTheTitle) {
 
 TEST_F(Recognition, ReadsThePageAroundTheFieldAlone) {
     const Node browser = window("org.chromium.Chromium", "WhatsApp");
-    browser->addText(u"a tab of the browser"_qs, {400, 0, 100, 20});
+    browser->addText(u"a tab of the browser"_s, {400, 0, 100, 20});
     const Node page = browser->add(axRole::webArea);
     const Node box = page->add(axRole::textArea, field);
     EXPECT_FALSE(ChatContext::extract(box->element()).has_value());
 
-    const Node bubble = page->addText(u"is it in stock?"_qs, {260, 100, 100, 20});
-    bubble->addText(u"asks Amal"_qs, {260, 120, 100, 20});
-    page->addText(u"yes it is"_qs, {640, 140, 100, 20});
+    const Node bubble = page->addText(u"is it in stock?"_s, {260, 100, 100, 20});
+    bubble->addText(u"asks Amal"_s, {260, 120, 100, 20});
+    page->addText(u"yes it is"_s, {640, 140, 100, 20});
     const auto conversation = ChatContext::extract(box->element());
     ASSERT_TRUE(conversation.has_value());
-    EXPECT_EQ(conversation->text, u"«customer» is it in stock?\n«customer» asks Amal\n«you» yes it is"_qs);
+    EXPECT_EQ(conversation->text, u"«customer» is it in stock?\n«customer» asks Amal\n«you» yes it is"_s);
 
-    page->addText(u"good"_qs, {260, 160, 100, 20});
+    page->addText(u"good"_s, {260, 160, 100, 20});
     EXPECT_NE(ChatContext::extract(box->element())->hash, conversation->hash);
     box->gone = true;
     EXPECT_FALSE(ChatContext::extract(box->element()).has_value());

@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory::demo {
 namespace {
 
@@ -55,7 +57,7 @@ TEST(DemoRewriter, HeedsTheTone) {
 
 TEST(DemoReplier, AnswersFromWhatItKnows) {
     const QString knowledge = u"Q: Do you deliver?\nA: Yes, to\nRiffa.\n\nQ: Opening hours on Friday?\nA: "
-                              "From 2."_qs;
+                              "From 2."_s;
     const std::pair<const char *, const char *> cases[]{
         {"«customer» Hello\n«customer» are you delivering to Riffa?", "Yes, to\nRiffa."},
         {"«customer» do you deliver?\n«you» Yes.\n«customer» and on friday, when do you open", "From 2."},

@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 namespace {
 
@@ -29,11 +31,11 @@ TEST(DraftRules, NormalisesWhiteSpaceAlone) {
 }
 
 TEST(DraftRules, KnowAnEmptyFieldByItsPlaceholder) {
-    const QString hint = u"Type a message"_qs;
-    EXPECT_TRUE(isEmptyField(u" \n\u00A0"_qs, {}));
+    const QString hint = u"Type a message"_s;
+    EXPECT_TRUE(isEmptyField(u" \n\u00A0"_s, {}));
     EXPECT_TRUE(isEmptyField(hint, hint));
     EXPECT_TRUE(isEmptyField(hint + u'\n', hint));
-    EXPECT_FALSE(isEmptyField(hint + u"\n\n"_qs, hint));
+    EXPECT_FALSE(isEmptyField(hint + u"\n\n"_s, hint));
     EXPECT_FALSE(isEmptyField(hint, {}));
 }
 
@@ -42,19 +44,19 @@ TEST(DraftRules, CountCharactersAsPeopleSeeThem) {
     for (const auto &[draft, allowed] : std::vector<std::pair<QString, bool>>{
              {letters(7), false},
              {letters(8), true},
-             {u"  "_qs + letters(7) + u'\n', false},
+             {u"  "_s + letters(7) + u'\n', false},
              {letters(12), true},
              {letters(13), false},
-             {letters(8) + u"     "_qs, false},
-             {u"👋🏽"_qs.repeated(7), false},
-             {u"👋🏽"_qs.repeated(8), true},
-             {u"👋🏽"_qs.repeated(12), true},
-             {u"👋🏽"_qs.repeated(13), false},
+             {letters(8) + u"     "_s, false},
+             {u"👋🏽"_s.repeated(7), false},
+             {u"👋🏽"_s.repeated(8), true},
+             {u"👋🏽"_s.repeated(12), true},
+             {u"👋🏽"_s.repeated(13), false},
          }) {
         EXPECT_EQ(mayRewrite(draft, gates), allowed) << draft.toStdString();
     }
-    EXPECT_FALSE(mayRewrite(u"Good\u00A0day, Amal "_qs,
-                            {.maxChars = 99, .lastInserted = u"Good day,  Amal"_qs, .secondsSinceInsert = 9}));
+    EXPECT_FALSE(mayRewrite(u"Good\u00A0day, Amal "_s,
+                            {.maxChars = 99, .lastInserted = u"Good day,  Amal"_s, .secondsSinceInsert = 9}));
     EXPECT_FALSE(mayRewrite(letters(8), {.maxChars = 99, .lastInserted = {}, .secondsSinceInsert = 2.0}));
     EXPECT_TRUE(mayRewrite(letters(8), {.maxChars = 99, .lastInserted = {}, .secondsSinceInsert = 2.01}));
 }
@@ -88,28 +90,28 @@ TEST(AnswerScreening, JudgesRewritesByTheirLength) {
     EXPECT_EQ(outcome(40, 120).outcome, Outcome::accepted);
     EXPECT_EQ(outcome(39, 500).outcome, Outcome::accepted);
     EXPECT_EQ(outcome(40, 121),
-              (Verdict{Outcome::rejected, u"121 chars for a 40-char draft (answered instead of rewriting)"_qs}));
-    EXPECT_EQ(screen(SuggestionKind::rewrite, letters(60), u"SKIP"_qs).outcome, Outcome::accepted);
-    EXPECT_EQ(screen(SuggestionKind::rewrite, u"👋🏽"_qs.repeated(39), letters(500)).outcome, Outcome::accepted);
+              (Verdict{Outcome::rejected, u"121 chars for a 40-char draft (answered instead of rewriting)"_s}));
+    EXPECT_EQ(screen(SuggestionKind::rewrite, letters(60), u"SKIP"_s).outcome, Outcome::accepted);
+    EXPECT_EQ(screen(SuggestionKind::rewrite, u"👋🏽"_s.repeated(39), letters(500)).outcome, Outcome::accepted);
 }
 
 TEST(AnswerScreening, JudgesRepliesByLengthAndByTheWordSkip) {
     const auto outcome = [](const QString &answer) { return screen(SuggestionKind::reply, letters(10), answer); };
     EXPECT_EQ(outcome(letters(1200)).outcome, Outcome::accepted);
-    EXPECT_EQ(outcome(letters(1201)), (Verdict{Outcome::rejected, u"reply too long (1201 chars)"_qs}));
+    EXPECT_EQ(outcome(letters(1201)), (Verdict{Outcome::rejected, u"reply too long (1201 chars)"_s}));
     for (const char *skip : {"SKIP", "Skip.", " **SKIP** ", "\t¡skip!"}) {
         EXPECT_EQ(outcome(text(skip)).outcome, Outcome::skipped) << skip;
     }
-    EXPECT_EQ(outcome(u"SKIP for now"_qs).outcome, Outcome::accepted);
+    EXPECT_EQ(outcome(u"SKIP for now"_s).outcome, Outcome::accepted);
     EXPECT_EQ(outcome({}).outcome, Outcome::accepted);
 }
 
 TEST(AnswerScreening, CleansAnswersAndNamesModels) {
-    EXPECT_EQ(cleanedAnswer(u"<draft>Hello there</draft>\n"_qs), u"Hello there"_qs);
-    EXPECT_EQ(cleanedAnswer(u"<<draft>conversation>a</conversation> <Draft>"_qs), u"a <Draft>"_qs);
-    EXPECT_TRUE(isUnchanged(u" caf\u00E9\n"_qs, u"cafe\u0301"_qs));
-    EXPECT_TRUE(isUnchanged(u"draft"_qs, {}));
-    EXPECT_FALSE(isUnchanged(u"draft"_qs, u"Draft"_qs));
+    EXPECT_EQ(cleanedAnswer(u"<draft>Hello there</draft>\n"_s), u"Hello there"_s);
+    EXPECT_EQ(cleanedAnswer(u"<<draft>conversation>a</conversation> <Draft>"_s), u"a <Draft>"_s);
+    EXPECT_TRUE(isUnchanged(u" caf\u00E9\n"_s, u"cafe\u0301"_s));
+    EXPECT_TRUE(isUnchanged(u"draft"_s, {}));
+    EXPECT_FALSE(isUnchanged(u"draft"_s, u"Draft"_s));
     for (const auto &[identifier, label] : std::vector<std::pair<const char *, const char *>>{
              {"anthropic/claude-haiku-4.5", "Claude Haiku 4.5"},
              {"google/gemini-2.5-flash-lite", "Gemini 2.5 Flash Lite"},

@@ -13,6 +13,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::MatchesRegex;
@@ -26,23 +28,23 @@ std::string content(const QString &path) {
 
 TEST(FileLog, WritesOneTimedLineForEachCall) {
     const SimulatedDesktop desktop;
-    FileLog::log(u"first é"_qs);
+    FileLog::log(u"first é"_s);
     const std::string time = "[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9][0-9][0-9] ";
     EXPECT_THAT(content(desktop.process.logPath()), MatchesRegex(time + "first é\n"));
     FileLog::log(QString());
-    FileLog::log(u"a\nb"_qs);
+    FileLog::log(u"a\nb"_s);
     EXPECT_THAT(content(desktop.process.logPath()), MatchesRegex(time + "first é\n" + time + "\n" + time + "a\nb\n"));
 }
 
 TEST(FileLog, AMissingFolderLosesTheLine) {
     const SimulatedDesktop desktop;
-    const QString folder = desktop.process.homeDirectory() + u"/Library/Logs"_qs;
+    const QString folder = desktop.process.homeDirectory() + u"/Library/Logs"_s;
     QDir(folder).removeRecursively();
-    FileLog::log(u"lost"_qs);
+    FileLog::log(u"lost"_s);
     EXPECT_FALSE(QFile::exists(folder));
     QDir().mkpath(folder);
-    FileLog::log(u"kept"_qs);
-    EXPECT_THAT(desktop.log(), ElementsAre(u"kept"_qs));
+    FileLog::log(u"kept"_s);
+    EXPECT_THAT(desktop.log(), ElementsAre(u"kept"_s));
 }
 
 TEST(FileLog, LinesOfSeveralThreadsStayWhole) {
@@ -69,24 +71,24 @@ TEST(ChoiceStats, WritesOneLineForEachChoice) {
         std::string line;
     };
     const Case cases[]{
-        {1.234, {{u"b/y"_qs, 2.5}}, "m,a;x,1.23,b/y=2.50\n"},
-        {std::nullopt, {{u"b"_qs, std::nullopt}, {u"c"_qs, 12.3456}}, "m,a;x,,b=;c=12.35\n"},
+        {1.234, {{u"b/y"_s, 2.5}}, "m,a;x,1.23,b/y=2.50\n"},
+        {std::nullopt, {{u"b"_s, std::nullopt}, {u"c"_s, 12.3456}}, "m,a;x,,b=;c=12.35\n"},
         {3.0, {}, "m,a;x,3.00,\n"},
         {0.125, {}, "m,a;x,0.12,\n"},
     };
     for (const auto &[elapsed, competitors, line] : cases) {
         QFile::remove(stats.fileURL());
-        stats.record(u"m,a;x"_qs, elapsed, competitors);
+        stats.record(u"m,a;x"_s, elapsed, competitors);
         const std::string written = content(stats.fileURL());
         EXPECT_THAT(written, ContainsRegex("^20[0-9][0-9]-[01][0-9]-[0-3][0-9]T[0-2][0-9]:[0-5][0-9]:[0-6][0-9]Z,m,"));
         EXPECT_EQ(written.substr(written.find(',') + 1), line);
     }
-    stats.record(u"m"_qs, 1, {});
+    stats.record(u"m"_s, 1, {});
     EXPECT_EQ(QByteArray::fromStdString(content(stats.fileURL())).count('\n'), 2);
 
-    QDir(desktop.process.homeDirectory() + u"/Library/Application Support"_qs).removeRecursively();
-    stats.record(u"lost"_qs, 1, {});
-    EXPECT_EQ(desktop.log().last(), u"choice recorded: lost"_qs);
+    QDir(desktop.process.homeDirectory() + u"/Library/Application Support"_s).removeRecursively();
+    stats.record(u"lost"_s, 1, {});
+    EXPECT_EQ(desktop.log().last(), u"choice recorded: lost"_s);
 }
 
 } // namespace quillory::test

@@ -10,6 +10,8 @@
 
 #include <sstream>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 namespace {
 
@@ -42,21 +44,21 @@ struct InspectStory : test::MonitorStory {
         return runInspectCommand(arguments, services, {input, output, errors});
     }
     QJsonObject inspected() {
-        inspect({u"--json"_qs});
+        inspect({u"--json"_s});
         return QJsonDocument::fromJson(QByteArray::fromStdString(output.str())).object();
     }
-    QJsonValue sent(int request) { return desktop.urlSession.exchange(request)->json()[u"messages"_qs]; }
+    QJsonValue sent(int request) { return desktop.urlSession.exchange(request)->json()[u"messages"_s]; }
 };
 
 TEST_F(InspectStory, ShowsTheVeryMessagesThatAreSent) {
-    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"sk-secret"_qs);
-    desktop.userDefaults.set(settingsKey::businessProfile, u"We sell dates."_qs);
-    page->addText(u"is it in stock?"_qs, {300, 100, 100, 20});
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"sk-secret"_s);
+    desktop.userDefaults.set(settingsKey::businessProfile, u"We sell dates."_s);
+    page->addText(u"is it in stock?"_s, {300, 100, 100, 20});
     start();
     desktop.advance(100);
-    EXPECT_EQ(inspected()[u"request"_qs][u"messages"_qs], sent(0));
-    type(u"helo can u send it"_qs, 1000);
-    EXPECT_EQ(inspected()[u"request"_qs][u"messages"_qs], sent(1));
+    EXPECT_EQ(inspected()[u"request"_s][u"messages"_s], sent(0));
+    type(u"helo can u send it"_s, 1000);
+    EXPECT_EQ(inspected()[u"request"_s][u"messages"_s], sent(1));
     EXPECT_EQ(inspect({}), exitStatus::success);
     EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("«customer» is it in stock?"), HasSubstr("set, not shown"),
                                              HasSubstr("the host \"web.whatsapp.com\""), Not(HasSubstr("sk-secret"))));
@@ -64,18 +66,18 @@ TEST_F(InspectStory, ShowsTheVeryMessagesThatAreSent) {
 
 TEST_F(InspectStory, WaitsForAMessageBoxAndSaysWhyNothingWouldBeSent) {
     const auto bar = browser->add(platform::axRole::textField);
-    bar->setValue(u"a secret search"_qs);
+    bar->setValue(u"a secret search"_s);
     focus(bar);
-    EXPECT_EQ(inspect({u"--wait"_qs, u"2"_qs}), exitStatus::failure);
+    EXPECT_EQ(inspect({u"--wait"_s, u"2"_s}), exitStatus::failure);
     EXPECT_GE(10 * passedTime, std::chrono::seconds(2));
     EXPECT_LE(10 * passedTime, std::chrono::seconds(6));
     EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("belongs to the browser itself"), Not(HasSubstr("a secret"))));
     meanwhile = [this] { focus(box); };
-    EXPECT_EQ(inspect({u"--wait"_qs, u"600"_qs}), exitStatus::success);
+    EXPECT_EQ(inspect({u"--wait"_s, u"600"_s}), exitStatus::success);
     page->addText(text("\x1B[2J\x07gone?"), {300, 100, 100, 20});
     EXPECT_EQ(inspect({}), exitStatus::success);
     EXPECT_THAT(output.str(), HasSubstr("«customer» ?[2J?gone?"));
-    for (const QStringList &wrong : {QStringList{u"--wait"_qs}, {u"--wait"_qs, u"-1"_qs}, {u"now"_qs}}) {
+    for (const QStringList &wrong : {QStringList{u"--wait"_s}, {u"--wait"_s, u"-1"_s}, {u"now"_s}}) {
         EXPECT_EQ(inspect(wrong), exitStatus::misuse);
     }
 }
@@ -87,23 +89,23 @@ TEST(RequestPlan, FollowsTheGates) {
                               .isBrowserUI = false,
                               .isChat = true,
                               .length = 9,
-                              .value = u"helo there"_qs,
-                              .placeholder = u"Type a message"_qs,
-                              .conversation = u"hi"_qs,
+                              .value = u"helo there"_s,
+                              .placeholder = u"Type a message"_s,
+                              .conversation = u"hi"_s,
                               .minChars = 8,
                               .maxChars = 20};
     EXPECT_EQ(planRequest(base).kind, SuggestionKind::rewrite);
-    EXPECT_EQ(planRequest(base).context, u"hi"_qs);
+    EXPECT_EQ(planRequest(base).context, u"hi"_s);
     const std::pair<void (*)(FieldSituation &), const char *> cases[]{
         {[](auto &field) { field.enabled = false; }, "\"enabled\""},
         {[](auto &field) { field.isChat = false; }, "no WhatsApp"},
         {[](auto &field) { field.length = 21; }, "\"maxChars\""},
         {[](auto &field) { field.value = QString(21, u'x'); }, "\"maxChars\""},
-        {[](auto &field) { field.value = u"  short \n"_qs; }, "\"minChars\""},
+        {[](auto &field) { field.value = u"  short \n"_s; }, "\"minChars\""},
         {[](auto &field) { field.value = QString(), field.assistantMode = false; }, "\"assistantMode\""},
         {[](auto &field) { field.value = QString(), field.conversation.reset(); }, "no conversation"},
         {[](auto &field) { field.conversation.reset(); }, nullptr},
-        {[](auto &field) { field.value = u"Type a message\n"_qs; }, nullptr},
+        {[](auto &field) { field.value = u"Type a message\n"_s; }, nullptr},
     };
     for (const auto &[change, whyNot] : cases) {
         FieldSituation field = base;

@@ -13,6 +13,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 inline QString text(const char *utf8) {
     return QString::fromUtf8(utf8);
 }
@@ -23,15 +25,14 @@ constexpr qint32 browserPid = 1;
 struct MonitorStory : testing::Test {
     SimulatedDesktop desktop;
     SimulatedCards cards;
-    Node browser =
-        desktop.applications.launch({browserPid, u"org.chromium.Chromium"_qs, u"Chromium"_qs}, u"WhatsApp"_qs);
+    Node browser = desktop.applications.launch({browserPid, u"org.chromium.Chromium"_s, u"Chromium"_s}, u"WhatsApp"_s);
     Node page = browser->add(platform::axRole::webArea);
     Node box = page->add(platform::axRole::textArea, {300, 800, 400, 40});
     std::shared_ptr<TypingMonitor> monitor = std::make_shared<TypingMonitor>(cards.maker());
 
     void SetUp() override {
-        desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_qs);
-        page->set(platform::axAttribute::url, QUrl(u"https://web.whatsapp.com/"_qs));
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
+        page->set(platform::axAttribute::url, QUrl(u"https://web.whatsapp.com/"_s));
         box->setValue({});
         focus(box);
     }
@@ -66,15 +67,15 @@ struct MonitorStory : testing::Test {
     void finish(int request, const QString &answer) {
         const QString label = modelName(request);
         desktop.urlSession.exchange(request)->answer({answer});
-        ASSERT_TRUE(runUntilLogged(label + u" complete"_qs));
+        ASSERT_TRUE(runUntilLogged(label + u" complete"_s));
     }
     QString modelName(int request) {
-        const auto model = desktop.urlSession.exchange(request)->json()[u"model"_qs].toString();
-        return model.startsWith(u"google"_qs) ? u"Gemini 2.5 Flash Lite"_qs : u"Claude Haiku 4.5"_qs;
+        const auto model = desktop.urlSession.exchange(request)->json()[u"model"_s].toString();
+        return model.startsWith(u"google"_s) ? u"Gemini 2.5 Flash Lite"_s : u"Claude Haiku 4.5"_s;
     }
     // How often models were asked; the requests themselves come from threads of their own, a little later.
     qsizetype requests() {
-        static const QRegularExpression asked(u"^(prefetch started|rewrite requested|reply \\()"_qs);
+        static const QRegularExpression asked(u"^(prefetch started|rewrite requested|reply \\()"_s);
         return desktop.log().filter(asked).size();
     }
     bool panelVisible() { return desktop.panelWindows.visible; }

@@ -8,6 +8,8 @@
 
 #include <sstream>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 namespace {
 
@@ -19,8 +21,8 @@ struct RewriteCommand : testing::Test {
     std::ostringstream errors;
 
     void SetUp() override {
-        desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_qs);
-        answer({u"<draft>Hel"_qs, u"lo.</draft>\n"_qs});
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
+        answer({u"<draft>Hel"_s, u"lo.</draft>\n"_s});
     }
     void answer(const QStringList &pieces) {
         desktop.urlSession.onRequest([=](test::SimulatedExchange &exchange) { exchange.answer(pieces); });
@@ -36,23 +38,23 @@ struct RewriteCommand : testing::Test {
 };
 
 TEST_F(RewriteCommand, TakesTheDraftFromArgumentsOrInput) {
-    EXPECT_EQ(run({u"helo"_qs, u"there"_qs}), exitStatus::success);
+    EXPECT_EQ(run({u"helo"_s, u"there"_s}), exitStatus::success);
     EXPECT_EQ(output.str(), "Hello.\n");
     EXPECT_THAT(asked(), HasSubstr(R"(<draft>\nhelo there\n</draft>)"));
-    EXPECT_EQ(run({u"--tone"_qs, u"concise"_qs, u"--json"_qs}, "--json\nمرحبا"), exitStatus::success);
+    EXPECT_EQ(run({u"--tone"_s, u"concise"_s, u"--json"_s}, "--json\nمرحبا"), exitStatus::success);
     EXPECT_THAT(output.str(), HasSubstr(R"("rewrite": "Hello.")"));
     EXPECT_THAT(asked(), testing::AllOf(HasSubstr("--json\\nمرحبا"), HasSubstr("as clear and concise")));
-    answer({u" <dra"_qs, u"ft>Hel"_qs, u"lo, 1 < "_qs, u"2 <3.</"_qs, u"draft>\n"_qs});
-    EXPECT_EQ(run({u"--"_qs, u"--tone"_qs}, {}, true), exitStatus::success);
+    answer({u" <dra"_s, u"ft>Hel"_s, u"lo, 1 < "_s, u"2 <3.</"_s, u"draft>\n"_s});
+    EXPECT_EQ(run({u"--"_s, u"--tone"_s}, {}, true), exitStatus::success);
     EXPECT_EQ(output.str(), "Hello, 1 < 2 <3.\n") << "as it grows, too, without what belongs to the request";
     EXPECT_THAT(asked(), HasSubstr(R"(<draft>\n--tone\n</draft>)"));
-    answer({u"He\x1B[2J"_qs, u"l\tl\x9Bo."_qs});
-    EXPECT_EQ(run({u"helo"_qs}, {}, true), exitStatus::success);
+    answer({u"He\x1B[2J"_s, u"l\tl\x9Bo."_s});
+    EXPECT_EQ(run({u"helo"_s}, {}, true), exitStatus::success);
     EXPECT_EQ(output.str(), "He?[2Jl\tl?o.\n");
 }
 
 TEST_F(RewriteCommand, SaysWhatIsWrong) {
-    for (const QStringList &arguments : {QStringList{u"--tone"_qs, u"loud"_qs, u"x"_qs}, {u"--tone"_qs}, {u"--x"_qs}}) {
+    for (const QStringList &arguments : {QStringList{u"--tone"_s, u"loud"_s, u"x"_s}, {u"--tone"_s}, {u"--x"_s}}) {
         EXPECT_EQ(run(arguments), exitStatus::misuse);
     }
     EXPECT_EQ(run({}, " \n"), exitStatus::failure);
@@ -65,7 +67,7 @@ TEST_F(RewriteCommand, SaysWhatIsWrong) {
     EXPECT_EQ(run({QString(50, u'd')}, {}, true), exitStatus::failure);
     EXPECT_TRUE(output.str().ends_with("x\n")) << "the error starts a line";
     desktop.userDefaults.remove(settingsKey::openRouterAPIKey);
-    EXPECT_EQ(run({u"helo"_qs}), exitStatus::failure);
+    EXPECT_EQ(run({u"helo"_s}), exitStatus::failure);
     EXPECT_THAT(errors.str(), HasSubstr("quillory: No OpenRouter API key set."));
 }
 

@@ -11,6 +11,8 @@
 
 #include <sstream>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 namespace {
 
@@ -20,11 +22,11 @@ ChoiceRecord record(const ChoiceEntry &chosen, const std::vector<ChoiceEntry> &o
 
 TEST(ChoiceRecords, ReadsWhatTheFormatCanTellApart) {
     const std::pair<const char *, std::optional<ChoiceRecord>> cases[]{
-        {"a/b,1.23,c/d=2.50", record({u"a/b"_qs, 1.23}, {{u"c/d"_qs, 2.5}})},
-        {"a,,", record({u"a"_qs, {}})},
-        {"a,0.40,b=;c=12.00", record({u"a"_qs, 0.4}, {{u"b"_qs, {}}, {u"c"_qs, 12.0}})},
-        {"a,b;c,1.00,d,e;f=2.00", record({u"a,b;c"_qs, 1.0}, {{u"d,e;f"_qs, 2.0}})},
-        {"a=1.00;b,1.00,x=y=2.00", record({u"a=1.00;b"_qs, 1.0}, {{u"x=y"_qs, 2.0}})},
+        {"a/b,1.23,c/d=2.50", record({u"a/b"_s, 1.23}, {{u"c/d"_s, 2.5}})},
+        {"a,,", record({u"a"_s, {}})},
+        {"a,0.40,b=;c=12.00", record({u"a"_s, 0.4}, {{u"b"_s, {}}, {u"c"_s, 12.0}})},
+        {"a,b;c,1.00,d,e;f=2.00", record({u"a,b;c"_s, 1.0}, {{u"d,e;f"_s, 2.0}})},
+        {"a=1.00;b,1.00,x=y=2.00", record({u"a=1.00;b"_s, 1.0}, {{u"x=y"_s, 2.0}})},
         {"a,1.00", std::nullopt},
         {"a,1.0,", std::nullopt},
         {"a,1.00,b", std::nullopt},
@@ -52,16 +54,16 @@ struct StatsStory : testing::Test {
 TEST_F(StatsStory, SaysSoWhenNothingWasRecorded) {
     EXPECT_EQ(run({}), exitStatus::failure);
     EXPECT_EQ(errors.str(), "quillory: no choice has been recorded yet.\n");
-    EXPECT_EQ(run({u"--csv"_qs}), exitStatus::misuse);
+    EXPECT_EQ(run({u"--csv"_s}), exitStatus::misuse);
 }
 
 TEST_F(StatsStory, CountsWhatWasRecordedAndNamesWhatIsDamaged) {
     auto &stats = ChoiceStats::shared();
     for (int i = 1; i <= 10; ++i) {
-        stats.record(u"a/one"_qs, i, {{u"b/two"_qs, i == 1 ? std::nullopt : std::optional(0.5)}});
+        stats.record(u"a/one"_s, i, {{u"b/two"_s, i == 1 ? std::nullopt : std::optional(0.5)}});
     }
-    stats.record(u"b/two"_qs, 0.25, {{u"a/one"_qs, std::nullopt}});
-    stats.record(u"a/one"_qs, std::nullopt, {});
+    stats.record(u"b/two"_s, 0.25, {{u"a/one"_s, std::nullopt}});
+    stats.record(u"a/one"_s, std::nullopt, {});
     QFile file(stats.fileURL());
     ASSERT_TRUE(file.open(QIODevice::Append));
     file.write("torn\x1b[31m li");
@@ -76,7 +78,7 @@ TEST_F(StatsStory, CountsWhatWasRecordedAndNamesWhatIsDamaged) {
     EXPECT_EQ(errors.str(), "quillory: line 13 is damaged and not counted: torn?[31m li\n");
 
     output.str({});
-    EXPECT_EQ(run({u"--json"_qs}), exitStatus::success);
+    EXPECT_EQ(run({u"--json"_s}), exitStatus::success);
     EXPECT_THAT(output.str(), testing::HasSubstr(R"("damagedLines": [
     13
   ])"));

@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 const QString loneHigh{QChar(0xd83d)};
 const QString loneLow{QChar(0xde00)};
@@ -14,19 +17,19 @@ TEST(Text, CountsWhatAReaderWouldCount) {
     const QString flood = u'z' + QString(20'000, QChar(0x301));
     const std::pair<QString, qsizetype> cases[]{
         {QString(), 0},
-        {u"plain"_qs, 5},
-        {u"a\r\nb"_qs, 3},
-        {u"a\n\rb"_qs, 4},
-        {u"naïve café"_qs, 10},
-        {u"cafe\u0301"_qs, 4},
-        {u"مَرْحَبًا"_qs, 5},
-        {u"👨‍👩‍👧‍👦!"_qs, 2},
-        {u"👩🏽‍🚀"_qs, 1},
-        {u"🇧🇭🇸🇦🇧"_qs, 3},
-        {u"🏴\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F"_qs, 1},
-        {u"❤️1️⃣"_qs, 2},
-        {u"\u1112\u1161\u11ab\u1100\u1173\u11af"_qs, 2},
-        {u"a\u200db"_qs, 2},
+        {u"plain"_s, 5},
+        {u"a\r\nb"_s, 3},
+        {u"a\n\rb"_s, 4},
+        {u"naïve café"_s, 10},
+        {u"cafe\u0301"_s, 4},
+        {u"مَرْحَبًا"_s, 5},
+        {u"👨‍👩‍👧‍👦!"_s, 2},
+        {u"👩🏽‍🚀"_s, 1},
+        {u"🇧🇭🇸🇦🇧"_s, 3},
+        {u"🏴\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F"_s, 1},
+        {u"❤️1️⃣"_s, 2},
+        {u"\u1112\u1161\u11ab\u1100\u1173\u11af"_s, 2},
+        {u"a\u200db"_s, 2},
         {loneHigh + loneHigh + u'x' + loneLow, 4},
         {flood + u'z', 2},
     };
@@ -36,27 +39,27 @@ TEST(Text, CountsWhatAReaderWouldCount) {
 }
 
 TEST(Text, PrefixesKeepCharactersWhole) {
-    EXPECT_EQ(text::prefix(u"plain"_qs, 2), u"pl"_qs);
-    EXPECT_EQ(text::prefix(u"a\r\nb"_qs, 2), u"a\r\n"_qs);
-    EXPECT_EQ(text::prefix(u"👨‍👩‍👧‍👦 ok"_qs, 2), u"👨‍👩‍👧‍👦 "_qs);
-    EXPECT_EQ(text::prefix(u"👨‍👩‍👧‍👦"_qs, 5), u"👨‍👩‍👧‍👦"_qs);
-    EXPECT_EQ(text::prefix(u"e\u0301a"_qs, 0), QString());
-    EXPECT_EQ(text::prefix(u"ab"_qs, -1), QString());
+    EXPECT_EQ(text::prefix(u"plain"_s, 2), u"pl"_s);
+    EXPECT_EQ(text::prefix(u"a\r\nb"_s, 2), u"a\r\n"_s);
+    EXPECT_EQ(text::prefix(u"👨‍👩‍👧‍👦 ok"_s, 2), u"👨‍👩‍👧‍👦 "_s);
+    EXPECT_EQ(text::prefix(u"👨‍👩‍👧‍👦"_s, 5), u"👨‍👩‍👧‍👦"_s);
+    EXPECT_EQ(text::prefix(u"e\u0301a"_s, 0), QString());
+    EXPECT_EQ(text::prefix(u"ab"_s, -1), QString());
 
-    EXPECT_TRUE(text::hasPrefix(u"café au lait"_qs, u"cafe\u0301"_qs));
-    EXPECT_TRUE(text::hasPrefix(u"x"_qs, QString()));
-    EXPECT_FALSE(text::hasPrefix(u"cafe\u0301"_qs, u"cafe"_qs));
-    EXPECT_FALSE(text::hasPrefix(u"👍🏽"_qs, u"👍"_qs));
-    EXPECT_FALSE(text::hasPrefix(u"ab"_qs, u"abc"_qs));
+    EXPECT_TRUE(text::hasPrefix(u"café au lait"_s, u"cafe\u0301"_s));
+    EXPECT_TRUE(text::hasPrefix(u"x"_s, QString()));
+    EXPECT_FALSE(text::hasPrefix(u"cafe\u0301"_s, u"cafe"_s));
+    EXPECT_FALSE(text::hasPrefix(u"👍🏽"_s, u"👍"_s));
+    EXPECT_FALSE(text::hasPrefix(u"ab"_s, u"abc"_s));
 }
 
 TEST(Text, CanonicallyEquivalentTextsAreOne) {
     const std::pair<QString, QString> same[]{
-        {u"café"_qs, u"cafe\u0301"_qs},
-        {u"각"_qs, u"\u1100\u1161\u11a8"_qs},
-        {u"q\u0307\u0323"_qs, u"q\u0323\u0307"_qs},
-        {u"Å"_qs, u"\u212b"_qs},
-        {loneHigh + u"e\u0301"_qs + loneLow, loneHigh + u'é' + loneLow},
+        {u"café"_s, u"cafe\u0301"_s},
+        {u"각"_s, u"\u1100\u1161\u11a8"_s},
+        {u"q\u0307\u0323"_s, u"q\u0323\u0307"_s},
+        {u"Å"_s, u"\u212b"_s},
+        {loneHigh + u"e\u0301"_s + loneLow, loneHigh + u'é' + loneLow},
     };
     for (const auto &[a, b] : same) {
         EXPECT_TRUE(text::equal(a, b)) << a.toStdString();
@@ -64,8 +67,7 @@ TEST(Text, CanonicallyEquivalentTextsAreOne) {
         EXPECT_EQ((text::Set{a, b}.size()), 1U) << a.toStdString();
     }
     const std::pair<QString, QString> different[]{
-        {u"a"_qs, u"A"_qs},  {u"ﬁ"_qs, u"fi"_qs},       {u"a\u00a0b"_qs, u"a b"_qs},
-        {loneHigh, loneLow}, {QString(), u"\u200d"_qs},
+        {u"a"_s, u"A"_s}, {u"ﬁ"_s, u"fi"_s}, {u"a\u00a0b"_s, u"a b"_s}, {loneHigh, loneLow}, {QString(), u"\u200d"_s},
     };
     for (const auto &[a, b] : different) {
         EXPECT_FALSE(text::equal(a, b)) << a.toStdString();
@@ -79,42 +81,42 @@ TEST(Text, LongRunsOfMarksAreComparedInPieces) {
     for (int i = 0; i < 20'000; ++i) {
         flood += QChar(i % 2 == 0 ? 0x301 : 0x323);
     }
-    EXPECT_TRUE(text::equal(u"café "_qs + flood, u"cafe\u0301 "_qs + flood));
+    EXPECT_TRUE(text::equal(u"café "_s + flood, u"cafe\u0301 "_s + flood));
     EXPECT_FALSE(text::equal(flood, flood + QChar(0x301)));
-    EXPECT_EQ(text::hash(u"café "_qs + flood), text::hash(u"cafe\u0301 "_qs + flood));
+    EXPECT_EQ(text::hash(u"café "_s + flood), text::hash(u"cafe\u0301 "_s + flood));
 }
 
 TEST(Text, ContainsComparesWholeCharacters) {
-    EXPECT_TRUE(text::contains(u"un cafe\u0301 noir"_qs, u"café"_qs));
-    EXPECT_TRUE(text::contains(u"👍🏽 then 👍"_qs, u"👍"_qs));
-    EXPECT_TRUE(text::contains(u"x"_qs, QString()));
-    EXPECT_FALSE(text::contains(u"👍🏽"_qs, u"👍"_qs));
-    EXPECT_FALSE(text::contains(u"👨‍👩‍👧"_qs, u"👩"_qs));
-    EXPECT_FALSE(text::contains(u"a\r\nb"_qs, u"\n"_qs));
-    EXPECT_FALSE(text::contains(QString(), u"a"_qs));
+    EXPECT_TRUE(text::contains(u"un cafe\u0301 noir"_s, u"café"_s));
+    EXPECT_TRUE(text::contains(u"👍🏽 then 👍"_s, u"👍"_s));
+    EXPECT_TRUE(text::contains(u"x"_s, QString()));
+    EXPECT_FALSE(text::contains(u"👍🏽"_s, u"👍"_s));
+    EXPECT_FALSE(text::contains(u"👨‍👩‍👧"_s, u"👩"_s));
+    EXPECT_FALSE(text::contains(u"a\r\nb"_s, u"\n"_s));
+    EXPECT_FALSE(text::contains(QString(), u"a"_s));
 }
 
 TEST(Text, TrimsExactlyItsSet) {
-    EXPECT_EQ(text::trimmed(u"\u2029\u0085\t\u3000 a \n b\u200b \r\n\u00a0"_qs), u"a \n b\u200b"_qs);
-    EXPECT_EQ(text::trimmed(u" \n\t"_qs), QString());
+    EXPECT_EQ(text::trimmed(u"\u2029\u0085\t\u3000 a \n b\u200b \r\n\u00a0"_s), u"a \n b\u200b"_s);
+    EXPECT_EQ(text::trimmed(u" \n\t"_s), QString());
     EXPECT_EQ(text::trimmed(loneLow + u' '), loneLow);
-    EXPECT_EQ(text::trimmedOfSpaces(u"\t\u00a0\n a \u3000"_qs), u"\n a"_qs);
-    EXPECT_EQ(text::trimmedOfSpacesAndPunctuation(u"“ (SKIP). ”!¿"_qs), u"SKIP"_qs);
-    EXPECT_EQ(text::trimmedOfSpacesAndPunctuation(u"\U00010100.+SKIP\n."_qs), u"+SKIP\n"_qs);
+    EXPECT_EQ(text::trimmedOfSpaces(u"\t\u00a0\n a \u3000"_s), u"\n a"_s);
+    EXPECT_EQ(text::trimmedOfSpacesAndPunctuation(u"“ (SKIP). ”!¿"_s), u"SKIP"_s);
+    EXPECT_EQ(text::trimmedOfSpacesAndPunctuation(u"\U00010100.+SKIP\n."_s), u"+SKIP\n"_s);
 }
 
 TEST(Text, KnowsWhetherATextIsLongEnough) {
     // Eight characters' worth of code units end in the middle of the last emoji.
-    const QString seven = u"👁️👋👋👋👋👋👍🏽"_qs;
+    const QString seven = u"👁️👋👋👋👋👋👍🏽"_s;
     EXPECT_TRUE(text::hasAtLeast(seven, 7));
     EXPECT_FALSE(text::hasAtLeast(seven, 8));
     EXPECT_TRUE(text::hasAtLeast({}, 0));
 }
 
 TEST(Text, WritesNumbersAsCDoes) {
-    EXPECT_EQ(text::fixed(1.25, 1), u"1.2"_qs);
-    EXPECT_EQ(text::fixed(12.3456, 2), u"12.35"_qs);
-    EXPECT_EQ(text::fixed(3, 2), u"3.00"_qs);
+    EXPECT_EQ(text::fixed(1.25, 1), u"1.2"_s);
+    EXPECT_EQ(text::fixed(12.3456, 2), u"12.35"_s);
+    EXPECT_EQ(text::fixed(3, 2), u"3.00"_s);
 }
 
 } // namespace quillory::test

@@ -6,6 +6,8 @@
 
 #include <QFile>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 namespace {
 
@@ -18,12 +20,12 @@ namespace axAttribute = platform::axAttribute;
 namespace axRole = platform::axRole;
 namespace keyCode = platform::keyCode;
 
-const QString draft = u"helo can u send me the price list"_qs;
-const QString rewrite = u"Hello, can you send me the price list?"_qs;
-const SuggestionCardData waitingCard{u"Suggested rewrite"_qs, {}, false, {}, false};
+const QString draft = u"helo can u send me the price list"_s;
+const QString rewrite = u"Hello, can you send me the price list?"_s;
+const SuggestionCardData waitingCard{u"Suggested rewrite"_s, {}, false, {}, false};
 
 struct RewriteStory : test::MonitorStory {
-    Node message = page->addText(u"do you have it in blue?"_qs, {300, 700, 150, 20});
+    Node message = page->addText(u"do you have it in blue?"_s, {300, 700, 150, 20});
 
     void SetUp() override {
         MonitorStory::SetUp();
@@ -33,48 +35,47 @@ struct RewriteStory : test::MonitorStory {
 };
 
 TEST_F(RewriteStory, ADraftBecomesBetterFromTypingToTab) {
-    desktop.pasteboard.copy(u"the user's own"_qs);
+    desktop.pasteboard.copy(u"the user's own"_s);
     const int announcedBefore = page->announced;
     type(draft, 200);
     EXPECT_GT(page->announced, announcedBefore) << "the conversation must be at hand when the draft is asked about";
     desktop.advance(100);
-    EXPECT_THAT(newLog(), ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_qs));
+    EXPECT_THAT(newLog(), ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_s));
     const auto request = desktop.urlSession.exchange(0);
-    EXPECT_TRUE(request->request().body.contains(u"«customer» do you have it in blue?"_qs.toUtf8()));
+    EXPECT_TRUE(request->request().body.contains(u"«customer» do you have it in blue?"_s.toUtf8()));
     EXPECT_FALSE(panelVisible());
 
     desktop.advance(300);
-    EXPECT_THAT(newLog(), ElementsAre(u"panel visible (1 cards)"_qs));
+    EXPECT_THAT(newLog(), ElementsAre(u"panel visible (1 cards)"_s));
     EXPECT_THAT(cards.shown, ElementsAre(waitingCard));
     EXPECT_TRUE(desktop.press(keyCode::tab)) << "nothing to accept yet";
 
-    request->piece(u"Hello, "_qs);
-    ASSERT_TRUE(runUntilShown(0, u"Hello, "_qs));
+    request->piece(u"Hello, "_s);
+    ASSERT_TRUE(runUntilShown(0, u"Hello, "_s));
     request->answer({rewrite.mid(7)});
     ASSERT_TRUE(runUntilShown(0, rewrite));
-    ASSERT_TRUE(runUntilLogged(u"Claude Haiku 4.5 complete"_qs));
+    ASSERT_TRUE(runUntilLogged(u"Claude Haiku 4.5 complete"_s));
     EXPECT_TRUE(cards.shown[0].isComplete);
-    EXPECT_EQ(cards.shown[0].elapsedText, u"0.3s"_qs);
+    EXPECT_EQ(cards.shown[0].elapsedText, u"0.3s"_s);
 
     EXPECT_FALSE(desktop.press(keyCode::tab));
     EXPECT_FALSE(panelVisible());
     desktop.advance(5000);
     EXPECT_EQ(box->value(), rewrite);
-    EXPECT_EQ(desktop.typed.join(u' '), u"Command-A Command-V"_qs);
-    EXPECT_EQ(desktop.pasteboard.string(), u"the user's own"_qs);
+    EXPECT_EQ(desktop.typed.join(u' '), u"Command-A Command-V"_s);
+    EXPECT_EQ(desktop.pasteboard.string(), u"the user's own"_s);
     EXPECT_EQ(requests(), 1);
     EXPECT_THAT(newLog(),
-                ElementsAre(u"Claude Haiku 4.5 complete (38 chars, 0.30s)"_qs,
-                            u"choice recorded: anthropic/claude-haiku-4.5"_qs, u"web field, inserting via paste"_qs));
+                ElementsAre(u"Claude Haiku 4.5 complete (38 chars, 0.30s)"_s,
+                            u"choice recorded: anthropic/claude-haiku-4.5"_s, u"web field, inserting via paste"_s));
 }
 
 TEST_F(RewriteStory, APrefetchedAnswerIsShownAsSoonAsItIsReady) {
     type(draft, 300);
     finish(0, rewrite);
     EXPECT_EQ(cards.shown[0].text, rewrite);
-    EXPECT_THAT(newLog(),
-                ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_qs,
-                            u"Claude Haiku 4.5 complete (38 chars, 0.00s)"_qs, u"panel visible (1 cards)"_qs));
+    EXPECT_THAT(newLog(), ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_s,
+                                      u"Claude Haiku 4.5 complete (38 chars, 0.00s)"_s, u"panel visible (1 cards)"_s));
     box->setFrame({300, 600, 400, 240});
     desktop.advance(100);
     EXPECT_EQ(desktop.panelWindows.frame.y, 900 - 600 + 10) << "the panel follows the field";
@@ -86,9 +87,9 @@ TEST_F(RewriteStory, APrefetchedAnswerIsShownAsSoonAsItIsReady) {
 TEST_F(RewriteStory, TypingOnHidesTheCardsAndEndsTheRequest) {
     type(draft, 600);
     const auto first = desktop.urlSession.exchange(0);
-    first->piece(u"Hello"_qs);
-    ASSERT_TRUE(runUntilShown(0, u"Hello"_qs));
-    type(draft + u" pls"_qs, 0);
+    first->piece(u"Hello"_s);
+    ASSERT_TRUE(runUntilShown(0, u"Hello"_s));
+    type(draft + u" pls"_s, 0);
     EXPECT_FALSE(panelVisible());
     EXPECT_TRUE(first->awaitLeft());
     EXPECT_TRUE(first->wasCancelled());
@@ -97,8 +98,8 @@ TEST_F(RewriteStory, TypingOnHidesTheCardsAndEndsTheRequest) {
     EXPECT_TRUE(second->request().body.contains("price list pls"));
     EXPECT_THAT(cards.shown, ElementsAre(waitingCard));
     EXPECT_THAT(newLog(),
-                ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_qs, u"panel visible (1 cards)"_qs,
-                            u"prefetch started (37 chars, Claude Haiku 4.5)"_qs, u"panel visible (1 cards)"_qs));
+                ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5)"_s, u"panel visible (1 cards)"_s,
+                            u"prefetch started (37 chars, Claude Haiku 4.5)"_s, u"panel visible (1 cards)"_s));
 }
 
 TEST_F(RewriteStory, AnAnswerThatComesTooLateIsDropped) {
@@ -136,26 +137,26 @@ TEST_F(RewriteStory, ChunksAreShownAtMostEveryEightyMilliseconds) {
         desktop.advance(0);
         return cards.shown[0].text;
     };
-    EXPECT_EQ(send("one", 0), u"one"_qs);
-    EXPECT_EQ(send(" two", 50), u"one"_qs);
-    EXPECT_EQ(send(" three", 40), u"one two three"_qs);
+    EXPECT_EQ(send("one", 0), u"one"_s);
+    EXPECT_EQ(send(" two", 50), u"one"_s);
+    EXPECT_EQ(send(" three", 40), u"one two three"_s);
 }
 
 TEST_F(RewriteStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
-    const Node window = desktop.applications.launch({2, u"net.whatsapp.desktop"_qs, u"WhatsApp"_qs}, u"Chats"_qs);
+    const Node window = desktop.applications.launch({2, u"net.whatsapp.desktop"_s, u"WhatsApp"_s}, u"Chats"_s);
     box = window->add(axRole::textArea, {300, 800, 400, 40});
     box->settable = true;
     box->onWrite = [](const QString &written) { return written.left(24) + written.mid(24).replace(u' ', QChar::Nbsp); };
     focus(box);
     desktop.advance(100);
-    EXPECT_THAT(newLog(), ElementsAre(u"focus -> AXTextArea in WhatsApp [Chats], textElement=true, chat app"_qs));
+    EXPECT_THAT(newLog(), ElementsAre(u"focus -> AXTextArea in WhatsApp [Chats], textElement=true, chat app"_s));
     type(draft, 600);
     finish(0, rewrite);
     newLog();
     EXPECT_FALSE(desktop.press(keyCode::tab));
     EXPECT_EQ(normalized(box->value()), normalized(rewrite));
-    EXPECT_EQ(newLog().last(), u"inserted via AX set"_qs);
-    type(u"thank you so much"_qs, 1700);
+    EXPECT_EQ(newLog().last(), u"inserted via AX set"_s);
+    type(u"thank you so much"_s, 1700);
     EXPECT_EQ(requests(), 1) << "less than two seconds after the insert";
     desktop.advance(500);
     EXPECT_EQ(requests(), 2);
@@ -165,9 +166,9 @@ TEST_F(RewriteStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
 
 TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
     const Node otherPage = browser->add(axRole::webArea);
-    otherPage->set(axAttribute::url, QUrl(u"https://example.com/"_qs));
-    const Node editor = desktop.applications.launch({3, u"org.example.editor"_qs, std::nullopt}, u"Notes"_qs);
-    const Node own = desktop.applications.launch({desktop.process.ownPid, u"own"_qs, u"Quillory"_qs}, {});
+    otherPage->set(axAttribute::url, QUrl(u"https://example.com/"_s));
+    const Node editor = desktop.applications.launch({3, u"org.example.editor"_s, std::nullopt}, u"Notes"_s);
+    const Node own = desktop.applications.launch({desktop.process.ownPid, u"own"_s, u"Quillory"_s}, {});
     struct Case {
         Node field;
         const char *log;
@@ -189,16 +190,16 @@ TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
     focus(box);
     desktop.advance(2700);
     type(draft, 2000);
-    EXPECT_THAT(newLog(), ElementsAre(u"focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false"_qs));
+    EXPECT_THAT(newLog(), ElementsAre(u"focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false"_s));
     EXPECT_EQ(requests(), 0);
     EXPECT_EQ(desktop.urlSession.requestCount(), 0);
 }
 
 TEST_F(RewriteStory, ABoxThatIsEmptyOrTooLongIsNotAskedAbout) {
-    box->set(axAttribute::placeholderValue, u"Type a message"_qs);
-    type(u"Type a message\n"_qs, 1000);
-    type(u"  \n  "_qs, 1000);
-    type(u"short  "_qs, 1000);
+    box->set(axAttribute::placeholderValue, u"Type a message"_s);
+    type(u"Type a message\n"_s, 1000);
+    type(u"  \n  "_s, 1000);
+    type(u"short  "_s, 1000);
     type(QString(3001, u'x'), 1000);
     EXPECT_EQ(requests(), 0);
     box->set(axAttribute::numberOfCharacters, 3000.0);
@@ -225,7 +226,7 @@ TEST_F(RewriteStory, TheFocusMayLeaveForAMoment) {
     desktop.advance(2750);
     EXPECT_FALSE(panelVisible());
     EXPECT_TRUE(desktop.urlSession.exchange(0)->awaitLeft());
-    EXPECT_EQ(newLog(), QStringList{u"focus -> AXButton in Chromium [WhatsApp], textElement=false"_qs});
+    EXPECT_EQ(newLog(), QStringList{u"focus -> AXButton in Chromium [WhatsApp], textElement=false"_s});
     desktop.applications.focused.reset();
     desktop.advance(100);
     focus(box);
@@ -244,7 +245,7 @@ TEST_F(RewriteStory, ARecreatedFieldIsTakenForTheSame) {
         desktop.advance(200);
         return newLog();
     };
-    EXPECT_EQ(recreate(79.9), QStringList{u"field re-created, adopted (chatApp=true)"_qs});
+    EXPECT_EQ(recreate(79.9), QStringList{u"field re-created, adopted (chatApp=true)"_s});
     EXPECT_TRUE(panelVisible());
     finish(0, rewrite);
     EXPECT_FALSE(desktop.press(keyCode::tab));
@@ -253,7 +254,7 @@ TEST_F(RewriteStory, ARecreatedFieldIsTakenForTheSame) {
     type(draft, 600);
     newLog();
     EXPECT_EQ(recreate(79.9 + 80),
-              QStringList{u"focus -> AXTextArea in Chromium [WhatsApp], textElement=true, chat app"_qs});
+              QStringList{u"focus -> AXTextArea in Chromium [WhatsApp], textElement=true, chat app"_s});
     EXPECT_FALSE(panelVisible());
 }
 
@@ -271,41 +272,41 @@ TEST_F(RewriteStory, SwitchesCountFromTheNextTick) {
     EXPECT_FALSE(panelVisible());
     desktop.applications.trusted = true;
     desktop.advance(100);
-    EXPECT_THAT(newLog(), ElementsAre(u"accessibility trusted -> false"_qs, u"accessibility trusted -> true"_qs,
-                                      u"panel visible (1 cards)"_qs));
+    EXPECT_THAT(newLog(), ElementsAre(u"accessibility trusted -> false"_s, u"accessibility trusted -> true"_s,
+                                      u"panel visible (1 cards)"_s));
     desktop.userDefaults.set(settingsKey::debounceMs, qint64(0));
-    type(draft + u" now"_qs, 100);
-    EXPECT_EQ(newLog().first(), u"rewrite requested (37 chars, Claude Haiku 4.5)"_qs);
+    type(draft + u" now"_s, 100);
+    EXPECT_EQ(newLog().first(), u"rewrite requested (37 chars, Claude Haiku 4.5)"_s);
 }
 
 TEST_F(RewriteStory, AnUnchangedDraftShowsNothing) {
-    type(u" "_qs + draft, 600);
+    type(u" "_s + draft, 600);
     finish(0, draft + u'\n');
     EXPECT_FALSE(panelVisible());
-    EXPECT_EQ(newLog().last(), u"suggestion identical to draft, skipping"_qs);
+    EXPECT_EQ(newLog().last(), u"suggestion identical to draft, skipping"_s);
     desktop.advance(5000);
     EXPECT_EQ(requests(), 1);
 }
 
 TEST_F(RewriteStory, AFailedRequestLeavesALineAndNoPanel) {
     type(draft, 600);
-    desktop.urlSession.exchange(0)->fail(u"no route to host"_qs);
+    desktop.urlSession.exchange(0)->fail(u"no route to host"_s);
     ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
-    EXPECT_EQ(newLog().last(), u"Claude Haiku 4.5 failed: no route to host"_qs);
+    EXPECT_EQ(newLog().last(), u"Claude Haiku 4.5 failed: no route to host"_s);
     desktop.userDefaults.remove(settingsKey::openRouterAPIKey);
     type(draft + u'!', 600);
-    ASSERT_TRUE(runUntilLogged(u"Claude Haiku 4.5 failed: No OpenRouter API key set."_qs));
+    ASSERT_TRUE(runUntilLogged(u"Claude Haiku 4.5 failed: No OpenRouter API key set."_s));
     ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
     desktop.advance(5000);
     EXPECT_EQ(requests(), 2);
-    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_qs);
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
     box = page->add(axRole::textArea); // without a frame
     focus(box);
     type({}, 0);
     type(draft, 3000);
     EXPECT_EQ(requests(), 3);
     EXPECT_FALSE(panelVisible());
-    EXPECT_TRUE(newLog().contains(u"no AX frame for element, cannot show panel"_qs));
+    EXPECT_TRUE(newLog().contains(u"no AX frame for element, cannot show panel"_s));
 }
 
 TEST_F(RewriteStory, TheMonitorMayGoWhileARequestRuns) {
@@ -322,20 +323,20 @@ struct CompareStory : RewriteStory {
         desktop.userDefaults.set(settingsKey::compareMode, true);
     }
     // The threads of both requests race, so a request is known by its model.
-    int haiku(int first = 0) { return modelName(first) == u"Claude Haiku 4.5"_qs ? first : first + 1; }
-    int gemini(int first = 0) { return modelName(first + 1) == u"Gemini 2.5 Flash Lite"_qs ? first + 1 : first; }
+    int haiku(int first = 0) { return modelName(first) == u"Claude Haiku 4.5"_s ? first : first + 1; }
+    int gemini(int first = 0) { return modelName(first + 1) == u"Gemini 2.5 Flash Lite"_s ? first + 1 : first; }
 };
 
 TEST_F(CompareStory, OneModelMayFailWhileTheOtherGoesOn) {
     type(draft, 600);
-    EXPECT_THAT(newLog(), ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5 vs Gemini 2.5 Flash Lite)"_qs,
-                                      u"panel visible (2 cards)"_qs));
-    desktop.urlSession.exchange(haiku())->fail(u"broken"_qs);
-    ASSERT_TRUE(runUntilShown(0, u"Couldn't reach Claude Haiku 4.5"_qs));
+    EXPECT_THAT(newLog(), ElementsAre(u"prefetch started (33 chars, Claude Haiku 4.5 vs Gemini 2.5 Flash Lite)"_s,
+                                      u"panel visible (2 cards)"_s));
+    desktop.urlSession.exchange(haiku())->fail(u"broken"_s);
+    ASSERT_TRUE(runUntilShown(0, u"Couldn't reach Claude Haiku 4.5"_s));
     finish(gemini(), draft);
     EXPECT_THAT(cards.shown,
-                ElementsAre(SuggestionCardData{u"Option 1"_qs, u"Couldn't reach Claude Haiku 4.5"_qs, false, {}, true},
-                            SuggestionCardData{u"Option 2"_qs, draft, true, u"0.3s"_qs, false}))
+                ElementsAre(SuggestionCardData{u"Option 1"_s, u"Couldn't reach Claude Haiku 4.5"_s, false, {}, true},
+                            SuggestionCardData{u"Option 2"_s, draft, true, u"0.3s"_s, false}))
         << "two options are shown whatever they say";
     EXPECT_FALSE(desktop.press(keyCode::tab));
     desktop.advance(1000);
@@ -346,11 +347,11 @@ TEST_F(CompareStory, OneModelMayFailWhileTheOtherGoesOn) {
 }
 
 TEST_F(CompareStory, WhenBothFailThePanelGoes) {
-    type(draft + u" before friday"_qs, 600);
+    type(draft + u" before friday"_s, 600);
     desktop.urlSession.exchange(haiku())->answer({QString(200, u'x')});
-    ASSERT_TRUE(runUntilShown(0, u"Rejected: Claude Haiku 4.5 went off script"_qs));
+    ASSERT_TRUE(runUntilShown(0, u"Rejected: Claude Haiku 4.5 went off script"_s));
     EXPECT_EQ(newLog().last(),
-              u"Claude Haiku 4.5 rejected: 200 chars for a 47-char draft (answered instead of rewriting)"_qs);
+              u"Claude Haiku 4.5 rejected: 200 chars for a 47-char draft (answered instead of rewriting)"_s);
     desktop.urlSession.exchange(gemini())->respond(429);
     desktop.urlSession.exchange(gemini())->end();
     ASSERT_TRUE(runUntil([&] { return !panelVisible(); }));
@@ -365,14 +366,14 @@ TEST_F(CompareStory, TheDebugSwitchAcceptsOnceBothHaveEnded) {
     desktop.advance(1000);
     EXPECT_EQ(box->value(), draft);
     newLog();
-    desktop.urlSession.exchange(haiku())->fail(u"broken"_qs);
-    ASSERT_TRUE(runUntilShown(0, u"Couldn't reach Claude Haiku 4.5"_qs));
+    desktop.urlSession.exchange(haiku())->fail(u"broken"_s);
+    ASSERT_TRUE(runUntilShown(0, u"Couldn't reach Claude Haiku 4.5"_s));
     EXPECT_TRUE(desktop.userDefaults.boolean(settingsKey::debugAcceptOnce)) << "only an answer sets it off";
     type(draft + u'!', 600);
     newLog();
     finish(haiku(2), rewrite);
-    finish(gemini(2), u"Other"_qs);
-    EXPECT_EQ(newLog().last(), u"debug: auto-accepting card 0"_qs);
+    finish(gemini(2), u"Other"_s);
+    EXPECT_EQ(newLog().last(), u"debug: auto-accepting card 0"_s);
     EXPECT_FALSE(desktop.userDefaults.boolean(settingsKey::debugAcceptOnce));
     desktop.advance(590);
     EXPECT_TRUE(panelVisible());

@@ -8,6 +8,9 @@
 #include <stdexcept>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 ChildProcess started(const QByteArray &modelService, const Assistant::Settings &settings) {
@@ -20,7 +23,7 @@ ChildProcess started(const QByteArray &modelService, const Assistant::Settings &
 }
 
 QString fileInHome(const char *path) {
-    QFile file(qEnvironmentVariable("XDG_DATA_HOME") + u"/quillory/Library/"_qs + QLatin1StringView(path));
+    QFile file(qEnvironmentVariable("XDG_DATA_HOME") + u"/quillory/Library/"_s + QLatin1StringView(path));
     return file.open(QFile::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
@@ -28,7 +31,7 @@ QString fileInHome(const char *path) {
 
 Assistant::Assistant(const QByteArray &modelService, const Settings &settings)
     : m_process(started(modelService, settings)) {
-    if (!waitUntil([] { return timesLogged(u"accessibility trusted -> true"_qs) > 0; })) {
+    if (!waitUntil([] { return timesLogged(u"accessibility trusted -> true"_s) > 0; })) {
         throw std::runtime_error("the program did not start: " + log().toStdString());
     }
 }
@@ -36,7 +39,7 @@ Assistant::Assistant(const QByteArray &modelService, const Settings &settings)
 void Assistant::set(const QString &setting, const QString &value) {
     QProcess program;
     program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    program.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_qs, u"write"_qs, setting, value});
+    program.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_s, u"write"_s, setting, value});
     if (!program.waitForFinished() || program.exitCode() != 0) {
         throw std::runtime_error("the setting could not be written: " + setting.toStdString());
     }

@@ -10,13 +10,15 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 /// A real browser with a profile of its own, for which the chat's host names stand on the page's port.
 class Browser {
   public:
     enum class Kind { chromium, firefox };
     struct Options {
         Kind kind = Kind::chromium;
-        QString host = u"web.whatsapp.com"_qs;
+        QString host = u"web.whatsapp.com"_s;
         /// What follows the page's address ("?box=textarea").
         QString query = QString();
         /// A window with tabs and an address bar, instead of one that holds the page alone. Firefox has no other.

@@ -14,6 +14,9 @@
 #include <openssl/x509.h>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct Identity {
@@ -54,7 +57,7 @@ void serveFile(httplib::Server &server, const char *path, const QString &file, c
 }
 
 QPoint place(const QJsonValue &told) {
-    return {qRound(told[u"x"_qs].toDouble()), qRound(told[u"y"_qs].toDouble())};
+    return {qRound(told[u"x"_s].toDouble()), qRound(told[u"y"_s].toDouble())};
 }
 
 } // namespace
@@ -78,8 +81,8 @@ ChatPage::~ChatPage() {
 
 void ChatPage::serve() {
     const QString folder = QStringLiteral(QUILLORY_PAGE_FOLDER);
-    serveFile(*m_server, "/", folder + u"/index.html"_qs, "text/html; charset=utf-8");
-    serveFile(*m_server, "/chat.css", folder + u"/chat.css"_qs, "text/css");
+    serveFile(*m_server, "/", folder + u"/index.html"_s, "text/html; charset=utf-8");
+    serveFile(*m_server, "/chat.css", folder + u"/chat.css"_s, "text/css");
     serveFile(*m_server, "/chat.js", QStringLiteral(QUILLORY_PAGE_BUNDLE), "text/javascript; charset=utf-8");
     m_server->Post("/report", [this](const httplib::Request &request, httplib::Response &) {
         take(QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object());
@@ -114,33 +117,33 @@ QJsonObject ChatPage::nextOrder(std::size_t after) {
         return {};
     }
     const Order &order = m_orders[after];
-    return {{u"number"_qs, static_cast<int>(after + 1)}, {u"what"_qs, order.what}, {u"argument"_qs, order.argument}};
+    return {{u"number"_s, static_cast<int>(after + 1)}, {u"what"_s, order.what}, {u"argument"_s, order.argument}};
 }
 
 void ChatPage::take(const QJsonObject &report) {
     const std::lock_guard lock(m_mutex);
-    if (report[u"load"_qs].toDouble() < m_load) {
+    if (report[u"load"_s].toDouble() < m_load) {
         return; // from the page before
     }
-    m_load = report[u"load"_qs].toDouble();
-    m_state.address = report[u"page"_qs].toString();
-    m_state.chat = report[u"chat"_qs].toString();
-    m_state.text = report[u"text"_qs].toString();
-    m_state.sent = report[u"sent"_qs].toVariant().toStringList();
-    m_state.keys = report[u"keys"_qs].toVariant().toStringList();
-    m_state.blurs = report[u"blurs"_qs].toInt();
-    m_state.done = report[u"done"_qs].toInt();
-    m_state.focused = report[u"focused"_qs].toBool();
-    m_state.box = place(report[u"box"_qs]);
-    const QJsonObject chats = report[u"chats"_qs].toObject();
+    m_load = report[u"load"_s].toDouble();
+    m_state.address = report[u"page"_s].toString();
+    m_state.chat = report[u"chat"_s].toString();
+    m_state.text = report[u"text"_s].toString();
+    m_state.sent = report[u"sent"_s].toVariant().toStringList();
+    m_state.keys = report[u"keys"_s].toVariant().toStringList();
+    m_state.blurs = report[u"blurs"_s].toInt();
+    m_state.done = report[u"done"_s].toInt();
+    m_state.focused = report[u"focused"_s].toBool();
+    m_state.box = place(report[u"box"_s]);
+    const QJsonObject chats = report[u"chats"_s].toObject();
     for (const QString &chat : chats.keys()) {
         m_state.chats[chat] = place(chats[chat]);
     }
-    if (report.contains(u"texts"_qs)) {
+    if (report.contains(u"texts"_s)) {
         m_state.texts.clear();
-        for (const QJsonValue &told : report[u"texts"_qs].toArray()) {
+        for (const QJsonValue &told : report[u"texts"_s].toArray()) {
             m_state.texts.push_back(
-                {told[u"kind"_qs].toString(), told[u"side"_qs].toString(), told[u"text"_qs].toString()});
+                {told[u"kind"_s].toString(), told[u"side"_s].toString(), told[u"text"_s].toString()});
         }
     }
 }

@@ -5,6 +5,9 @@
 #include <iostream>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr qsizetype mostCollected = 400;
@@ -12,18 +15,18 @@ constexpr qsizetype mostKept = 60;
 
 /// Times, presences and dividers in English are known as noise; those of other languages are lines like any other.
 bool isNoise(const ChatPage::Text &text, bool english) {
-    return text.text.trimmed().size() < 2 || text.kind == u"time"_qs ||
-           (english && (text.kind == u"presence"_qs || text.kind == u"divider"_qs));
+    return text.text.trimmed().size() < 2 || text.kind == u"time"_s ||
+           (english && (text.kind == u"presence"_s || text.kind == u"divider"_s));
 }
 
 /// Sides are judged by where a text stands. In a page from right to left our own messages stand at the left, which is
 /// the customers' side everywhere else, and they are marked as such.
 QString mark(const ChatPage::Text &text, bool rightToLeft) {
-    if (text.kind == u"day"_qs || text.kind == u"divider"_qs) {
+    if (text.kind == u"day"_s || text.kind == u"divider"_s) {
         return {};
     }
-    const bool atEnd = text.side == u"us"_qs;
-    return atEnd != rightToLeft ? u"«you» "_qs : u"«customer» "_qs;
+    const bool atEnd = text.side == u"us"_s;
+    return atEnd != rightToLeft ? u"«you» "_s : u"«customer» "_s;
 }
 
 } // namespace
@@ -45,14 +48,14 @@ void ChatStory::TearDown() {
 }
 
 void ChatStory::startBrowser(const Browser::Options &options) {
-    m_browser.emplace(m_page.port(), qEnvironmentVariable("HOME") + u"/browser"_qs, options);
+    m_browser.emplace(m_page.port(), qEnvironmentVariable("HOME") + u"/browser"_s, options);
 }
 
 void ChatStory::openChat(const QString &query) {
     startAssistant();
     startBrowser(at(query));
     ASSERT_TRUE(clickBox());
-    ASSERT_TRUE(logged(u", chat app"_qs));
+    ASSERT_TRUE(logged(u", chat app"_s));
     m_blursBefore = m_page.state().blurs;
 }
 
@@ -87,7 +90,7 @@ bool ChatStory::boxHolds(const QString &text) const {
 
 std::string ChatStory::transcriptOfPage() const {
     const ChatPage::State state = m_page.state();
-    const bool arabic = state.address.contains(u"language=ar"_qs);
+    const bool arabic = state.address.contains(u"language=ar"_s);
     QStringList lines;
     for (const ChatPage::Text &text : state.texts) {
         if (!isNoise(text, !arabic) && lines.size() < mostCollected) {

@@ -6,9 +6,12 @@
 #include <csignal>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString reply = u"Your trays are ready at nine."_qs;
+const QString reply = u"Your trays are ready at nine."_s;
 
 /// A user who changes the chat, in which the box keeps the focus, while the reply to the chat before is on its card.
 class ConversationGuard : public ReplyStory {
@@ -23,8 +26,8 @@ class ConversationGuard : public ReplyStory {
             if (!clickChat(QLatin1StringView(from)) || !waitUntil(hasDraftedSinceTab) || !replyIsReady()) {
                 return false;
             }
-            m_model.willAnswer(u"not for this chat"_qs, Manner::answers);
-            const auto tabsAtPage = [this] { return m_page.state().keys.count(u"Tab"_qs); };
+            m_model.willAnswer(u"not for this chat"_s, Manner::answers);
+            const auto tabsAtPage = [this] { return m_page.state().keys.count(u"Tab"_s); };
             const auto tabsBefore = tabsAtPage();
             const int takenBefore = timesTaken();
             kill(m_assistant->pid(), SIGSTOP);
@@ -42,7 +45,7 @@ class ConversationGuard : public ReplyStory {
 
     std::string blockedWith() const {
         const QString log = Assistant::log();
-        return log.mid(log.lastIndexOf(u"accept blocked:"_qs)).section(u'\n', 0, 0).toStdString();
+        return log.mid(log.lastIndexOf(u"accept blocked:"_s)).section(u'\n', 0, 0).toStdString();
     }
 
   private:
@@ -55,7 +58,7 @@ class ConversationGuard : public ReplyStory {
     [[nodiscard]] QStringList messages() const {
         QStringList messages;
         for (const ChatPage::Text &text : m_page.state().texts) {
-            if (text.kind == u"message"_qs) {
+            if (text.kind == u"message"_s) {
                 messages.append(text.text);
             }
         }
@@ -65,12 +68,12 @@ class ConversationGuard : public ReplyStory {
     /// The card before the key may still be seen for a moment.
     static bool hasDraftedSinceTab() {
         const QString log = Assistant::log();
-        const auto taken = std::max(log.lastIndexOf(u"accept blocked"_qs), log.lastIndexOf(u"web field, inserting"_qs));
-        return log.lastIndexOf(u"drafting reply ("_qs) > taken;
+        const auto taken = std::max(log.lastIndexOf(u"accept blocked"_s), log.lastIndexOf(u"web field, inserting"_s));
+        return log.lastIndexOf(u"drafting reply ("_s) > taken;
     }
 
     static int timesTaken() {
-        return Assistant::timesLogged(u"accept blocked"_qs) + Assistant::timesLogged(u"web field, inserting"_qs);
+        return Assistant::timesLogged(u"accept blocked"_s) + Assistant::timesLogged(u"web field, inserting"_s);
     }
 
     std::optional<AccessibleTree> m_tree;
@@ -85,17 +88,17 @@ TEST_P(ConversationGuard, TabGivesNoReplyToAnotherChatUnlessHalfOfItsLinesAreThe
     ASSERT_TRUE(tapsTabInTime("orders", "orders-less"));
     EXPECT_EQ(blockedWith(), "accept blocked: only 37% conversation overlap (chat switch)");
     EXPECT_TRUE(m_page.text().isEmpty());
-    EXPECT_FALSE(keyReached(u"v"_qs)) << "nothing is pasted";
+    EXPECT_FALSE(keyReached(u"v"_s)) << "nothing is pasted";
     EXPECT_THAT(Assistant::choices(), testing::IsEmpty());
 
     ASSERT_TRUE(tapsTabInTime("orders", "orders-half"));
     EXPECT_TRUE(boxHolds(reply));
-    EXPECT_EQ(Assistant::timesLogged(u"accept blocked"_qs), 2);
+    EXPECT_EQ(Assistant::timesLogged(u"accept blocked"_s), 2);
     EXPECT_TRUE(m_page.state().sent.isEmpty());
 }
 
 TEST_P(ConversationGuard, HoldsWhereAnotherChatMakesTheBoxAnew) {
-    ASSERT_NO_FATAL_FAILURE(openChat(u"?remake"_qs));
+    ASSERT_NO_FATAL_FAILURE(openChat(u"?remake"_s));
     ASSERT_TRUE(tapsTabInTime("mariam", "bakery"));
     EXPECT_EQ(blockedWith(), "accept blocked: only 0% conversation overlap (chat switch)");
     EXPECT_TRUE(m_page.text().isEmpty());

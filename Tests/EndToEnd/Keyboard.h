@@ -7,6 +7,8 @@
 #include <QPoint>
 #include <QProcess>
 
+using namespace Qt::StringLiterals;
+
 /// The user's hands: keys and clicks that come from the X server like real ones, and the clipboard.
 namespace quillory::test::keyboard {
 
@@ -27,7 +29,7 @@ inline void copy(const QByteArray &content, const char *type) {
     // It stays in the background as the owner: without the output closed, waiting for it would never end.
     copier.setStandardOutputFile(QProcess::nullDevice());
     copier.setStandardErrorFile(QProcess::nullDevice());
-    copier.start(u"xclip"_qs, {u"-selection"_qs, u"clipboard"_qs, u"-t"_qs, QString::fromLatin1(type)});
+    copier.start(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(type)});
     copier.write(content);
     copier.closeWriteChannel();
     copier.waitForFinished();
@@ -35,7 +37,7 @@ inline void copy(const QByteArray &content, const char *type) {
 /// What the clipboard offers as that type; empty when it does not.
 [[nodiscard]] inline QByteArray clipboard(const char *type) {
     QProcess reader;
-    reader.start(u"xclip"_qs, {u"-selection"_qs, u"clipboard"_qs, u"-t"_qs, QString::fromLatin1(type), u"-o"_qs});
+    reader.start(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(type), u"-o"_s});
     reader.waitForFinished();
     return reader.readAllStandardOutput();
 }

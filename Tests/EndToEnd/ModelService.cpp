@@ -11,6 +11,9 @@
 #include <httplib.h>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 std::string compact(const QJsonObject &object) {
@@ -18,15 +21,15 @@ std::string compact(const QJsonObject &object) {
 }
 
 std::string event(const QString &content) {
-    const QJsonObject choice{{u"delta"_qs, QJsonObject{{u"content"_qs, content}}}};
-    return "data: " + compact({{u"choices"_qs, QJsonArray{choice}}}) + "\n\n";
+    const QJsonObject choice{{u"delta"_s, QJsonObject{{u"content"_s, content}}}};
+    return "data: " + compact({{u"choices"_s, QJsonArray{choice}}}) + "\n\n";
 }
 
 ModelService::Question parsed(const httplib::Request &request) {
     ModelService::Question question;
     question.body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
-    for (const QJsonValue &message : question.body.take(u"messages"_qs).toArray()) {
-        question.messages.push_back({message[u"role"_qs].toString(), message[u"content"_qs].toString()});
+    for (const QJsonValue &message : question.body.take(u"messages"_s).toArray()) {
+        question.messages.push_back({message[u"role"_s].toString(), message[u"content"_s].toString()});
     }
     question.authorization = QString::fromStdString(request.get_header_value("Authorization"));
     return question;
@@ -45,12 +48,12 @@ bool send(httplib::DataSink &sink, const std::string &text) {
 } // namespace
 
 QString ModelService::Question::draft() const {
-    return between(messages.back().content, u"<draft>\n"_qs, u"\n</draft>"_qs);
+    return between(messages.back().content, u"<draft>\n"_s, u"\n</draft>"_s);
 }
 
 std::string ModelService::Question::conversation() const {
     const QString &content = (isForReply() ? messages.back() : messages.front()).content;
-    return between(content, u"<conversation>\n"_qs, u"\n</conversation>"_qs).toStdString();
+    return between(content, u"<conversation>\n"_s, u"\n</conversation>"_s).toStdString();
 }
 
 ModelService::ModelService() : m_server(std::make_unique<httplib::Server>()) {
@@ -93,8 +96,8 @@ void ModelService::answer(const httplib::Request &request, httplib::Response &re
     const Answer &answer = special == m_answersOfModels.end() ? m_answer : special->second;
     if (answer.manner == Manner::refuses) {
         response.status = 429;
-        const QJsonObject error{{u"message"_qs, answer.text}};
-        response.set_content(compact({{u"error"_qs, error}}), "application/json");
+        const QJsonObject error{{u"message"_s, answer.text}};
+        response.set_content(compact({{u"error"_s, error}}), "application/json");
         return;
     }
     response.set_chunked_content_provider(
@@ -103,7 +106,7 @@ void ModelService::answer(const httplib::Request &request, httplib::Response &re
 
 bool ModelService::stream(httplib::DataSink &sink, const Answer &answer) {
     bool connected = send(sink, ": PROCESSING\n\n");
-    for (const QString &word : answer.text.split(QRegularExpression(u"(?<= )"_qs))) {
+    for (const QString &word : answer.text.split(QRegularExpression(u"(?<= )"_s))) {
         connected = connected && send(sink, event(word));
         sleepBriefly();
     }

@@ -6,6 +6,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 /// A shop owner who looks at a chat with an empty message box.
 class ReplyStory : public ChatStory {
   protected:
@@ -13,11 +15,11 @@ class ReplyStory : public ChatStory {
 
     /// The shop's profile and questions are set, and the model has an answer.
     ReplyStory() {
-        m_settings = {{u"businessProfile"_qs, u"\nDate House, a gift shop in Riffa.\n"_qs},
-                      {u"faqEntries"_qs,
+        m_settings = {{u"businessProfile"_s, u"\nDate House, a gift shop in Riffa.\n"_s},
+                      {u"faqEntries"_s,
                        uR"([{"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D10","question":"Delivery?","answer":"1 BHD."},)"
-                       R"({"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D11","question":"Hours?","answer":"9 to 9"}])"_qs}};
-        m_model.willAnswer(u"It is 1 BHD to any place in Bahrain 😊"_qs, Manner::answersAtOnce);
+                       R"({"id":"5F0C1E5E-2F0B-4B52-8B0B-1F1C3E8A9D11","question":"Hours?","answer":"9 to 9"}])"_s}};
+        m_model.willAnswer(u"It is 1 BHD to any place in Bahrain 😊"_s, Manner::answersAtOnce);
     }
 
     [[nodiscard]] int timesAsked() const { return static_cast<int>(m_model.questions().size()); }
@@ -29,7 +31,7 @@ class ReplyStory : public ChatStory {
     /// A reply to what the page shows is on its card and may be accepted.
     [[nodiscard]] bool replyIsReady() const {
         const bool ready = waitUntil([this] {
-            return timesLoggedSinceDraft(u" complete ("_qs) > 0 && transcriptAskedFor() == transcriptOfPage() &&
+            return timesLoggedSinceDraft(u" complete ("_s) > 0 && transcriptAskedFor() == transcriptOfPage() &&
                    panelIsUp();
         });
         EXPECT_EQ(transcriptAskedFor(), transcriptOfPage());
@@ -38,7 +40,7 @@ class ReplyStory : public ChatStory {
     /// How often the log says so since a reply was last asked for.
     [[nodiscard]] static int timesLoggedSinceDraft(const QString &text) {
         const QString log = Assistant::log();
-        return static_cast<int>(log.mid(log.lastIndexOf(u"drafting reply ("_qs)).count(text));
+        return static_cast<int>(log.mid(log.lastIndexOf(u"drafting reply ("_s)).count(text));
     }
     /// No question comes for longer than the program waits before it asks for the same conversation again.
     [[nodiscard]] bool staysQuiet() const {

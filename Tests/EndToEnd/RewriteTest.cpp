@@ -6,16 +6,19 @@
 #include <algorithm>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString draft = u"helo can u send me the price list"_qs;
-const QString answer = u"Hello, can you please send me the price list?"_qs;
+const QString draft = u"helo can u send me the price list"_s;
+const QString answer = u"Hello, can you please send me the price list?"_s;
 
 /// A user who types into a chat; replies to what customers write are not asked for.
 class Rewrite : public ChatStory {
   protected:
     Rewrite() {
-        m_settings = {{u"assistantMode"_qs, u"false"_qs}};
+        m_settings = {{u"assistantMode"_s, u"false"_s}};
         m_model.willAnswer(answer);
     }
 
@@ -65,17 +68,17 @@ TEST_P(Rewrite, TabPutsTheRewriteIntoTheRichTextBox) {
 
     const ModelService::Question question = m_model.questions().back();
     EXPECT_EQ(question.draft(), draft);
-    EXPECT_EQ(question.authorization, u"Bearer made-up-key"_qs);
+    EXPECT_EQ(question.authorization, u"Bearer made-up-key"_s);
     // A browser may show the draft once more, below the conversation.
     EXPECT_THAT(question.conversation(), testing::StartsWith(transcriptOfPage()));
-    EXPECT_FALSE(Assistant::log().contains(u"price list"_qs)) << "words of the user in the log";
+    EXPECT_FALSE(Assistant::log().contains(u"price list"_s)) << "words of the user in the log";
 }
 
 TEST_P(Rewrite, SeveralLinesArriveAsWrittenAndACopiedPictureComesBack) {
     ASSERT_NO_FATAL_FAILURE(openChat());
     const QByteArray picture = QByteArray("\x89PNG\r\n\x1a\n\0\xff", 10).repeated(500);
     keyboard::copy(picture, "image/png");
-    ASSERT_NO_FATAL_FAILURE(acceptRewrite(draft, u"Hello Mariam,\n\nCan you send me the price list?\nThank you!"_qs));
+    ASSERT_NO_FATAL_FAILURE(acceptRewrite(draft, u"Hello Mariam,\n\nCan you send me the price list?\nThank you!"_s));
     expectUntouched();
     EXPECT_TRUE(waitUntil([&] { return keyboard::clipboard("image/png") == picture; }));
 }
@@ -84,8 +87,8 @@ TEST_P(Rewrite, ArabicAndEmojiUnderAnArabicKeyboardLayout) {
     ASSERT_NO_FATAL_FAILURE(openChat());
     run({"setxkbmap", "-layout", "ara,us"});
     ASSERT_NO_FATAL_FAILURE(
-        acceptRewrite(u"مرحبا هل يوجد توصيل"_qs,
-                      u"مرحباً مريم، نعم يوجد توصيل مجاني 👍🏽😊 Riffa!"_qs));
+        acceptRewrite(u"مرحبا هل يوجد توصيل"_s,
+                      u"مرحباً مريم، نعم يوجد توصيل مجاني 👍🏽😊 Riffa!"_s));
     expectUntouched();
 }
 
@@ -94,15 +97,15 @@ TEST_P(Rewrite, EscDropsTheCardAndTheNextEscIsTheUsers) {
     ASSERT_NO_FATAL_FAILURE(typeDraft(draft));
     keyboard::tap("Escape");
     keyboard::tap("Left");
-    ASSERT_TRUE(waitUntil([this] { return m_page.state().keys.last() == u"ArrowLeft"_qs; }));
-    EXPECT_FALSE(m_page.state().keys.contains(u"Escape"_qs)) << "Esc belonged to the card";
+    ASSERT_TRUE(waitUntil([this] { return m_page.state().keys.last() == u"ArrowLeft"_s; }));
+    EXPECT_FALSE(m_page.state().keys.contains(u"Escape"_s)) << "Esc belonged to the card";
     EXPECT_EQ(m_page.text(), draft);
     EXPECT_EQ(timesAsked(draft), 1) << "a dropped draft is not asked for again";
     expectUntouched();
     // The keys are let go a moment after the card: what the page gets from then on is the user's own.
     EXPECT_TRUE(waitUntil([this] {
         keyboard::tap("Escape");
-        return m_page.state().keys.contains(u"Escape"_qs);
+        return m_page.state().keys.contains(u"Escape"_s);
     }));
 }
 
@@ -110,22 +113,22 @@ TEST_P(RewriteInChromium, ASwitchThatIsTurnedElsewhereCountsAtOnce) {
     ASSERT_NO_FATAL_FAILURE(openChat());
     ASSERT_NO_FATAL_FAILURE(typeDraft(draft));
     ASSERT_TRUE(waitUntil(panelIsUp));
-    const QString enabled = u"enabled"_qs;
-    Assistant::set(enabled, u"false"_qs);
+    const QString enabled = u"enabled"_s;
+    Assistant::set(enabled, u"false"_s);
     EXPECT_TRUE(panelGoes());
     const auto asked = m_model.questions().size();
-    keyboard::type(u" today"_qs);
+    keyboard::type(u" today"_s);
     EXPECT_FALSE(waitUntil([&] { return panelIsUp() || m_model.questions().size() > asked; }, 1500))
         << "for longer than a pause";
-    Assistant::set(enabled, u"true"_qs);
-    ASSERT_NO_FATAL_FAILURE(typeDraft(u" pls"_qs, draft + u" today pls"_qs));
+    Assistant::set(enabled, u"true"_s);
+    ASSERT_NO_FATAL_FAILURE(typeDraft(u" pls"_s, draft + u" today pls"_s));
     EXPECT_TRUE(waitUntil(panelIsUp));
     expectUntouched(0);
 }
 
 TEST_P(RewriteInChromium, NothingIsAskedForOtherFields) {
     startAssistant();
-    startBrowser({.host = u"shop.example"_qs, .wholeWindow = true});
+    startBrowser({.host = u"shop.example"_s, .wholeWindow = true});
     // No address may begin another: the address bar would complete it.
     const auto goTo = [this](const QString &address) {
         keyboard::tap("ctrl+l");
@@ -134,30 +137,30 @@ TEST_P(RewriteInChromium, NothingIsAskedForOtherFields) {
         return waitUntil([&] { return m_page.state().address == address; }) && clickBox();
     };
     ASSERT_TRUE(clickBox());
-    ASSERT_TRUE(logged(u"textElement=true\n"_qs));
+    ASSERT_TRUE(logged(u"textElement=true\n"_s));
     keyboard::type(draft);
     ASSERT_TRUE(boxHolds(draft)) << "a page on another host";
 
     keyboard::tap("ctrl+l");
-    ASSERT_TRUE(logged(u"browser UI (excluded)"_qs));
-    ASSERT_TRUE(goTo(u"https://web.whatsapp.com/?box=password"_qs));
-    ASSERT_TRUE(logged(u"AXSecureTextField"_qs));
+    ASSERT_TRUE(logged(u"browser UI (excluded)"_s));
+    ASSERT_TRUE(goTo(u"https://web.whatsapp.com/?box=password"_s));
+    ASSERT_TRUE(logged(u"AXSecureTextField"_s));
     keyboard::type(draft);
     ASSERT_TRUE(boxHolds(draft)) << "a password field";
 
     // The box comes last: had any of the others asked, its question would have come before this one.
-    ASSERT_TRUE(goTo(u"https://web.whatsapp.com/?box=rich"_qs));
-    ASSERT_TRUE(logged(u", textElement=true, chat app"_qs));
-    keyboard::type(u"only this is a draft"_qs);
-    ASSERT_TRUE(waitUntil([this] { return timesAsked(u"only this is a draft"_qs) == 1; }));
+    ASSERT_TRUE(goTo(u"https://web.whatsapp.com/?box=rich"_s));
+    ASSERT_TRUE(logged(u", textElement=true, chat app"_s));
+    keyboard::type(u"only this is a draft"_s);
+    ASSERT_TRUE(waitUntil([this] { return timesAsked(u"only this is a draft"_s) == 1; }));
     for (const ModelService::Question &question : m_model.questions()) {
-        EXPECT_TRUE(question.draft().startsWith(u"only"_qs)) << question.draft().toStdString();
+        EXPECT_TRUE(question.draft().startsWith(u"only"_s)) << question.draft().toStdString();
     }
 }
 
 TEST_P(RewriteInChromium, APlainTextArea) {
-    ASSERT_NO_FATAL_FAILURE(openChat(u"?box=textarea"_qs));
-    ASSERT_NO_FATAL_FAILURE(acceptRewrite(draft, u"Hello,\ncan you send me the price list? 😊"_qs));
+    ASSERT_NO_FATAL_FAILURE(openChat(u"?box=textarea"_s));
+    ASSERT_NO_FATAL_FAILURE(acceptRewrite(draft, u"Hello,\ncan you send me the price list? 😊"_s));
     expectUntouched();
 }
 
@@ -165,7 +168,7 @@ TEST_P(RewriteInChromium, ABrowserThatWasThereFirstAndBuiltNoTree) {
     startBrowser({.forceAccessibility = false});
     ASSERT_TRUE(clickBox());
     startAssistant();
-    ASSERT_TRUE(logged(u", chat app"_qs));
+    ASSERT_TRUE(logged(u", chat app"_s));
     m_blursBefore = m_page.state().blurs;
     ASSERT_NO_FATAL_FAILURE(acceptRewrite(draft, answer));
     expectUntouched();
@@ -176,12 +179,12 @@ TEST_P(RewriteInChromium, AFrozenBrowserDoesNotStopTheProgram) {
     ASSERT_NO_FATAL_FAILURE(typeDraft(draft));
     m_browser->freeze();
     RealDesktop::setAccessibilityEnabled(false);
-    EXPECT_TRUE(logged(u"accessibility trusted -> false"_qs)) << "the tick waits for the browser";
+    EXPECT_TRUE(logged(u"accessibility trusted -> false"_s)) << "the tick waits for the browser";
     RealDesktop::setAccessibilityEnabled(true);
-    ASSERT_TRUE(logged(u"accessibility trusted -> true"_qs, 2));
+    ASSERT_TRUE(logged(u"accessibility trusted -> true"_s, 2));
     EXPECT_TRUE(m_assistant->isRunning());
     m_browser->thaw();
-    ASSERT_NO_FATAL_FAILURE(typeDraft(u" pls"_qs, draft + u" pls"_qs));
+    ASSERT_NO_FATAL_FAILURE(typeDraft(u" pls"_s, draft + u" pls"_s));
     keyboard::tap("Tab");
     EXPECT_TRUE(boxHolds(answer));
     expectUntouched();

@@ -18,20 +18,22 @@
 
 namespace quillory::test {
 
-inline const auto watcher = u"org.kde.StatusNotifierWatcher"_qs;
-inline const auto itemInterface = u"org.kde.StatusNotifierItem"_qs;
-inline const auto itemPath = u"/StatusNotifierItem"_qs;
+using namespace Qt::StringLiterals;
+
+inline const auto watcher = u"org.kde.StatusNotifierWatcher"_s;
+inline const auto itemInterface = u"org.kde.StatusNotifierItem"_s;
+inline const auto itemPath = u"/StatusNotifierItem"_s;
 
 /// A desktop's tray that speaks the StatusNotifierItem protocol, as a panel does, and reads the menu of the item that
 /// registers with it.
 class StatusNotifierHost final : private QDBusVirtualObject {
   public:
-    StatusNotifierHost() : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"tray"_qs)) {
-        if (!m_bus.registerVirtualObject(u"/StatusNotifierWatcher"_qs, this)) {
+    StatusNotifierHost() : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"tray"_s)) {
+        if (!m_bus.registerVirtualObject(u"/StatusNotifierWatcher"_s, this)) {
             throw std::runtime_error("the tray has no session bus");
         }
     }
-    ~StatusNotifierHost() override { QDBusConnection::disconnectFromBus(u"tray"_qs); }
+    ~StatusNotifierHost() override { QDBusConnection::disconnectFromBus(u"tray"_s); }
 
     /// Takes or gives up the name under which items look for the tray.
     void appear() { m_bus.registerService(watcher); }
@@ -42,8 +44,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
         appear();
         const bool isAsked = await([this] { return m_timesAsked > 0; });
         m_isShown = true;
-        m_bus.send(
-            QDBusMessage::createSignal(u"/StatusNotifierWatcher"_qs, watcher, u"StatusNotifierHostRegistered"_qs));
+        m_bus.send(QDBusMessage::createSignal(u"/StatusNotifierWatcher"_s, watcher, u"StatusNotifierHostRegistered"_s));
         return isAsked;
     }
     void vanish() {
@@ -56,7 +57,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
     }
     [[nodiscard]] QVariant property(const char *name) const {
         QDBusMessage question =
-            QDBusMessage::createMethodCall(m_item, itemPath, u"org.freedesktop.DBus.Properties"_qs, u"Get"_qs);
+            QDBusMessage::createMethodCall(m_item, itemPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
         question.setArguments({itemInterface, QString::fromLatin1(name)});
         return m_bus.call(question).arguments().value(0).value<QDBusVariant>().variant();
     }
@@ -65,25 +66,25 @@ class StatusNotifierHost final : private QDBusVirtualObject {
         askMenu("AboutToShow", {0});
         QStringList lines;
         for (const auto &[id, properties] : menuItems()) {
-            if (!properties.value(u"visible"_qs, true).toBool()) {
+            if (!properties.value(u"visible"_s, true).toBool()) {
                 continue;
             }
-            const bool isChecked = properties.value(u"toggle-state"_qs).toInt() == 1;
-            QString line = (isChecked ? u"✓ "_qs : QString()) + properties.value(u"label"_qs).toString();
-            if (properties.contains(u"shortcut"_qs)) {
+            const bool isChecked = properties.value(u"toggle-state"_s).toInt() == 1;
+            QString line = (isChecked ? u"✓ "_s : QString()) + properties.value(u"label"_s).toString();
+            if (properties.contains(u"shortcut"_s)) {
                 QList<QStringList> keys;
-                properties.value(u"shortcut"_qs).value<QDBusArgument>() >> keys;
+                properties.value(u"shortcut"_s).value<QDBusArgument>() >> keys;
                 line += u' ' + keys.value(0).join(u'+');
             }
-            lines += properties.value(u"type"_qs) == u"separator"_qs ? u"-"_qs : line;
+            lines += properties.value(u"type"_s) == u"separator"_s ? u"-"_s : line;
         }
-        return lines.join(u" | "_qs);
+        return lines.join(u" | "_s);
     }
     /// Chooses an item of it by its title.
     void choose(const QString &title) {
         for (const auto &[id, properties] : menuItems()) {
-            if (properties.value(u"label"_qs) == title) {
-                askMenu("Event", {id, u"clicked"_qs, QVariant::fromValue(QDBusVariant(0)), 0U});
+            if (properties.value(u"label"_s) == title) {
+                askMenu("Event", {id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), 0U});
             }
         }
     }
@@ -102,11 +103,11 @@ class StatusNotifierHost final : private QDBusVirtualObject {
             60'000);
     }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override {
-        if (message.member() == u"RegisterStatusNotifierItem"_qs) {
+        if (message.member() == u"RegisterStatusNotifierItem"_s) {
             m_item = message.arguments().value(0).toString();
             return connection.send(message.createReply());
         }
-        if (message.member() == u"Get"_qs) {
+        if (message.member() == u"Get"_s) {
             ++m_timesAsked;
             return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(m_isShown))));
         }
@@ -115,7 +116,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
     [[nodiscard]] QString introspect(const QString & /*path*/) const override {
         return u"<interface name=\"org.kde.StatusNotifierWatcher\">"
                "<method name=\"RegisterStatusNotifierItem\"><arg type=\"s\" direction=\"in\"/></method>"
-               "<property name=\"IsStatusNotifierHostRegistered\" type=\"b\" access=\"read\"/></interface>"_qs;
+               "<property name=\"IsStatusNotifierHostRegistered\" type=\"b\" access=\"read\"/></interface>"_s;
     }
     [[nodiscard]] std::vector<MenuItem> menuItems() const {
         const QDBusMessage layout = askMenu("GetLayout", {0, -1, QStringList()});
@@ -138,7 +139,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
     QDBusMessage askMenu(const char *method, const QVariantList &arguments) const {
         QDBusMessage question =
             QDBusMessage::createMethodCall(m_item, property("Menu").value<QDBusObjectPath>().path(),
-                                           u"com.canonical.dbusmenu"_qs, QString::fromLatin1(method));
+                                           u"com.canonical.dbusmenu"_s, QString::fromLatin1(method));
         question.setArguments(arguments);
         return m_bus.call(question);
     }

@@ -12,10 +12,13 @@
 #include <csignal>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 const auto menuAtFirst = u"✓ Suggestions Enabled | Compare Two Models | - | Settings… Control+, | Check "
-                         "for Updates… | - | Quit Quillory Control+Q"_qs;
+                         "for Updates… | - | Quit Quillory Control+Q"_s;
 
 /// Long enough for a machine that has much else to do.
 template <typename Condition> bool eventually(Condition condition) {
@@ -30,7 +33,7 @@ ChildProcess started() {
 
 QByteArray setting(const char *key) {
     QProcess reader;
-    reader.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_qs, u"read"_qs, QString::fromLatin1(key)});
+    reader.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_s, u"read"_s, QString::fromLatin1(key)});
     reader.waitForFinished();
     return reader.readAllStandardOutput().trimmed();
 }
@@ -52,18 +55,18 @@ TEST(Tray, MenuIsReadAndChosenFromByTheDesktop) {
     tray.vanish();
     tray.appear();
     ASSERT_TRUE(tray.hasItem());
-    EXPECT_EQ(tray.property("Title"), u"Quillory"_qs);
-    EXPECT_EQ(tray.property("Status"), u"Active"_qs);
+    EXPECT_EQ(tray.property("Title"), u"Quillory"_s);
+    EXPECT_EQ(tray.property("Status"), u"Active"_s);
     EXPECT_TRUE(eventually([&] { return tray.openedMenu() == menuAtFirst; })) << tray.openedMenu().toStdString();
-    tray.choose(u"Suggestions Enabled"_qs);
-    tray.choose(u"Compare Two Models"_qs);
+    tray.choose(u"Suggestions Enabled"_s);
+    tray.choose(u"Compare Two Models"_s);
     EXPECT_TRUE(eventually([] { return setting("enabled") == "false" && setting("compareMode") == "true"; }));
-    EXPECT_TRUE(tray.openedMenu().startsWith(u"Suggestions Enabled | ✓ Compare Two Models"_qs));
-    tray.choose(u"Settings…"_qs);
+    EXPECT_TRUE(tray.openedMenu().startsWith(u"Suggestions Enabled | ✓ Compare Two Models"_s));
+    tray.choose(u"Settings…"_s);
     EXPECT_TRUE(eventually(windowIsUp));
     RealDesktop::setAccessibilityEnabled(false);
-    EXPECT_TRUE(eventually([&] { return tray.openedMenu().contains(u"Grant Accessibility Access…"_qs); }));
-    tray.choose(u"Quit Quillory"_qs);
+    EXPECT_TRUE(eventually([&] { return tray.openedMenu().contains(u"Grant Accessibility Access…"_s); }));
+    tray.choose(u"Quit Quillory"_s);
     EXPECT_TRUE(eventually([&] { return !program.isRunning(); }));
     EXPECT_EQ(program.end(), 0);
 }
@@ -105,12 +108,12 @@ TEST(Settings, AreMadeByKeyboardAlone) {
     }
     keyboard::tap("alt+b");
     keyboard::tap("alt+y");
-    keyboard::type(u"A shop"_qs);
+    keyboard::type(u"A shop"_s);
     becomes("businessProfile", "A shop");
     keyboard::tap("alt+f");
-    keyboard::type(u"Open"_qs);
+    keyboard::type(u"Open"_s);
     keyboard::tap("Tab");
-    keyboard::type(u"9 to 5"_qs);
+    keyboard::type(u"9 to 5"_s);
     becomes("faqEntries", R"("question":"Open")");
     becomes("faqEntries", R"("answer":"9 to 5")");
     keyboard::tap("Escape");
@@ -123,7 +126,7 @@ TEST(OneInstance, IsAskedToComeForwardByTheNextStart) {
         qunsetenv(name); // neither is needed for it
     }
     const auto hasLaunched = [](int times) {
-        return eventually([&] { return Assistant::timesLogged(u"launched, "_qs) == times; });
+        return eventually([&] { return Assistant::timesLogged(u"launched, "_s) == times; });
     };
     ChildProcess first = started();
     ASSERT_TRUE(hasLaunched(1));

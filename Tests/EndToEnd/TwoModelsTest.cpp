@@ -4,23 +4,26 @@
 #include "EndToEnd/ReplyStory.h"
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString claude = u"anthropic/claude-haiku-4.5"_qs;
-const QString gemini = u"google/gemini-2.5-flash-lite"_qs;
+const QString claude = u"anthropic/claude-haiku-4.5"_s;
+const QString gemini = u"google/gemini-2.5-flash-lite"_s;
 
 /// A user who compares two models.
 class TwoModels : public ReplyStory {
   protected:
     TwoModels() {
-        m_settings[u"compareMode"_qs] = u"true"_qs;
-        m_settings[u"secondModel"_qs] = gemini;
+        m_settings[u"compareMode"_s] = u"true"_s;
+        m_settings[u"secondModel"_s] = gemini;
     }
 
     void willAnswer(Manner first, Manner second) {
-        m_model.willAnswer(u"nothing"_qs, Manner::answersAtOnce);
-        m_model.modelWillAnswer(claude, u"Hello from the first model"_qs, first);
-        m_model.modelWillAnswer(gemini, u"Hello from the second model"_qs, second);
+        m_model.willAnswer(u"nothing"_s, Manner::answersAtOnce);
+        m_model.modelWillAnswer(claude, u"Hello from the first model"_s, first);
+        m_model.modelWillAnswer(gemini, u"Hello from the second model"_s, second);
     }
 
     static bool sinceDraft(const char *text, int times = 1) {
@@ -30,7 +33,7 @@ class TwoModels : public ReplyStory {
     /// Only the second model has an answer.
     void expectTabGivesTheSecond() {
         keyboard::tap("Tab");
-        EXPECT_TRUE(boxHolds(u"Hello from the second model"_qs));
+        EXPECT_TRUE(boxHolds(u"Hello from the second model"_s));
         EXPECT_THAT(Assistant::choices().value(Assistant::choices().size() - 1).toStdString(),
                     testing::MatchesRegex("[0-9]+-[0-9]+-[0-9]+T[0-9]+:[0-9]+:[0-9]+Z," + gemini.toStdString() +
                                           ",[0-9]+[.][0-9][0-9]," + claude.toStdString() + "="));
@@ -51,7 +54,7 @@ TEST_P(TwoModels, RaceAndTheRecordTellsWhoWon) {
     ASSERT_TRUE(sinceDraft("Claude Haiku 4.5 failed: OpenRouter HTTP 429") &&
                 sinceDraft("Gemini 2.5 Flash Lite complete ("));
     AccessibleTree tree;
-    EXPECT_TRUE(waitUntil([&] { return tree.windowShows(m_assistant->pid(), u"Couldn't reach Claude Haiku 4.5"_qs); }));
+    EXPECT_TRUE(waitUntil([&] { return tree.windowShows(m_assistant->pid(), u"Couldn't reach Claude Haiku 4.5"_s); }));
     expectTabGivesTheSecond();
 
     willAnswer(Manner::refuses, Manner::refuses);

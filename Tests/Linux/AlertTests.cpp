@@ -13,6 +13,9 @@
 #include <gmock/gmock.h>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using platform::desktop::QtApplication;
@@ -35,7 +38,7 @@ class Alerts : public testing::Test {
             found += label->text();
         }
         for (const QPushButton *const button : open()->findChildren<QPushButton *>()) {
-            found += QString(button->text()).replace(u"&&"_qs, u"&"_qs) + (button->isDefault() ? u"*"_qs : QString());
+            found += QString(button->text()).replace(u"&&"_s, u"&"_s) + (button->isDefault() ? u"*"_s : QString());
         }
         return found;
     }
@@ -44,7 +47,7 @@ class Alerts : public testing::Test {
         ASSERT_TRUE(spinUntil([] { return open() != nullptr && open()->isActiveWindow(); }));
         run({"xdotool", "key", key});
     }
-    void ask(const QString &title, const QStringList &buttons = {}, const QString &body = u"Body"_qs) {
+    void ask(const QString &title, const QStringList &buttons = {}, const QString &body = u"Body"_s) {
         application.runAlert({title, body, buttons}, [this](int button) { answers.push_back(button); });
     }
 
@@ -53,19 +56,19 @@ class Alerts : public testing::Test {
 };
 
 TEST_F(Alerts, AreAnsweredByKeysOneAfterTheOther) {
-    const QStringList offer{u"Install & Relaunch"_qs, u"Later"_qs};
-    ask(u"First"_qs, offer);
-    ask(u"Second"_qs, offer);
-    ask(u"Third"_qs);
-    EXPECT_EQ(texts().first(), u"First"_qs);
-    EXPECT_THAT(texts().sliced(2), ElementsAre(u"Install & Relaunch*"_qs, u"Later"_qs));
+    const QStringList offer{u"Install & Relaunch"_s, u"Later"_s};
+    ask(u"First"_s, offer);
+    ask(u"Second"_s, offer);
+    ask(u"Third"_s);
+    EXPECT_EQ(texts().first(), u"First"_s);
+    EXPECT_THAT(texts().sliced(2), ElementsAre(u"Install & Relaunch*"_s, u"Later"_s));
     EXPECT_EQ(open()->windowModality(), Qt::ApplicationModal);
     press("Return");
     ASSERT_TRUE(spinUntil([&] { return answers.size() == 1; }));
-    EXPECT_EQ(texts().first(), u"Second"_qs);
+    EXPECT_EQ(texts().first(), u"Second"_s);
     press("Escape");
     ASSERT_TRUE(spinUntil([&] { return answers.size() == 2; }));
-    EXPECT_THAT(texts(), ElementsAre(u"Third"_qs, u"Body"_qs, u"OK*"_qs));
+    EXPECT_THAT(texts(), ElementsAre(u"Third"_s, u"Body"_s, u"OK*"_s));
     press("Escape");
     ASSERT_TRUE(spinUntil([&] { return answers.size() == 3; }));
     EXPECT_THAT(answers, ElementsAre(0, 1, 0));
@@ -73,8 +76,8 @@ TEST_F(Alerts, AreAnsweredByKeysOneAfterTheOther) {
 }
 
 TEST_F(Alerts, FitTheScreenAndShowTextAsItIs) {
-    const QString notes = u"<b>Faster</b> & better.\n"_qs.repeated(500);
-    ask(u"Title"_qs, {}, notes);
+    const QString notes = u"<b>Faster</b> & better.\n"_s.repeated(500);
+    ask(u"Title"_s, {}, notes);
     EXPECT_LT(open()->height(), 480);
     EXPECT_THAT(open()->findChildren<QScrollArea *>(), testing::SizeIs(1));
     EXPECT_EQ(texts().value(1), notes);
@@ -82,9 +85,9 @@ TEST_F(Alerts, FitTheScreenAndShowTextAsItIs) {
 
 TEST_F(Alerts, OfProgressCanBeCancelledOnce) {
     int cancelled = 0;
-    auto progress = application.showProgress(u"Updating Quillory"_qs, [&] { ++cancelled; });
-    progress->show(u"Downloading the update…"_qs, 0.5);
-    EXPECT_THAT(texts(), testing::Contains(u"Downloading the update…"_qs));
+    auto progress = application.showProgress(u"Updating Quillory"_s, [&] { ++cancelled; });
+    progress->show(u"Downloading the update…"_s, 0.5);
+    EXPECT_THAT(texts(), testing::Contains(u"Downloading the update…"_s));
     EXPECT_EQ(open()->findChild<QProgressBar *>()->value(), 50);
     press("Escape");
     ASSERT_TRUE(spinUntil([&] { return cancelled == 1; }));

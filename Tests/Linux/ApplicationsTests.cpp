@@ -19,6 +19,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 using platform::desktop::ApplicationCatalogue;
 using platform::desktop::DesktopEntries;
 using platform::desktop::LinuxProcess;
@@ -40,19 +42,19 @@ QString put(const QTemporaryDir &folder, const QString &name, const QByteArray &
 std::string copyOf(const char *program, const QTemporaryDir &folder, const QString &name) {
     const QString path = folder.filePath(name);
     QDir().mkpath(QFileInfo(path).path());
-    EXPECT_TRUE(QFile::copy(u"/usr/bin/"_qs + QLatin1StringView(program), path));
+    EXPECT_TRUE(QFile::copy(u"/usr/bin/"_s + QLatin1StringView(program), path));
     return path.toStdString();
 }
 
 QString identifier(LinuxWorkspace &workspace, pid_t pid) {
     const auto application = workspace.runningApplication(pid);
-    return application ? application->bundleIdentifier.value_or(u"(none)"_qs) : u"(not running)"_qs;
+    return application ? application->bundleIdentifier.value_or(u"(none)"_s) : u"(not running)"_s;
 }
 } // namespace
 
 TEST(Applications, UserLinesComeFirstAndBadOnesAreNamed) {
     const QTemporaryDir folder;
-    const QString file = put(folder, u"applications.conf"_qs,
+    const QString file = put(folder, u"applications.conf"_s,
                              "\xef\xbb\xbf# mine\r\n"
                              "firefox = net.whatsapp.mine\r\n"
                              "  my app.desktop=com.example.app  \n\n"
@@ -69,35 +71,35 @@ TEST(Applications, UserLinesComeFirstAndBadOnesAreNamed) {
     for (const char *number : {"line 5 ", "line 6 ", "line 7 ", "line 8 ", "line 9 "}) {
         EXPECT_TRUE(said.contains(file.toUtf8() + ", " + number)) << number << said.data();
     }
-    EXPECT_EQ(catalogue.bundleIdentifier({u"chromium"_qs, u"firefox"_qs}), u"net.whatsapp.mine"_qs);
-    EXPECT_EQ(catalogue.bundleIdentifier({u"my app"_qs}), u"com.example.app"_qs);
-    EXPECT_EQ(catalogue.bundleIdentifier({u"a=b"_qs}), u"c.d"_qs);
-    EXPECT_EQ(catalogue.bundleIdentifier({u"nothing"_qs, u"msedge"_qs}), u"com.microsoft.edgemac"_qs);
-    EXPECT_EQ(catalogue.bundleIdentifier({u"x"_qs}), std::nullopt);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"chromium"_s, u"firefox"_s}), u"net.whatsapp.mine"_s);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"my app"_s}), u"com.example.app"_s);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"a=b"_s}), u"c.d"_s);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"nothing"_s, u"msedge"_s}), u"com.microsoft.edgemac"_s);
+    EXPECT_EQ(catalogue.bundleIdentifier({u"x"_s}), std::nullopt);
     EXPECT_TRUE(platform::desktop::parseApplicationLines(platform::desktop::builtInApplications()).badLines.isEmpty());
 }
 
 TEST(Applications, ProcessesAreRecognised) {
     const QTemporaryDir folder;
-    put(folder, u"applications/firefox.desktop"_qs, "[Desktop Entry]\nType=Application\nName=Fire\n");
+    put(folder, u"applications/firefox.desktop"_s, "[Desktop Entry]\nType=Application\nName=Fire\n");
     LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()),
-                             DesktopEntries({folder.filePath(u"applications/"_qs)}));
+                             DesktopEntries({folder.filePath(u"applications/"_s)}));
 
-    ChildProcess browser({copyOf("sleep", folder, u"firefox"_qs), "1000"});
-    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, browser.pid()) == u"org.mozilla.firefox"_qs; }));
-    EXPECT_EQ(workspace.runningApplication(browser.pid())->localizedName, u"Fire"_qs);
-    QFile::remove(folder.filePath(u"firefox"_qs));
-    EXPECT_EQ(identifier(workspace, browser.pid()), u"org.mozilla.firefox"_qs) << "replaced by an update";
+    ChildProcess browser({copyOf("sleep", folder, u"firefox"_s), "1000"});
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, browser.pid()) == u"org.mozilla.firefox"_s; }));
+    EXPECT_EQ(workspace.runningApplication(browser.pid())->localizedName, u"Fire"_s);
+    QFile::remove(folder.filePath(u"firefox"_s));
+    EXPECT_EQ(identifier(workspace, browser.pid()), u"org.mozilla.firefox"_s) << "replaced by an update";
     browser.end();
-    EXPECT_EQ(identifier(workspace, browser.pid()), u"(not running)"_qs);
+    EXPECT_EQ(identifier(workspace, browser.pid()), u"(not running)"_s);
 
-    ChildProcess unknown({copyOf("sleep", folder, u"editor"_qs), "1000"});
-    EXPECT_TRUE(waitUntil([&] { return workspace.runningApplication(unknown.pid())->localizedName == u"editor"_qs; }));
-    EXPECT_EQ(identifier(workspace, unknown.pid()), u"(none)"_qs);
+    ChildProcess unknown({copyOf("sleep", folder, u"editor"_s), "1000"});
+    EXPECT_TRUE(waitUntil([&] { return workspace.runningApplication(unknown.pid())->localizedName == u"editor"_s; }));
+    EXPECT_EQ(identifier(workspace, unknown.pid()), u"(none)"_s);
 
-    const QString packed = put(folder, u"whatsdesk/resources/app.asar"_qs, "");
-    const ChildProcess wrapper({copyOf("tail", folder, u"electron22"_qs), "-f", packed.toStdString()});
-    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, wrapper.pid()) == u"net.whatsapp.whatsdesk"_qs; }));
+    const QString packed = put(folder, u"whatsdesk/resources/app.asar"_s, "");
+    const ChildProcess wrapper({copyOf("tail", folder, u"electron22"_s), "-f", packed.toStdString()});
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, wrapper.pid()) == u"net.whatsapp.whatsdesk"_s; }));
 
     for (const qint32 nobody : {0, -1, 0x7fffffff}) {
         EXPECT_FALSE(workspace.runningApplication(nobody)) << nobody;
@@ -112,7 +114,7 @@ TEST(Applications, SandboxesTellWhoIsInThem) {
         const bool mayChangeRoot = ::geteuid() == 0 || ::unshare(CLONE_NEWUSER) == 0;
         ::_exit(mayChangeRoot && ::chroot(root.path().toLocal8Bit().constData()) == 0 ? ::pause() : 1);
     }
-    const auto link = u"/proc/%1/root"_qs.arg(sandboxed);
+    const auto link = u"/proc/%1/root"_s.arg(sandboxed);
     if (!waitUntil([&] { return QFile::symLinkTarget(link) == QFileInfo(root.path()).canonicalFilePath(); }, 2000)) {
         GTEST_SKIP() << "this user may not change the root of a process";
     }
@@ -126,28 +128,28 @@ TEST(Applications, SandboxesTellWhoIsInThem) {
         {"com.brave.Browser", "com.brave.Browser"},     {"com.vivaldi.Vivaldi", "com.vivaldi.Vivaldi"},
         {"com.opera.Opera", "com.operasoftware.Opera"}, {"com.rtosta.zapzap", "net.whatsapp.zapzap"}};
     for (const auto &[name, identifier] : cases) {
-        put(root, u".flatpak-info"_qs, "[Application]\nname=" + QByteArray(name) + "\nruntime=runtime/a/b/c\n");
+        put(root, u".flatpak-info"_s, "[Application]\nname=" + QByteArray(name) + "\nruntime=runtime/a/b/c\n");
         EXPECT_EQ(identifierNow(), identifier);
     }
-    QFile::remove(root.filePath(u".flatpak-info"_qs));
-    ASSERT_EQ(::mkfifo(root.filePath(u".flatpak-info"_qs).toLocal8Bit().constData(), 0600), 0);
+    QFile::remove(root.filePath(u".flatpak-info"_s));
+    ASSERT_EQ(::mkfifo(root.filePath(u".flatpak-info"_s).toLocal8Bit().constData(), 0600), 0);
     EXPECT_EQ(identifierNow(), "(none)") << "a pipe must not be waited for";
 }
 
 TEST(Applications, AProcessThatChangesIsSeenAnew) {
     const QTemporaryDir folder;
     LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), DesktopEntries(QStringList()));
-    const std::string shell = copyOf("dash", folder, u"chromium"_qs);
-    const std::string viewer = copyOf("sleep", folder, u"WebKitWebProcess"_qs);
-    const std::string go = folder.filePath(u"go"_qs).toStdString();
-    const std::string next = copyOf("dash", folder, u"wasistlos"_qs);
-    const std::string child = folder.filePath(u"child"_qs).toStdString();
+    const std::string shell = copyOf("dash", folder, u"chromium"_s);
+    const std::string viewer = copyOf("sleep", folder, u"WebKitWebProcess"_s);
+    const std::string go = folder.filePath(u"go"_s).toStdString();
+    const std::string next = copyOf("dash", folder, u"wasistlos"_s);
+    const std::string child = folder.filePath(u"child"_s).toStdString();
     const std::string work = viewer + " 1000 & echo $! > " + child + "; while :; do sleep 1; done";
     const ChildProcess process(
         {shell, "-c", "until [ -e " + go + " ]; do sleep 0.02; done; exec " + next + " -c '" + work + "'"});
-    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, process.pid()) == u"org.chromium.Chromium"_qs; }));
-    put(folder, u"go"_qs, "");
-    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, process.pid()) == u"net.whatsapp.wasistlos"_qs; }));
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, process.pid()) == u"org.chromium.Chromium"_s; }));
+    put(folder, u"go"_s, "");
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, process.pid()) == u"net.whatsapp.wasistlos"_s; }));
 
     QFile childFile(QString::fromStdString(child));
     qint32 pid = 0;
@@ -156,7 +158,7 @@ TEST(Applications, AProcessThatChangesIsSeenAnew) {
         pid = childFile.open(QIODevice::ReadOnly) ? childFile.readAll().trimmed().toInt() : 0;
         return pid > 0;
     }));
-    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, pid) == u"net.whatsapp.wasistlos"_qs; }))
+    EXPECT_TRUE(waitUntil([&] { return identifier(workspace, pid) == u"net.whatsapp.wasistlos"_s; }))
         << "a page process counts as the program that it serves";
     ::kill(pid, SIGTERM);
 }
@@ -164,12 +166,12 @@ TEST(Applications, AProcessThatChangesIsSeenAnew) {
 TEST(Applications, DesktopEntriesAreReadInTheUsersLanguage) {
     const QByteArray text = "[Other]\nName=No\n[Desktop Entry]\nType=Application\nName = Web\nName[pt]=Rede\n"
                             "Name[pt_BR]=Teia\r\nNames=x\n[Desktop Action new]\nName=Other";
-    EXPECT_EQ(nameInDesktopEntry(text, u"pt_BR"_qs), u"Teia"_qs);
-    EXPECT_EQ(nameInDesktopEntry(text, u"pt_PT"_qs), u"Rede"_qs);
-    EXPECT_EQ(nameInDesktopEntry(text, u"C"_qs), u"Web"_qs);
-    EXPECT_EQ(nameInDesktopEntry("[Desktop Entry]\nType=Link\nName=x\n", u"C"_qs), std::nullopt);
-    EXPECT_EQ(nameInDesktopEntry("[Desktop Entry]\nType=Application\nName", u"C"_qs), std::nullopt);
-    EXPECT_EQ(nameInDesktopEntry(QByteArray(1000, '\0'), u"C"_qs), std::nullopt);
+    EXPECT_EQ(nameInDesktopEntry(text, u"pt_BR"_s), u"Teia"_s);
+    EXPECT_EQ(nameInDesktopEntry(text, u"pt_PT"_s), u"Rede"_s);
+    EXPECT_EQ(nameInDesktopEntry(text, u"C"_s), u"Web"_s);
+    EXPECT_EQ(nameInDesktopEntry("[Desktop Entry]\nType=Link\nName=x\n", u"C"_s), std::nullopt);
+    EXPECT_EQ(nameInDesktopEntry("[Desktop Entry]\nType=Application\nName", u"C"_s), std::nullopt);
+    EXPECT_EQ(nameInDesktopEntry(QByteArray(1000, '\0'), u"C"_s), std::nullopt);
 }
 
 TEST(Applications, ActivationBringsTheProcessToTheFront) {
@@ -194,41 +196,41 @@ TEST(Applications, AddressesOpenWithTheDesktopsProgram) {
     const QTemporaryDir folder;
     const QByteArray path = qgetenv("PATH");
     LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), DesktopEntries(QStringList()));
-    const QUrl address(u"https://example.org/a b?q=1&x=$(touch%20y)"_qs);
+    const QUrl address(u"https://example.org/a b?q=1&x=$(touch%20y)"_s);
     qputenv("PATH", folder.path().toUtf8());
     EXPECT_FALSE(workspace.open(address));
-    const QString opener = put(folder, u"xdg-open"_qs,
+    const QString opener = put(folder, u"xdg-open"_s,
                                "#!/bin/sh\nprintf %s \"$1\" > \"" + folder.path().toUtf8() + "/partial\"\n/bin/mv \"" +
                                    folder.path().toUtf8() + "/partial\" \"" + folder.path().toUtf8() + "/opened\"\n");
     QFile::setPermissions(opener, QFile::ReadOwner | QFile::ExeOwner);
     EXPECT_TRUE(workspace.open(address));
-    EXPECT_FALSE(workspace.open(QUrl(u"-x"_qs)));
+    EXPECT_FALSE(workspace.open(QUrl(u"-x"_s)));
     qputenv("PATH", path);
-    QFile opened(folder.filePath(u"opened"_qs));
+    QFile opened(folder.filePath(u"opened"_s));
     ASSERT_TRUE(waitUntil([&] { return opened.open(QIODevice::ReadOnly); }));
     EXPECT_EQ(opened.readAll(), address.toEncoded());
 }
 
 TEST(LinuxProcess, KnowsItsInformationAndMakesItsFolders) {
     const QTemporaryDir folder;
-    const QString home = folder.filePath(u"data/quillory"_qs);
-    const QString info = put(folder, u"Info.json"_qs, R"({"EmbeddedAPIKey": "k\u0000é", "number": 1, "none": null})");
+    const QString home = folder.filePath(u"data/quillory"_s);
+    const QString info = put(folder, u"Info.json"_s, R"({"EmbeddedAPIKey": "k\u0000é", "number": 1, "none": null})");
     qputenv("QUILLORY_TEST_EMPTY", "");
     const LinuxProcess process(info, home);
-    EXPECT_EQ(process.infoDictionaryString(u"EmbeddedAPIKey"_qs), u"k\0é"_qs);
-    EXPECT_EQ(process.infoDictionaryString(u"number"_qs), std::nullopt);
-    EXPECT_EQ(process.environment(u"QUILLORY_TEST_EMPTY"_qs), QString());
-    EXPECT_EQ(process.environment(u"QUILLORY_TEST_ABSENT"_qs), std::nullopt);
+    EXPECT_EQ(process.infoDictionaryString(u"EmbeddedAPIKey"_s), u"k\0é"_s);
+    EXPECT_EQ(process.infoDictionaryString(u"number"_s), std::nullopt);
+    EXPECT_EQ(process.environment(u"QUILLORY_TEST_EMPTY"_s), QString());
+    EXPECT_EQ(process.environment(u"QUILLORY_TEST_ABSENT"_s), std::nullopt);
     EXPECT_EQ(process.homeDirectory(), home);
-    for (const QString &made : {u"/Library/Logs"_qs, u"/Library/Application Support"_qs}) {
+    for (const QString &made : {u"/Library/Logs"_s, u"/Library/Application Support"_s}) {
         EXPECT_EQ(QFile::permissions(home + made) & QFile::Permissions(0x77), QFile::Permissions())
             << made.toStdString();
     }
     for (const QByteArray &broken : {QByteArray(), QByteArray("{\"EmbeddedAPIKey\""), QByteArray("[]")}) {
-        const LinuxProcess other(put(folder, u"Info.json"_qs, broken), home);
-        EXPECT_EQ(other.infoDictionaryString(u"EmbeddedAPIKey"_qs), std::nullopt);
+        const LinuxProcess other(put(folder, u"Info.json"_s, broken), home);
+        EXPECT_EQ(other.infoDictionaryString(u"EmbeddedAPIKey"_s), std::nullopt);
     }
-    EXPECT_EQ(LinuxProcess(folder.path(), home).infoDictionaryString(u"EmbeddedAPIKey"_qs), std::nullopt);
+    EXPECT_EQ(LinuxProcess(folder.path(), home).infoDictionaryString(u"EmbeddedAPIKey"_s), std::nullopt);
 }
 
 } // namespace quillory::test

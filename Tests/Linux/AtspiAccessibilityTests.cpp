@@ -12,6 +12,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace quillory::test;
@@ -37,7 +39,7 @@ struct DesktopAccessibility : testing::Test {
     }
     QString describeFocus() {
         const auto element = focused();
-        const auto text = [&](QLatin1StringView name) { return read<QString>(element, name).value_or(u"-"_qs); };
+        const auto text = [&](QLatin1StringView name) { return read<QString>(element, name).value_or(u"-"_s); };
         return text(axAttribute::role) + u'|' + text(axAttribute::value) + u'|' + text(axAttribute::placeholderValue);
     }
 };
@@ -62,7 +64,7 @@ TEST_F(DesktopAccessibility, GivesEveryKindOfFieldInChromiumItsRoleAndText) {
         {"<button>Send</button>", "AXButton|-|-"},
     };
     QTemporaryDir folder;
-    QFile page(folder.filePath(u"page.html"_qs));
+    QFile page(folder.filePath(u"page.html"_s));
     ASSERT_TRUE(page.open(QIODevice::WriteOnly));
     page.write("<!doctype html><meta charset=utf-8><title>Chat</title>");
     for (const auto &field : fields) {
@@ -73,7 +75,7 @@ TEST_F(DesktopAccessibility, GivesEveryKindOfFieldInChromiumItsRoleAndText) {
     const ChildProcess browser({"chromium", "--no-sandbox", "--password-store=basic", "--test-type",
                                 "--force-renderer-accessibility", "--disable-gpu", "--no-first-run",
                                 "--disable-background-networking", "--disable-component-update", "--disable-sync",
-                                "--user-data-dir=" + folder.filePath(u"profile"_qs).toStdString(),
+                                "--user-data-dir=" + folder.filePath(u"profile"_s).toStdString(),
                                 "--app=file://" + page.fileName().toStdString()},
                                Output::dropped);
     for (const auto &field : fields) {
@@ -84,7 +86,7 @@ TEST_F(DesktopAccessibility, GivesEveryKindOfFieldInChromiumItsRoleAndText) {
     }
     EXPECT_EQ(focused()->pid(), browser.pid());
     const auto window = read<AXUIElement>(accessibility.createApplication(browser.pid()), axAttribute::focusedWindow);
-    EXPECT_EQ(read<QString>(window, axAttribute::title), u"Chat"_qs);
+    EXPECT_EQ(read<QString>(window, axAttribute::title), u"Chat"_s);
 }
 
 TEST_F(DesktopAccessibility, WritesIntoAQtProgram) {
@@ -94,7 +96,7 @@ TEST_F(DesktopAccessibility, WritesIntoAQtProgram) {
     const auto box = *focused();
     EXPECT_EQ(box.pid(), chat.pid());
     EXPECT_TRUE(box.isAttributeSettable(axAttribute::value));
-    const auto text = u"Gr\u00FC\u00DFe \U0001F600\n\u0645\u0631\u062D\u0628\u0627"_qs;
+    const auto text = u"Gr\u00FC\u00DFe \U0001F600\n\u0645\u0631\u062D\u0628\u0627"_s;
     ASSERT_TRUE(box.setAttributeValue(axAttribute::value, text));
     EXPECT_EQ(read<QString>(box, axAttribute::value), text);
     EXPECT_EQ(read<double>(box, axAttribute::numberOfCharacters), text.size());

@@ -19,6 +19,9 @@ using namespace platform;
 using namespace platform::desktop;
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Items = PasteboardItems;
@@ -47,7 +50,7 @@ class X11Clipboard : public testing::Test {
     }
     /// What another program reads, for one type. It runs meanwhile, as does this one.
     QByteArray readByOther(const std::string &type) {
-        const QString path = folder.filePath(u"read"_qs);
+        const QString path = folder.filePath(u"read"_s);
         ChildProcess other(
             {"sh", "-c", "xclip -o -selection clipboard -t '" + type + "' > '" + path.toStdString() + "' 2>/dev/null"});
         EXPECT_TRUE(spinUntil([&] { return !other.isRunning(); }));
@@ -56,7 +59,7 @@ class X11Clipboard : public testing::Test {
     }
     /// Another program that owns the clipboard, and its process, to be stopped or ended.
     ChildProcess ownByOther(const std::string &type, const QByteArray &data) {
-        const QString path = folder.filePath(u"owned"_qs);
+        const QString path = folder.filePath(u"owned"_s);
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(data);
@@ -87,7 +90,7 @@ class X11Clipboard : public testing::Test {
 };
 
 TEST_F(X11Clipboard, ServesAStringInEveryFormAndAsASecret) {
-    const QString text = u"Hi \u00e9 \u0645\u0631\u062d\u0628\u0627 \U0001F600\nbye"_qs;
+    const QString text = u"Hi \u00e9 \u0645\u0631\u062d\u0628\u0627 \U0001F600\nbye"_s;
     pasteboard->clearContents();
     pasteboard->setString(text);
     for (const char *type : {"UTF8_STRING", "text/plain", "text/plain;charset=utf-8", "TEXT"}) {
@@ -104,10 +107,10 @@ TEST_F(X11Clipboard, ServesAStringInEveryFormAndAsASecret) {
 
 TEST_F(X11Clipboard, GivesBackWhatTheUserHadWithAllTypesAndLargeContent) {
     const QByteArray picture = pattern(20LL * 1024 * 1024 + 3);
-    const Items given{{{{u"text/html"_qs, "<b>x</b>"},
-                        {u"image/png"_qs, picture},
-                        {u"application/x-empty"_qs, ""},
-                        {u"UTF8_STRING"_qs, "x"}}}};
+    const Items given{{{{u"text/html"_s, "<b>x</b>"},
+                        {u"image/png"_s, picture},
+                        {u"application/x-empty"_s, ""},
+                        {u"UTF8_STRING"_s, "x"}}}};
     // Another instance of the layer, on a connection of its own, is the other program: large content in portions,
     // several types at once.
     const auto otherConnection = X11Connection::open();
@@ -117,7 +120,7 @@ TEST_F(X11Clipboard, GivesBackWhatTheUserHadWithAllTypesAndLargeContent) {
     const Items saved = copy().value_or(Items{});
     EXPECT_TRUE(saved == given); // not EXPECT_EQ, which would print it
     pasteboard->clearContents();
-    pasteboard->setString(u"suggestion"_qs);
+    pasteboard->setString(u"suggestion"_s);
     pasteboard->clearContents();
     pasteboard->writeObjects(saved);
     EXPECT_EQ(readByOther("text/html"), "<b>x</b>");
@@ -139,16 +142,16 @@ TEST_F(X11Clipboard, ReadsWhatOtherProgramsOwnAndTellsWhenItChanges) {
     EXPECT_EQ(copy(), Items{});
     const QByteArray picture = pattern(3LL * 1024 * 1024);
     ChildProcess first = ownByOther("image/png", picture);
-    const Items expected{{{{u"image/png"_qs, picture}}}};
+    const Items expected{{{{u"image/png"_s, picture}}}};
     EXPECT_TRUE(copy() == expected);
     pasteboard->clearContents();
-    pasteboard->setString(u"suggestion"_qs);
+    pasteboard->setString(u"suggestion"_s);
     const qint64 ours = pasteboard->changeCount();
     EXPECT_EQ(readByOther("UTF8_STRING"), "suggestion");
     EXPECT_EQ(pasteboard->changeCount(), ours); // reading is no change
     ChildProcess second = ownByOther("UTF8_STRING", "copied meanwhile");
     EXPECT_NE(pasteboard->changeCount(), ours);
-    EXPECT_EQ(copy(), (Items{{{{u"UTF8_STRING"_qs, "copied meanwhile"}}}}));
+    EXPECT_EQ(copy(), (Items{{{{u"UTF8_STRING"_s, "copied meanwhile"}}}}));
     EXPECT_EQ(pasteboard->changeCount(), pasteboard->changeCount());
 }
 
@@ -199,21 +202,21 @@ TEST_F(X11Clipboard, KeepsTheTypesThatCameWhenOneNeverDoes) {
     xcb_set_selection_owner(other.get(), owner.window(), other.atom("CLIPBOARD"), XCB_CURRENT_TIME);
     other.sync();
     const unsigned int before = xcb_no_operation(connection->get()).sequence;
-    EXPECT_EQ(copy(), (Items{{{{u"text/good"_qs, "fine"}}}}));
+    EXPECT_EQ(copy(), (Items{{{{u"text/good"_s, "fine"}}}}));
     EXPECT_LT(xcb_no_operation(connection->get()).sequence - before, 1000U) << "requests, which take the main thread";
 }
 
 TEST_F(X11Clipboard, WorksWithTheToolkitsOwnClipboard) {
-    pasteboard->setString(u"to Qt"_qs);
+    pasteboard->setString(u"to Qt"_s);
     // Qt waits for the answer in its own loop, so it is asked from another process.
     EXPECT_EQ(readByOther("UTF8_STRING"), "to Qt");
     const qint64 ours = pasteboard->changeCount();
-    QGuiApplication::clipboard()->setText(u"from Qt"_qs);
+    QGuiApplication::clipboard()->setText(u"from Qt"_s);
     EXPECT_TRUE(spinUntil([&] { return pasteboard->changeCount() != ours; }));
     const Items items = copy().value_or(Items{});
     ASSERT_EQ(items.size(), 1U);
     EXPECT_THAT(items.front().representations,
-                testing::Contains(testing::Pair(u"UTF8_STRING"_qs, QByteArray("from Qt"))));
+                testing::Contains(testing::Pair(u"UTF8_STRING"_s, QByteArray("from Qt"))));
 }
 
 TEST_F(X11Clipboard, HandsTheUsersContentToAClipboardManagerAtTheEnd) {
@@ -231,11 +234,11 @@ TEST_F(X11Clipboard, HandsTheUsersContentToAClipboardManagerAtTheEnd) {
         });
         return !asked.empty();
     };
-    PasteboardItem content{{{u"UTF8_STRING"_qs, "the user's"}}};
+    PasteboardItem content{{{u"UTF8_STRING"_s, "the user's"}}};
     EXPECT_TRUE(isAskedToSave([&] { pasteboard->writeObjects({content}); }));
-    content.representations.emplace_back(u"x-kde-passwordManagerHint"_qs, "secret");
+    content.representations.emplace_back(u"x-kde-passwordManagerHint"_s, "secret");
     EXPECT_FALSE(isAskedToSave([&] { pasteboard->writeObjects({content}); }));
-    EXPECT_FALSE(isAskedToSave([&] { pasteboard->setString(u"a suggestion"_qs); }));
+    EXPECT_FALSE(isAskedToSave([&] { pasteboard->setString(u"a suggestion"_s); }));
 }
 
 TEST(X11ConnectionTest, MasksOfOneWindowDoNotUndoEachOther) {
@@ -267,7 +270,7 @@ TEST(X11ConnectionTest, EndsTheProgramWhenTheServerGoesAway) {
     EXPECT_TRUE(connection->isBroken());
     EXPECT_EQ(connection->serverTime(), 0U);
     X11Pasteboard pasteboard(*connection);
-    pasteboard.setString(u"nowhere"_qs);
+    pasteboard.setString(u"nowhere"_s);
     EXPECT_FALSE(X11Keyboard(*connection).keysDown().any());
 }
 

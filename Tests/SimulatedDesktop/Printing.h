@@ -8,6 +8,8 @@
 
 #include <ostream>
 
+using namespace Qt::StringLiterals;
+
 // How failed expectations show what they compared. GoogleTest looks for these beside the types.
 
 inline void PrintTo(const QString &text, std::ostream *out) {
@@ -16,7 +18,7 @@ inline void PrintTo(const QString &text, std::ostream *out) {
 
 namespace quillory {
 inline void PrintTo(const SuggestionCardData &card, std::ostream *out) {
-    *out << card.label.toStdString() << ": " << card.text.value_or(u"(waiting)"_qs).toStdString()
+    *out << card.label.toStdString() << ": " << card.text.value_or(u"(waiting)"_s).toStdString()
          << (card.isComplete ? ", complete " : "") << card.elapsedText.value_or(QString()).toStdString()
          << (card.failed ? ", failed" : "");
 }

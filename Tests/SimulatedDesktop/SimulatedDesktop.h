@@ -15,6 +15,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 /// A whole desktop in memory. Making one installs it as the desktop that the program runs on; whatever uses it goes
 /// before it. Its user acts through its members.
 class SimulatedDesktop final : private platform::KeyPoster {
@@ -52,7 +54,7 @@ class SimulatedDesktop final : private platform::KeyPoster {
     // Whatever has the focus takes the keys, wherever the program meant them to go.
     bool postKey(platform::KeyCode key, platform::EventFlags flags) override {
         const bool pastes = key == platform::keyCode::v;
-        typed += (flags == platform::eventFlag::command ? u"Command-"_qs : u"?-"_qs) + (pastes ? u'V' : u'A');
+        typed += (flags == platform::eventFlag::command ? u"Command-"_s : u"?-"_s) + (pastes ? u'V' : u'A');
         if (const Node field = applications.focused; pastes && field) {
             mainQueue.postAfter(pasteDelay, [this, field, replaces = m_allSelected] {
                 const QString pasted = pasteboard.fetch();

@@ -8,6 +8,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 /// A keyboard whose Tab and Esc can be tapped. Holds one tap at a time; must outlive it.
 class SimulatedEventTaps final : public platform::EventTaps {
   public:
@@ -73,7 +75,7 @@ class SimulatedPasteboard final : public platform::Pasteboard {
         items = std::move(content);
         ++m_changeCount;
     }
-    void copy(const QString &text) { copy({{{{u"text/plain"_qs, text.toUtf8()}}}}); }
+    void copy(const QString &text) { copy({{{{u"text/plain"_s, text.toUtf8()}}}}); }
 
     void copyItems(std::function<void(std::optional<platform::PasteboardItems>)> done) override {
         m_queue.postAfter(std::chrono::milliseconds(5),

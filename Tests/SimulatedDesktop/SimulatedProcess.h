@@ -11,13 +11,15 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 /// A process with a throwaway home folder, in which the folders that the program expects are made. Set its variables
 /// and information before other threads ask.
 class SimulatedProcess final : public platform::Process {
   public:
     SimulatedProcess() {
-        QDir(m_home.path()).mkpath(u"Library/Logs"_qs);
-        QDir(m_home.path()).mkpath(u"Library/Application Support"_qs);
+        QDir(m_home.path()).mkpath(u"Library/Logs"_s);
+        QDir(m_home.path()).mkpath(u"Library/Application Support"_s);
     }
     [[nodiscard]] std::optional<QString> infoDictionaryString(const QString &key) const override {
         return found(information, key);
@@ -31,7 +33,7 @@ class SimulatedProcess final : public platform::Process {
     std::map<QString, QString> information;
     std::map<QString, QString> variables;
     qint32 ownPid = 4711;
-    [[nodiscard]] QString logPath() const { return m_home.filePath(u"Library/Logs/Quillory.log"_qs); }
+    [[nodiscard]] QString logPath() const { return m_home.filePath(u"Library/Logs/Quillory.log"_s); }
     /// The lines of the log so far, without their times.
     [[nodiscard]] QStringList logMessages() const {
         QFile file(logPath());

@@ -15,6 +15,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 /// One request of the program and a test's hold on its answer: nothing is answered until the test says so. Every
 /// operation may be called from any thread; the awaiting ones give up after ten seconds.
 class SimulatedExchange {
@@ -42,8 +44,8 @@ class SimulatedExchange {
     }
     /// Sends the next piece of a streamed answer, as the model service would.
     void piece(const QString &content) {
-        const QJsonObject choice{{u"delta"_qs, QJsonObject{{u"content"_qs, content}}}};
-        const QJsonDocument event(QJsonObject{{u"choices"_qs, QJsonArray{choice}}});
+        const QJsonObject choice{{u"delta"_s, QJsonObject{{u"content"_s, content}}}};
+        const QJsonDocument event(QJsonObject{{u"choices"_s, QJsonArray{choice}}});
         line("data: " + event.toJson(QJsonDocument::Compact));
     }
     /// Ends the body.
@@ -158,7 +160,7 @@ class SimulatedURLSession final : public platform::URLSession {
   public:
     ~SimulatedURLSession() override {
         for (const auto &exchange : m_exchanges) {
-            exchange->fail(u"The test is over."_qs);
+            exchange->fail(u"The test is over."_s);
         }
     }
 

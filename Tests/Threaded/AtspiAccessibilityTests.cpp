@@ -9,6 +9,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace quillory::test;
@@ -23,9 +25,9 @@ TEST_F(AtspiAccessibility, AnswersATickFromOneRoundTrip) {
     EXPECT_EQ(focused()->pid(), getpid());
     EXPECT_EQ(read<QString>(focused(), axAttribute::role), axRole::textArea);
     EXPECT_EQ(read<double>(focused(), axAttribute::numberOfCharacters), 4);
-    EXPECT_EQ(read<QString>(focused(), axAttribute::placeholderValue), u"Type here"_qs);
+    EXPECT_EQ(read<QString>(focused(), axAttribute::placeholderValue), u"Type here"_s);
     EXPECT_EQ(read<Point>(focused(), axAttribute::position), (Point{10, 20}));
-    EXPECT_EQ(read<QString>(read<AXUIElement>(focused(), axAttribute::window), axAttribute::title), u"Chat"_qs);
+    EXPECT_EQ(read<QString>(read<AXUIElement>(focused(), axAttribute::window), axAttribute::title), u"Chat"_s);
     const auto before = accessibility->traffic();
     constexpr int ticks = 10;
     for (int i = 0; i < ticks; ++i) {
@@ -44,7 +46,7 @@ TEST_F(AtspiAccessibility, WritesAndReadsBackAfresh) {
     ASSERT_TRUE(waitForValue("helo"));
     const auto element = *focused();
     EXPECT_TRUE(element.isAttributeSettable(axAttribute::value));
-    const auto text = u"\U0001F600\U0001F44D ok"_qs;
+    const auto text = u"\U0001F600\U0001F44D ok"_s;
     EXPECT_TRUE(element.setAttributeValue(axAttribute::value, text));
     EXPECT_EQ(read<QString>(element, axAttribute::value), text);
     EXPECT_TRUE(element.setAttributeValue(axAttribute::selectedTextRange, AXRange{text.size(), 0}));
@@ -139,12 +141,12 @@ TEST_F(AtspiAccessibility, FindsTheFocusBesideAnApplicationThatHangs) {
     bus.addHungApplication();
     bus.focus(field, false);
     start();
-    EXPECT_TRUE(waitUntil([&] { return focusedValue() == u"helo"_qs; }, 4'000));
+    EXPECT_TRUE(waitUntil([&] { return focusedValue() == u"helo"_s; }, 4'000));
 }
 
 TEST_F(AtspiAccessibility, QuitsAtOnceWhateverHangs) {
     const QTemporaryDir folder;
-    const std::string path = folder.filePath(u"bus"_qs).toStdString();
+    const std::string path = folder.filePath(u"bus"_s).toStdString();
     const int mute = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_un name{.sun_family = AF_UNIX, .sun_path = {}};
     path.copy(name.sun_path, sizeof name.sun_path - 1);

@@ -41,6 +41,9 @@ extern "C" int getaddrinfo(const char *name, const char *service, const addrinfo
 }
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Lines = std::vector<QByteArray>;
@@ -238,7 +241,7 @@ TEST(CurlURLSession, RefusesRequestsThatCannotBeSent) {
     for (const char *address : {"file:///etc/passwd", "ftp://127.0.0.1/", "", "https:///path", "127.0.0.1"}) {
         EXPECT_THAT(failureOf(session, requestTo(QUrl(QString::fromUtf8(address)))), HasSubstr("not a web address"));
     }
-    URLRequest request = requestTo(QUrl(u"http://127.0.0.1:1/"_qs));
+    URLRequest request = requestTo(QUrl(u"http://127.0.0.1:1/"_s));
     EXPECT_EQ(failureOf(session, request), "Could not connect to the server.");
     request.headers = {{"Authorization", "Bearer k\r\nX-Other: 1"}};
     EXPECT_EQ(failureOf(session, request), "A header of the request holds a line break.");
@@ -344,13 +347,12 @@ TEST(CurlURLSession, CancelsAtOnceAndClosesTheConnection) {
     CurlURLSession session;
     std::stop_source stopped;
     stopped.request_stop();
-    EXPECT_THROW((void)session.data(requestTo(QUrl(u"http://127.0.0.1:1/"_qs)), stopped.get_token()),
-                 CancellationError);
+    EXPECT_THROW((void)session.data(requestTo(QUrl(u"http://127.0.0.1:1/"_s)), stopped.get_token()), CancellationError);
 }
 
 TEST(CurlURLSession, LetsNobodyWaitForAHangingNameLookup) {
     LoopbackServer server(saying(answerWith("200 OK", "here")));
-    const QUrl slow(u"http://slow.invalid/"_qs);
+    const QUrl slow(u"http://slow.invalid/"_s);
     {
         CurlURLSession session;
         EXPECT_TRUE(isCancelled(session, slow, [&] { slowNameAsked.wait(false); }));

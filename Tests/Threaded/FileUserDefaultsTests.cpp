@@ -18,6 +18,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 using platform::desktop::FileUserDefaults;
 using platform::desktop::Saving;
 using testing::internal::CaptureStderr;
@@ -31,7 +33,7 @@ QByteArray capturedStderr() {
 
 class FileUserDefaultsTest : public testing::Test {
   protected:
-    [[nodiscard]] QByteArray onDisk(const QString &name = u"settings.json"_qs) const {
+    [[nodiscard]] QByteArray onDisk(const QString &name = u"settings.json"_s) const {
         QFile file(folder + u'/' + name);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
@@ -40,11 +42,11 @@ class FileUserDefaultsTest : public testing::Test {
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
     }
-    [[nodiscard]] QStringList keptAside() const { return QDir(folder).entryList({u"settings.json.broken-*"_qs}); }
+    [[nodiscard]] QStringList keptAside() const { return QDir(folder).entryList({u"settings.json.broken-*"_s}); }
 
     QTemporaryDir root;
-    const QString folder = root.filePath(u"config/quillory"_qs);
-    const QString path = folder + u"/settings.json"_qs;
+    const QString folder = root.filePath(u"config/quillory"_s);
+    const QString path = folder + u"/settings.json"_s;
 };
 
 /// Runs work in a process of its own, which ends with it or is killed, and is waited for.
@@ -75,22 +77,22 @@ TEST_F(FileUserDefaultsTest, ValuesOutliveTheProgramWithTheirTypes) {
     const QByteArray binary("\0\xff{}", 4);
     {
         FileUserDefaults store(folder);
-        EXPECT_TRUE(store.set(u"text"_qs, u"a\0\"é😀\n"_qs));
-        EXPECT_TRUE(store.set(u"yes"_qs, true));
-        EXPECT_TRUE(store.set(u"number"_qs, std::numeric_limits<qint64>::min()));
-        EXPECT_TRUE(store.set(u"data"_qs, binary));
-        EXPECT_TRUE(store.set(u"gone"_qs, true));
-        EXPECT_TRUE(store.remove(u"gone"_qs));
+        EXPECT_TRUE(store.set(u"text"_s, u"a\0\"é😀\n"_s));
+        EXPECT_TRUE(store.set(u"yes"_s, true));
+        EXPECT_TRUE(store.set(u"number"_s, std::numeric_limits<qint64>::min()));
+        EXPECT_TRUE(store.set(u"data"_s, binary));
+        EXPECT_TRUE(store.set(u"gone"_s, true));
+        EXPECT_TRUE(store.remove(u"gone"_s));
     }
     FileUserDefaults store(folder);
-    store.registerDefaults({{u"number"_qs, qint64{7}}, {u"yes"_qs, qint64{7}}, {u"gone"_qs, qint64{7}}});
-    EXPECT_EQ(store.string(u"text"_qs), u"a\0\"é😀\n"_qs);
-    EXPECT_TRUE(store.boolean(u"yes"_qs));
-    EXPECT_EQ(store.integer(u"number"_qs), std::numeric_limits<qint64>::min());
-    EXPECT_EQ(store.data(u"data"_qs), binary);
-    EXPECT_EQ(store.integer(u"yes"_qs), 7) << "a value of another type is none";
-    EXPECT_EQ(store.integer(u"gone"_qs), 7);
-    EXPECT_EQ(store.data(u"text"_qs), std::nullopt);
+    store.registerDefaults({{u"number"_s, qint64{7}}, {u"yes"_s, qint64{7}}, {u"gone"_s, qint64{7}}});
+    EXPECT_EQ(store.string(u"text"_s), u"a\0\"é😀\n"_s);
+    EXPECT_TRUE(store.boolean(u"yes"_s));
+    EXPECT_EQ(store.integer(u"number"_s), std::numeric_limits<qint64>::min());
+    EXPECT_EQ(store.data(u"data"_s), binary);
+    EXPECT_EQ(store.integer(u"yes"_s), 7) << "a value of another type is none";
+    EXPECT_EQ(store.integer(u"gone"_s), 7);
+    EXPECT_EQ(store.data(u"text"_s), std::nullopt);
     EXPECT_EQ(QFile::permissions(path) & others, QFile::Permissions());
     EXPECT_EQ(QFile::permissions(folder) & others, QFile::Permissions());
 }
@@ -99,13 +101,13 @@ TEST_F(FileUserDefaultsTest, ReadsWhatAHandWroteAndKeepsWhatItDoesNotKnow) {
     putOnDisk(R"({"tone": 5, "debounceMs": "x", "big": 18446744073709551615, "half": 1.5, "none": null, "list": [1],
                   "data": {"data": "not base64!"}, "minChars": 3})");
     FileUserDefaults store(folder);
-    store.registerDefaults({{u"tone"_qs, u"Professional"_qs}});
-    EXPECT_EQ(store.string(u"tone"_qs), u"Professional"_qs);
-    EXPECT_EQ(store.integer(u"debounceMs"_qs) + store.integer(u"big"_qs) + store.integer(u"half"_qs), 0);
-    EXPECT_EQ(store.data(u"data"_qs), std::nullopt);
-    EXPECT_EQ(store.integer(u"minChars"_qs), 3);
-    EXPECT_TRUE(store.set(u"tone"_qs, u"Concise"_qs));
-    EXPECT_TRUE(store.set(u"list"_qs, QByteArray("[]")));
+    store.registerDefaults({{u"tone"_s, u"Professional"_s}});
+    EXPECT_EQ(store.string(u"tone"_s), u"Professional"_s);
+    EXPECT_EQ(store.integer(u"debounceMs"_s) + store.integer(u"big"_s) + store.integer(u"half"_s), 0);
+    EXPECT_EQ(store.data(u"data"_s), std::nullopt);
+    EXPECT_EQ(store.integer(u"minChars"_s), 3);
+    EXPECT_TRUE(store.set(u"tone"_s, u"Concise"_s));
+    EXPECT_TRUE(store.set(u"list"_s, QByteArray("[]")));
     for (const char *kept : {"18446744073709551615", "not base64!", "\"tone.replaced\": 5", "\"list.replaced\": ["}) {
         EXPECT_TRUE(onDisk().contains(kept)) << kept << " in " << onDisk().data();
     }
@@ -127,14 +129,14 @@ TEST_F(FileUserDefaultsTest, ABrokenFileIsKeptAndTheDefaultsHold) {
         putOnDisk(broken);
         CaptureStderr();
         FileUserDefaults store(folder);
-        store.registerDefaults({{u"tone"_qs, u"Professional"_qs}});
-        EXPECT_EQ(store.string(u"tone"_qs), u"Professional"_qs);
+        store.registerDefaults({{u"tone"_s, u"Professional"_s}});
+        EXPECT_EQ(store.string(u"tone"_s), u"Professional"_s);
         const QByteArray said = capturedStderr();
         ASSERT_EQ(keptAside().size(), 1) << broken.left(20).data();
         EXPECT_EQ(onDisk(keptAside().first()), broken);
         EXPECT_EQ(said.count('\n'), 1) << said.data();
         EXPECT_TRUE(said.contains(path.toUtf8()) && said.contains(keptAside().first().toUtf8())) << said.data();
-        EXPECT_TRUE(store.set(u"tone"_qs, u"Concise"_qs));
+        EXPECT_TRUE(store.set(u"tone"_s, u"Concise"_s));
         EXPECT_TRUE(onDisk().contains("Concise"));
         QDir(folder).removeRecursively();
     }
@@ -143,22 +145,22 @@ TEST_F(FileUserDefaultsTest, ABrokenFileIsKeptAndTheDefaultsHold) {
 TEST_F(FileUserDefaultsTest, SeesWhatOthersWrite) {
     FileUserDefaults store(folder);
     FileUserDefaults other(folder);
-    EXPECT_TRUE(other.set(u"tone"_qs, u"Concise"_qs));
-    EXPECT_EQ(store.string(u"tone"_qs), u"Concise"_qs);
-    EXPECT_TRUE(store.set(u"minChars"_qs, qint64{3}));
-    EXPECT_EQ(other.integer(u"minChars"_qs), 3);
-    EXPECT_TRUE(other.remove(u"tone"_qs));
-    EXPECT_EQ(store.string(u"tone"_qs), std::nullopt);
+    EXPECT_TRUE(other.set(u"tone"_s, u"Concise"_s));
+    EXPECT_EQ(store.string(u"tone"_s), u"Concise"_s);
+    EXPECT_TRUE(store.set(u"minChars"_s, qint64{3}));
+    EXPECT_EQ(other.integer(u"minChars"_s), 3);
+    EXPECT_TRUE(other.remove(u"tone"_s));
+    EXPECT_EQ(store.string(u"tone"_s), std::nullopt);
 
     putOnDisk(R"({"minChars": 4})");
-    EXPECT_EQ(store.integer(u"minChars"_qs), 4);
+    EXPECT_EQ(store.integer(u"minChars"_s), 4);
     putOnDisk(R"({"minChars": 5, )"); // an editor in the middle of it
-    EXPECT_EQ(store.integer(u"minChars"_qs), 4);
-    EXPECT_FALSE(store.set(u"tone"_qs, u"Friendly"_qs));
+    EXPECT_EQ(store.integer(u"minChars"_s), 4);
+    EXPECT_FALSE(store.set(u"tone"_s, u"Friendly"_s));
     putOnDisk(R"({"minChars": 6, "maxChars": 7})");
-    EXPECT_EQ(store.integer(u"minChars"_qs), 6);
-    EXPECT_TRUE(store.set(u"minChars"_qs, qint64{8}));
-    EXPECT_EQ(other.string(u"tone"_qs), u"Friendly"_qs);
+    EXPECT_EQ(store.integer(u"minChars"_s), 6);
+    EXPECT_TRUE(store.set(u"minChars"_s, qint64{8}));
+    EXPECT_EQ(other.string(u"tone"_s), u"Friendly"_s);
     EXPECT_TRUE(keptAside().isEmpty());
 }
 
@@ -168,16 +170,16 @@ TEST_F(FileUserDefaultsTest, WritersDoNotUndoEachOther) {
             FileUserDefaults own(folder);
             writeMany(own, name);
         };
-        ForkedWriter first([&] { write(u"first"_qs); });
-        ForkedWriter second([&] { write(u"second"_qs); });
+        ForkedWriter first([&] { write(u"first"_s); });
+        ForkedWriter second([&] { write(u"second"_s); });
     }
     FileUserDefaults store(folder);
     {
-        const std::jthread third([&] { writeMany(store, u"third"_qs); });
-        const std::jthread fourth([&] { writeMany(store, u"fourth"_qs); });
+        const std::jthread third([&] { writeMany(store, u"third"_s); });
+        const std::jthread fourth([&] { writeMany(store, u"fourth"_s); });
     }
     FileUserDefaults later(folder);
-    for (const QString &name : {u"first"_qs, u"second"_qs, u"third"_qs, u"fourth"_qs}) {
+    for (const QString &name : {u"first"_s, u"second"_s, u"third"_s, u"fourth"_s}) {
         for (qint64 i = 1; i < 40; ++i) {
             EXPECT_EQ(later.integer(name + QString::number(i)), i) << name.toStdString();
         }
@@ -191,18 +193,18 @@ TEST_F(FileUserDefaultsTest, AKilledWriterLeavesOldOrNew) {
             ForkedWriter writer([this] {
                 FileUserDefaults own(folder);
                 for (qint64 i = 0;; ++i) {
-                    own.set(u"big"_qs, QString(20'000 + i, u'x'));
+                    own.set(u"big"_s, QString(20'000 + i, u'x'));
                 }
             });
             qsizetype seen = 0;
             for (int changes = 0; changes < 3;) {
-                const qsizetype size = store.string(u"big"_qs).value_or(QString()).size();
+                const qsizetype size = store.string(u"big"_s).value_or(QString()).size();
                 changes += std::exchange(seen, size) != size ? 1 : 0;
             }
             writer.kill();
         }
-        EXPECT_GE(store.string(u"big"_qs).value_or(QString()).size(), 20'000);
-        EXPECT_TRUE(store.remove(u"big"_qs));
+        EXPECT_GE(store.string(u"big"_s).value_or(QString()).size(), 20'000);
+        EXPECT_TRUE(store.remove(u"big"_s));
     }
     EXPECT_TRUE(keptAside().isEmpty());
 }
@@ -210,8 +212,8 @@ TEST_F(FileUserDefaultsTest, AKilledWriterLeavesOldOrNew) {
 TEST_F(FileUserDefaultsTest, WhatCannotBeSavedHoldsInMemory) {
     putOnDisk("{}");
     FileUserDefaults nowhere(path); // a file where the folder should be
-    EXPECT_FALSE(nowhere.set(u"tone"_qs, u"Concise"_qs));
-    EXPECT_EQ(nowhere.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_FALSE(nowhere.set(u"tone"_s, u"Concise"_s));
+    EXPECT_EQ(nowhere.string(u"tone"_s), u"Concise"_s);
 
     FileUserDefaults store(folder);
     rlimit before{};
@@ -219,30 +221,30 @@ TEST_F(FileUserDefaultsTest, WhatCannotBeSavedHoldsInMemory) {
     const rlimit small{1000, before.rlim_max};
     std::signal(SIGXFSZ, SIG_IGN);
     ::setrlimit(RLIMIT_FSIZE, &small);
-    EXPECT_FALSE(store.set(u"businessProfile"_qs, QString(5000, u'x')));
+    EXPECT_FALSE(store.set(u"businessProfile"_s, QString(5000, u'x')));
     ::setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_EQ(store.string(u"businessProfile"_qs).value_or(QString()).size(), 5000);
+    EXPECT_EQ(store.string(u"businessProfile"_s).value_or(QString()).size(), 5000);
     EXPECT_EQ(onDisk(), "{}");
-    EXPECT_EQ(QDir(folder).entryList({u"*.new"_qs}), QStringList());
+    EXPECT_EQ(QDir(folder).entryList({u"*.new"_s}), QStringList());
 
-    EXPECT_TRUE(store.set(u"enabled"_qs, false));
+    EXPECT_TRUE(store.set(u"enabled"_s, false));
     FileUserDefaults later(folder);
-    EXPECT_EQ(later.string(u"businessProfile"_qs).value_or(QString()).size(), 5000);
+    EXPECT_EQ(later.string(u"businessProfile"_s).value_or(QString()).size(), 5000);
 }
 
 TEST_F(FileUserDefaultsTest, TheProgramDoesNotWaitForTheDisk) {
     QDir().mkpath(folder);
     {
-        QFile lock(path + u".lock"_qs); // of another writer, which hangs
+        QFile lock(path + u".lock"_s); // of another writer, which hangs
         ASSERT_TRUE(lock.open(QIODevice::ReadWrite));
         ASSERT_EQ(::flock(lock.handle(), LOCK_EX | LOCK_NB), 0);
         CaptureStderr();
         {
             FileUserDefaults store(folder, Saving::inBackground);
-            EXPECT_TRUE(store.set(u"tone"_qs, u"Concise"_qs));
-            EXPECT_EQ(store.string(u"tone"_qs), u"Concise"_qs);
+            EXPECT_TRUE(store.set(u"tone"_s, u"Concise"_s));
+            EXPECT_EQ(store.string(u"tone"_s), u"Concise"_s);
             EXPECT_TRUE(waitUntil([&] { return store.isFailingToSave(); }));
-            EXPECT_FALSE(store.set(u"tone"_qs, u"Friendly"_qs));
+            EXPECT_FALSE(store.set(u"tone"_s, u"Friendly"_s));
         }
         EXPECT_EQ(capturedStderr().count('\n'), 1) << "the end is not waited for long";
     }
@@ -251,49 +253,49 @@ TEST_F(FileUserDefaultsTest, TheProgramDoesNotWaitForTheDisk) {
     CaptureStderr();
     {
         FileUserDefaults store(folder, Saving::inBackground);
-        EXPECT_EQ(store.string(u"tone"_qs), std::nullopt);
+        EXPECT_EQ(store.string(u"tone"_s), std::nullopt);
         QByteArray seen = onDisk();
         for (int saves = 0; saves < 5; ++last) { // most while the one before is being saved
-            EXPECT_TRUE(store.set(u"minChars"_qs, last));
+            EXPECT_TRUE(store.set(u"minChars"_s, last));
             const QByteArray now = onDisk();
-            EXPECT_EQ(store.integer(u"minChars"_qs), last);
+            EXPECT_EQ(store.integer(u"minChars"_s), last);
             saves += std::exchange(seen, now) != now ? 1 : 0;
         }
     }
     EXPECT_EQ(capturedStderr().count('\n'), 1);
     ASSERT_EQ(keptAside().size(), 1);
     EXPECT_EQ(onDisk(keptAside().first()), "{\"tone\": ");
-    EXPECT_EQ(FileUserDefaults(folder).integer(u"minChars"_qs), last - 1);
+    EXPECT_EQ(FileUserDefaults(folder).integer(u"minChars"_s), last - 1);
 }
 
 TEST_F(FileUserDefaultsTest, WhileTheFileCannotBeReadNothingIsLost) {
-    const QString away = root.filePath(u"away.json"_qs);
+    const QString away = root.filePath(u"away.json"_s);
     putOnDisk(R"({"faqEntries": "five hundred", "tone": "Concise"})");
     FileUserDefaults running(folder);
     FileUserDefaults idle(folder);
-    ASSERT_TRUE(QFile::rename(path, away) && QFile::link(u"/dev/null"_qs, path)); // no file to read, whoever reads
+    ASSERT_TRUE(QFile::rename(path, away) && QFile::link(u"/dev/null"_s, path)); // no file to read, whoever reads
     CaptureStderr();
-    EXPECT_EQ(running.string(u"faqEntries"_qs), u"five hundred"_qs);
-    EXPECT_FALSE(running.set(u"faqEntries"_qs, u"five hundred and one"_qs));
-    EXPECT_EQ(idle.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_EQ(running.string(u"faqEntries"_s), u"five hundred"_s);
+    EXPECT_FALSE(running.set(u"faqEntries"_s, u"five hundred and one"_s));
+    EXPECT_EQ(idle.string(u"tone"_s), u"Concise"_s);
     EXPECT_TRUE(idle.isFailingToSave());
     FileUserDefaults started(folder);
-    EXPECT_EQ(started.string(u"faqEntries"_qs), std::nullopt);
+    EXPECT_EQ(started.string(u"faqEntries"_s), std::nullopt);
     EXPECT_TRUE(started.isFailingToSave());
-    EXPECT_FALSE(started.set(u"faqEntries"_qs, u"one"_qs));
+    EXPECT_FALSE(started.set(u"faqEntries"_s, u"one"_s));
     EXPECT_EQ(capturedStderr().count('\n'), 3);
     EXPECT_TRUE(QFileInfo(path).isSymbolicLink());
     ASSERT_TRUE(QFile::remove(path) && QFile::rename(away, path));
-    EXPECT_EQ(idle.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_EQ(idle.string(u"tone"_s), u"Concise"_s);
     EXPECT_FALSE(idle.isFailingToSave());
-    EXPECT_EQ(started.string(u"tone"_qs), u"Concise"_qs);
+    EXPECT_EQ(started.string(u"tone"_s), u"Concise"_s);
     EXPECT_TRUE(started.isFailingToSave()) << "an entry is still to be saved";
-    EXPECT_TRUE(running.set(u"minChars"_qs, qint64{3}));
+    EXPECT_TRUE(running.set(u"minChars"_s, qint64{3}));
     EXPECT_FALSE(onDisk().contains(".replaced")) << onDisk().data();
-    EXPECT_TRUE(started.set(u"minChars"_qs, qint64{4}));
-    EXPECT_TRUE(started.set(u"faqEntries"_qs, u"two"_qs));
-    EXPECT_EQ(running.string(u"faqEntries"_qs), u"two"_qs);
-    EXPECT_EQ(running.string(u"faqEntries.replaced"_qs), u"five hundred and one"_qs);
+    EXPECT_TRUE(started.set(u"minChars"_s, qint64{4}));
+    EXPECT_TRUE(started.set(u"faqEntries"_s, u"two"_s));
+    EXPECT_EQ(running.string(u"faqEntries"_s), u"two"_s);
+    EXPECT_EQ(running.string(u"faqEntries.replaced"_s), u"five hundred and one"_s);
 }
 
 TEST_F(FileUserDefaultsTest, AReadOnlyFileIsLeftAlone) {
@@ -302,10 +304,10 @@ TEST_F(FileUserDefaultsTest, AReadOnlyFileIsLeftAlone) {
         ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
         CaptureStderr();
         FileUserDefaults store(folder);
-        EXPECT_FALSE(store.set(u"minChars"_qs, qint64{3}));
-        EXPECT_FALSE(store.set(u"maxChars"_qs, qint64{7}));
+        EXPECT_FALSE(store.set(u"minChars"_s, qint64{3}));
+        EXPECT_FALSE(store.set(u"maxChars"_s, qint64{7}));
         EXPECT_EQ(capturedStderr().count('\n'), 1);
-        EXPECT_EQ(store.integer(u"minChars"_qs), 3);
+        EXPECT_EQ(store.integer(u"minChars"_s), 3);
         EXPECT_TRUE(store.isFailingToSave());
         EXPECT_EQ(onDisk(), bytes);
         EXPECT_EQ(QFile::permissions(path) & QFile::Permissions(0x7077), QFile::ReadOwner) << "for nobody else to read";
@@ -316,10 +318,10 @@ TEST_F(FileUserDefaultsTest, AReadOnlyFileIsLeftAlone) {
 
 TEST_F(FileUserDefaultsTest, LinksStay) {
     QDir().mkpath(folder);
-    ASSERT_TRUE(QFile::link(u"../real.json"_qs, path));
-    EXPECT_TRUE(FileUserDefaults(folder).set(u"minChars"_qs, qint64{3}));
+    ASSERT_TRUE(QFile::link(u"../real.json"_s, path));
+    EXPECT_TRUE(FileUserDefaults(folder).set(u"minChars"_s, qint64{3}));
     EXPECT_TRUE(QFileInfo(path).isSymbolicLink());
-    EXPECT_TRUE(onDisk(u"../real.json"_qs).contains("minChars"));
+    EXPECT_TRUE(onDisk(u"../real.json"_s).contains("minChars"));
 }
 
 } // namespace quillory::test

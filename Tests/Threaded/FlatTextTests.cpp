@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace platform::desktop::atspi;
@@ -42,7 +44,7 @@ TEST(FlatText, IsWhatTheUserSees) {
 }
 
 TEST(FlatText, CountsInCodePointsAndInUnits) {
-    const QString text = u"a\U0001F600b\U0001F44D\U0001F3FD"_qs;
+    const QString text = u"a\U0001F600b\U0001F44D\U0001F3FD"_s;
     for (const auto &[codePoints, units] :
          std::vector<std::pair<int, int>>{{0, 0}, {1, 1}, {2, 3}, {3, 4}, {4, 6}, {5, 8}}) {
         EXPECT_EQ(utf16Offset(text, codePoints), units);
@@ -50,7 +52,7 @@ TEST(FlatText, CountsInCodePointsAndInUnits) {
     }
     EXPECT_EQ(utf16Offset(text, 99), text.size());
     EXPECT_EQ(utf16Offset(text, -1), 0);
-    EXPECT_EQ(cleanText(u"\U0001F600\uFEFF x\uFEFF"_qs), u"\U0001F600 x\uFEFF"_qs);
+    EXPECT_EQ(cleanText(u"\U0001F600\uFEFF x\uFEFF"_s), u"\U0001F600 x\uFEFF"_s);
 }
 
 // Each style is given by where it ends and by its size; what comes out is one line for each run, with its ranges.
@@ -87,7 +89,7 @@ TEST(FoldedText, ComesApartIntoLines) {
         for (const auto &run : folded.runs()) {
             lines += QString::number(run.childrenBefore) + u':' + run.text;
             for (const auto &range : run.measured) {
-                lines.back() += u"[%1-%2]"_qs.arg(range.from).arg(range.to);
+                lines.back() += u"[%1-%2]"_s.arg(range.from).arg(range.to);
             }
         }
         EXPECT_EQ(lines.join(u'|'), QString::fromUtf8(test.lines));

@@ -20,6 +20,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 /// The server's end of one connection, for a server that says exactly what a test wants said.
 class LoopbackConnection {
   public:
@@ -100,7 +102,7 @@ class LoopbackServer {
             getsockname(m_listener, address, &length) != 0) {
             throw std::runtime_error("cannot listen on the loopback address");
         }
-        m_url = QUrl(u"http://127.0.0.1:%1/path?query"_qs.arg(ntohs(place.sin_port)));
+        m_url = QUrl(u"http://127.0.0.1:%1/path?query"_s.arg(ntohs(place.sin_port)));
         m_acceptor = std::thread([this] { acceptAll(); });
     }
     /// Cuts all connections and waits for their functions.

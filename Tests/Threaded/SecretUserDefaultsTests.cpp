@@ -11,6 +11,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 using platform::KeyPlace;
 using platform::desktop::SecretUserDefaults;
 
@@ -47,10 +49,10 @@ struct SecretUserDefaultsTest : testing::Test {
     QTemporaryDir folder;
     FakeStore passwords;
     SecretUserDefaults store{passwords, folder.path()};
-    const QString key = u"openRouterAPIKey"_qs;
+    const QString key = u"openRouterAPIKey"_s;
 
     QByteArray onDisk() const {
-        QFile file(folder.filePath(u"settings.json"_qs));
+        QFile file(folder.filePath(u"settings.json"_s));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 };
@@ -59,7 +61,7 @@ TEST_F(SecretUserDefaultsTest, TheKeyLivesInThePasswordStoreAndEveryProcessSeesA
     SecretUserDefaults running(passwords, folder.path());
     EXPECT_EQ(running.string(key), std::nullopt);
     EXPECT_EQ(passwords.lookUps, 0) << "who never used the password store never waits for it";
-    for (const QString &value : {u"first"_qs, u"second"_qs}) {
+    for (const QString &value : {u"first"_s, u"second"_s}) {
         EXPECT_EQ(store.storeKey(value, {}), KeyPlace::passwordStore);
         EXPECT_EQ(running.string(key), value);
         EXPECT_EQ(running.string(key), value);
@@ -72,7 +74,7 @@ TEST_F(SecretUserDefaultsTest, TheKeyLivesInThePasswordStoreAndEveryProcessSeesA
 }
 
 TEST_F(SecretUserDefaultsTest, ALockedStoreKeepsTheKeyAndIsNotAskedAgainByItself) {
-    EXPECT_EQ(store.storeKey(u"secret"_qs, {}), KeyPlace::passwordStore);
+    EXPECT_EQ(store.storeKey(u"secret"_s, {}), KeyPlace::passwordStore);
     passwords.answers = false;
     SecretUserDefaults running(passwords, folder.path());
     EXPECT_TRUE(running.isKept(key));
@@ -86,7 +88,7 @@ TEST_F(SecretUserDefaultsTest, ALockedStoreKeepsTheKeyAndIsNotAskedAgainByItself
 
     EXPECT_FALSE(store.remove(key));
     EXPECT_TRUE(store.isKept(key));
-    EXPECT_EQ(store.storeKey(u"in the file"_qs, {}), KeyPlace::settingsFile);
+    EXPECT_EQ(store.storeKey(u"in the file"_s, {}), KeyPlace::settingsFile);
     EXPECT_FALSE(store.remove(key)) << "the first one is still there";
     passwords.answers = true;
     EXPECT_TRUE(store.remove(key));
@@ -95,19 +97,19 @@ TEST_F(SecretUserDefaultsTest, ALockedStoreKeepsTheKeyAndIsNotAskedAgainByItself
 }
 
 TEST_F(SecretUserDefaultsTest, TheSettingsFileIsTheFallbackAndComesFirst) {
-    EXPECT_EQ(store.storeKey(u"secret"_qs, {}), KeyPlace::passwordStore);
+    EXPECT_EQ(store.storeKey(u"secret"_s, {}), KeyPlace::passwordStore);
     passwords.answers = false;
     EXPECT_EQ(SecretUserDefaults(passwords, folder.path()).string(key), std::nullopt) << "it is locked";
-    EXPECT_EQ(store.storeKey(u"in the file"_qs, {}), KeyPlace::settingsFile);
-    EXPECT_EQ(SecretUserDefaults(passwords, folder.path()).string(key), u"in the file"_qs);
+    EXPECT_EQ(store.storeKey(u"in the file"_s, {}), KeyPlace::settingsFile);
+    EXPECT_EQ(SecretUserDefaults(passwords, folder.path()).string(key), u"in the file"_s);
     EXPECT_TRUE(onDisk().contains("in the file"));
     const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
-    EXPECT_EQ(QFile::permissions(folder.filePath(u"settings.json"_qs)) & others, QFile::Permissions());
+    EXPECT_EQ(QFile::permissions(folder.filePath(u"settings.json"_s)) & others, QFile::Permissions());
     passwords.answers = true;
-    EXPECT_EQ(store.storeKey(u"secret"_qs, {}), KeyPlace::passwordStore);
+    EXPECT_EQ(store.storeKey(u"secret"_s, {}), KeyPlace::passwordStore);
     EXPECT_FALSE(onDisk().contains("in the file"));
-    EXPECT_TRUE(store.set(key, u"by command"_qs));
-    EXPECT_EQ(store.string(key), u"by command"_qs);
+    EXPECT_TRUE(store.set(key, u"by command"_s));
+    EXPECT_EQ(store.string(key), u"by command"_s);
     EXPECT_EQ(passwords.kept, std::nullopt);
 }
 
