@@ -11,7 +11,7 @@
 
 namespace quillory::bench {
 
-namespace axAttribute = platform::axAttribute;
+using platform::AXAttribute;
 namespace axRole = platform::axRole;
 using platform::AXUIElement;
 
@@ -62,7 +62,7 @@ std::vector<std::string> commandLine(BrowserPage::Browser browser, const QString
     return command;
 }
 
-template <class T> std::optional<T> read(const AXUIElement &element, QLatin1StringView name) {
+template <class T> std::optional<T> read(const AXUIElement &element, AXAttribute name) {
     const auto value = element.copyAttributeValue(name);
     const auto *found = value ? std::get_if<T>(&*value) : nullptr;
     return found != nullptr ? std::optional(*found) : std::nullopt;
@@ -79,8 +79,8 @@ AXUIElement BrowserPage::waitForBox(platform::Accessibility &accessibility) {
     std::optional<AXUIElement> box;
     test::waitUntil(
         [&] {
-            box = read<AXUIElement>(accessibility.createSystemWide(), axAttribute::focusedUIElement);
-            return box && read<QString>(*box, axAttribute::role) == axRole::textArea && pageAround(*box);
+            box = read<AXUIElement>(accessibility.createSystemWide(), AXAttribute::focusedUIElement);
+            return box && read<QString>(*box, AXAttribute::role) == axRole::textArea && pageAround(*box);
         },
         30'000);
     if (!box) {
@@ -93,8 +93,8 @@ AXUIElement BrowserPage::waitForBox(platform::Accessibility &accessibility) {
 
 std::optional<AXUIElement> pageAround(const AXUIElement &element) {
     std::optional<AXUIElement> current = element;
-    while (current && read<QString>(*current, axAttribute::role) != axRole::webArea) {
-        current = read<AXUIElement>(*current, axAttribute::parent);
+    while (current && read<QString>(*current, AXAttribute::role) != axRole::webArea) {
+        current = read<AXUIElement>(*current, AXAttribute::parent);
     }
     return current;
 }

@@ -160,7 +160,7 @@ double askRegularly(platform::Accessibility &accessibility, const platform::AXUI
     for (int i = 0; i < 4 * questions; ++i) {
         std::this_thread::sleep_until(begin + i * std::chrono::milliseconds(100));
         auto start = Clock::now();
-        (void)accessibility.createSystemWide().copyAttributeValue(platform::axAttribute::focusedUIElement);
+        (void)accessibility.createSystemWide().copyAttributeValue(platform::AXAttribute::focusedUIElement);
         worstTick = std::max(worstTick, millisecondsSince(start));
         if (i % 4 == 0) {
             start = Clock::now();

@@ -18,21 +18,21 @@ namespace {
 
 using namespace quillory;
 using namespace std::chrono_literals;
-namespace axAttribute = platform::axAttribute;
+using platform::AXAttribute;
 using Clock = std::chrono::steady_clock;
 
 constexpr int ticks = 100;
 
 // The questions of a tick on a chat's message box.
 bool tick(platform::Accessibility &accessibility) {
-    const auto focused = accessibility.createSystemWide().copyAttributeValue(axAttribute::focusedUIElement);
+    const auto focused = accessibility.createSystemWide().copyAttributeValue(AXAttribute::focusedUIElement);
     if (!focused) {
         return false;
     }
     const auto &field = std::get<platform::AXUIElement>(*focused);
-    const auto has = [&](QLatin1StringView name) { return field.copyAttributeValue(name).has_value(); };
-    return has(axAttribute::role) && has(axAttribute::numberOfCharacters) && has(axAttribute::value) &&
-           has(axAttribute::position) && has(axAttribute::size) && !has(axAttribute::placeholderValue);
+    const auto has = [&](AXAttribute name) { return field.copyAttributeValue(name).has_value(); };
+    return has(AXAttribute::role) && has(AXAttribute::numberOfCharacters) && has(AXAttribute::value) &&
+           has(AXAttribute::position) && has(AXAttribute::size) && !has(AXAttribute::placeholderValue);
 }
 
 } // namespace

@@ -12,9 +12,9 @@ using namespace Qt::StringLiterals;
 namespace quillory {
 namespace {
 
+using platform::AXAttribute;
 using platform::Rect;
 using test::Node;
-namespace axAttribute = platform::axAttribute;
 namespace axRole = platform::axRole;
 
 struct AXTextTest : testing::Test {
@@ -44,7 +44,7 @@ TEST_F(AXTextTest, KnowsTextElementsByRoleOrByAWritableString) {
         const Node node = window->add(role);
         node->settable = settable;
         if (value) {
-            node->set(axAttribute::value, *value);
+            node->set(AXAttribute::value, *value);
         }
         EXPECT_EQ(AXText::isTextElement(node->element()), isText) << role.data();
     }
@@ -70,9 +70,9 @@ TEST_F(AXTextTest, TellsABrowsersOwnFieldsByTheirAncestors) {
 
 TEST_F(AXTextTest, ConvertsFramesAndNeedsThemWhole) {
     const Node node = window->add(axRole::textArea);
-    node->set(axAttribute::position, platform::Point{10, 100});
+    node->set(AXAttribute::position, platform::Point{10, 100});
     EXPECT_FALSE(AXText::frame(node->element()).has_value());
-    node->set(axAttribute::size, platform::Size{300, 30});
+    node->set(AXAttribute::size, platform::Size{300, 30});
     EXPECT_EQ(AXText::frame(node->element()), (Rect{10, 100, 300, 30}));
     EXPECT_EQ(AXText::cocoaRect({10, 100, 300, 30}), (Rect{10, 770, 300, 30}));
     EXPECT_EQ(AXText::cocoaRect({10, 100, -300, -30}), (Rect{10, 770, 300, 30}));

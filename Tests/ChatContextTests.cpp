@@ -10,9 +10,9 @@ using namespace Qt::StringLiterals;
 namespace quillory {
 namespace {
 
+using platform::AXAttribute;
 using platform::Rect;
 using test::Node;
-namespace axAttribute = platform::axAttribute;
 namespace axRole = platform::axRole;
 
 QString text(const char *utf8) {
@@ -126,7 +126,7 @@ TEST_F(Recognition, GoesByTheAddressOfThePageBeforeTheTitle) {
          }) {
         const Node page = window(bundle, title)->add(axRole::webArea);
         if (address != nullptr) {
-            page->set(axAttribute::url, QUrl(text(address)));
+            page->set(AXAttribute::url, QUrl(text(address)));
         }
         EXPECT_EQ(ChatContext::isChatApp(page->add(axRole::textArea)->element()), isChat) << bundle << ' ' << title;
     }

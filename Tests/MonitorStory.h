@@ -32,7 +32,7 @@ struct MonitorStory : testing::Test {
 
     void SetUp() override {
         desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
-        page->set(platform::axAttribute::url, QUrl(u"https://web.whatsapp.com/"_s));
+        page->set(platform::AXAttribute::url, QUrl(u"https://web.whatsapp.com/"_s));
         box->setValue({});
         focus(box);
     }

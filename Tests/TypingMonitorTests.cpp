@@ -11,12 +11,12 @@ using namespace Qt::StringLiterals;
 namespace quillory {
 namespace {
 
+using platform::AXAttribute;
 using platform::Rect;
 using test::Node;
 using test::text;
 using testing::ElementsAre;
 using testing::IsEmpty;
-namespace axAttribute = platform::axAttribute;
 namespace axRole = platform::axRole;
 namespace keyCode = platform::keyCode;
 
@@ -166,7 +166,7 @@ TEST_F(RewriteStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
 
 TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
     const Node otherPage = browser->add(axRole::webArea);
-    otherPage->set(axAttribute::url, QUrl(u"https://example.com/"_s));
+    otherPage->set(AXAttribute::url, QUrl(u"https://example.com/"_s));
     const Node editor = desktop.applications.launch({3, u"org.example.editor"_s, std::nullopt}, u"Notes"_s);
     const Node own = desktop.applications.launch({desktop.process.ownPid, u"own"_s, u"Quillory"_s}, {});
     struct Case {
@@ -196,17 +196,17 @@ TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
 }
 
 TEST_F(RewriteStory, ABoxThatIsEmptyOrTooLongIsNotAskedAbout) {
-    box->set(axAttribute::placeholderValue, u"Type a message"_s);
+    box->set(AXAttribute::placeholderValue, u"Type a message"_s);
     type(u"Type a message\n"_s, 1000);
     type(u"  \n  "_s, 1000);
     type(u"short  "_s, 1000);
     type(QString(3001, u'x'), 1000);
     EXPECT_EQ(requests(), 0);
-    box->set(axAttribute::numberOfCharacters, 3000.0);
+    box->set(AXAttribute::numberOfCharacters, 3000.0);
     type(draft, 600);
     EXPECT_EQ(requests(), 1);
     EXPECT_TRUE(panelVisible());
-    box->set(axAttribute::numberOfCharacters, 3001.0);
+    box->set(AXAttribute::numberOfCharacters, 3001.0);
     desktop.advance(100);
     EXPECT_FALSE(panelVisible());
 }

@@ -10,11 +10,11 @@ namespace {
 
 class AbsentElement final : public AXElementBackend {
   public:
-    [[nodiscard]] std::optional<AXValue> copyAttributeValue(QLatin1StringView /*attribute*/) const override {
+    [[nodiscard]] std::optional<AXValue> copyAttributeValue(AXAttribute /*attribute*/) const override {
         return std::nullopt;
     }
-    [[nodiscard]] bool isAttributeSettable(QLatin1StringView /*attribute*/) const override { return false; }
-    bool setAttributeValue(QLatin1StringView /*attribute*/, const AXValue & /*value*/) const override { return false; }
+    [[nodiscard]] bool isAttributeSettable(AXAttribute /*attribute*/) const override { return false; }
+    bool setAttributeValue(AXAttribute /*attribute*/, const AXValue & /*value*/) const override { return false; }
     [[nodiscard]] qint32 pid() const override { return 0; }
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override { return this == &other; }
     [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits /*limits*/,

@@ -27,23 +27,23 @@ struct AXRange {
 /// The value of an attribute: a string, an element, an address, a number, a list of elements, or a geometric value.
 using AXValue = std::variant<QString, AXUIElement, QUrl, double, std::vector<AXUIElement>, Point, Size, AXRange>;
 
-/// The attribute names that this program reads or writes.
-namespace axAttribute {
-inline constexpr QLatin1StringView children{"AXChildren"};
-inline constexpr QLatin1StringView focusedUIElement{"AXFocusedUIElement"};
-inline constexpr QLatin1StringView focusedWindow{"AXFocusedWindow"};
-inline constexpr QLatin1StringView numberOfCharacters{"AXNumberOfCharacters"};
-inline constexpr QLatin1StringView parent{"AXParent"};
-inline constexpr QLatin1StringView placeholderValue{"AXPlaceholderValue"};
-inline constexpr QLatin1StringView position{"AXPosition"};
-inline constexpr QLatin1StringView role{"AXRole"};
-inline constexpr QLatin1StringView selectedTextRange{"AXSelectedTextRange"};
-inline constexpr QLatin1StringView size{"AXSize"};
-inline constexpr QLatin1StringView title{"AXTitle"};
-inline constexpr QLatin1StringView url{"AXURL"};
-inline constexpr QLatin1StringView value{"AXValue"};
-inline constexpr QLatin1StringView window{"AXWindow"};
-} // namespace axAttribute
+/// The attributes that this program reads or writes.
+enum class AXAttribute {
+    children,
+    focusedUIElement,
+    focusedWindow,
+    numberOfCharacters,
+    parent,
+    placeholderValue,
+    position,
+    role,
+    selectedTextRange,
+    size,
+    title,
+    url,
+    value,
+    window,
+};
 
 /// The role names that this program tells apart; every other role is passed on under a name of the same style.
 namespace axRole {
@@ -90,12 +90,12 @@ class AXElementBackend {
   public:
     virtual ~AXElementBackend() = default;
     /// The value of an attribute.
-    [[nodiscard]] virtual std::optional<AXValue> copyAttributeValue(QLatin1StringView attribute) const = 0;
+    [[nodiscard]] virtual std::optional<AXValue> copyAttributeValue(AXAttribute attribute) const = 0;
     /// Whether the attribute can be written.
-    [[nodiscard]] virtual bool isAttributeSettable(QLatin1StringView attribute) const = 0;
+    [[nodiscard]] virtual bool isAttributeSettable(AXAttribute attribute) const = 0;
     /// Writes an attribute; false when the application refused or did not answer. Reads that follow see the outcome,
     /// not a remembered value.
-    virtual bool setAttributeValue(QLatin1StringView attribute, const AXValue &value) const = 0;
+    virtual bool setAttributeValue(AXAttribute attribute, const AXValue &value) const = 0;
     /// The identifier of the process that shows the element; 0 when unknown. Asks nobody.
     [[nodiscard]] virtual qint32 pid() const = 0;
     /// Whether both handles stand for one element. Asks nobody.
@@ -116,11 +116,11 @@ class AXUIElement {
   public:
     explicit AXUIElement(std::shared_ptr<const AXElementBackend> backend) : m_backend(std::move(backend)) {}
 
-    [[nodiscard]] std::optional<AXValue> copyAttributeValue(QLatin1StringView attribute) const;
-    [[nodiscard]] bool isAttributeSettable(QLatin1StringView attribute) const {
+    [[nodiscard]] std::optional<AXValue> copyAttributeValue(AXAttribute attribute) const;
+    [[nodiscard]] bool isAttributeSettable(AXAttribute attribute) const {
         return m_backend->isAttributeSettable(attribute);
     }
-    bool setAttributeValue(QLatin1StringView attribute, const AXValue &value) const;
+    bool setAttributeValue(AXAttribute attribute, const AXValue &value) const;
     [[nodiscard]] qint32 pid() const { return m_backend->pid(); }
     [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits, AXFreshness freshness = {}) const {
         return m_backend->copySubtree(limits, freshness);
@@ -137,11 +137,11 @@ class AXUIElement {
     std::shared_ptr<const AXElementBackend> m_backend;
 };
 
-inline std::optional<AXValue> AXUIElement::copyAttributeValue(QLatin1StringView attribute) const {
+inline std::optional<AXValue> AXUIElement::copyAttributeValue(AXAttribute attribute) const {
     return m_backend->copyAttributeValue(attribute);
 }
 
-inline bool AXUIElement::setAttributeValue(QLatin1StringView attribute, const AXValue &value) const {
+inline bool AXUIElement::setAttributeValue(AXAttribute attribute, const AXValue &value) const {
     return m_backend->setAttributeValue(attribute, value);
 }
 

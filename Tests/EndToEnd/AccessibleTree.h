@@ -9,10 +9,10 @@
 
 namespace quillory::test {
 
+using platform::AXAttribute;
 using platform::AXUIElement;
-namespace axAttribute = platform::axAttribute;
 
-template <class T> std::optional<T> read(const AXUIElement &element, QLatin1StringView attribute) {
+template <class T> std::optional<T> read(const AXUIElement &element, AXAttribute attribute) {
     const auto value = element.copyAttributeValue(attribute);
     const auto *found = value ? std::get_if<T>(&*value) : nullptr;
     return found != nullptr ? std::optional(*found) : std::nullopt;
@@ -38,9 +38,9 @@ class AccessibleTree {
     /// Whether the page around the focused field can be read and has, for each of the wanted, a text that begins so,
     /// but none that begins like the unwanted.
     [[nodiscard]] bool pageShows(const QStringList &wanted, const QString &unwanted) {
-        auto element = read<AXUIElement>(m_accessibility.createSystemWide(), axAttribute::focusedUIElement);
-        while (element && read<QString>(*element, axAttribute::role) != platform::axRole::webArea) {
-            element = read<AXUIElement>(*element, axAttribute::parent);
+        auto element = read<AXUIElement>(m_accessibility.createSystemWide(), AXAttribute::focusedUIElement);
+        while (element && read<QString>(*element, AXAttribute::role) != platform::axRole::webArea) {
+            element = read<AXUIElement>(*element, AXAttribute::parent);
         }
         const QStringList texts = textsIn(element);
         return !oneBegins(texts, unwanted) &&
@@ -48,13 +48,13 @@ class AccessibleTree {
     }
     /// The name of what has the keyboard focus; empty when nothing has, or it has none.
     [[nodiscard]] QString focusedName() {
-        const auto element = read<AXUIElement>(m_accessibility.createSystemWide(), axAttribute::focusedUIElement);
-        return element ? read<QString>(*element, axAttribute::title).value_or(QString()) : QString();
+        const auto element = read<AXUIElement>(m_accessibility.createSystemWide(), AXAttribute::focusedUIElement);
+        return element ? read<QString>(*element, AXAttribute::title).value_or(QString()) : QString();
     }
     /// Whether a window of a process shows a text that begins so.
     [[nodiscard]] bool windowShows(qint32 pid, const QString &text) {
         const auto windows =
-            read<std::vector<AXUIElement>>(m_accessibility.createApplication(pid), axAttribute::children);
+            read<std::vector<AXUIElement>>(m_accessibility.createApplication(pid), AXAttribute::children);
         return windows &&
                std::ranges::any_of(*windows, [&](const auto &window) { return oneBegins(textsIn(window), text); });
     }

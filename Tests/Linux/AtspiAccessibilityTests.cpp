@@ -28,19 +28,19 @@ struct DesktopAccessibility : testing::Test {
     desktop::QtMainQueue queue;
     desktop::AtspiAccessibility accessibility{queue};
 
-    template <class T> static std::optional<T> read(const std::optional<AXUIElement> &element, QLatin1StringView name) {
+    template <class T> static std::optional<T> read(const std::optional<AXUIElement> &element, AXAttribute name) {
         const auto value = element ? element->copyAttributeValue(name) : std::nullopt;
         const auto *found = value ? std::get_if<T>(&*value) : nullptr;
         return found != nullptr ? std::optional(*found) : std::nullopt;
     }
     std::optional<AXUIElement> focused() {
         QCoreApplication::processEvents();
-        return read<AXUIElement>(accessibility.createSystemWide(), axAttribute::focusedUIElement);
+        return read<AXUIElement>(accessibility.createSystemWide(), AXAttribute::focusedUIElement);
     }
     QString describeFocus() {
         const auto element = focused();
-        const auto text = [&](QLatin1StringView name) { return read<QString>(element, name).value_or(u"-"_s); };
-        return text(axAttribute::role) + u'|' + text(axAttribute::value) + u'|' + text(axAttribute::placeholderValue);
+        const auto text = [&](AXAttribute name) { return read<QString>(element, name).value_or(u"-"_s); };
+        return text(AXAttribute::role) + u'|' + text(AXAttribute::value) + u'|' + text(AXAttribute::placeholderValue);
     }
 };
 
@@ -85,30 +85,30 @@ TEST_F(DesktopAccessibility, GivesEveryKindOfFieldInChromiumItsRoleAndText) {
         run({"xdotool", "key", "Tab"});
     }
     EXPECT_EQ(focused()->pid(), browser.pid());
-    const auto window = read<AXUIElement>(accessibility.createApplication(browser.pid()), axAttribute::focusedWindow);
-    EXPECT_EQ(read<QString>(window, axAttribute::title), u"Chat"_s);
+    const auto window = read<AXUIElement>(accessibility.createApplication(browser.pid()), AXAttribute::focusedWindow);
+    EXPECT_EQ(read<QString>(window, AXAttribute::title), u"Chat"_s);
 }
 
 TEST_F(DesktopAccessibility, WritesIntoAQtProgram) {
     ChildProcess chat({QCoreApplication::applicationDirPath().toStdString() + "/quillory-demo-chat"}, Output::dropped);
-    ASSERT_TRUE(waitUntil([&] { return read<QString>(focused(), axAttribute::role) == axRole::textArea; }, 30'000))
+    ASSERT_TRUE(waitUntil([&] { return read<QString>(focused(), AXAttribute::role) == axRole::textArea; }, 30'000))
         << describeFocus().toStdString();
     const auto box = *focused();
     EXPECT_EQ(box.pid(), chat.pid());
-    EXPECT_TRUE(box.isAttributeSettable(axAttribute::value));
+    EXPECT_TRUE(box.isAttributeSettable(AXAttribute::value));
     const auto text = u"Gr\u00FC\u00DFe \U0001F600\n\u0645\u0631\u062D\u0628\u0627"_s;
-    ASSERT_TRUE(box.setAttributeValue(axAttribute::value, text));
-    EXPECT_EQ(read<QString>(box, axAttribute::value), text);
-    EXPECT_EQ(read<double>(box, axAttribute::numberOfCharacters), text.size());
+    ASSERT_TRUE(box.setAttributeValue(AXAttribute::value, text));
+    EXPECT_EQ(read<QString>(box, AXAttribute::value), text);
+    EXPECT_EQ(read<double>(box, AXAttribute::numberOfCharacters), text.size());
     // On a busy machine what the main thread may wait for in one second can be used up.
     EXPECT_TRUE(waitUntil([&] {
-        return box.setAttributeValue(axAttribute::selectedTextRange, AXRange{text.size(), 0});
+        return box.setAttributeValue(AXAttribute::selectedTextRange, AXRange{text.size(), 0});
     }));
     EXPECT_TRUE(waitUntil([&] {
-        return read<AXRange>(box, axAttribute::selectedTextRange) == AXRange{text.size(), 0};
+        return read<AXRange>(box, AXAttribute::selectedTextRange) == AXRange{text.size(), 0};
     }));
-    const auto window = read<AXUIElement>(box, axAttribute::window);
-    EXPECT_EQ(read<QString>(window, axAttribute::role), axRole::window);
+    const auto window = read<AXUIElement>(box, AXAttribute::window);
+    EXPECT_EQ(read<QString>(window, AXAttribute::role), axRole::window);
     std::vector<AXSubtreeNode> nodes;
     EXPECT_TRUE(waitUntil([&] { return !(nodes = window->copySubtree(limits)).empty(); }));
     EXPECT_THAT(nodes, Contains(AllOf(Field(&AXSubtreeNode::role, QString(axRole::staticText)),

@@ -20,7 +20,7 @@ using Node = std::shared_ptr<SimulatedNode>;
 class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
   public:
     SimulatedNode(qint32 processIdentifier, QLatin1StringView nodeRole) : pid(processIdentifier) {
-        set(platform::axAttribute::role, nodeRole);
+        set(platform::AXAttribute::role, nodeRole);
     }
 
     const qint32 pid;
@@ -53,15 +53,15 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
         return child;
     }
     void removeChildren() { m_children.clear(); }
-    SimulatedNode &set(QLatin1StringView attribute, const platform::AXValue &value) {
-        m_attributes.insert_or_assign(QString(attribute), value);
+    SimulatedNode &set(platform::AXAttribute attribute, const platform::AXValue &value) {
+        m_attributes.insert_or_assign(attribute, value);
         return *this;
     }
     SimulatedNode &setFrame(const platform::Rect &frame) {
-        return set(platform::axAttribute::position, frame.origin()).set(platform::axAttribute::size, frame.size());
+        return set(platform::AXAttribute::position, frame.origin()).set(platform::AXAttribute::size, frame.size());
     }
-    SimulatedNode &setValue(const QString &value) { return set(platform::axAttribute::value, value); }
-    [[nodiscard]] QString value() const { return attribute<QString>(platform::axAttribute::value).value_or(QString()); }
+    SimulatedNode &setValue(const QString &value) { return set(platform::AXAttribute::value, value); }
+    [[nodiscard]] QString value() const { return attribute<QString>(platform::AXAttribute::value).value_or(QString()); }
     /// Replaces the value as an application does it that is told to.
     bool write(const QString &text) {
         const auto outcome = onWrite(text);
@@ -73,11 +73,11 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
 
   private:
     friend class SimulatedElement;
-    template <class T> [[nodiscard]] std::optional<T> attribute(QLatin1StringView name) const {
+    template <class T> [[nodiscard]] std::optional<T> attribute(platform::AXAttribute name) const {
         const auto found = m_attributes.find(name);
         return found == m_attributes.end() ? std::nullopt : std::optional(std::get<T>(found->second));
     }
-    std::map<QString, platform::AXValue> m_attributes;
+    std::map<platform::AXAttribute, platform::AXValue> m_attributes;
     std::vector<Node> m_children;
     std::weak_ptr<SimulatedNode> m_parent;
 };
@@ -87,15 +87,15 @@ class SimulatedElement final : public platform::AXElementBackend {
   public:
     explicit SimulatedElement(Node node) : m_node(std::move(node)) {}
 
-    [[nodiscard]] std::optional<platform::AXValue> copyAttributeValue(QLatin1StringView attribute) const override {
+    [[nodiscard]] std::optional<platform::AXValue> copyAttributeValue(platform::AXAttribute attribute) const override {
         if (m_node->gone) {
             return std::nullopt;
         }
-        if (attribute == platform::axAttribute::parent) {
+        if (attribute == platform::AXAttribute::parent) {
             const auto parent = m_node->m_parent.lock();
             return parent ? std::optional<platform::AXValue>(parent->element()) : std::nullopt;
         }
-        if (attribute == platform::axAttribute::children) {
+        if (attribute == platform::AXAttribute::children) {
             std::vector<platform::AXUIElement> children;
             for (const auto &child : m_node->m_children) {
                 children.push_back(child->element());
@@ -105,14 +105,14 @@ class SimulatedElement final : public platform::AXElementBackend {
         const auto found = m_node->m_attributes.find(attribute);
         return found == m_node->m_attributes.end() ? std::nullopt : std::optional(found->second);
     }
-    [[nodiscard]] bool isAttributeSettable(QLatin1StringView attribute) const override {
-        return attribute == platform::axAttribute::value && m_node->settable && !m_node->gone;
+    [[nodiscard]] bool isAttributeSettable(platform::AXAttribute attribute) const override {
+        return attribute == platform::AXAttribute::value && m_node->settable && !m_node->gone;
     }
-    bool setAttributeValue(QLatin1StringView attribute, const platform::AXValue &value) const override {
+    bool setAttributeValue(platform::AXAttribute attribute, const platform::AXValue &value) const override {
         if (m_node->gone || !m_node->settable) {
             return false;
         }
-        if (attribute == platform::axAttribute::selectedTextRange) {
+        if (attribute == platform::AXAttribute::selectedTextRange) {
             m_node->caret = std::get<platform::AXRange>(value);
             return true;
         }
@@ -139,11 +139,11 @@ class SimulatedElement final : public platform::AXElementBackend {
         if (depth > limits.maxDepth || std::cmp_greater_equal(nodes.size(), limits.maxNodes)) {
             return;
         }
-        platform::AXSubtreeNode copy{depth, *node.attribute<QString>(platform::axAttribute::role), {}, {}};
-        const auto position = node.attribute<platform::Point>(platform::axAttribute::position);
-        const auto size = node.attribute<platform::Size>(platform::axAttribute::size);
+        platform::AXSubtreeNode copy{depth, *node.attribute<QString>(platform::AXAttribute::role), {}, {}};
+        const auto position = node.attribute<platform::Point>(platform::AXAttribute::position);
+        const auto size = node.attribute<platform::Size>(platform::AXAttribute::size);
         if (copy.role == platform::axRole::staticText) {
-            copy.value = node.attribute<QString>(platform::axAttribute::value);
+            copy.value = node.attribute<QString>(platform::AXAttribute::value);
             if (position && size) {
                 copy.frame = {position->x, position->y, size->width, size->height};
             }
@@ -176,8 +176,8 @@ class SimulatedApplications final : public platform::Accessibility, public platf
     Node launch(const platform::RunningApplication &application, const QString &windowTitle) {
         auto root = std::make_shared<SimulatedNode>(application.pid, QLatin1StringView("AXApplication"));
         auto window = root->add(platform::axRole::window);
-        window->set(platform::axAttribute::title, windowTitle);
-        root->set(platform::axAttribute::focusedWindow, window->element());
+        window->set(platform::AXAttribute::title, windowTitle);
+        root->set(platform::AXAttribute::focusedWindow, window->element());
         m_running.insert_or_assign(application.pid, Running{application, root});
         return window;
     }
@@ -190,7 +190,7 @@ class SimulatedApplications final : public platform::Accessibility, public platf
     [[nodiscard]] platform::AXUIElement createSystemWide() override {
         auto node = std::make_shared<SimulatedNode>(0, QLatin1StringView("AXSystemWide"));
         if (focused) {
-            node->set(platform::axAttribute::focusedUIElement, focused->element());
+            node->set(platform::AXAttribute::focusedUIElement, focused->element());
         }
         return node->element();
     }

@@ -28,7 +28,7 @@ inline constexpr unsigned entryRole = 79;
 inline constexpr unsigned pageRole = 95;
 inline constexpr unsigned staticRole = 116;
 
-template <class T> std::optional<T> read(const std::optional<AXUIElement> &element, QLatin1StringView name) {
+template <class T> std::optional<T> read(const std::optional<AXUIElement> &element, AXAttribute name) {
     const auto value = element ? element->copyAttributeValue(name) : std::nullopt;
     const auto *found = value ? std::get_if<T>(&*value) : nullptr;
     return found != nullptr ? std::optional(*found) : std::nullopt;
@@ -55,9 +55,9 @@ struct AtspiAccessibility : testing::Test {
                                                         .ownPid = ownPid});
     }
     std::optional<AXUIElement> focused() {
-        return read<AXUIElement>(accessibility->createSystemWide(), axAttribute::focusedUIElement);
+        return read<AXUIElement>(accessibility->createSystemWide(), AXAttribute::focusedUIElement);
     }
-    std::optional<QString> focusedValue() { return read<QString>(focused(), axAttribute::value); }
+    std::optional<QString> focusedValue() { return read<QString>(focused(), AXAttribute::value); }
     bool waitForValue(const char *text) {
         return waitUntil([&] { return focusedValue() == QString::fromUtf8(text); });
     }

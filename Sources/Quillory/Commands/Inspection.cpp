@@ -8,11 +8,11 @@
 
 namespace quillory {
 
-namespace axAttribute = platform::axAttribute;
+using platform::AXAttribute;
 
 namespace {
 
-QString stringOf(const platform::AXUIElement &element, QLatin1StringView name) {
+QString stringOf(const platform::AXUIElement &element, AXAttribute name) {
     return AXText::attribute<QString>(element, name).value_or(QString());
 }
 
@@ -27,9 +27,9 @@ FieldSituation situation(const platform::AXUIElement &element, bool isChat) {
     field.minChars = store.integer(settingsKey::minChars);
     field.maxChars = store.integer(settingsKey::maxChars);
     if (field.isChat && !field.isBrowserUI) {
-        field.length = AXText::attribute<double>(element, axAttribute::numberOfCharacters);
-        field.value = AXText::attribute<QString>(element, axAttribute::value);
-        field.placeholder = stringOf(element, axAttribute::placeholderValue);
+        field.length = AXText::attribute<double>(element, AXAttribute::numberOfCharacters);
+        field.value = AXText::attribute<QString>(element, AXAttribute::value);
+        field.placeholder = stringOf(element, AXAttribute::placeholderValue);
         if (auto conversation = ChatContext::extract(element)) {
             field.conversation = std::move(conversation->text);
         }
@@ -45,10 +45,10 @@ InspectedElement inspected(const platform::AXUIElement &element) {
         seen.bundleIdentifier = application->bundleIdentifier.value_or(QString());
     }
     seen.windowTitle = AXText::focusedWindowTitle(element.pid()).value_or(QString());
-    seen.role = stringOf(element, axAttribute::role);
+    seen.role = stringOf(element, AXAttribute::role);
     seen.frame = AXText::frame(element);
-    seen.canWriteValue = element.isAttributeSettable(axAttribute::value);
-    seen.canPlaceCaret = element.isAttributeSettable(axAttribute::selectedTextRange);
+    seen.canWriteValue = element.isAttributeSettable(AXAttribute::value);
+    seen.canPlaceCaret = element.isAttributeSettable(AXAttribute::selectedTextRange);
     seen.recognition = ChatContext::recognise(element);
     seen.field = situation(element, seen.recognition.isChat);
     return seen;

@@ -10,8 +10,8 @@
 
 namespace quillory::AXText {
 
+using platform::AXAttribute;
 using platform::AXUIElement;
-namespace axAttribute = platform::axAttribute;
 namespace axRole = platform::axRole;
 
 namespace {
@@ -39,7 +39,7 @@ bool holdsGeometry(const platform::AXValue &value) {
 }
 
 // A geometric value of the wrong kind counts as zero, not as absent.
-template <class T> std::optional<T> geometry(const AXUIElement &element, QLatin1StringView name) {
+template <class T> std::optional<T> geometry(const AXUIElement &element, AXAttribute name) {
     const auto value = element.copyAttributeValue(name);
     if (!value || !holdsGeometry(*value)) {
         return std::nullopt;
@@ -56,7 +56,7 @@ AXUIElement systemWide() {
 }
 
 std::optional<AXUIElement> focusedElement() {
-    return attribute<AXUIElement>(systemWide(), axAttribute::focusedUIElement);
+    return attribute<AXUIElement>(systemWide(), AXAttribute::focusedUIElement);
 }
 
 bool isTextRole(const QString &role) {
@@ -64,15 +64,15 @@ bool isTextRole(const QString &role) {
 }
 
 bool isTextElement(const AXUIElement &element) {
-    const auto role = attribute<QString>(element, axAttribute::role).value_or(QString());
+    const auto role = attribute<QString>(element, AXAttribute::role).value_or(QString());
     if (role == axRole::secureTextField) {
         return false;
     }
     if (isTextRole(role)) {
         return true;
     }
-    return element.isAttributeSettable(axAttribute::value) &&
-           attribute<QString>(element, axAttribute::value).has_value();
+    return element.isAttributeSettable(AXAttribute::value) &&
+           attribute<QString>(element, AXAttribute::value).has_value();
 }
 
 std::optional<QString> bundleIdentifier(const AXUIElement &element) {
@@ -96,11 +96,11 @@ bool isBrowserUIField(const AXUIElement &element) {
     }
     AXUIElement current = element;
     for (int step = 0; step < ancestorLimit; ++step) {
-        const auto parent = attribute<AXUIElement>(current, axAttribute::parent);
+        const auto parent = attribute<AXUIElement>(current, AXAttribute::parent);
         if (!parent) {
             return true;
         }
-        if (attribute<QString>(*parent, axAttribute::role) == axRole::webArea) {
+        if (attribute<QString>(*parent, AXAttribute::role) == axRole::webArea) {
             return false;
         }
         current = *parent;
@@ -109,11 +109,11 @@ bool isBrowserUIField(const AXUIElement &element) {
 }
 
 std::optional<platform::Rect> frame(const AXUIElement &element) {
-    const auto position = geometry<platform::Point>(element, axAttribute::position);
+    const auto position = geometry<platform::Point>(element, AXAttribute::position);
     if (!position) {
         return std::nullopt;
     }
-    const auto size = geometry<platform::Size>(element, axAttribute::size);
+    const auto size = geometry<platform::Size>(element, AXAttribute::size);
     if (!size) {
         return std::nullopt;
     }
@@ -129,8 +129,8 @@ platform::Rect cocoaRect(const platform::Rect &axRect) {
 
 std::optional<QString> focusedWindowTitle(qint32 pid) {
     const auto application = platform::current().accessibility.createApplication(pid);
-    const auto window = attribute<AXUIElement>(application, axAttribute::focusedWindow);
-    return window ? attribute<QString>(*window, axAttribute::title) : std::nullopt;
+    const auto window = attribute<AXUIElement>(application, AXAttribute::focusedWindow);
+    return window ? attribute<QString>(*window, AXAttribute::title) : std::nullopt;
 }
 
 } // namespace quillory::AXText

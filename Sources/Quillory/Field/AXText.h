@@ -16,7 +16,7 @@ namespace quillory::AXText {
 
 /// The value of an attribute if it has the type T: QString, AXUIElement, QUrl, double or a list of AXUIElement.
 template <class T>
-[[nodiscard]] std::optional<T> attribute(const platform::AXUIElement &element, QLatin1StringView name) {
+[[nodiscard]] std::optional<T> attribute(const platform::AXUIElement &element, platform::AXAttribute name) {
     auto value = element.copyAttributeValue(name);
     if (!value || !std::holds_alternative<T>(*value)) {
         return std::nullopt;

@@ -7,8 +7,8 @@
 
 namespace quillory::AXText {
 
+using platform::AXAttribute;
 using platform::AXUIElement;
-namespace axAttribute = platform::axAttribute;
 
 namespace {
 
@@ -16,7 +16,7 @@ namespace {
 constexpr qsizetype verifiedPrefix = 24;
 
 bool logIfTaken(const QString &text, const AXUIElement &element) {
-    const QString readBack = attribute<QString>(element, axAttribute::value).value_or(QString());
+    const QString readBack = attribute<QString>(element, AXAttribute::value).value_or(QString());
     const bool taken = text::hasPrefix(readBack, text::prefix(text, verifiedPrefix));
     FileLog::log(taken ? QStringLiteral("inserted via AX set")
                        : QStringLiteral("AX set did not stick (read back %1 chars), pasting instead")
@@ -27,10 +27,10 @@ bool logIfTaken(const QString &text, const AXUIElement &element) {
 } // namespace
 
 bool setValue(const AXUIElement &element, const QString &text) {
-    if (!element.isAttributeSettable(axAttribute::value) || !element.setAttributeValue(axAttribute::value, text)) {
+    if (!element.isAttributeSettable(AXAttribute::value) || !element.setAttributeValue(AXAttribute::value, text)) {
         return false;
     }
-    element.setAttributeValue(axAttribute::selectedTextRange, platform::AXRange{text.size(), 0});
+    element.setAttributeValue(AXAttribute::selectedTextRange, platform::AXRange{text.size(), 0});
     return true;
 }
 

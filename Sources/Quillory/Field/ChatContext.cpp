@@ -11,8 +11,8 @@
 
 namespace quillory::ChatContext {
 
+using platform::AXAttribute;
 using platform::AXUIElement;
-namespace axAttribute = platform::axAttribute;
 namespace axRole = platform::axRole;
 
 namespace {
@@ -35,9 +35,9 @@ std::optional<AXUIElement> nearest(const AXUIElement &element, QLatin1StringView
     std::optional<AXUIElement> current = element;
     for (int look = 0; look < looks && current; ++look) {
         if (look > 0) {
-            current = AXText::attribute<AXUIElement>(*current, axAttribute::parent);
+            current = AXText::attribute<AXUIElement>(*current, AXAttribute::parent);
         }
-        if (current && AXText::attribute<QString>(*current, axAttribute::role) == role) {
+        if (current && AXText::attribute<QString>(*current, AXAttribute::role) == role) {
             return current;
         }
     }
@@ -45,7 +45,7 @@ std::optional<AXUIElement> nearest(const AXUIElement &element, QLatin1StringView
 }
 
 std::optional<QString> title(const std::optional<AXUIElement> &window) {
-    return window ? AXText::attribute<QString>(*window, axAttribute::title) : std::nullopt;
+    return window ? AXText::attribute<QString>(*window, AXAttribute::title) : std::nullopt;
 }
 
 bool namesChat(const std::optional<QString> &windowTitle) {
@@ -54,7 +54,7 @@ bool namesChat(const std::optional<QString> &windowTitle) {
 
 Recognition recognisePage(const AXUIElement &element) {
     const auto page = webArea(element);
-    const auto address = page ? AXText::attribute<QUrl>(*page, axAttribute::url) : std::nullopt;
+    const auto address = page ? AXText::attribute<QUrl>(*page, AXAttribute::url) : std::nullopt;
     if (address) {
         return {Recognition::Evidence::pageAddress, isChatHost(address->host()), address->host()};
     }
@@ -152,7 +152,7 @@ std::optional<AXUIElement> webArea(const AXUIElement &element) {
 }
 
 std::optional<AXUIElement> containingWindow(const AXUIElement &element) {
-    if (auto window = AXText::attribute<AXUIElement>(element, axAttribute::window)) {
+    if (auto window = AXText::attribute<AXUIElement>(element, AXAttribute::window)) {
         return window;
     }
     return nearest(element, axRole::window, windowClimb);

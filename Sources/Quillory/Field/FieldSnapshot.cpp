@@ -18,7 +18,7 @@ std::optional<FieldSnapshot> snapshot(const platform::AXUIElement &element) {
     if (!frame) {
         return std::nullopt;
     }
-    const auto text = AXText::attribute<QString>(element, platform::axAttribute::value);
+    const auto text = AXText::attribute<QString>(element, platform::AXAttribute::value);
     return FieldSnapshot{element.pid(), text.value_or(QString()), *frame};
 }
 

@@ -11,8 +11,8 @@
 
 namespace quillory {
 
+using platform::AXAttribute;
 using platform::current;
-namespace axAttribute = platform::axAttribute;
 
 namespace {
 
@@ -114,7 +114,7 @@ void TypingMonitor::adopt(const Element &element, bool isText) {
     m_focusFlapSince.reset();
     m_currentElement = element;
     m_currentElementFrame = AXText::frame(element).value_or(platform::Rect{});
-    m_lastText = AXText::attribute<QString>(element, axAttribute::value).value_or(QString());
+    m_lastText = AXText::attribute<QString>(element, AXAttribute::value).value_or(QString());
     m_lastChangeAt.reset();
     m_lastRequestedSource.reset();
     dropSuggestion();
@@ -132,7 +132,7 @@ void TypingMonitor::logFocus(const Element &element, bool isText) const {
     const auto name = application ? application->localizedName : std::nullopt;
     const QString title = AXText::focusedWindowTitle(element.pid()).value_or(unknown);
     QString line = QStringLiteral("focus -> ") +
-                   AXText::attribute<QString>(element, axAttribute::role).value_or(QString()) + QStringLiteral(" in ") +
+                   AXText::attribute<QString>(element, AXAttribute::role).value_or(QString()) + QStringLiteral(" in ") +
                    name.value_or(unknown) + QStringLiteral(" [") + text::prefix(title, loggedTitle) +
                    QStringLiteral("], textElement=") + text::trueOrFalse(isText);
     if (m_focusIsBrowserUI) {
@@ -153,12 +153,12 @@ void TypingMonitor::followField(const Element &element) {
         m_panel.hide();
         return;
     }
-    const auto value = AXText::attribute<QString>(element, axAttribute::value);
+    const auto value = AXText::attribute<QString>(element, AXAttribute::value);
     if (!value) {
         return;
     }
     followFrame(element);
-    const auto placeholder = AXText::attribute<QString>(element, axAttribute::placeholderValue);
+    const auto placeholder = AXText::attribute<QString>(element, AXAttribute::placeholderValue);
     if (isEmptyField(*value, placeholder.value_or(QString()))) {
         followEmptyField(element, *value);
     } else if (!text::equal(*value, m_lastText)) {
@@ -170,7 +170,7 @@ void TypingMonitor::followField(const Element &element) {
 
 // Asks for the length alone, so that a huge text is never copied.
 bool TypingMonitor::isTooLong(const Element &element) const {
-    const auto length = AXText::attribute<double>(element, axAttribute::numberOfCharacters);
+    const auto length = AXText::attribute<double>(element, AXAttribute::numberOfCharacters);
     return length && std::trunc(*length) > static_cast<double>(m_settings.store().integer(settingsKey::maxChars));
 }
 

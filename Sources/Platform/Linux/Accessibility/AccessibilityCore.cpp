@@ -171,27 +171,27 @@ bool AccessibilityCore::isUnclimbable(const ElementRef &ref) const {
     return m_told.element && m_told.element->ref == ref && Clock::now() < m_unclimbableUntil;
 }
 
-std::optional<AXValue> AccessibilityCore::fromAncestry(const Handle &element, QLatin1StringView name) {
+std::optional<AXValue> AccessibilityCore::fromAncestry(const Handle &element, AXAttribute name) {
     const auto ancestry = ancestryAround(element.ref);
     if (ancestry == nullptr) {
         return isUnclimbable(element.ref) ? std::nullopt : fromQuery(element, name);
     }
     const auto *level = ancestry->find(element.ref);
-    if (name == axAttribute::parent) {
+    if (name == AXAttribute::parent) {
         const auto next = level == nullptr ? 0 : static_cast<std::size_t>(level - ancestry->levels.data()) + 1;
         return next < ancestry->levels.size() ? wrap(ancestry->levels[next].element) : std::nullopt;
     }
-    if (name == axAttribute::window) {
+    if (name == AXAttribute::window) {
         const auto *window = ancestry->window();
         return window != nullptr ? wrap(window->element) : std::nullopt;
     }
     if (level == nullptr) {
         return fromQuery(element, name);
     }
-    if (name == axAttribute::role) {
+    if (name == AXAttribute::role) {
         return axRoleName(level->kind);
     }
-    if (name == axAttribute::title) {
+    if (name == AXAttribute::title) {
         return level->name;
     }
     return level->url ? std::optional<AXValue>(QUrl(*level->url)) : std::nullopt;
@@ -203,63 +203,63 @@ const FieldSnapshot *AccessibilityCore::lastTold(const ElementRef &ref) const {
     return isTold && Clock::now() - m_told.snapshot->takenAt < oldestFrame ? m_told.snapshot.get() : nullptr;
 }
 
-std::optional<AXValue> AccessibilityCore::fromSnapshot(const Handle &element, QLatin1StringView name) {
-    const auto wanted = name == axAttribute::value                ? TextWanted::value
-                        : name == axAttribute::numberOfCharacters ? TextWanted::count
+std::optional<AXValue> AccessibilityCore::fromSnapshot(const Handle &element, AXAttribute name) {
+    const auto wanted = name == AXAttribute::value                ? TextWanted::value
+                        : name == AXAttribute::numberOfCharacters ? TextWanted::count
                                                                   : TextWanted::nothing;
     const auto *found = snapshot(element, wanted);
-    const bool isFrame = name == axAttribute::position || name == axAttribute::size;
+    const bool isFrame = name == AXAttribute::position || name == AXAttribute::size;
     if (!found->isAnswered && isFrame) {
         found = lastTold(element.ref);
     }
     if (found == nullptr || !found->isAnswered) {
         return std::nullopt;
     }
-    if (name == axAttribute::role) {
+    if (name == AXAttribute::role) {
         return axRoleName(found->kind);
     }
-    if (name == axAttribute::value && found->value) {
+    if (name == AXAttribute::value && found->value) {
         return *found->value;
     }
-    if (name == axAttribute::numberOfCharacters && found->characters) {
+    if (name == AXAttribute::numberOfCharacters && found->characters) {
         return static_cast<double>(*found->characters);
     }
-    if (name == axAttribute::placeholderValue && found->placeholder) {
+    if (name == AXAttribute::placeholderValue && found->placeholder) {
         return *found->placeholder;
     }
-    if (name == axAttribute::title && found->name) {
+    if (name == AXAttribute::title && found->name) {
         return *found->name;
     }
-    if (found->frame && name == axAttribute::position) {
+    if (found->frame && name == AXAttribute::position) {
         return inPoints(*found->frame).origin();
     }
-    if (found->frame && name == axAttribute::size) {
+    if (found->frame && name == AXAttribute::size) {
         return inPoints(*found->frame).size();
     }
     return std::nullopt;
 }
 
-std::optional<AXValue> AccessibilityCore::fromQuery(const Handle &element, QLatin1StringView name) {
-    if (name == axAttribute::role || name == axAttribute::title) {
+std::optional<AXValue> AccessibilityCore::fromQuery(const Handle &element, AXAttribute name) {
+    if (name == AXAttribute::role || name == AXAttribute::title) {
         return fromSnapshot(element, name);
     }
-    if (name == axAttribute::parent) {
+    if (name == AXAttribute::parent) {
         return wrap(
             m_reader.ask(questionWait, [element](Session &session) { return queries::parent(session, element); })
                 .value_or(std::nullopt));
     }
-    if (name == axAttribute::window) {
+    if (name == AXAttribute::window) {
         return wrap(
             m_reader.ask(questionWait, [element](Session &session) { return queries::window(session, element); })
                 .value_or(std::nullopt));
     }
-    if (name == axAttribute::url) {
+    if (name == AXAttribute::url) {
         const auto address =
             m_reader.ask(questionWait, [element](Session &session) { return queries::address(session, element); })
                 .value_or(std::nullopt);
         return address ? std::optional<AXValue>(QUrl(*address)) : std::nullopt;
     }
-    if (name == axAttribute::selectedTextRange) {
+    if (name == AXAttribute::selectedTextRange) {
         const auto range =
             m_reader.ask(questionWait, [element](Session &session) { return queries::selectedRange(session, element); })
                 .value_or(std::nullopt);
@@ -278,17 +278,17 @@ std::optional<AXValue> AccessibilityCore::fromQuery(const Handle &element, QLati
     return elements;
 }
 
-std::optional<AXValue> AccessibilityCore::attribute(const Handle &element, QLatin1StringView name) {
+std::optional<AXValue> AccessibilityCore::attribute(const Handle &element, AXAttribute name) {
     // Our own windows are answered by this very thread: never ask about them.
     if (element.pid == m_ownPid) {
         return std::nullopt;
     }
     const bool isFocused = m_told.element && m_told.element->ref == element.ref;
-    if (name == axAttribute::parent || name == axAttribute::window || name == axAttribute::url ||
-        (!isFocused && (name == axAttribute::role || name == axAttribute::title))) {
+    if (name == AXAttribute::parent || name == AXAttribute::window || name == AXAttribute::url ||
+        (!isFocused && (name == AXAttribute::role || name == AXAttribute::title))) {
         return fromAncestry(element, name);
     }
-    if (name == axAttribute::children || name == axAttribute::selectedTextRange) {
+    if (name == AXAttribute::children || name == AXAttribute::selectedTextRange) {
         return fromQuery(element, name);
     }
     return fromSnapshot(element, name);
@@ -302,20 +302,20 @@ bool AccessibilityCore::isValueSettable(const Handle &element) {
     return found->isAnswered && found->isValueSettable;
 }
 
-bool AccessibilityCore::setAttribute(const Handle &element, QLatin1StringView name, const AXValue &value) {
+bool AccessibilityCore::setAttribute(const Handle &element, AXAttribute name, const AXValue &value) {
     if (element.pid == m_ownPid) {
         return false;
     }
     m_recent = nullptr;
     const auto *text = std::get_if<QString>(&value);
-    if (name == axAttribute::value && text != nullptr) {
+    if (name == AXAttribute::value && text != nullptr) {
         return m_reader
             .ask(writeWait,
                  [element, text = *text](Session &session) { return queries::setText(session, element, text); })
             .value_or(false);
     }
     const auto *range = std::get_if<AXRange>(&value);
-    if (name == axAttribute::selectedTextRange && range != nullptr) {
+    if (name == AXAttribute::selectedTextRange && range != nullptr) {
         return m_reader
             .ask(writeWait, [element, range = *range](
                                 Session &session) { return queries::setSelectedRange(session, element, range); })
@@ -363,8 +363,8 @@ std::optional<AXUIElement> AccessibilityCore::focusedWindow(qint32 pid) {
     return found && found->pid != 0 ? std::optional(element(*found)) : std::nullopt;
 }
 
-std::optional<AXValue> AccessibilityCore::applicationAttribute(qint32 pid, QLatin1StringView name) {
-    if (name == axAttribute::focusedWindow) {
+std::optional<AXValue> AccessibilityCore::applicationAttribute(qint32 pid, AXAttribute name) {
+    if (name == AXAttribute::focusedWindow) {
         const auto window = focusedWindow(pid);
         return window ? std::optional<AXValue>(*window) : std::nullopt;
     }

@@ -25,15 +25,15 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     [[nodiscard]] AXUIElement element(const Handle &handle);
 
     [[nodiscard]] std::optional<AXUIElement> focusedElement();
-    [[nodiscard]] std::optional<AXValue> attribute(const Handle &element, QLatin1StringView name);
+    [[nodiscard]] std::optional<AXValue> attribute(const Handle &element, AXAttribute name);
     [[nodiscard]] bool isValueSettable(const Handle &element);
-    bool setAttribute(const Handle &element, QLatin1StringView name, const AXValue &value);
+    bool setAttribute(const Handle &element, AXAttribute name, const AXValue &value);
     [[nodiscard]] std::vector<AXSubtreeNode> subtree(const Handle &element, AXSubtreeLimits limits,
                                                      AXFreshness freshness);
     /// Has the reader begin with what subtree() will be asked for.
     void prepareSubtree(const Handle &element, AXSubtreeLimits limits, AXFreshness freshness);
     [[nodiscard]] std::optional<AXUIElement> focusedWindow(qint32 pid);
-    [[nodiscard]] std::optional<AXValue> applicationAttribute(qint32 pid, QLatin1StringView name);
+    [[nodiscard]] std::optional<AXValue> applicationAttribute(qint32 pid, AXAttribute name);
 
   private:
     [[nodiscard]] Focus focusInFront(Clock::time_point askedAt);
@@ -42,10 +42,10 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     void noteWanted(TextWanted wanted);
     [[nodiscard]] const FieldSnapshot *snapshot(const Handle &element, TextWanted wanted);
     [[nodiscard]] std::shared_ptr<const Ancestry> ancestryAround(const ElementRef &ref);
-    [[nodiscard]] std::optional<AXValue> fromAncestry(const Handle &element, QLatin1StringView name);
+    [[nodiscard]] std::optional<AXValue> fromAncestry(const Handle &element, AXAttribute name);
     [[nodiscard]] const FieldSnapshot *lastTold(const ElementRef &ref) const;
-    [[nodiscard]] std::optional<AXValue> fromSnapshot(const Handle &element, QLatin1StringView name);
-    [[nodiscard]] std::optional<AXValue> fromQuery(const Handle &element, QLatin1StringView name);
+    [[nodiscard]] std::optional<AXValue> fromSnapshot(const Handle &element, AXAttribute name);
+    [[nodiscard]] std::optional<AXValue> fromQuery(const Handle &element, AXAttribute name);
     [[nodiscard]] std::optional<AXValue> wrap(const std::optional<Handle> &handle);
     [[nodiscard]] Rect inPoints(const PixelRect &rect) const;
 

@@ -9,16 +9,16 @@ namespace platform::desktop::atspi {
 AtspiElement::AtspiElement(std::shared_ptr<AccessibilityCore> core, Handle handle)
     : m_core(std::move(core)), m_handle(std::move(handle)) {}
 
-std::optional<AXValue> AtspiElement::copyAttributeValue(QLatin1StringView attribute) const {
+std::optional<AXValue> AtspiElement::copyAttributeValue(AXAttribute attribute) const {
     return m_core->attribute(m_handle, attribute);
 }
 
-bool AtspiElement::isAttributeSettable(QLatin1StringView attribute) const {
-    const bool isWritable = attribute == axAttribute::value || attribute == axAttribute::selectedTextRange;
+bool AtspiElement::isAttributeSettable(AXAttribute attribute) const {
+    const bool isWritable = attribute == AXAttribute::value || attribute == AXAttribute::selectedTextRange;
     return isWritable && m_core->isValueSettable(m_handle);
 }
 
-bool AtspiElement::setAttributeValue(QLatin1StringView attribute, const AXValue &value) const {
+bool AtspiElement::setAttributeValue(AXAttribute attribute, const AXValue &value) const {
     return m_core->setAttribute(m_handle, attribute, value);
 }
 
@@ -38,11 +38,11 @@ void AtspiElement::prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness)
 RootElement::RootElement(std::shared_ptr<AccessibilityCore> core, std::optional<qint32> pid)
     : m_core(std::move(core)), m_pid(pid) {}
 
-std::optional<AXValue> RootElement::copyAttributeValue(QLatin1StringView attribute) const {
+std::optional<AXValue> RootElement::copyAttributeValue(AXAttribute attribute) const {
     if (m_pid) {
         return m_core->applicationAttribute(*m_pid, attribute);
     }
-    if (attribute != axAttribute::focusedUIElement) {
+    if (attribute != AXAttribute::focusedUIElement) {
         return std::nullopt;
     }
     auto focused = m_core->focusedElement();

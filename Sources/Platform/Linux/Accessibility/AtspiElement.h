@@ -13,9 +13,9 @@ class AccessibilityCore;
 class AtspiElement final : public AXElementBackend {
   public:
     AtspiElement(std::shared_ptr<AccessibilityCore> core, Handle handle);
-    [[nodiscard]] std::optional<AXValue> copyAttributeValue(QLatin1StringView attribute) const override;
-    [[nodiscard]] bool isAttributeSettable(QLatin1StringView attribute) const override;
-    bool setAttributeValue(QLatin1StringView attribute, const AXValue &value) const override;
+    [[nodiscard]] std::optional<AXValue> copyAttributeValue(AXAttribute attribute) const override;
+    [[nodiscard]] bool isAttributeSettable(AXAttribute attribute) const override;
+    bool setAttributeValue(AXAttribute attribute, const AXValue &value) const override;
     [[nodiscard]] qint32 pid() const override { return m_handle.pid; }
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override;
     [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits, AXFreshness freshness) const override;
@@ -30,9 +30,9 @@ class AtspiElement final : public AXElementBackend {
 class RootElement final : public AXElementBackend {
   public:
     explicit RootElement(std::shared_ptr<AccessibilityCore> core, std::optional<qint32> pid = std::nullopt);
-    [[nodiscard]] std::optional<AXValue> copyAttributeValue(QLatin1StringView attribute) const override;
-    [[nodiscard]] bool isAttributeSettable(QLatin1StringView) const override { return false; }
-    bool setAttributeValue(QLatin1StringView, const AXValue &) const override { return false; }
+    [[nodiscard]] std::optional<AXValue> copyAttributeValue(AXAttribute attribute) const override;
+    [[nodiscard]] bool isAttributeSettable(AXAttribute) const override { return false; }
+    bool setAttributeValue(AXAttribute, const AXValue &) const override { return false; }
     [[nodiscard]] qint32 pid() const override { return m_pid.value_or(0); }
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override;
     /// Absent: a read starts at a window or a page.
