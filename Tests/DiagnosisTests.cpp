@@ -162,7 +162,7 @@ TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
 }
 
 /// A desktop whose accessibility is off until it is switched on.
-struct MendableDesktop final : platform::DesktopExamination, platform::DesktopMending {
+struct RepairableDesktop final : platform::DesktopExamination, platform::DesktopRepair {
     DesktopFacts facts;
     [[nodiscard]] DesktopFacts examine(const std::stop_token & /*stop*/) override { return facts; }
     bool enableAccessibility(const std::stop_token & /*stop*/) override {
@@ -174,26 +174,22 @@ struct MendableDesktop final : platform::DesktopExamination, platform::DesktopMe
         return true;
     }
     bool start(const std::stop_token & /*stop*/) override { return false; }
-    platform::RestartOutcome restart(const ApplicationFacts & /*application*/,
-                                     const std::stop_token & /*stop*/) override {
-        return platform::RestartOutcome::failed;
-    }
 };
 
 TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     test::SimulatedDesktop simulated;
     simulated.userDefaults.set(settingsKey::openRouterAPIKey, utf16("sk-secret"));
     simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
-    MendableDesktop mendable;
-    mendable.facts = desktop;
-    mendable.facts.isAccessibilityEnabled = false;
+    RepairableDesktop repairable;
+    repairable.facts = desktop;
+    repairable.facts.isAccessibilityEnabled = false;
     std::istringstream input;
     std::ostringstream output;
     std::ostringstream errors;
     CommandServices services;
     services.install = [] { return nullptr; };
-    services.examination = &mendable;
-    services.mending = &mendable;
+    services.examination = &repairable;
+    services.repair = &repairable;
     const auto doctor = [&](const QStringList &arguments) {
         return runDoctorCommand(arguments, services, {input, output, errors});
     };
@@ -201,20 +197,20 @@ TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     EXPECT_EQ(doctor({utf16("--fix"), utf16("--json")}), exitStatus::success);
     EXPECT_THAT(errors.str(), HasSubstr("Switched accessibility on."));
     errors.str({});
-    mendable.facts.isAccessibilityKept = mendable.facts.isRunning = false;
+    repairable.facts.isAccessibilityKept = repairable.facts.isRunning = false;
     EXPECT_EQ(doctor({utf16("--fix")}), exitStatus::success);
     EXPECT_EQ(errors.str(), "Accessibility stays on at the next login.\n");
     EXPECT_THAT(output.str(), testing::EndsWith("once it is started.\n"));
     simulated.userDefaults.set(settingsKey::enabled, false);
     EXPECT_EQ(doctor({}), exitStatus::failure);
     EXPECT_EQ(doctor({utf16("--fix"), utf16("now")}), exitStatus::misuse);
-    EXPECT_FALSE(mendable.facts.startsAtLogin);
+    EXPECT_FALSE(repairable.facts.startsAtLogin);
     EXPECT_THAT(output.str(), testing::Not(HasSubstr("sk-secret")));
     for (const auto &[name, value] : simulated.urlSession.exchange(0)->request().headers) {
         EXPECT_FALSE(value.contains("sk-secret")) << name.toStdString();
     }
     EXPECT_EQ(runAutostartCommand({utf16("on")}, services, {input, output, errors}), exitStatus::success);
-    EXPECT_TRUE(mendable.facts.startsAtLogin);
+    EXPECT_TRUE(repairable.facts.startsAtLogin);
 }
 
 /// Takes keys into a simulated store.
@@ -230,13 +226,13 @@ struct KeyTaker final : platform::KeyStorage {
 TEST_F(Diagnosis, TheTerminalAsksForWhatIsMissing) {
     test::SimulatedDesktop simulated;
     simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
-    MendableDesktop mendable;
-    mendable.facts = desktop;
-    mendable.facts.isAccessibilityEnabled = mendable.facts.isAccessibilityKept = false;
+    RepairableDesktop repairable;
+    repairable.facts = desktop;
+    repairable.facts.isAccessibilityEnabled = repairable.facts.isAccessibilityKept = false;
     CommandServices services;
     services.install = [&] { return std::make_shared<KeyTaker>(simulated.userDefaults); };
-    services.examination = &mendable;
-    services.mending = &mendable;
+    services.examination = &repairable;
+    services.repair = &repairable;
     services.setUpInWindow = [] { return std::nullopt; };
     // Accessibility, autostart, a key that is none, the key, whether to try it.
     std::istringstream input("\n\nsk and more\n  sk-secret \nn\n");
@@ -244,13 +240,13 @@ TEST_F(Diagnosis, TheTerminalAsksForWhatIsMissing) {
     std::ostringstream errors;
     EXPECT_EQ(runSetupCommand({}, services, {input, output, errors}), exitStatus::success);
     EXPECT_EQ(simulated.userDefaults.string(settingsKey::openRouterAPIKey), utf16("sk-secret"));
-    EXPECT_TRUE(*mendable.facts.isAccessibilityEnabled);
-    EXPECT_FALSE(mendable.facts.startsAtLogin);
+    EXPECT_TRUE(*repairable.facts.isAccessibilityEnabled);
+    EXPECT_FALSE(repairable.facts.startsAtLogin);
     EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("copy the key again."), testing::Not(HasSubstr("sk"))));
     std::istringstream nothing;
-    mendable.facts.isAccessibilityEnabled = false;
+    repairable.facts.isAccessibilityEnabled = false;
     EXPECT_EQ(runSetupCommand({}, services, {nothing, output, errors}), exitStatus::failure);
-    EXPECT_FALSE(*mendable.facts.isAccessibilityEnabled) << "an input that ends agrees to nothing";
+    EXPECT_FALSE(*repairable.facts.isAccessibilityEnabled) << "an input that ends agrees to nothing";
 }
 
 TEST(ApiKey, IsCleanedOrRefused) {

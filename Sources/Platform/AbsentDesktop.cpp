@@ -83,12 +83,12 @@ void AbsentDesktop::replaceItem(const QString & /*installed*/, const QString & /
     throwNoFiles();
 }
 
-int AbsentDesktop::run(const QString & /*executable*/, const QStringList & /*arguments*/,
-                       const std::stop_token & /*stop*/) {
+bool AbsentDesktop::unpackArchive(const QString & /*archive*/, const QString & /*folder*/,
+                                  const std::stop_token & /*stop*/) {
     throwNoFiles();
 }
 
-void AbsentDesktop::startDetached(const QString & /*executable*/, const QStringList & /*arguments*/) {
+void AbsentDesktop::relaunchAfterExit(const QString & /*application*/) {
     throwNoFiles();
 }
 

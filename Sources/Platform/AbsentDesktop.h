@@ -46,9 +46,9 @@ class AbsentDesktop final : public Accessibility,
     void removeAbandoned(const QStringList & /*beginnings*/) noexcept override {}
     void replaceItem(const QString &installed, const QString &found, const Approval &approve,
                      const std::stop_token &stop) override;
-    [[nodiscard]] int run(const QString &executable, const QStringList &arguments,
-                          const std::stop_token &stop) override;
-    void startDetached(const QString &executable, const QStringList &arguments) override;
+    [[nodiscard]] bool unpackArchive(const QString &archive, const QString &folder,
+                                     const std::stop_token &stop) override;
+    void relaunchAfterExit(const QString &application) override;
     [[nodiscard]] bool userHoldsKeys() override { return false; }
     bool postKey(KeyCode key, EventFlags flags) override;
     void post(std::function<void()> work) override;

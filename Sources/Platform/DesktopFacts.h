@@ -41,8 +41,6 @@ struct PagesFacts {
 /// A running browser or chat program, as far as the accessibility bus shows it.
 struct ApplicationFacts {
     qint32 pid = 0;
-    /// Tells the process from a later one that was given the same number.
-    quint64 startTime = 0;
     QString name;
     QString bundleIdentifier;
     bool isOnBus = false;
@@ -89,30 +87,17 @@ class DesktopExamination {
     [[nodiscard]] virtual DesktopFacts examine(const std::stop_token &stop) = 0;
 };
 
-/// What came of starting a program anew.
-enum class RestartOutcome {
-    restarted,
-    /// It was told to end and takes long over it, or asks its user something; it is not started again.
-    isStillEnding,
-    /// It was gone already, cannot be started from here, or did not come up.
-    failed,
-};
-
-/// Changes what the user asked to have changed on the desktop. Each operation says whether it worked; one that takes a
-/// token may take some seconds, and no longer waits for the outcome once that asks to stop.
-class DesktopMending {
+/// Changes the desktop as the user asked. Each operation returns whether it worked. One that takes a token may take
+/// some seconds; when asked to stop, it returns without waiting for the outcome. Any thread.
+class DesktopRepair {
   public:
-    virtual ~DesktopMending() = default;
-    /// Switches accessibility on for this session and, where the desktop has a setting for that, for later ones.
+    virtual ~DesktopRepair() = default;
+    /// Switches accessibility on for this session and, where the desktop has a setting for it, for later ones.
     virtual bool enableAccessibility(const std::stop_token &stop) = 0;
-    /// Whether the program starts with the session.
+    /// Makes Quillory start at every login, or no longer.
     virtual bool setStartsAtLogin(bool starts) = 0;
-    /// Starts the program on this display; whether it runs.
+    /// Starts Quillory on this display and waits until it runs.
     virtual bool start(const std::stop_token &stop) = 0;
-    /// Ends a program as its user would and starts it again, so that it comes up with its tree and, in a Wayland
-    /// session, on the X display. Touches nothing when the program that was found has ended meanwhile. What ends within
-    /// some seconds is started again even when the token asks to stop.
-    virtual RestartOutcome restart(const ApplicationFacts &application, const std::stop_token &stop) = 0;
 };
 
 } // namespace platform

@@ -3,23 +3,22 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 #include <stop_token>
 
 namespace platform {
 
-/// The tools of the system that the program starts: "/usr/bin/ditto", which unpacks archives, and "/bin/sh" with the
-/// command that opens the installed application. Any thread but the main one.
+/// What installing an update needs of the system besides files. Any thread but the main one.
 class SystemTools {
   public:
     virtual ~SystemTools() = default;
-    /// Runs a tool to its end and gives its exit status. Throws FileError when it cannot be started, and
-    /// CancellationError.
-    [[nodiscard]] virtual int run(const QString &executable, const QStringList &arguments,
-                                  const std::stop_token &stop) = 0;
-    /// Starts a tool that goes on by itself when this program ends. Throws FileError when it cannot be started.
-    virtual void startDetached(const QString &executable, const QStringList &arguments) = 0;
+    /// Unpacks a zip archive into an empty folder. Returns false, having written the reason to standard error, when the
+    /// archive is broken or not safe to unpack; the folder may then hold some of it. Throws CancellationError.
+    [[nodiscard]] virtual bool unpackArchive(const QString &archive, const QString &folder,
+                                             const std::stop_token &stop) = 0;
+    /// Has an installed application started once this program has ended. The path may begin with "/Applications/".
+    /// Throws FileError when that cannot be arranged.
+    virtual void relaunchAfterExit(const QString &application) = 0;
 };
 
 } // namespace platform

@@ -3,7 +3,7 @@
 #include "Platform/AbsentDesktop.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 #include "Platform/Linux/Doctor/LinuxExamination.h"
-#include "Platform/Linux/Doctor/LinuxMending.h"
+#include "Platform/Linux/Doctor/LinuxRepair.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/HiddenInput.h"
 #include "Platform/Linux/LinuxPlatform.h"
@@ -95,7 +95,7 @@ std::unique_ptr<quillory::CommandDesktop> openDesktop(int &argc, char **argv) {
 /// What the set-up works with.
 struct SetupServices {
     platform::DesktopExamination &examination;
-    platform::DesktopMending &mending;
+    platform::DesktopRepair &repair;
 };
 
 int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> opened,
@@ -109,7 +109,7 @@ int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> ope
     connection->watch();
     desktop::LinuxWorkspace workspace(connection->get());
     const auto keys = installCommandPlatform(&workspace);
-    quillory::ui::SetupWindow window({services.examination, services.mending, *keys});
+    quillory::ui::SetupWindow window({services.examination, services.repair, *keys});
     if (instance) { // else the display has another, which does not answer
         instance->onSummons([&window] { quillory::ui::bringToFront(window); });
     }
@@ -140,7 +140,7 @@ std::optional<int> runCommand(int &argc, char **argv) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
     }
     desktop::LinuxExamination examination;
-    desktop::LinuxMending mending;
+    desktop::LinuxRepair repair;
     desktop::SecretService secrets;
     std::unique_ptr<desktop::SecretUserDefaults> store;
     quillory::CommandServices services;
@@ -152,8 +152,8 @@ std::optional<int> runCommand(int &argc, char **argv) {
     services.install = [] { return installCommandPlatform(); };
     services.openDesktop = [&] { return openDesktop(argc, argv); };
     services.examination = &examination;
-    services.mending = &mending;
-    services.setUpInWindow = [&] { return setUpInWindow(argc, argv, {examination, mending}); };
+    services.repair = &repair;
+    services.setUpInWindow = [&] { return setUpInWindow(argc, argv, {examination, repair}); };
     if (isatty(STDIN_FILENO) == 1) {
         services.readHidden = desktop::readHidden;
     }

@@ -4,7 +4,6 @@
 
 #include "RealDesktop/BrowserSettings.h"
 
-#include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 
@@ -72,24 +71,6 @@ QString Browser::whatIsMissing(Kind kind) {
 
 Browser::Browser(int pagePort, const QString &profile, const Options &options)
     : m_process(commandLine(pagePort, profile, options), Output::dropped) {}
-
-void Browser::putOnPath(Kind kind, int pagePort) {
-    if (kind != Kind::chromium) {
-        return; // all that it needs is in its profile
-    }
-    const QString folder = qEnvironmentVariable("HOME") + QStringLiteral("/bin");
-    QFile launcher(folder + QStringLiteral("/chromium"));
-    const QString real = QStandardPaths::findExecutable(QStringLiteral("chromium"));
-    if (QDir().mkpath(folder) && launcher.open(QFile::WriteOnly)) {
-        launcher.write("#!/bin/sh\nexec " + real.toUtf8());
-        for (const std::string &flag : chromiumFlags(pagePort)) {
-            launcher.write(" '" + QByteArray::fromStdString(flag) + '\'');
-        }
-        launcher.write(" \"$@\"\n");
-        launcher.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        qputenv("PATH", folder.toUtf8() + ':' + qgetenv("PATH"));
-    }
-}
 
 void Browser::freeze() const {
     kill(m_process.pid(), SIGSTOP);

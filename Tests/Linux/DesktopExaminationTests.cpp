@@ -2,10 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Accessibility.h"
 #include "Platform/Linux/Doctor/LinuxExamination.h"
-#include "Platform/Linux/Doctor/LinuxMending.h"
+#include "Platform/Linux/Doctor/LinuxRepair.h"
 #include "Platform/Linux/Doctor/OwnProgram.h"
-#include "Platform/Linux/Doctor/ProgramRestart.h"
-#include "Platform/Linux/Doctor/RestartArguments.h"
 #include "Platform/Linux/X11/Keys/X11Keyboard.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "RealDesktop/RealDesktop.h"
@@ -16,8 +14,6 @@
 
 #include <gmock/gmock.h>
 
-#include <csignal>
-
 namespace {
 
 using namespace quillory::test;
@@ -25,7 +21,7 @@ using namespace platform;
 
 struct DesktopExaminationTest : testing::Test {
     desktop::LinuxExamination examination;
-    desktop::LinuxMending mending;
+    desktop::LinuxRepair repair;
 };
 
 TEST_F(DesktopExaminationTest, FindsAccessibilityOffAndSwitchesItOn) {
@@ -35,14 +31,14 @@ TEST_F(DesktopExaminationTest, FindsAccessibilityOffAndSwitchesItOn) {
     EXPECT_EQ(facts.isAccessibilityEnabled, false);
     EXPECT_EQ(facts.windowManager, QStringLiteral("Openbox"));
     EXPECT_FALSE(facts.hasTray || facts.hasStatusNotifier || facts.startsAtLogin);
-    EXPECT_TRUE(mending.enableAccessibility({}));
-    EXPECT_TRUE(mending.setStartsAtLogin(true));
+    EXPECT_TRUE(repair.enableAccessibility({}));
+    EXPECT_TRUE(repair.setStartsAtLogin(true));
     facts = examination.examine({});
     EXPECT_EQ(facts.isAccessibilityEnabled, true);
     EXPECT_TRUE(facts.startsAtLogin);
     const std::string entry = qEnvironmentVariable("XDG_CONFIG_HOME").toStdString() + "/autostart/quillory.desktop";
     EXPECT_EQ(run({"desktop-file-validate", entry}), 0);
-    EXPECT_TRUE(mending.setStartsAtLogin(false));
+    EXPECT_TRUE(repair.setStartsAtLogin(false));
     EXPECT_FALSE(examination.examine({}).startsAtLogin);
 }
 
@@ -120,92 +116,6 @@ TEST_F(DesktopExaminationTest, SeesTheBoxInABrowsersPage) {
     const PageFacts &seen = facts.applications[0].tree->pages.front();
     EXPECT_EQ(seen.fields[0].role, axRole::textArea);
     EXPECT_TRUE(seen.frame && seen.fields[0].frame && seen.fields[0].frame->midY() < seen.frame->midY());
-}
-
-TEST(RestartArguments, OpenTheSameWindowsAndGiveSwitchesOnlyToWhatTakesThem) {
-    const auto isFolder = [](const QString &path) {
-        return path == QStringLiteral("/home/u/work") || path == QStringLiteral("/home/u/my work");
-    };
-    const QString path = QStringLiteral("/usr/lib/program");
-    const char *chromium = "org.chromium.Chromium";
-    const char *other = "net.whatsapp.zapzap";
-    const struct {
-        const char *identifier;
-        /// Pieces of the command line, and of what is expected.
-        std::vector<const char *> running;
-        std::vector<const char *> expected;
-    } cases[] = {
-        {chromium, {"/usr/lib/program"}, {"--restore-last-session"}},
-        {chromium,
-         {"/usr/lib/program --type --user-data-dir=/home/u/work https://web.whatsapp.com"},
-         {"--restore-last-session", "--user-data-dir=/home/u/work"}},
-        {chromium,
-         {"/usr/lib/program --user-data-dir=/home/u/my work --app=https://a.b/ /tmp/a --type"},
-         {"--user-data-dir=/home/u/my work", "--app=https://a.b/"}},
-        {chromium, {"/usr/lib/program --user-data-dir=/gone --app-id=abc https://a.b/"}, {"--app-id=abc"}},
-        {"com.google.Chrome.beta",
-         {"/usr/lib/program --profile-directory=Profile 1 web.whatsapp.com"},
-         {"--restore-last-session", "--profile-directory=Profile 1"}},
-        {"com.brave.Browser",
-         {"/usr/lib/program --profile-directory=My Own https://a.b/"},
-         {"--restore-last-session", "--profile-directory=My Own"}},
-        {"com.vivaldi.Vivaldi",
-         {"/usr/lib/program --profile-directory=My Own /tmp/a.html"},
-         {"--restore-last-session", "--profile-directory=My Own"}},
-        {"com.microsoft.edgemac",
-         {"program", "--ozone-platform=wayland", "https://a.b/"},
-         {"--restore-last-session", "https://a.b/"}},
-        {"net.whatsapp.altus", {"/usr/lib/program /opt/altus.asar --quiet"}, {"/opt/altus.asar", "--quiet"}},
-        {other,
-         {"python3", "/usr/bin/zapzap", "--ozone-platform=wayland"},
-         {"/usr/bin/zapzap", "--ozone-platform=wayland"}},
-        {other, {"/opt/my programs/wrapper"}, {}},
-        {"net.whatsapp.wasistlos", {"program", "a b"}, {"a b"}},
-    };
-    const auto list = [](const std::vector<const char *> &pieces) {
-        QStringList whole;
-        std::ranges::transform(pieces, std::back_inserter(whole), [](auto piece) { return QLatin1StringView(piece); });
-        return whole;
-    };
-    for (const auto &[identifier, running, expected] : cases) {
-        const auto kind = desktop::programKind(QLatin1StringView(identifier));
-        const bool takesSwitches = kind == desktop::ProgramKind::chromium || kind == desktop::ProgramKind::electron;
-        const QStringList switches(takesSwitches ? 1 : 0, QStringLiteral("--ozone-platform=x11"));
-        EXPECT_EQ(desktop::restartArguments(kind, list(running), path, isFolder), switches + list(expected))
-            << identifier << ": " << running.front();
-    }
-}
-
-/// Of a stand-in, which is known by its name alone.
-TEST_F(DesktopExaminationTest, RestartsTheProgramThatWasFoundAndNoOther) {
-    const QTemporaryDir folder;
-    const QString program = folder.filePath(QStringLiteral("firefox"));
-    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), program));
-    qputenv("PATH", folder.path().toUtf8() + ':' + qgetenv("PATH"));
-    qputenv("OPENROUTER_API_KEY", "made-up-key");
-    ChildProcess first({program.toStdString(), "600"});
-    std::vector<ApplicationFacts> found;
-    const auto find = [&] { return (found = examination.examine({}).applications).size() == 1; };
-    ASSERT_TRUE(waitUntil(find));
-    ApplicationFacts earlier = found[0];
-    --earlier.startTime;
-    EXPECT_EQ(mending.restart(earlier, {}), RestartOutcome::failed) << "its number means another program now";
-    EXPECT_TRUE(first.isRunning());
-    EXPECT_EQ(mending.restart(found[0], {}), RestartOutcome::restarted);
-    EXPECT_FALSE(first.isRunning());
-    ASSERT_TRUE(find());
-    const auto fileOf = [&](const char *name) {
-        QFile file(QStringLiteral("/proc/%1/%2").arg(found[0].pid).arg(QLatin1StringView(name)));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
-    EXPECT_TRUE(fileOf("cmdline").endsWith(QByteArray("600", 4)));
-    EXPECT_TRUE(fileOf("environ").contains("GNOME_ACCESSIBILITY=1"));
-    EXPECT_FALSE(fileOf("environ").contains("made-up-key"));
-    kill(found[0].pid, SIGSTOP);
-    std::stop_source stopped;
-    stopped.request_stop();
-    EXPECT_EQ(desktop::restartProgram(found[0], stopped.get_token(), {}), RestartOutcome::isStillEnding);
-    kill(found[0].pid, SIGKILL);
 }
 
 } // namespace

@@ -21,7 +21,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// A desktop on which accessibility is off, and a key storage.
-struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::DesktopMending, platform::KeyStorage {
+struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::DesktopRepair, platform::KeyStorage {
     SimulatedDesktop desktop;
     platform::DesktopFacts facts;
     QString stored;
@@ -43,10 +43,6 @@ struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::
     }
     bool setStartsAtLogin(bool /*starts*/) override { return false; }
     bool start(const std::stop_token & /*stop*/) override { return false; }
-    platform::RestartOutcome restart(const platform::ApplicationFacts & /*application*/,
-                                     const std::stop_token & /*stop*/) override {
-        return platform::RestartOutcome::failed;
-    }
     platform::KeyPlace storeKey(const QString &key, const std::stop_token & /*stop*/) override {
         stored = key;
         desktop.userDefaults.set(settingsKey::openRouterAPIKey, key);

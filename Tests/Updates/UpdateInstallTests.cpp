@@ -36,7 +36,7 @@ class UpdateInstall : public UpdateStory {
         EXPECT_EQ(vouchedVersion(target), "1") << attack;
         EXPECT_THAT(temporaryFiles(), IsEmpty()) << attack;
         EXPECT_FALSE(application().isTerminated) << attack;
-        EXPECT_EQ(tools.started, QString()) << attack;
+        EXPECT_EQ(tools.relaunched, QString()) << attack;
         application().alerts.clear();
         QFile::remove(desktop.process.logPath());
     }
@@ -56,7 +56,7 @@ TEST_F(UpdateInstall, PutsTheOfferedVersionInPlaceAndStartsIt) {
     EXPECT_EQ(vouchedVersion(target), "2");
     EXPECT_THAT(desktop.log(), ElementsAre(QStringLiteral("update available: 2 (running 1)"),
                                            QStringLiteral("update installed, relaunching")));
-    EXPECT_EQ(tools.started, QStringLiteral("/bin/sh -c sleep 1; open '/Applications/Quillory.app'"));
+    EXPECT_EQ(tools.relaunched, QStringLiteral("/Applications/Quillory.app"));
     EXPECT_THAT(application().works,
                 ElementsAre(QStringLiteral("Downloading the update…"), QStringLiteral("Unpacking the update…"),
                             QStringLiteral("Checking the update…")));

@@ -15,17 +15,15 @@
 
 namespace quillory::test {
 
-/// The system's tools, but that what would be started by itself is only noted.
+/// The real tools, except that a relaunch is only noted.
 class NotingTools final : public platform::SystemTools {
   public:
-    [[nodiscard]] int run(const QString &executable, const QStringList &arguments,
-                          const std::stop_token &stop) override {
-        return m_real.run(executable, arguments, stop);
+    [[nodiscard]] bool unpackArchive(const QString &archive, const QString &folder,
+                                     const std::stop_token &stop) override {
+        return m_real.unpackArchive(archive, folder, stop);
     }
-    void startDetached(const QString &executable, const QStringList &arguments) override {
-        started = (QStringList{executable} + arguments).join(u' ');
-    }
-    QString started;
+    void relaunchAfterExit(const QString &application) override { relaunched = application; }
+    QString relaunched;
 
   private:
     platform::desktop::LinuxSystemTools m_real;

@@ -66,7 +66,7 @@ struct CommandServices {
     std::function<std::unique_ptr<CommandDesktop>()> openDesktop;
     /// For the commands that look after the desktop; never null for those.
     platform::DesktopExamination *examination = nullptr;
-    platform::DesktopMending *mending = nullptr;
+    platform::DesktopRepair *repair = nullptr;
     /// Sets things up in a window and gives the exit status; absent when there is no display to show it on.
     std::function<std::optional<int>()> setUpInWindow;
     /// Reads a line that is not shown while it is typed, with what is pasted after its line breaks; none where the

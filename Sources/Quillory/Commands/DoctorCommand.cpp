@@ -35,7 +35,7 @@ void fix(std::vector<Finding> &findings, const CommandServices &services, const 
         return;
     }
     const bool isOnNow = safe == std::ranges::count_if(findings, isToBeKept);
-    const bool isDone = services.mending->enableAccessibility({});
+    const bool isDone = services.repair->enableAccessibility({});
     findings = findingsNow(services);
     if (!isDone) {
         streams.errors << "quillory: accessibility could not be switched on.\n";
@@ -140,7 +140,7 @@ int runAutostartCommand(const QStringList &arguments, const CommandServices &ser
     if (!on && given.words() != QStringList{QStringLiteral("off")}) {
         return given.refuse();
     }
-    if (!services.mending->setStartsAtLogin(on)) {
+    if (!services.repair->setStartsAtLogin(on)) {
         streams.errors << "quillory: the entry for the desktop's autostart could not be "
                        << (on ? "written.\n" : "removed.\n");
         return exitStatus::failure;

@@ -49,7 +49,7 @@ class Dialogue {
                 continue;
             }
             if (agrees(offered->question, offered->isHarmless)) {
-                say(m_work.mend(finding, {}));
+                say(m_work.repair(finding, {}));
             }
         }
     }
@@ -114,7 +114,7 @@ int runSetupCommand(const QStringList &arguments, const CommandServices &service
         }
     }
     const auto keys = services.install();
-    const SetupWork work(*services.examination, *services.mending, *keys);
+    const SetupWork work(*services.examination, *services.repair, *keys);
     return Dialogue(work, services, streams).run();
 }
 

@@ -126,6 +126,11 @@ bool hasMessageBox(const platform::PageFacts &page) {
     return std::ranges::any_of(page.fields, [&](const auto &field) { return isMessageBox(field, page); });
 }
 
+void askToReopen(Finding &finding) {
+    finding.advice = QStringLiteral("Close all its windows, then open it again.");
+    finding.needsReopening = true;
+}
+
 /// What is found of a program's pages once its tree has answered.
 void judgePages(Finding &finding, const ApplicationFacts &application) {
     const auto &[pages, isWhole] = *application.tree;
@@ -144,12 +149,10 @@ void judgePages(Finding &finding, const ApplicationFacts &application) {
     } else if (pages.empty()) {
         finding.state = State::problem;
         finding.found = QStringLiteral("shows no page; it was probably started before accessibility was on");
-        finding.advice = QStringLiteral("Restart it.");
-        finding.remedy = Remedy::restart;
+        askToReopen(finding);
     } else if (!chats.empty()) {
         finding.found = QStringLiteral("WhatsApp is seen, but no message box");
-        finding.advice = QStringLiteral("Open a chat in it. If one is open, restart the program.");
-        finding.remedy = Remedy::restart;
+        finding.advice = QStringLiteral("Open a chat in it. If one is open, close the program and open it again.");
     } else {
         finding.found = QStringLiteral("pages are seen, none of them WhatsApp");
         finding.advice = QStringLiteral("Open web.whatsapp.com in it.");
@@ -158,22 +161,19 @@ void judgePages(Finding &finding, const ApplicationFacts &application) {
 
 Finding aboutBrowser(const ApplicationFacts &application, const DesktopFacts &desktop) {
     Finding finding = about(QStringLiteral("browser"), application.name);
-    finding.application = application;
     if (desktop.session == platform::SessionType::wayland && !application.hasX11Window) {
         finding.state = State::problem;
         finding.found = QStringLiteral("runs on Wayland itself, where Quillory cannot place cards nor take keys");
-        finding.advice = QStringLiteral("Close it and start it with: ") + startForX11(&application);
-        finding.remedy = Remedy::restart;
+        finding.advice = QStringLiteral("Close it, then start it with: ") + startForX11(&application);
+        finding.needsReopening = true;
     } else if (!application.isOnBus) {
         finding.state = State::problem;
         finding.found = QStringLiteral("is not on the accessibility bus; it was started before accessibility was on");
-        finding.advice = QStringLiteral("Restart it.");
-        finding.remedy = Remedy::restart;
+        askToReopen(finding);
     } else if (!application.tree) {
         finding.state = State::problem;
         finding.found = QStringLiteral("does not answer");
-        finding.advice = QStringLiteral("Wait until it is no longer busy, or restart it.");
-        finding.remedy = Remedy::restart;
+        finding.advice = QStringLiteral("Wait until it is less busy, or close it and open it again.");
     } else {
         judgePages(finding, application);
     }
@@ -357,12 +357,6 @@ std::optional<Offer> offerFor(const Finding &finding) {
         return std::nullopt;
     case Remedy::enableAccessibility:
         return Offer{QStringLiteral("Switch On"), QStringLiteral("Switch accessibility on, now and for later logins?")};
-    case Remedy::restart:
-        return Offer{QStringLiteral("Restart…"),
-                     QStringLiteral("Restart %1? All its windows close. What is typed and not yet sent in them is "
-                                    "lost, and so are pages that it does not open again by itself.")
-                         .arg(finding.title),
-                     false};
     case Remedy::startAtLogin:
         return Offer{QStringLiteral("Switch On"), QStringLiteral("Start Quillory at every login?"), false};
     case Remedy::start:

@@ -27,7 +27,7 @@ struct ProgramFacts {
 };
 
 /// What can be done about a finding without the user's doing more than agreeing.
-enum class Remedy { none, enableAccessibility, restart, startAtLogin, start, enterKey };
+enum class Remedy { none, enableAccessibility, startAtLogin, start, enterKey };
 
 struct Finding {
     enum class State {
@@ -44,8 +44,8 @@ struct Finding {
     /// What to do; empty when there is nothing to do.
     QString advice;
     Remedy remedy = Remedy::none;
-    /// What the remedy is for, when that is a program.
-    std::optional<platform::ApplicationFacts> application;
+    /// Whether it is about a program that the user must close and open again.
+    bool needsReopening = false;
 };
 
 /// A finding for each check, in the order in which things need each other.

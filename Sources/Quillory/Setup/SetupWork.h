@@ -12,12 +12,12 @@ namespace quillory {
 /// never on the main thread of a program with windows.
 class SetupWork {
   public:
-    SetupWork(platform::DesktopExamination &examination, platform::DesktopMending &mending, platform::KeyStorage &keys)
-        : m_examination(examination), m_mending(mending), m_keys(keys) {}
+    SetupWork(platform::DesktopExamination &examination, platform::DesktopRepair &repair, platform::KeyStorage &keys)
+        : m_examination(examination), m_repair(repair), m_keys(keys) {}
 
     [[nodiscard]] std::vector<Finding> look(const std::stop_token &stop) const;
-    /// Does what was offered for a finding. What came of it, as a sentence.
-    [[nodiscard]] QString mend(const Finding &finding, const std::stop_token &stop) const;
+    /// Does what was offered for a finding. Returns the outcome as a sentence.
+    [[nodiscard]] QString repair(const Finding &finding, const std::stop_token &stop) const;
 
     /// Takes a key as the user typed it.
     [[nodiscard]] SavedKey saveKey(const QString &typed, const std::stop_token &stop) const {
@@ -26,7 +26,7 @@ class SetupWork {
 
   private:
     platform::DesktopExamination &m_examination;
-    platform::DesktopMending &m_mending;
+    platform::DesktopRepair &m_repair;
     platform::KeyStorage &m_keys;
 };
 

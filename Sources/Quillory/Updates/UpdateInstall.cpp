@@ -13,9 +13,6 @@ namespace quillory::UpdateChecker {
 
 namespace {
 const QString installedApplication = QStringLiteral("/Applications/Quillory.app");
-const QString unpackingTool = QStringLiteral("/usr/bin/ditto");
-const QString shell = QStringLiteral("/bin/sh");
-const QString relaunchCommand = QStringLiteral("sleep 1; open '/Applications/Quillory.app'");
 const QString expectedTeam = QStringLiteral(QUILLORY_TEAM_ID);
 constexpr qint64 longestArchive = qint64{256} << 20;
 
@@ -45,8 +42,7 @@ class Installing {
                              QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
         platform::current().fileSystem.createDirectory(work.path());
         show(QStringLiteral("Unpacking the update…"), std::nullopt);
-        if (platform::current().systemTools.run(unpackingTool, {QStringLiteral("-xk"), archive.path(), work.path()},
-                                                m_stop) != 0) {
+        if (!platform::current().systemTools.unpackArchive(archive.path(), work.path(), m_stop)) {
             throw RewriteError::badResponse(QStringLiteral("unzip failed"));
         }
         const QString application = applicationIn(work.path());
@@ -54,7 +50,7 @@ class Installing {
         platform::current().fileSystem.replaceItem(
             installedApplication, application, [this](const QString &bundle) { approve(bundle); }, m_stop);
         FileLog::log(QStringLiteral("update installed, relaunching"));
-        platform::current().systemTools.startDetached(shell, {QStringLiteral("-c"), relaunchCommand});
+        platform::current().systemTools.relaunchAfterExit(installedApplication);
     }
 
   private:

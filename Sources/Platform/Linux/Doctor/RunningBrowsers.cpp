@@ -71,7 +71,6 @@ std::vector<ApplicationFacts> runningApplications(const std::set<qint32> &withWi
     for (auto &[pid, facts] : found) {
         const auto process = processes::fingerprint(pid);
         const auto parent = process ? found.find(process->parent) : found.end();
-        facts.startTime = process ? process->startTime : 0;
         const bool isHelper = parent != found.end() && parent->second.bundleIdentifier == facts.bundleIdentifier;
         facts.hasX11Window = withWindows.contains(pid);
         if (!isHelper && (facts.hasX11Window || isOnOurDisplay(pid).value_or(session == SessionType::wayland))) {

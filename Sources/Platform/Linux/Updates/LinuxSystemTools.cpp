@@ -10,7 +10,6 @@
 #include "Platform/Linux/Updates/UserApplications.h"
 
 #include <QFile>
-#include <QRegularExpression>
 
 #include <array>
 #include <cerrno>
@@ -23,15 +22,16 @@
 namespace platform::desktop {
 
 namespace {
-/// Waits for the old program's end, should that take longer than its second, but not for ever.
+constexpr auto shell = "/bin/sh";
+/// Gives the old program a second to end, then waits up to 30 seconds more: it may still be writing its files.
 constexpr auto openCommand =
     "sleep 1; n=0; while kill -0 \"$1\" 2>/dev/null && [ $n -lt 300 ]; do sleep 0.1; n=$((n + 1)); done; exec \"$0\"";
 
-/// Where a new process reports what goes wrong.
+/// The descriptor on which a new process reports the error that keeps it from becoming another program.
 constexpr int reportFile = STDERR_FILENO + 1;
 
-[[noreturn]] void cannotStart(const QString &executable, const QString &why) {
-    throw FileError(QStringLiteral("%1 could not be started: %2.").arg(executable, why).toStdString());
+[[noreturn]] void cannotStart(const QByteArray &program, int error) {
+    throw FileError((program + " could not be started: " + std::strerror(error) + '.').toStdString());
 }
 
 [[noreturn]] void endWith(int error) {
@@ -39,8 +39,9 @@ constexpr int reportFile = STDERR_FILENO + 1;
     ::_exit(1);
 }
 
-/// What a new process may do before it becomes another program: only what needs no lock of this one. What goes wrong
-/// is told to the other end of the report, which ends without a word otherwise.
+/// Turns a forked child into a program that shares nothing with this one. Between fork() and execv() only
+/// async-signal-safe calls are allowed: another thread may have held a lock. An error goes to the report's other end,
+/// which otherwise ends without a byte.
 [[noreturn]] void becomeDetached(const char *const *arguments, int report) {
     ::setsid();
     const int nowhere = ::open("/dev/null", O_RDWR);
@@ -56,7 +57,7 @@ constexpr int reportFile = STDERR_FILENO + 1;
     sigset_t none;
     sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
-    // In between so that init, not this program, is the parent.
+    // A second fork, so that init and not this program is the parent.
     const pid_t opener = ::fork();
     if (opener < 0) {
         endWith(errno);
@@ -79,42 +80,33 @@ int reported(int report) {
 }
 } // namespace
 
-int LinuxSystemTools::run(const QString &executable, const QStringList &arguments, const std::stop_token &stop) {
-    if (executable != QStringLiteral("/usr/bin/ditto") || arguments.size() != 3 ||
-        arguments.first() != QStringLiteral("-xk")) {
-        cannotStart(executable, QStringLiteral("there is no such tool on this system"));
-    }
+bool LinuxSystemTools::unpackArchive(const QString &archive, const QString &folder, const std::stop_token &stop) {
     try {
-        unpackZip(applications::resolved(arguments.at(1)), applications::resolved(arguments.at(2)), stop);
-        return 0;
+        unpackZip(archive, folder, stop);
+        return true;
     } catch (const UnpackError &error) {
         sayOnStandardError(QString::fromUtf8(error.what()));
-        return 1;
+        return false;
     }
 }
 
-void LinuxSystemTools::startDetached(const QString &executable, const QStringList &arguments) {
-    static const QRegularExpression form(QStringLiteral("^sleep 1; open '([^']+)'$"));
-    const auto match = form.match(arguments.value(1));
-    if (executable != QStringLiteral("/bin/sh") || arguments.value(0) != QStringLiteral("-c") || !match.hasMatch()) {
-        cannotStart(executable, QStringLiteral("this system has another way to open applications"));
-    }
-    const QByteArray program = QFile::encodeName(applications::resolved(match.captured(1))) + '/' + bundleName::program;
+void LinuxSystemTools::relaunchAfterExit(const QString &application) {
+    const QByteArray program = QFile::encodeName(applications::resolved(application)) + '/' + bundleName::program;
     if (::access(program.constData(), X_OK) != 0) {
-        cannotStart(QFile::decodeName(program), QString::fromLocal8Bit(std::strerror(errno)));
+        cannotStart(program, errno);
     }
     const QByteArray self = QByteArray::number(::getpid());
-    const std::array<const char *, 6> shell{"/bin/sh",        "-c",   openCommand, program.constData(),
-                                            self.constData(), nullptr};
+    const std::array<const char *, 6> arguments{shell,  "-c", openCommand, program.constData(), self.constData(),
+                                                nullptr};
     std::array<int, 2> ends{-1, -1};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        cannotStart(executable, QString::fromLocal8Bit(std::strerror(errno)));
+        cannotStart(shell, errno);
     }
     const FileDescriptor report(ends[0]);
     FileDescriptor ours(ends[1]);
     const pid_t child = ::fork();
     if (child == 0) {
-        becomeDetached(shell.data(), ours.get());
+        becomeDetached(arguments.data(), ours.get());
     }
     const int error = child < 0 ? errno : 0;
     ours = FileDescriptor(); // or the report would never end
@@ -122,7 +114,7 @@ void LinuxSystemTools::startDetached(const QString &executable, const QStringLis
     while (child > 0 && ::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
     }
     if (failure != 0) {
-        cannotStart(executable, QString::fromLocal8Bit(std::strerror(failure)));
+        cannotStart(shell, failure);
     }
 }
 

@@ -6,15 +6,13 @@
 
 namespace platform::desktop {
 
-/// Carries out what the two tools would: unpacks archives in this process, and has the shell start an installed
-/// application once this process has ended.
+/// Unpacks with libarchive in this process, and leaves a shell behind that starts the relaunched application. That
+/// application belongs to the user's session: it inherits no open file, no terminal and no session from this process.
 class LinuxSystemTools final : public SystemTools {
   public:
-    [[nodiscard]] int run(const QString &executable, const QStringList &arguments,
-                          const std::stop_token &stop) override;
-    /// The command "sleep 1; open 'BUNDLE'" only. The application belongs to the user's session, not to this process:
-    /// it has no open file of this process and no terminal.
-    void startDetached(const QString &executable, const QStringList &arguments) override;
+    [[nodiscard]] bool unpackArchive(const QString &archive, const QString &folder,
+                                     const std::stop_token &stop) override;
+    void relaunchAfterExit(const QString &application) override;
 };
 
 } // namespace platform::desktop

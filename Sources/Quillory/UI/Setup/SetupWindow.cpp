@@ -165,7 +165,7 @@ void SetupWindow::mend(const Finding &finding) {
     }
     start(
         QStringLiteral("Working…"),
-        [work = m_work, finding](const std::stop_token &stop) { return work.mend(finding, stop); },
+        [work = m_work, finding](const std::stop_token &stop) { return work.repair(finding, stop); },
         [this](const QString &outcome) {
             m_outcome = outcome;
             m_hasMended = true;

@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/Linux/Doctor/LinuxMending.h"
+#include "Platform/Linux/Doctor/LinuxRepair.h"
 
 #include "Platform/Linux/Doctor/Autostart.h"
 #include "Platform/Linux/Doctor/BusExamination.h"
 #include "Platform/Linux/Doctor/DesktopSettings.h"
 #include "Platform/Linux/Doctor/OwnProgram.h"
-#include "Platform/Linux/Doctor/ProgramRestart.h"
 #include "Platform/Linux/Doctor/X11Examination.h"
 
 #include <QProcess>
@@ -15,16 +14,16 @@
 
 namespace platform::desktop {
 
-bool LinuxMending::enableAccessibility(const std::stop_token &stop) {
-    desktopSettings::keepAccessibility(); // not every desktop has it
+bool LinuxRepair::enableAccessibility(const std::stop_token &stop) {
+    desktopSettings::keepAccessibility(); // not every desktop has this setting
     return enableAccessibilityNow(stop);
 }
 
-bool LinuxMending::setStartsAtLogin(bool starts) {
+bool LinuxRepair::setStartsAtLogin(bool starts) {
     return autostart::set(starts);
 }
 
-bool LinuxMending::start(const std::stop_token &stop) {
+bool LinuxRepair::start(const std::stop_token &stop) {
     using namespace std::chrono_literals;
     constexpr auto patience = 10s;
     constexpr auto pause = 50ms;
@@ -36,10 +35,6 @@ bool LinuxMending::start(const std::stop_token &stop) {
         std::this_thread::sleep_for(pause);
     }
     return isProgramRunning();
-}
-
-RestartOutcome LinuxMending::restart(const ApplicationFacts &application, const std::stop_token &stop) {
-    return restartProgram(application, stop);
 }
 
 } // namespace platform::desktop

@@ -6,13 +6,12 @@
 
 namespace platform::desktop {
 
-/// Mends a Linux desktop. Holds nothing; any thread.
-class LinuxMending final : public DesktopMending {
+/// Changes a Linux desktop. Has no state.
+class LinuxRepair final : public DesktopRepair {
   public:
     bool enableAccessibility(const std::stop_token &stop) override;
     bool setStartsAtLogin(bool starts) override;
     bool start(const std::stop_token &stop) override;
-    RestartOutcome restart(const ApplicationFacts &application, const std::stop_token &stop) override;
 };
 
 } // namespace platform::desktop
