@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Quillory developers
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Most of the time of a build from nothing goes into the toolkit's headers; precompiled, a file takes half as long.
-# Every file still includes what it uses: QUILLORY_PRECOMPILED=OFF, which the linter runs with, proves it.
+# A build from scratch spends most of its time in Qt's headers; precompiled, they halve the time for each file. Every
+# file still includes what it uses: the linter proves it by running with QUILLORY_PRECOMPILED=OFF.
 option(QUILLORY_PRECOMPILED "Precompile the headers that most files include" ON)
 
 function(quillory_precompile target)

@@ -23,7 +23,7 @@ std::optional<double> seconds(QStringView digits) {
 }
 
 /// The entries of a field of competitors, or absent when it is none. Each ends in "=" and its time or nothing.
-std::optional<std::vector<ChoiceEntry>> competitorsIn(QStringView field) {
+std::optional<std::vector<ChoiceEntry>> competitorsIn(const QString &field) {
     static const QRegularExpression item(QStringLiteral(R"(\G(.*?)=(\d+\.\d\d)?(;|$))"));
     std::vector<ChoiceEntry> entries;
     qsizetype position = 0;
@@ -49,11 +49,11 @@ std::optional<ChoiceRecord> choiceRecord(const QByteArray &line) {
         return std::nullopt;
     }
     static const QRegularExpression time(QStringLiteral(R"(,(\d+\.\d\d)?,)"));
-    const QStringView fields = QStringView(*text).sliced(comma + 1);
+    const QString fields = text->sliced(comma + 1);
     for (auto match = time.match(fields); match.hasMatch(); match = time.match(fields, match.capturedStart() + 1)) {
         auto competitors = competitorsIn(fields.sliced(match.capturedEnd()));
         if (competitors) {
-            return ChoiceRecord{{fields.first(match.capturedStart()).toString(), seconds(match.capturedView(1))},
+            return ChoiceRecord{{fields.first(match.capturedStart()), seconds(match.capturedView(1))},
                                 *std::move(competitors)};
         }
     }
