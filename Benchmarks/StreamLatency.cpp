@@ -153,8 +153,8 @@ class ServerProcess {
 
 /// Streams one answer as the program does.
 void ask(const OpenRouterClient::OnChunk &onChunk) {
-    OpenRouterClient::stream(SuggestionKind::rewrite, QStringLiteral("helo can u send me the price list"), std::nullopt,
-                             defaultModel, onChunk, {});
+    OpenRouterClient::ofCurrent().stream(SuggestionKind::rewrite, QStringLiteral("helo can u send me the price list"),
+                                         std::nullopt, defaultModel, onChunk, {});
 }
 
 void report(const char *name, double ours, double plain) {

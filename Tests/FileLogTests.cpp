@@ -63,7 +63,7 @@ TEST(FileLog, LinesOfSeveralThreadsStayWhole) {
 
 TEST(ChoiceStats, WritesOneLineForEachChoice) {
     const SimulatedDesktop desktop;
-    const ChoiceStats &stats = ChoiceStats::shared();
+    const ChoiceStats stats(desktop.process.homeDirectory());
     EXPECT_EQ(content(stats.fileURL()), "(none)");
     struct Case {
         std::optional<double> elapsed;

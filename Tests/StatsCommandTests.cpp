@@ -47,7 +47,8 @@ struct StatsStory : testing::Test {
 
     int run(const QStringList &arguments) {
         std::istringstream input;
-        return runStatsCommand(arguments, ChoiceStats::shared().fileURL(), {input, output, errors});
+        return runStatsCommand(arguments, ChoiceStats::fileURL(desktop.process.homeDirectory()),
+                               {input, output, errors});
     }
 };
 
@@ -58,7 +59,7 @@ TEST_F(StatsStory, SaysSoWhenNothingWasRecorded) {
 }
 
 TEST_F(StatsStory, CountsWhatWasRecordedAndNamesWhatIsDamaged) {
-    auto &stats = ChoiceStats::shared();
+    const ChoiceStats stats(desktop.process.homeDirectory());
     for (int i = 1; i <= 10; ++i) {
         stats.record(u"a/one"_s, i, {{u"b/two"_s, i == 1 ? std::nullopt : std::optional(0.5)}});
     }

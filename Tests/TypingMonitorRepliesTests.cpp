@@ -213,7 +213,7 @@ TEST_P(ReplyGuard, AReplyStaysWithItsConversation) {
     EXPECT_THAT(newLog(), ElementsAre(u"accept blocked: only %1 conversation overlap (chat switch)"_s.arg(overlap)));
     EXPECT_FALSE(panelVisible());
     EXPECT_THAT(desktop.typed, IsEmpty());
-    EXPECT_FALSE(QFile::exists(ChoiceStats::shared().fileURL()));
+    EXPECT_FALSE(QFile::exists(ChoiceStats::fileURL(desktop.process.homeDirectory())));
 }
 
 INSTANTIATE_TEST_SUITE_P(Overlap, ReplyGuard,

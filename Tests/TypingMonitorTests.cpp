@@ -341,7 +341,7 @@ TEST_F(CompareStory, OneModelMayFailWhileTheOtherGoesOn) {
     EXPECT_FALSE(desktop.press(keyCode::tab));
     desktop.advance(1000);
     EXPECT_THAT(desktop.typed, testing::SizeIs(2));
-    QFile choices(ChoiceStats::shared().fileURL());
+    QFile choices(ChoiceStats::fileURL(desktop.process.homeDirectory()));
     ASSERT_TRUE(choices.open(QIODevice::ReadOnly));
     EXPECT_TRUE(choices.readAll().endsWith(",google/gemini-2.5-flash-lite,0.30,anthropic/claude-haiku-4.5=\n"));
 }

@@ -138,8 +138,4 @@ std::optional<RunningApplication> AbsentDesktop::runningApplication(qint32 /*pid
 
 void AbsentDesktop::activate(qint32 /*pid*/) {}
 
-bool AbsentDesktop::open(const QUrl & /*url*/) {
-    return false;
-}
-
 } // namespace platform

@@ -29,6 +29,7 @@ class AbsentDesktop final : public Accessibility,
 
     [[nodiscard]] bool isProcessTrusted() override { return false; }
     bool isProcessTrustedWithPrompt() override { return false; }
+    void showSettings() override {}
     [[nodiscard]] AXUIElement createSystemWide() override;
     [[nodiscard]] AXUIElement createApplication(qint32 pid) override;
     void runAlert(const Alert &alert, std::function<void(int)> answered) override;
@@ -70,7 +71,6 @@ class AbsentDesktop final : public Accessibility,
     void tell(const QString & /*title*/, const QString & /*text*/) override {}
     [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
     void activate(qint32 pid) override;
-    bool open(const QUrl &url) override;
 };
 
 } // namespace platform

@@ -154,6 +154,9 @@ class Accessibility {
     [[nodiscard]] virtual bool isProcessTrusted() = 0;
     /// The same, and asks the user to allow it when it is not so. Returns at once, without waiting for the user.
     virtual bool isProcessTrustedWithPrompt() = 0;
+    /// Shows, as the user asked for it, where to allow it: the desktop's accessibility settings or what stands in for
+    /// them. Returns at once.
+    virtual void showSettings() = 0;
     /// The element through which the focused element of the whole desktop is read.
     [[nodiscard]] virtual AXUIElement createSystemWide() = 0;
     /// The element of a whole application; it answers "absent" to everything when there is no such process.

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QString>
-#include <QUrl>
 
 #include <optional>
 
@@ -24,8 +23,6 @@ class Workspace {
     [[nodiscard]] virtual std::optional<RunningApplication> runningApplication(qint32 pid) = 0;
     /// Brings an application's windows to the front; does nothing when it is not running.
     virtual void activate(qint32 pid) = 0;
-    /// Opens an address with the program that the desktop has for it; false when there is none.
-    virtual bool open(const QUrl &url) = 0;
 };
 
 } // namespace platform

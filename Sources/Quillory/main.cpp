@@ -16,6 +16,7 @@
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Instance.h"
 #include "Quillory/Commands/CommandLine.h"
+#include "Quillory/Records/FileLog.h"
 #include "Quillory/UI/Setup/SetupWindow.h"
 #include "Quillory/UI/Shell/AppDelegate.h"
 #include "Quillory/UI/Shell/BringToFront.h"
@@ -187,6 +188,7 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     LaunchedSetup setup(*connection);
     const desktop::LinuxPlatform linuxPlatform(std::move(connection), [&] { return setup.isThere(); });
     const platform::Installation installation(linuxPlatform.services());
+    quillory::FileLog::open(linuxPlatform.services().process.homeDirectory());
     const auto instance = std::move(claim); // ends before the connection does
     quillory::ui::AppDelegate delegate({.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks,
                                         .check = quillory::UpdateChecker::check,

@@ -192,25 +192,6 @@ TEST(Applications, ActivationBringsTheProcessToTheFront) {
     EXPECT_TRUE(isInFront(111));
 }
 
-TEST(Applications, AddressesOpenWithTheDesktopsProgram) {
-    const QTemporaryDir folder;
-    const QByteArray path = qgetenv("PATH");
-    LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), DesktopEntries(QStringList()));
-    const QUrl address(u"https://example.org/a b?q=1&x=$(touch%20y)"_s);
-    qputenv("PATH", folder.path().toUtf8());
-    EXPECT_FALSE(workspace.open(address));
-    const QString opener = put(folder, u"xdg-open"_s,
-                               "#!/bin/sh\nprintf %s \"$1\" > \"" + folder.path().toUtf8() + "/partial\"\n/bin/mv \"" +
-                                   folder.path().toUtf8() + "/partial\" \"" + folder.path().toUtf8() + "/opened\"\n");
-    QFile::setPermissions(opener, QFile::ReadOwner | QFile::ExeOwner);
-    EXPECT_TRUE(workspace.open(address));
-    EXPECT_FALSE(workspace.open(QUrl(u"-x"_s)));
-    qputenv("PATH", path);
-    QFile opened(folder.filePath(u"opened"_s));
-    ASSERT_TRUE(waitUntil([&] { return opened.open(QIODevice::ReadOnly); }));
-    EXPECT_EQ(opened.readAll(), address.toEncoded());
-}
-
 TEST(LinuxProcess, KnowsItsInformationAndMakesItsFolders) {
     const QTemporaryDir folder;
     const QString home = folder.filePath(u"data/quillory"_s);

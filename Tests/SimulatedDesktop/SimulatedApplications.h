@@ -170,7 +170,7 @@ class SimulatedApplications final : public platform::Accessibility, public platf
     std::map<qint32, Node> focusOnActivation;
     std::vector<qint32> activated;
     int prompts = 0;
-    std::vector<QUrl> opened;
+    int settingsShown = 0;
 
     /// A running application with one window, which is returned.
     Node launch(const platform::RunningApplication &application, const QString &windowTitle) {
@@ -187,6 +187,7 @@ class SimulatedApplications final : public platform::Accessibility, public platf
         ++prompts;
         return trusted;
     }
+    void showSettings() override { ++settingsShown; }
     [[nodiscard]] platform::AXUIElement createSystemWide() override {
         auto node = std::make_shared<SimulatedNode>(0, QLatin1StringView("AXSystemWide"));
         if (focused) {
@@ -212,10 +213,6 @@ class SimulatedApplications final : public platform::Accessibility, public platf
         if (const auto found = focusOnActivation.find(pid); found != focusOnActivation.end()) {
             focused = found->second;
         }
-    }
-    bool open(const QUrl &url) override {
-        opened.push_back(url);
-        return true;
     }
 
   private:

@@ -4,6 +4,7 @@
 
 #include "Platform/AbsentDesktop.h"
 #include "Platform/Platform.h"
+#include "Quillory/Records/FileLog.h"
 #include "SimulatedDesktop/Printing.h"
 #include "SimulatedDesktop/SimulatedApplications.h"
 #include "SimulatedDesktop/SimulatedInput.h"
@@ -18,9 +19,11 @@ namespace quillory::test {
 using namespace Qt::StringLiterals;
 
 /// A whole desktop in memory. Making one installs it as the desktop that the program runs on; whatever uses it goes
-/// before it. Its user acts through its members.
+/// before it. The log goes to its home. Its user acts through its members.
 class SimulatedDesktop final : private platform::KeyPoster {
   public:
+    SimulatedDesktop() { FileLog::open(process.homeDirectory()); }
+
     SimulatedMainQueue mainQueue;
     SimulatedApplication application;
     SimulatedApplications applications;

@@ -30,7 +30,6 @@ struct LinuxPlatform::Private {
     Private(std::unique_ptr<X11Connection> opened, std::function<bool()> isTrustOffered)
         : isTrustOfferedElsewhere(std::move(isTrustOffered)), connection(std::move(opened)) {
         connection->watch();
-        workspace.onAccessibilitySettings = [this] { accessibility.showPrompt(); };
     }
 
     [[nodiscard]] AtspiAccessibility::Options accessibilityOptions() {

@@ -146,7 +146,7 @@ void writeRequest(std::ostream &output, const Inspection &seen) {
     }
     output << "\nWhat would be sent: a request for a "
            << (*seen.plan.kind == SuggestionKind::reply ? "reply" : "rewrite") << ", to "
-           << OpenRouterClient::serviceURL().toString().toStdString() << '\n';
+           << OpenRouterClient::ofCurrent().serviceURL().toString().toStdString() << '\n';
     for (const ModelChoice &model : seen.models) {
         output << "  model " << printable(model.id) << '\n';
     }
@@ -213,7 +213,7 @@ nlohmann::json requestValue(const Inspection &seen) {
         messages.push_back({{"role", role.toStdString()}, {"content", content.toStdString()}});
     }
     return {{"kind", *seen.plan.kind == SuggestionKind::reply ? "reply" : "rewrite"},
-            {"url", OpenRouterClient::serviceURL().toString().toStdString()},
+            {"url", OpenRouterClient::ofCurrent().serviceURL().toString().toStdString()},
             {"models", std::move(models)},
             {"messages", std::move(messages)}};
 }

@@ -66,7 +66,8 @@ Inspection inspectFocus() {
     seen.focus = inspected(*focused);
     seen.plan = planRequest(seen.focus->field);
     if (seen.plan.kind) {
-        seen.messages = OpenRouterClient::buildMessages(*seen.plan.kind, seen.plan.source, seen.plan.context);
+        seen.messages =
+            OpenRouterClient::ofCurrent().buildMessages(*seen.plan.kind, seen.plan.source, seen.plan.context);
         seen.models = activeModels(AppSettings::shared().store());
     }
     return seen;

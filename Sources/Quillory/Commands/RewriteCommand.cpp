@@ -103,8 +103,8 @@ class Growing {
 
 /// The screened rewrite. Throws RewriteError and what the network throws.
 QString rewriteOf(const Order &order, const QString &model, const OpenRouterClient::OnChunk &onChunk) {
-    const QString raw =
-        OpenRouterClient::stream(SuggestionKind::rewrite, order.draft, std::nullopt, model, onChunk, {}, order.tone);
+    const QString raw = OpenRouterClient::ofCurrent().stream(SuggestionKind::rewrite, order.draft, std::nullopt, model,
+                                                             onChunk, {}, order.tone);
     QString answer = cleanedAnswer(raw);
     const Verdict verdict = screen(SuggestionKind::rewrite, order.draft, answer);
     if (verdict.outcome == Verdict::Outcome::rejected) {

@@ -20,7 +20,8 @@ QString failure(const QString &description) {
 QString triedConnection(const std::stop_token &stop) {
     AppSettings::shared().store().askAgain();
     try {
-        static_cast<void>(OpenRouterClient::rewrite(QStringLiteral("helo this is a quik test mesage"), stop));
+        static_cast<void>(
+            OpenRouterClient::ofCurrent().rewrite(QStringLiteral("helo this is a quik test mesage"), stop));
         return QStringLiteral("✓ Working");
     } catch (const RewriteError &error) {
         return failure(error.description());

@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <optional>
 
-namespace quillory::OpenRouterClient {
+namespace quillory {
 
 namespace {
 using nlohmann::json;
@@ -92,4 +92,4 @@ QString wholeAnswer(const QByteArray &body) {
     return *content;
 }
 
-} // namespace quillory::OpenRouterClient
+} // namespace quillory

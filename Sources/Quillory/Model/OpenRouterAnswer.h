@@ -6,7 +6,7 @@
 #include <QString>
 
 /// What the model service's answers say. Pure functions of bytes that anybody may have written.
-namespace quillory::OpenRouterClient {
+namespace quillory {
 
 /// One line of a streamed answer.
 struct StreamEvent {
@@ -24,4 +24,4 @@ struct StreamEvent {
 /// RewriteError when it is JSON of another shape.
 [[nodiscard]] QString wholeAnswer(const QByteArray &body);
 
-} // namespace quillory::OpenRouterClient
+} // namespace quillory

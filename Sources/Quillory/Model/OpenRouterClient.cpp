@@ -14,9 +14,11 @@
 
 #include <algorithm>
 
-namespace quillory::OpenRouterClient {
+namespace quillory {
 
 namespace {
+using Message = OpenRouterClient::Message;
+
 constexpr std::chrono::seconds timeout{20};
 constexpr int okStatus = 200;
 constexpr qsizetype maxErrorText = 300;
@@ -24,8 +26,8 @@ constexpr qsizetype maxErrorText = 300;
 /// so that a flood of tiny ones would cost time and memory by the square of its length.
 constexpr qsizetype maxAnswer = 64 * 1024;
 
-QByteArray trimmedKey() {
-    const QString key = text::trimmed(AppSettings::shared().apiKey());
+QByteArray trimmedKey(const AppSettings &settings) {
+    const QString key = text::trimmed(settings.apiKey());
     if (key.isEmpty()) {
         throw RewriteError::missingKey();
     }
@@ -49,16 +51,6 @@ QByteArray requestBody(const std::vector<Message> &messages, const QString &mode
     return QByteArray::fromStdString(body.dump());
 }
 
-platform::URLRequest makeRequest(const std::vector<Message> &messages, const QString &model, bool streams) {
-    const QByteArray key = trimmedKey();
-    return {
-        .url = serviceURL(),
-        .method = "POST",
-        .headers = {{"Authorization", "Bearer " + key}, {"Content-Type", "application/json"}, {"X-Title", "Quillory"}},
-        .body = requestBody(messages, model, streams),
-        .timeout = timeout};
-}
-
 /// The start of an error's body, its lines put together.
 QString readErrorText(platform::URLByteStream &bytes) {
     // Counting characters is slow for a text that is one long character; nothing honest comes near this.
@@ -72,14 +64,6 @@ QString readErrorText(platform::URLByteStream &bytes) {
         read += QString::fromUtf8(*line);
     }
     return read;
-}
-
-/// The lines of a request's messages that are the user's, and the key.
-QStringList privateTexts(const QString &text, const std::optional<QString> &context) {
-    const QString own = text + u'\n' + context.value_or(QString()) + u'\n' +
-                        AppSettings::shared().store().string(settingsKey::businessProfile).value_or(QString()) + u'\n' +
-                        AppSettings::shared().knowledgeText();
-    return own.split(u'\n') + QStringList{text::trimmed(AppSettings::shared().apiKey())};
 }
 
 /// A text as it stands within a JSON string.
@@ -115,11 +99,33 @@ QString decoded(const QByteArray &body) {
 }
 } // namespace
 
-QUrl serviceURL() {
-    const platform::Process &process = platform::current().process;
+OpenRouterClient OpenRouterClient::ofCurrent() {
+    return {AppSettings::shared(), platform::current().process, platform::current().urlSession};
+}
+
+platform::URLRequest OpenRouterClient::makeRequest(const std::vector<Message> &messages, const QString &model,
+                                                   bool streams) const {
+    const QByteArray key = trimmedKey(m_settings);
+    return {
+        .url = serviceURL(),
+        .method = "POST",
+        .headers = {{"Authorization", "Bearer " + key}, {"Content-Type", "application/json"}, {"X-Title", "Quillory"}},
+        .body = requestBody(messages, model, streams),
+        .timeout = timeout};
+}
+
+/// The lines of a request's messages that are the user's, and the key.
+QStringList OpenRouterClient::privateTexts(const QString &text, const std::optional<QString> &context) const {
+    const QString own = text + u'\n' + context.value_or(QString()) + u'\n' +
+                        m_settings.store().string(settingsKey::businessProfile).value_or(QString()) + u'\n' +
+                        m_settings.knowledgeText();
+    return own.split(u'\n') + QStringList{text::trimmed(m_settings.apiKey())};
+}
+
+QUrl OpenRouterClient::serviceURL() const {
     QUrl url(QStringLiteral("https://openrouter.ai/api/v1/chat/completions"));
-    url.setHost(process.infoDictionaryString(QStringLiteral("ModelServiceHost")).value_or(url.host()));
-    const auto variable = process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
+    url.setHost(m_process.infoDictionaryString(QStringLiteral("ModelServiceHost")).value_or(url.host()));
+    const auto variable = m_process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
     if (!variable || variable->isEmpty()) {
         return url;
     }
@@ -138,10 +144,11 @@ QUrl serviceURL() {
     return url;
 }
 
-QString stream(SuggestionKind kind, const QString &text, const std::optional<QString> &context, const QString &model,
-               const OnChunk &onChunk, std::stop_token stop, std::optional<Tone> tone) {
+QString OpenRouterClient::stream(SuggestionKind kind, const QString &text, const std::optional<QString> &context,
+                                 const QString &model, const OnChunk &onChunk, std::stop_token stop,
+                                 std::optional<Tone> tone) const {
     const auto request = makeRequest(buildMessages(kind, text, context, tone), model, /*streams=*/true);
-    const auto bytes = platform::current().urlSession.bytes(request, stop);
+    const auto bytes = m_session.bytes(request, stop);
     const int status = statusOf(bytes->statusCode());
     if (status != okStatus) {
         throw statusError(status, readErrorText(*bytes), privateTexts(text, context));
@@ -167,11 +174,11 @@ QString stream(SuggestionKind kind, const QString &text, const std::optional<QSt
     return text::trimmed(accumulated);
 }
 
-QString rewrite(const QString &draft, std::stop_token stop) {
-    const QString model = AppSettings::shared().store().string(settingsKey::model).value_or(defaultModel);
+QString OpenRouterClient::rewrite(const QString &draft, std::stop_token stop) const {
+    const QString model = m_settings.store().string(settingsKey::model).value_or(defaultModel);
     const auto request = makeRequest(buildMessages(SuggestionKind::rewrite, draft, std::nullopt), model,
                                      /*streams=*/false);
-    const platform::URLResponse response = platform::current().urlSession.data(request, std::move(stop));
+    const platform::URLResponse response = m_session.data(request, std::move(stop));
     const int status = statusOf(response.statusCode);
     if (status != okStatus) {
         throw statusError(status, decoded(response.body), privateTexts(draft, std::nullopt));
@@ -179,4 +186,4 @@ QString rewrite(const QString &draft, std::stop_token stop) {
     return text::trimmed(wholeAnswer(response.body));
 }
 
-} // namespace quillory::OpenRouterClient
+} // namespace quillory

@@ -11,7 +11,8 @@ constexpr std::chrono::milliseconds pollInterval{100};
 }
 
 TypingMonitor::TypingMonitor(MakeSuggestionHost makeHost)
-    : m_settings(AppSettings::shared()), m_panel(std::move(makeHost)) {}
+    : m_settings(AppSettings::shared()), m_stats(platform::current().process.homeDirectory()),
+      m_panel(std::move(makeHost)) {}
 
 TypingMonitor::~TypingMonitor() = default;
 

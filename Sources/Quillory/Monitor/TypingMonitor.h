@@ -8,6 +8,7 @@
 #include "Quillory/Monitor/ModelStream.h"
 #include "Quillory/Monitor/ReplyRules.h"
 #include "Quillory/Panel/SuggestionPanelController.h"
+#include "Quillory/Records/ChoiceStats.h"
 #include "Quillory/Settings/AppSettings.h"
 #include "Quillory/SuggestionKind.h"
 #include "Quillory/Tasks.h"
@@ -106,6 +107,7 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     void acceptForDebugging();
 
     AppSettings &m_settings;
+    ChoiceStats m_stats;
     SuggestionPanelController m_panel;
     platform::RegistrationHandle m_pollTimer;
 

@@ -121,7 +121,7 @@ void TypingMonitor::recordChoice(std::size_t index) const {
         }
     }
     const ModelStream &chosen = *m_streams[index];
-    ChoiceStats::shared().record(chosen.model, chosen.elapsed(), competitors);
+    m_stats.record(chosen.model, chosen.elapsed(), competitors);
 }
 
 void TypingMonitor::dismiss() {

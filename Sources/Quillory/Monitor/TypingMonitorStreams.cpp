@@ -91,8 +91,9 @@ void TypingMonitor::launch(const StreamPointer &stream, int index, const QString
     };
     stream->task = m_tasks.start([=, model = stream->model, label = stream->label](const std::stop_token &stop) {
         try {
-            const auto raw =
-                answer([&] { return OpenRouterClient::stream(kind, source, context, model, onChunk, stop); }, label);
+            const auto raw = answer(
+                [&] { return OpenRouterClient::ofCurrent().stream(kind, source, context, model, onChunk, stop); },
+                label);
             if (!raw) {
                 deliverFailure();
             } else if (!stop.stop_requested()) {

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Records/ChoiceStats.h"
 
-#include "Platform/PerInstallation.h"
 #include "Quillory/Records/AppendLine.h"
 #include "Quillory/Records/FileLog.h"
 #include "Quillory/Text.h"
@@ -19,17 +18,11 @@ QString secondsText(std::optional<double> seconds) {
 }
 } // namespace
 
-ChoiceStats &ChoiceStats::shared() {
-    static platform::PerInstallation<ChoiceStats> instance;
-    return instance.get([] { return ChoiceStats(); });
-}
-
 QString ChoiceStats::fileURL(const QString &homeDirectory) {
     return homeDirectory + QStringLiteral("/Library/Application Support/Quillory/choices.csv");
 }
 
-ChoiceStats::ChoiceStats() {
-    m_fileURL = fileURL(platform::current().process.homeDirectory());
+ChoiceStats::ChoiceStats(const QString &homeDirectory) : m_fileURL(fileURL(homeDirectory)) {
     QDir().mkpath(QFileInfo(m_fileURL).path());
 }
 

@@ -13,8 +13,8 @@ namespace quillory {
 /// user can judge them later ("quillory stats"). Main thread only.
 class ChoiceStats {
   public:
-    /// Created on first use, and with it the folder of the file.
-    static ChoiceStats &shared();
+    /// Makes the folder of the file under the program's home.
+    explicit ChoiceStats(const QString &homeDirectory);
 
     struct Competitor {
         QString model;
@@ -31,8 +31,6 @@ class ChoiceStats {
                 const QList<Competitor> &competitors) const;
 
   private:
-    ChoiceStats();
-
     QString m_fileURL;
 };
 

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Records/FileLog.h"
 
-#include "Platform/PerInstallation.h"
 #include "Quillory/Records/AppendLine.h"
 
 #include <QDateTime>
@@ -11,17 +10,18 @@
 namespace quillory::FileLog {
 
 namespace {
-QString path() {
-    static platform::PerInstallation<QString> path;
-    return path.get(
-        [] { return platform::current().process.homeDirectory() + QStringLiteral("/Library/Logs/Quillory.log"); });
-}
+/// The one state of the process: a line about a failure may come from anywhere.
+QString path;
 } // namespace
+
+void open(const QString &homeDirectory) {
+    path = homeDirectory + QStringLiteral("/Library/Logs/Quillory.log");
+}
 
 void log(const QString &message) {
     static const QLocale locale = QLocale::system();
     const QString time = locale.toString(QTime::currentTime(), QStringLiteral("HH:mm:ss.zzz"));
-    appendToFile(path(), (time + u' ' + message + u'\n').toUtf8());
+    appendToFile(path, (time + u' ' + message + u'\n').toUtf8());
 }
 
 } // namespace quillory::FileLog

@@ -116,10 +116,11 @@ void registerSettingsDefaults(platform::UserDefaults &store) {
 
 AppSettings &AppSettings::shared() {
     static platform::PerInstallation<AppSettings> instance;
-    return instance.get([] { return AppSettings(platform::current().userDefaults); });
+    return instance.get([] { return AppSettings(platform::current().userDefaults, platform::current().process); });
 }
 
-AppSettings::AppSettings(platform::UserDefaults &store) : m_store(store) {
+AppSettings::AppSettings(platform::UserDefaults &store, const platform::Process &process)
+    : m_store(store), m_process(process) {
     registerSettingsDefaults(store);
 }
 
@@ -127,16 +128,14 @@ namespace {
 bool isUsable(const std::optional<QString> &key) {
     return key && !key->isEmpty();
 }
+} // namespace
 
-/// The key for who has stored none.
-QString keyFromOutside() {
-    const platform::Process &process = platform::current().process;
-    const auto fromEnvironment = process.environment(QStringLiteral("OPENROUTER_API_KEY"));
+QString AppSettings::keyFromOutside() const {
+    const auto fromEnvironment = m_process.environment(QStringLiteral("OPENROUTER_API_KEY"));
     return isUsable(fromEnvironment)
                ? *fromEnvironment
-               : process.infoDictionaryString(QStringLiteral("EmbeddedAPIKey")).value_or(QString());
+               : m_process.infoDictionaryString(QStringLiteral("EmbeddedAPIKey")).value_or(QString());
 }
-} // namespace
 
 QString AppSettings::apiKey() const {
     const auto stored = m_store.string(settingsKey::openRouterAPIKey);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/Process.h"
 #include "Platform/UserDefaults.h"
 
 #include <QByteArray>
@@ -65,7 +66,9 @@ void registerSettingsDefaults(platform::UserDefaults &store);
 /// from any thread.
 class AppSettings {
   public:
-    /// Created on first use, once, on the current platform's store.
+    /// Both outlive the settings. process: for the key of users who have stored none.
+    AppSettings(platform::UserDefaults &store, const platform::Process &process);
+    /// Going away: the one for the installed platform, for units that are not handed theirs yet.
     static AppSettings &shared();
 
     [[nodiscard]] platform::UserDefaults &store() const { return m_store; }
@@ -80,9 +83,11 @@ class AppSettings {
     [[nodiscard]] QString knowledgeText() const;
 
   private:
-    explicit AppSettings(platform::UserDefaults &store);
+    /// The key of a user who has stored none.
+    [[nodiscard]] QString keyFromOutside() const;
 
     platform::UserDefaults &m_store;
+    const platform::Process &m_process;
 };
 
 } // namespace quillory

@@ -19,7 +19,7 @@ void examineService(ProgramFacts &facts, const std::stop_token &stop) {
     facts.isServiceChosen = chosen && !chosen->isEmpty();
     try {
         platform::URLRequest request;
-        request.url = OpenRouterClient::serviceURL();
+        request.url = OpenRouterClient::ofCurrent().serviceURL();
         request.timeout = patience;
         facts.serviceHost = request.url.host();
         // Any answer will do: the path is for requests with a key, and this one has none.

@@ -55,14 +55,14 @@ bool AtspiAccessibility::isProcessTrustedWithPrompt() {
         // At the start of a session the bus may be a moment late; nobody is to be asked about that.
         m_mainQueue.postAfter(secondThought, [this, life = std::weak_ptr(m_life), shownBefore = m_timesPrompted] {
             if (!life.expired() && !isProcessTrusted() && m_timesPrompted == shownBefore && !m_isOfferedElsewhere()) {
-                showPrompt();
+                showSettings();
             }
         });
     }
     return isTrusted;
 }
 
-void AtspiAccessibility::showPrompt() {
+void AtspiAccessibility::showSettings() {
     ++m_timesPrompted;
     std::function<void()> enable;
     if (m_core->reader().board().hasBus) {

@@ -42,10 +42,10 @@ class AtspiAccessibility final : public Accessibility {
 
     [[nodiscard]] bool isProcessTrusted() override;
     bool isProcessTrustedWithPrompt() override;
+    /// A dialog that offers to switch accessibility on.
+    void showSettings() override;
     [[nodiscard]] AXUIElement createSystemWide() override;
     [[nodiscard]] AXUIElement createApplication(qint32 pid) override;
-    /// Shows the offer to switch accessibility on at once, as the user asked for it.
-    void showPrompt();
 
     /// What was sent on the accessibility bus so far. For measurements: it waits for the reader.
     struct Traffic {

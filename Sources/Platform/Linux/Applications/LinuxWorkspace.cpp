@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 
-#include "Platform/Linux/Applications/OtherPrograms.h"
 #include "Platform/Linux/Applications/WindowActivation.h"
 
 namespace platform::desktop {
@@ -63,21 +62,6 @@ void LinuxWorkspace::activate(qint32 pid) {
     if (m_connection != nullptr) {
         activateWindowOf(m_connection, pid);
     }
-}
-
-bool LinuxWorkspace::open(const QUrl &url) {
-    if (!url.isValid() || url.scheme().isEmpty()) {
-        return false;
-    }
-    if (url.scheme() == QLatin1StringView("x-apple.systempreferences") && onAccessibilitySettings) {
-        onAccessibilitySettings();
-        return true;
-    }
-    QProcess opener;
-    opener.setProgram(QStringLiteral("xdg-open"));
-    opener.setArguments({QString::fromUtf8(url.toEncoded())});
-    keepApart(opener);
-    return opener.startDetached();
 }
 
 } // namespace platform::desktop

@@ -8,7 +8,6 @@
 #include "Platform/Workspace.h"
 
 #include <chrono>
-#include <functional>
 
 struct xcb_connection_t;
 
@@ -23,12 +22,8 @@ class LinuxWorkspace final : public Workspace {
     explicit LinuxWorkspace(xcb_connection_t *connection, ApplicationCatalogue catalogue = ApplicationCatalogue(),
                             DesktopEntries entries = DesktopEntries());
 
-    /// What to show for the address of the system's accessibility settings, which name a page of another desktop.
-    std::function<void()> onAccessibilitySettings;
-
     [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
     void activate(qint32 pid) override;
-    bool open(const QUrl &url) override;
 
   private:
     struct Known {

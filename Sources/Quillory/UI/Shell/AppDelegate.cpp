@@ -15,7 +15,6 @@
 #include "Quillory/UI/Shell/StatusMenu.h"
 
 #include <QApplication>
-#include <QUrl>
 
 #include <cstdio>
 
@@ -135,10 +134,7 @@ void AppDelegate::toggleCompare() {
 
 void AppDelegate::openAccessibilitySettings() {
     platform::current().accessibility.isProcessTrustedWithPrompt();
-    const QUrl page(QStringLiteral("x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
-    if (page.isValid()) {
-        platform::current().workspace.open(page);
-    }
+    platform::current().accessibility.showSettings();
 }
 
 void AppDelegate::openSettings() {
