@@ -4,13 +4,13 @@
 _quillory() {
     local -a commands keys
     commands=(
-        'autostart:start it at every login, or no longer'
-        'defaults:show and change the settings'
-        'doctor:check what the program needs and say what to do'
-        'inspect:show what is seen of the message box, and what would be sent'
+        'autostart:start at every login, or stop doing so'
+        'defaults:show or change settings'
+        'doctor:check everything that the program needs'
+        'inspect:show what it sees and what it would send'
         'rewrite:rewrite a text'
-        'setup:set it up, and enter the API key'
-        'stats:show how often each model was chosen'
+        'setup:set up, and enter the API key'
+        'stats:show how often you chose each model'
     )
     keys=(enabled assistantMode tone debounceMs minChars maxChars model compareMode secondModel businessProfile
         faqEntries faqKnowledge openRouterAPIKey debugAcceptOnce)
