@@ -4,7 +4,7 @@
 // views and its window are the real ones; only the field that is typed into is simulated.
 
 #include "HalfRealDesktop.h"
-#include "Quillory/Monitor/TypingMonitor.h"
+#include "Quillory/Monitor/MonitorAssembly.h"
 #include "Quillory/UI/Card/SuggestionViewHost.h"
 
 #include <QApplication>
@@ -106,9 +106,9 @@ int main(int argc, char **argv) {
     Service service;
     quillory::HalfRealDesktop desktop(service.port());
     std::vector<double> latencies;
-    const auto monitor =
-        std::make_shared<quillory::TypingMonitor>([&] { return std::make_unique<WatchingHost>(latencies, service); });
-    monitor->start();
+    quillory::MonitorAssembly program(desktop.services(),
+                                      [&] { return std::make_unique<WatchingHost>(latencies, service); });
+    program.monitor.start();
     for (int round = 0; round < rounds; ++round) {
         desktop.type(QStringLiteral("helo there how are you, number %1").arg(round));
         const auto before = latencies.size();

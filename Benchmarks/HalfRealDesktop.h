@@ -22,6 +22,7 @@ class HalfRealDesktop {
     explicit HalfRealDesktop(int port);
 
     void type(const QString &draft) { m_field->setValue(draft); }
+    [[nodiscard]] const platform::Platform &services() const { return *m_services; }
     void set(const QString &key, const platform::DefaultsValue &value) { m_simulated.userDefaults.set(key, value); }
 
   private:

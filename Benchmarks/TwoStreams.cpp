@@ -3,7 +3,7 @@
 // What two answers that come at 200 pieces a second each cost the main thread, and how often their cards are updated.
 #include "ClockTime.h"
 #include "HalfRealDesktop.h"
-#include "Quillory/Monitor/TypingMonitor.h"
+#include "Quillory/Monitor/MonitorAssembly.h"
 #include "Quillory/UI/Card/SuggestionViewHost.h"
 
 #include <QApplication>
@@ -81,9 +81,8 @@ int main(int argc, char **argv) {
     quillory::HalfRealDesktop desktop(service.port());
     desktop.set(quillory::settingsKey::compareMode, true);
     int updates = 0;
-    const auto monitor =
-        std::make_shared<quillory::TypingMonitor>([&] { return std::make_unique<CountingHost>(updates); });
-    monitor->start();
+    quillory::MonitorAssembly program(desktop.services(), [&] { return std::make_unique<CountingHost>(updates); });
+    program.monitor.start();
     const auto started = Clock::now();
     quillory::runEventsUntil([&] { return Clock::now() > started + 500ms; }); // the empty box has been seen
     desktop.type(QStringLiteral("helo can u send me the price list"));

@@ -19,6 +19,7 @@ namespace axRole = platform::axRole;
 
 struct AXTextTest : testing::Test {
     test::SimulatedDesktop desktop;
+    const AXText ax{desktop.applications, desktop.applications};
     Node window = desktop.applications.launch({1, u"org.chromium.Chromium"_s, u"Browser"_s}, u"Page"_s);
 };
 
@@ -51,21 +52,21 @@ TEST_F(AXTextTest, KnowsTextElementsByRoleOrByAWritableString) {
 }
 
 TEST_F(AXTextTest, TellsABrowsersOwnFieldsByTheirAncestors) {
-    EXPECT_TRUE(AXText::isBrowserUIField(window->add(axRole::textField)->element()));
+    EXPECT_TRUE(ax.isBrowserUIField(window->add(axRole::textField)->element()));
     Node inner = window->add(axRole::webArea);
     for (int ancestors = 1; ancestors < 30; ++ancestors) {
         inner = inner->add(QLatin1StringView("AXGroup"));
     }
-    EXPECT_FALSE(AXText::isBrowserUIField(inner->add(axRole::textArea)->element())) << "the page is the 30th ancestor";
+    EXPECT_FALSE(ax.isBrowserUIField(inner->add(axRole::textArea)->element())) << "the page is the 30th ancestor";
     inner = inner->add(QLatin1StringView("AXGroup"));
-    EXPECT_TRUE(AXText::isBrowserUIField(inner->add(axRole::textArea)->element())) << "the page is the 31st ancestor";
+    EXPECT_TRUE(ax.isBrowserUIField(inner->add(axRole::textArea)->element())) << "the page is the 31st ancestor";
 
     const auto bundleOf = [&](const char *bundle) {
         return desktop.applications.launch({2, QString::fromUtf8(bundle), {}}, {})->element();
     };
-    EXPECT_TRUE(AXText::isBrowserApp(bundleOf("com.google.Chrome.beta")));
-    EXPECT_FALSE(AXText::isBrowserApp(bundleOf("com.google.chrome")));
-    EXPECT_FALSE(AXText::isBrowserUIField(bundleOf("org.example.editor")));
+    EXPECT_TRUE(ax.isBrowserApp(bundleOf("com.google.Chrome.beta")));
+    EXPECT_FALSE(ax.isBrowserApp(bundleOf("com.google.chrome")));
+    EXPECT_FALSE(ax.isBrowserUIField(bundleOf("org.example.editor")));
 }
 
 TEST_F(AXTextTest, ConvertsFramesAndNeedsThemWhole) {
@@ -74,19 +75,21 @@ TEST_F(AXTextTest, ConvertsFramesAndNeedsThemWhole) {
     EXPECT_FALSE(AXText::frame(node->element()).has_value());
     node->set(AXAttribute::size, platform::Size{300, 30});
     EXPECT_EQ(AXText::frame(node->element()), (Rect{10, 100, 300, 30}));
-    EXPECT_EQ(AXText::cocoaRect({10, 100, 300, 30}), (Rect{10, 770, 300, 30}));
-    EXPECT_EQ(AXText::cocoaRect({10, 100, -300, -30}), (Rect{10, 770, 300, 30}));
-    desktop.screens.attached.clear();
-    EXPECT_EQ(AXText::cocoaRect({10, 100, 300, 30}), (Rect{10, -130, 300, 30}));
+    EXPECT_EQ(AXText::cocoaRect({10, 100, 300, 30}, desktop.screens.attached), (Rect{10, 770, 300, 30}));
+    EXPECT_EQ(AXText::cocoaRect({10, 100, -300, -30}, desktop.screens.attached), (Rect{10, 770, 300, 30}));
+    EXPECT_EQ(AXText::cocoaRect({10, 100, 300, 30}, {}), (Rect{10, -130, 300, 30}));
 }
 
 TEST_F(AXTextTest, FindsTitlesOfLivingApplicationsAlone) {
-    EXPECT_EQ(AXText::focusedWindowTitle(1), u"Page"_s);
-    EXPECT_EQ(AXText::focusedWindowTitle(99), std::nullopt);
-    EXPECT_EQ(AXText::focusedElement(), std::nullopt);
+    EXPECT_EQ(ax.focusedWindowTitle(1), u"Page"_s);
+    EXPECT_EQ(ax.focusedWindowTitle(99), std::nullopt);
+    EXPECT_EQ(ax.focusedElement(), std::nullopt);
 }
 
 struct InsertionTest : AXTextTest {
+    std::optional<PasteQueue> pastes{
+        std::in_place, ax,
+        PasteQueue::Services{desktop.keyPoster(), desktop.mainQueue, desktop.pasteboard, desktop.applications}};
     Node editor = desktop.applications.launch({2, u"org.example.editor"_s, {}}, u"Draft"_s);
     Node page = window->add(axRole::webArea);
     Node field = fieldOf(editor);
@@ -102,27 +105,27 @@ struct InsertionTest : AXTextTest {
 };
 
 TEST_F(InsertionTest, WritesTheValueAndPutsTheCaretBehindIt) {
-    AXText::insert(rewrite, field->element());
+    ax.insert(rewrite, field->element(), *pastes);
     EXPECT_EQ(field->value(), rewrite);
     EXPECT_EQ(field->caret, (platform::AXRange{rewrite.size(), 0}));
     EXPECT_EQ(desktop.log(), QStringList{u"inserted via AX set"_s});
     // An editor that adds to the text has taken it, as long as it starts alike.
     field->onWrite = [](const QString &text) { return text.left(24) + u"..."_s; };
-    AXText::insert(rewrite, field->element());
+    ax.insert(rewrite, field->element(), *pastes);
     EXPECT_EQ(desktop.log().last(), u"inserted via AX set"_s);
     EXPECT_TRUE(desktop.typed.empty());
 }
 
 TEST_F(InsertionTest, PastesWhereTheWriteIsRefusedOrDoesNotStick) {
     field->settable = false;
-    AXText::insert(rewrite, field->element());
+    ax.insert(rewrite, field->element(), *pastes);
     desktop.advance(1000);
     EXPECT_EQ(field->value(), rewrite);
 
     field->settable = true;
     bool first = true;
     field->onWrite = [&first](const QString &text) { return std::exchange(first, false) ? text.left(5) : text; };
-    AXText::insert(rewrite, field->element());
+    ax.insert(rewrite, field->element(), *pastes);
     desktop.advance(1000);
     EXPECT_EQ(field->value(), rewrite);
     EXPECT_EQ(desktop.log(), (QStringList{u"AX write rejected, falling back to paste"_s,
@@ -135,7 +138,7 @@ struct PasteTest : InsertionTest {
 
     void SetUp() override { desktop.pasteboard.copy({picture}); }
     void insert(const QString &text, int thenMilliseconds) {
-        AXText::insert(text, box->element());
+        ax.insert(text, box->element(), *pastes);
         desktop.advance(thenMilliseconds);
     }
 };
@@ -185,7 +188,7 @@ TEST_F(PasteTest, LeavesAloneWhatTheUserCopiesMeanwhile) {
 
 TEST_F(PasteTest, EndsWithTheProgram) {
     insert(rewrite, 100);
-    abandonPastes();
+    pastes.reset();
     EXPECT_THAT(desktop.pasteboard.items, testing::ElementsAre(picture));
 }
 

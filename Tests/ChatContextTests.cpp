@@ -101,6 +101,7 @@ TEST(ChatContext, MeasuresHowMuchOfAConversationIsLeft) {
 
 struct Recognition : testing::Test {
     test::SimulatedDesktop desktop;
+    const AXText ax{desktop.applications, desktop.applications};
 
     Node window(const char *bundle, const char *title) {
         return desktop.applications.launch({1, text(bundle), u"App"_s}, text(title));
@@ -128,7 +129,7 @@ TEST_F(Recognition, GoesByTheAddressOfThePageBeforeTheTitle) {
         if (address != nullptr) {
             page->set(AXAttribute::url, QUrl(text(address)));
         }
-        EXPECT_EQ(ChatContext::isChatApp(page->add(axRole::textArea)->element()), isChat) << bundle << ' ' << title;
+        EXPECT_EQ(ChatContext::isChatApp(ax, page->add(axRole::textArea)->element()), isChat) << bundle << ' ' << title;
     }
 }
 

@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Quillory/Records/ChoiceStats.h"
 #include "Quillory/Records/FileLog.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
@@ -15,7 +14,6 @@ namespace quillory::test {
 
 using namespace Qt::StringLiterals;
 
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::MatchesRegex;
 
@@ -59,36 +57,6 @@ TEST(FileLog, LinesOfSeveralThreadsStayWhole) {
         const std::jthread threads[]{std::jthread(work), std::jthread(work), std::jthread(work), std::jthread(work)};
     }
     EXPECT_EQ(desktop.log().count(message), 200);
-}
-
-TEST(ChoiceStats, WritesOneLineForEachChoice) {
-    const SimulatedDesktop desktop;
-    const ChoiceStats stats(desktop.process.homeDirectory());
-    EXPECT_EQ(content(stats.fileURL()), "(none)");
-    struct Case {
-        std::optional<double> elapsed;
-        QList<ChoiceStats::Competitor> competitors;
-        std::string line;
-    };
-    const Case cases[]{
-        {1.234, {{u"b/y"_s, 2.5}}, "m,a;x,1.23,b/y=2.50\n"},
-        {std::nullopt, {{u"b"_s, std::nullopt}, {u"c"_s, 12.3456}}, "m,a;x,,b=;c=12.35\n"},
-        {3.0, {}, "m,a;x,3.00,\n"},
-        {0.125, {}, "m,a;x,0.12,\n"},
-    };
-    for (const auto &[elapsed, competitors, line] : cases) {
-        QFile::remove(stats.fileURL());
-        stats.record(u"m,a;x"_s, elapsed, competitors);
-        const std::string written = content(stats.fileURL());
-        EXPECT_THAT(written, ContainsRegex("^20[0-9][0-9]-[01][0-9]-[0-3][0-9]T[0-2][0-9]:[0-5][0-9]:[0-6][0-9]Z,m,"));
-        EXPECT_EQ(written.substr(written.find(',') + 1), line);
-    }
-    stats.record(u"m"_s, 1, {});
-    EXPECT_EQ(QByteArray::fromStdString(content(stats.fileURL())).count('\n'), 2);
-
-    QDir(desktop.process.homeDirectory() + u"/Library/Application Support"_s).removeRecursively();
-    stats.record(u"lost"_s, 1, {});
-    EXPECT_EQ(desktop.log().last(), u"choice recorded: lost"_s);
 }
 
 } // namespace quillory::test

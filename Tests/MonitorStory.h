@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/Monitor/TypingMonitor.h"
+#include "Quillory/Monitor/MonitorAssembly.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
 #include <QRegularExpression>
@@ -28,7 +28,7 @@ struct MonitorStory : testing::Test {
     Node browser = desktop.applications.launch({browserPid, u"org.chromium.Chromium"_s, u"Chromium"_s}, u"WhatsApp"_s);
     Node page = browser->add(platform::axRole::webArea);
     Node box = page->add(platform::axRole::textArea, {300, 800, 400, 40});
-    std::shared_ptr<TypingMonitor> monitor = std::make_shared<TypingMonitor>(cards.maker());
+    std::unique_ptr<MonitorAssembly> program = std::make_unique<MonitorAssembly>(desktop.services(), cards.maker());
 
     void SetUp() override {
         desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
@@ -37,7 +37,7 @@ struct MonitorStory : testing::Test {
         focus(box);
     }
     void start() {
-        monitor->start();
+        program->monitor.start();
         desktop.advance(100);
         m_logRead = desktop.log().size();
     }

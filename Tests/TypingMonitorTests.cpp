@@ -312,7 +312,7 @@ TEST_F(RewriteStory, AFailedRequestLeavesALineAndNoPanel) {
 TEST_F(RewriteStory, TheMonitorMayGoWhileARequestRuns) {
     type(draft, 600);
     const auto request = desktop.urlSession.exchange(0);
-    monitor.reset();
+    program.reset();
     EXPECT_TRUE(request->wasCancelled());
     desktop.advance(1000);
 }

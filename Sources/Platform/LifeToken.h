@@ -8,8 +8,8 @@
 namespace platform {
 
 /// Tells work that runs later whether the object that it was meant for still exists: an object has one as a member, and
-/// what it hands to a queue is wrapped by whileAlive(). Wrap on the thread that destroys the object, and run what was
-/// wrapped there too; other threads may only pass it on.
+/// what it hands to a queue is wrapped by whileAlive(). What was wrapped runs on the thread that destroys the object;
+/// wrapping is also for threads that the object waits for before it goes.
 class LifeToken {
   public:
     LifeToken() = default;

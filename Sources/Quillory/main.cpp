@@ -190,7 +190,8 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     const platform::Installation installation(linuxPlatform.services());
     quillory::FileLog::open(linuxPlatform.services().process.homeDirectory());
     const auto instance = std::move(claim); // ends before the connection does
-    quillory::ui::AppDelegate delegate({.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks,
+    quillory::ui::AppDelegate delegate(linuxPlatform.services(),
+                                       {.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks,
                                         .check = quillory::UpdateChecker::check,
                                         .launchSetup = [&] { setup.launch(); }});
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });

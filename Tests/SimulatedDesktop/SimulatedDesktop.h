@@ -51,6 +51,8 @@ class SimulatedDesktop final : private platform::KeyPoster {
     }
     void advance(int milliseconds) { mainQueue.advance(std::chrono::milliseconds(milliseconds)); }
     [[nodiscard]] QStringList log() const { return process.logMessages(); }
+    [[nodiscard]] platform::KeyPoster &keyPoster() { return *this; }
+    [[nodiscard]] const platform::Platform &services() const { return m_services; }
 
   private:
     [[nodiscard]] bool userHoldsKeys() override { return userHoldsKey; }

@@ -3,6 +3,7 @@
 #include "Quillory/Commands/Inspection.h"
 
 #include "Platform/Platform.h"
+#include "Platform/Process.h"
 #include "Quillory/Field/AXText.h"
 #include "Quillory/Settings/AppSettings.h"
 
@@ -16,13 +17,13 @@ QString stringOf(const platform::AXUIElement &element, AXAttribute name) {
     return AXText::attribute<QString>(element, name).value_or(QString());
 }
 
-FieldSituation situation(const platform::AXUIElement &element, bool isChat) {
+FieldSituation situation(const AXText &ax, const platform::AXUIElement &element, bool isChat) {
     const platform::UserDefaults &store = AppSettings::shared().store();
     FieldSituation field;
     field.enabled = store.boolean(settingsKey::enabled);
     field.assistantMode = store.boolean(settingsKey::assistantMode);
     field.isTextElement = AXText::isTextElement(element);
-    field.isBrowserUI = field.isTextElement && AXText::isBrowserUIField(element);
+    field.isBrowserUI = field.isTextElement && ax.isBrowserUIField(element);
     field.isChat = field.isTextElement && isChat;
     field.minChars = store.integer(settingsKey::minChars);
     field.maxChars = store.integer(settingsKey::maxChars);
@@ -37,33 +38,34 @@ FieldSituation situation(const platform::AXUIElement &element, bool isChat) {
     return field;
 }
 
-InspectedElement inspected(const platform::AXUIElement &element) {
+InspectedElement inspected(const AXText &ax, const platform::AXUIElement &element) {
     InspectedElement seen;
     seen.pid = element.pid();
-    if (const auto application = platform::current().workspace.runningApplication(element.pid())) {
+    if (const auto application = ax.application(element)) {
         seen.application = application->localizedName.value_or(QString());
         seen.bundleIdentifier = application->bundleIdentifier.value_or(QString());
     }
-    seen.windowTitle = AXText::focusedWindowTitle(element.pid()).value_or(QString());
+    seen.windowTitle = ax.focusedWindowTitle(element.pid()).value_or(QString());
     seen.role = stringOf(element, AXAttribute::role);
     seen.frame = AXText::frame(element);
     seen.canWriteValue = element.isAttributeSettable(AXAttribute::value);
     seen.canPlaceCaret = element.isAttributeSettable(AXAttribute::selectedTextRange);
-    seen.recognition = ChatContext::recognise(element);
-    seen.field = situation(element, seen.recognition.isChat);
+    seen.recognition = ChatContext::recognise(ax, element);
+    seen.field = situation(ax, element, seen.recognition.isChat);
     return seen;
 }
 
 } // namespace
 
 Inspection inspectFocus() {
+    const AXText ax(platform::current().accessibility, platform::current().workspace);
     Inspection seen;
     seen.isTrusted = platform::current().accessibility.isProcessTrusted();
-    const auto focused = seen.isTrusted ? AXText::focusedElement() : std::nullopt;
+    const auto focused = seen.isTrusted ? ax.focusedElement() : std::nullopt;
     if (!focused || focused->pid() == platform::current().process.identifier()) {
         return seen;
     }
-    seen.focus = inspected(*focused);
+    seen.focus = inspected(ax, *focused);
     seen.plan = planRequest(seen.focus->field);
     if (seen.plan.kind) {
         seen.messages =

@@ -2,12 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Commands/RequestPlan.h"
 
-#include "Quillory/Monitor/DraftRules.h"
-#include "Quillory/Text.h"
-
-#include <cmath>
-#include <limits>
-
 namespace quillory {
 
 namespace {
@@ -16,61 +10,50 @@ RequestPlan nothing(const QString &reason) {
     return {.kind = std::nullopt, .whyNot = reason, .source = {}, .context = {}};
 }
 
-/// Why a field is left alone whatever it holds; empty when it is not.
-QString obstacle(const FieldSituation &field) {
-    if (!field.enabled) {
+/// Why nothing is asked about a field; empty when something is.
+QString obstacle(Gate gate, const FieldSituation &field) {
+    switch (gate) {
+    case Gate::switchedOff:
         return QStringLiteral("suggestions are switched off (setting \"enabled\")");
-    }
-    if (!field.isTextElement) {
+    case Gate::noTextField:
         return QStringLiteral("what has the focus is no text field");
-    }
-    if (field.isBrowserUI) {
+    case Gate::browserUI:
         return QStringLiteral("this field belongs to the browser itself, not to a page");
-    }
-    if (!field.isChat) {
+    case Gate::noChat:
         return QStringLiteral("this is no WhatsApp message box");
-    }
-    if (!field.value) {
-        return QStringLiteral("the field does not tell what it holds");
-    }
-    if (field.length && std::trunc(*field.length) > static_cast<double>(field.maxChars)) {
+    case Gate::tooLong:
         return QStringLiteral("the field holds more than %1 characters (setting \"maxChars\")").arg(field.maxChars);
+    case Gate::unreadable:
+        return QStringLiteral("the field does not tell what it holds");
+    case Gate::repliesAreOff:
+        return QStringLiteral("the box is empty, and replies are switched off (setting \"assistantMode\")");
+    case Gate::draftTooShort:
+        return QStringLiteral("the draft has fewer than %1 characters (setting \"minChars\")").arg(field.minChars);
+    case Gate::draftTooLong:
+        return QStringLiteral("the draft has more than %1 characters (setting \"maxChars\")").arg(field.maxChars);
+    case Gate::justInserted:
+        return QStringLiteral("the draft is what was inserted");
+    case Gate::reply:
+    case Gate::rewrite:
+        break;
     }
     return {};
-}
-
-RequestPlan planReply(const FieldSituation &field) {
-    if (!field.assistantMode) {
-        return nothing(QStringLiteral("the box is empty, and replies are switched off (setting \"assistantMode\")"));
-    }
-    if (!field.conversation) {
-        return nothing(QStringLiteral("the box is empty, and no conversation can be read around it"));
-    }
-    return {.kind = SuggestionKind::reply, .whyNot = {}, .source = *field.conversation, .context = {}};
 }
 
 } // namespace
 
 RequestPlan planRequest(const FieldSituation &field) {
-    if (const QString reason = obstacle(field); !reason.isEmpty()) {
-        return nothing(reason);
+    const Gate gate = gateOf(field);
+    if (gate == Gate::rewrite) {
+        return {.kind = SuggestionKind::rewrite, .whyNot = {}, .source = *field.value, .context = field.conversation};
     }
-    const QString &draft = *field.value;
-    if (isEmptyField(draft, field.placeholder)) {
-        return planReply(field);
+    if (gate != Gate::reply) {
+        return nothing(obstacle(gate, field));
     }
-    if (!text::hasAtLeast(text::trimmed(draft), field.minChars)) {
-        return nothing(
-            QStringLiteral("the draft has fewer than %1 characters (setting \"minChars\")").arg(field.minChars));
+    if (!field.conversation) {
+        return nothing(QStringLiteral("the box is empty, and no conversation can be read around it"));
     }
-    if (!mayRewrite(draft, {.minChars = field.minChars,
-                            .maxChars = field.maxChars,
-                            .lastInserted = {},
-                            .secondsSinceInsert = std::numeric_limits<double>::infinity()})) {
-        return nothing(
-            QStringLiteral("the draft has more than %1 characters (setting \"maxChars\")").arg(field.maxChars));
-    }
-    return {.kind = SuggestionKind::rewrite, .whyNot = {}, .source = draft, .context = field.conversation};
+    return {.kind = SuggestionKind::reply, .whyNot = {}, .source = *field.conversation, .context = {}};
 }
 
 } // namespace quillory

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Quillory/Monitor/DraftRules.h"
 #include "Quillory/SuggestionKind.h"
 
 #include <QString>
@@ -10,21 +11,6 @@
 
 /// What the program would ask the models for a field as it stands, as a pure function of values.
 namespace quillory {
-
-struct FieldSituation {
-    bool enabled = false;
-    bool assistantMode = false;
-    bool isTextElement = false;
-    bool isBrowserUI = false;
-    bool isChat = false;
-    /// As the application gives it, without the text itself.
-    std::optional<double> length;
-    std::optional<QString> value;
-    QString placeholder;
-    std::optional<QString> conversation;
-    qint64 minChars = 0;
-    qint64 maxChars = 0;
-};
 
 struct RequestPlan {
     /// Absent when nothing would be asked.
@@ -37,8 +23,8 @@ struct RequestPlan {
     std::optional<QString> context;
 };
 
-/// Follows the same gates as the typing monitor, as far as they depend on the field and the settings; what it has asked
-/// or inserted before is not known here.
+/// Decided by the gate of the typing monitor, as far as it depends on the field and the settings; what the program has
+/// asked or inserted before is not known here.
 [[nodiscard]] RequestPlan planRequest(const FieldSituation &field);
 
 } // namespace quillory

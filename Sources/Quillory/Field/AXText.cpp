@@ -2,13 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Field/AXText.h"
 
-#include "Platform/Platform.h"
+#include "Quillory/Field/PasteQueue.h"
+#include "Quillory/Records/FileLog.h"
+#include "Quillory/Text.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-namespace quillory::AXText {
+namespace quillory {
 
 using platform::AXAttribute;
 using platform::AXUIElement;
@@ -48,22 +50,29 @@ template <class T> std::optional<T> geometry(const AXUIElement &element, AXAttri
     return found != nullptr ? *found : T{};
 }
 
+// Editors tidy what they are given; when the start is there the write took.
+constexpr qsizetype verifiedPrefix = 24;
+
+bool logIfTaken(const QString &text, const AXUIElement &element) {
+    const QString readBack = AXText::attribute<QString>(element, AXAttribute::value).value_or(QString());
+    const bool taken = text::hasPrefix(readBack, text::prefix(text, verifiedPrefix));
+    FileLog::log(taken ? QStringLiteral("inserted via AX set")
+                       : QStringLiteral("AX set did not stick (read back %1 chars), pasting instead")
+                             .arg(text::characterCount(readBack)));
+    return taken;
+}
+
 } // namespace
 
-AXUIElement systemWide() {
-    // The desktop layer keeps the one element behind this; a handle is cheap.
-    return platform::current().accessibility.createSystemWide();
+std::optional<AXUIElement> AXText::focusedElement() const {
+    return attribute<AXUIElement>(m_accessibility.createSystemWide(), AXAttribute::focusedUIElement);
 }
 
-std::optional<AXUIElement> focusedElement() {
-    return attribute<AXUIElement>(systemWide(), AXAttribute::focusedUIElement);
-}
-
-bool isTextRole(const QString &role) {
+bool AXText::isTextRole(const QString &role) {
     return std::any_of(textRoles.begin(), textRoles.end(), [&](QLatin1StringView known) { return role == known; });
 }
 
-bool isTextElement(const AXUIElement &element) {
+bool AXText::isTextElement(const AXUIElement &element) {
     const auto role = attribute<QString>(element, AXAttribute::role).value_or(QString());
     if (role == axRole::secureTextField) {
         return false;
@@ -75,22 +84,26 @@ bool isTextElement(const AXUIElement &element) {
            attribute<QString>(element, AXAttribute::value).has_value();
 }
 
-std::optional<QString> bundleIdentifier(const AXUIElement &element) {
-    const auto application = platform::current().workspace.runningApplication(element.pid());
-    return application ? application->bundleIdentifier : std::nullopt;
+std::optional<platform::RunningApplication> AXText::application(const AXUIElement &element) const {
+    return m_workspace.runningApplication(element.pid());
 }
 
-bool isBrowserIdentifier(const QString &identifier) {
+std::optional<QString> AXText::bundleIdentifier(const AXUIElement &element) const {
+    const auto shownBy = application(element);
+    return shownBy ? shownBy->bundleIdentifier : std::nullopt;
+}
+
+bool AXText::isBrowserIdentifier(const QString &identifier) {
     return std::any_of(browserPrefixes.begin(), browserPrefixes.end(),
                        [&](QLatin1StringView prefix) { return identifier.startsWith(prefix); });
 }
 
-bool isBrowserApp(const AXUIElement &element) {
+bool AXText::isBrowserApp(const AXUIElement &element) const {
     const auto identifier = bundleIdentifier(element);
     return identifier && isBrowserIdentifier(*identifier);
 }
 
-bool isBrowserUIField(const AXUIElement &element) {
+bool AXText::isBrowserUIField(const AXUIElement &element) const {
     if (!isBrowserApp(element)) {
         return false;
     }
@@ -108,7 +121,7 @@ bool isBrowserUIField(const AXUIElement &element) {
     return true;
 }
 
-std::optional<platform::Rect> frame(const AXUIElement &element) {
+std::optional<platform::Rect> AXText::frame(const AXUIElement &element) {
     const auto position = geometry<platform::Point>(element, AXAttribute::position);
     if (!position) {
         return std::nullopt;
@@ -120,17 +133,35 @@ std::optional<platform::Rect> frame(const AXUIElement &element) {
     return platform::Rect{position->x, position->y, size->width, size->height};
 }
 
-platform::Rect cocoaRect(const platform::Rect &axRect) {
-    const auto screens = platform::current().screens.screens();
+platform::Rect AXText::cocoaRect(const platform::Rect &axRect, const std::vector<platform::Screen> &screens) {
     const double top = screens.empty() ? 0 : screens.front().frame.maxY();
     const double height = std::abs(axRect.height);
     return {axRect.x, top - axRect.y - height, std::abs(axRect.width), height};
 }
 
-std::optional<QString> focusedWindowTitle(qint32 pid) {
-    const auto application = platform::current().accessibility.createApplication(pid);
-    const auto window = attribute<AXUIElement>(application, AXAttribute::focusedWindow);
+std::optional<QString> AXText::focusedWindowTitle(qint32 pid) const {
+    const auto window = attribute<AXUIElement>(m_accessibility.createApplication(pid), AXAttribute::focusedWindow);
     return window ? attribute<QString>(*window, AXAttribute::title) : std::nullopt;
 }
 
-} // namespace quillory::AXText
+bool AXText::setValue(const AXUIElement &element, const QString &text) {
+    if (!element.isAttributeSettable(AXAttribute::value) || !element.setAttributeValue(AXAttribute::value, text)) {
+        return false;
+    }
+    element.setAttributeValue(AXAttribute::selectedTextRange, platform::AXRange{text.size(), 0});
+    return true;
+}
+
+void AXText::insert(const QString &text, const AXUIElement &element, PasteQueue &pastes,
+                    const std::optional<FieldSnapshot> &lastSeen) const {
+    if (isBrowserApp(element)) {
+        FileLog::log(QStringLiteral("web field, inserting via paste"));
+    } else if (!setValue(element, text)) {
+        FileLog::log(QStringLiteral("AX write rejected, falling back to paste"));
+    } else if (logIfTaken(text, element)) {
+        return;
+    }
+    pastes.paste({text, element, lastSeen ? lastSeen : snapshot(element)});
+}
+
+} // namespace quillory

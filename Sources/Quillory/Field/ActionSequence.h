@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/LifeToken.h"
+#include "Platform/MainQueue.h"
+
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -23,11 +26,29 @@ struct Action {
     /// How many more attempts may follow the first.
     std::int64_t retries = 0;
     /// What it means when they are used up.
-    Attempt whenTired = Attempt::failed;
+    Attempt afterLastRetry = Attempt::failed;
 };
 
 /// Runs actions one after the other on the main queue, without blocking it, until all have succeeded or one has
-/// failed; then tells how it ended. Actions that need no pause follow each other at once. Main thread only.
-void runInOrder(std::vector<Action> actions, std::function<void(bool succeeded)> done);
+/// failed. Actions that need no pause follow each other at once. Nothing more happens once this is gone. Main thread
+/// only.
+class ActionSequence {
+  public:
+    /// The queue outlives this.
+    explicit ActionSequence(platform::MainQueue &queue) : m_queue(queue) {}
+    /// Starts; the actions before have ended. done: told how it ended, and may start the next.
+    void run(std::vector<Action> actions, std::function<void(bool succeeded)> done);
+
+  private:
+    void proceed();
+    void continueAfter(std::chrono::milliseconds delay);
+    void end(bool succeeded);
+
+    platform::MainQueue &m_queue;
+    std::vector<Action> m_actions;
+    std::size_t m_next = 0;
+    std::function<void(bool)> m_done;
+    platform::LifeToken m_life;
+};
 
 } // namespace quillory

@@ -2,9 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Field/ChatContext.h"
 
-#include "Platform/Platform.h"
-#include "Quillory/Field/AXText.h"
-
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -52,13 +49,13 @@ bool namesChat(const std::optional<QString> &windowTitle) {
     return windowTitle && windowTitle->contains(titleWord, Qt::CaseInsensitive);
 }
 
-Recognition recognisePage(const AXUIElement &element) {
+Recognition recognisePage(const AXText &ax, const AXUIElement &element) {
     const auto page = webArea(element);
     const auto address = page ? AXText::attribute<QUrl>(*page, AXAttribute::url) : std::nullopt;
     if (address) {
         return {Recognition::Evidence::pageAddress, isChatHost(address->host()), address->host()};
     }
-    auto shown = AXText::focusedWindowTitle(element.pid());
+    auto shown = ax.focusedWindowTitle(element.pid());
     if (!namesChat(shown)) {
         shown = title(containingWindow(element));
     }
@@ -129,22 +126,22 @@ void prepare(const AXUIElement &element, platform::AXFreshness freshness) {
     }
 }
 
-Recognition recognise(const AXUIElement &element) {
-    const QString identifier = AXText::bundleIdentifier(element).value_or(QString());
+Recognition recognise(const AXText &ax, const AXUIElement &element) {
+    const QString identifier = ax.bundleIdentifier(element).value_or(QString());
     if (std::any_of(chatBundlePrefixes.begin(), chatBundlePrefixes.end(),
                     [&](QLatin1StringView prefix) { return identifier.startsWith(prefix); })) {
         return {Recognition::Evidence::chatProgram, true, identifier};
     }
-    return AXText::isBrowserApp(element) ? recognisePage(element)
-                                         : Recognition{Recognition::Evidence::otherProgram, false, identifier};
+    return ax.isBrowserApp(element) ? recognisePage(ax, element)
+                                    : Recognition{Recognition::Evidence::otherProgram, false, identifier};
 }
 
 bool isChatHost(const QString &host) {
     return host.contains(webClientHost);
 }
 
-bool isChatApp(const AXUIElement &element) {
-    return recognise(element).isChat;
+bool isChatApp(const AXText &ax, const AXUIElement &element) {
+    return recognise(ax, element).isChat;
 }
 
 std::optional<AXUIElement> webArea(const AXUIElement &element) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Quillory/Field/AXText.h"
 #include "Quillory/Text.h"
 
 #include <QLatin1StringView>
@@ -56,11 +57,11 @@ struct Recognition {
     /// The identifier, host or title; may be empty.
     QString judgedBy;
 };
-[[nodiscard]] Recognition recognise(const platform::AXUIElement &element);
+[[nodiscard]] Recognition recognise(const AXText &ax, const platform::AXUIElement &element);
 /// Whether pages of a host are those of WhatsApp's web client.
 [[nodiscard]] bool isChatHost(const QString &host);
 /// Whether an element belongs to WhatsApp: its desktop program, or its web client in a browser.
-[[nodiscard]] bool isChatApp(const platform::AXUIElement &element);
+[[nodiscard]] bool isChatApp(const AXText &ax, const platform::AXUIElement &element);
 /// The nearest web page around an element, the element itself included.
 [[nodiscard]] std::optional<platform::AXUIElement> webArea(const platform::AXUIElement &element);
 /// The window that an element is in.

@@ -3,13 +3,24 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Platform/LifeToken.h"
+#include "Platform/Pasteboard.h"
+#include "Quillory/Field/ActionSequence.h"
 #include "Quillory/Field/FieldSnapshot.h"
 
 #include <QString>
 
+#include <deque>
 #include <optional>
 
+namespace platform {
+class KeyPoster;
+class Workspace;
+} // namespace platform
+
 namespace quillory {
+
+class AXText;
 
 /// A text that is to replace the content of a field by way of the pasteboard.
 struct PasteRequest {
@@ -19,17 +30,59 @@ struct PasteRequest {
     std::optional<FieldSnapshot> lastSeen;
 };
 
-/// Brings the field's application to the front, puts the text on the pasteboard, selects all and pastes with
-/// synthesised keys, and then gives the pasteboard its content back. Returns at once; about a second passes. Nothing
-/// is typed when the field is not seen to have the keyboard focus, when a paste would give another text, or when what
-/// the pasteboard holds could not be given back; what the user copies meanwhile is left alone. A request that comes
-/// before the last one has ended waits for it. Main thread only.
-void paste(PasteRequest request);
+/// Pastes texts into fields, one after the other. Main thread only.
+class PasteQueue {
+  public:
+    /// What pasting takes. All of it outlives the queue.
+    struct Services {
+        platform::KeyPoster &keys;
+        platform::MainQueue &mainQueue;
+        platform::Pasteboard &pasteboard;
+        platform::Workspace &workspace;
+    };
+    PasteQueue(const AXText &ax, const Services &services);
+    /// In the midst of a paste, gives the pasteboard its content back at once.
+    ~PasteQueue();
+    PasteQueue(const PasteQueue &) = delete;
+    PasteQueue &operator=(const PasteQueue &) = delete;
 
-/// Whether a text is on its way into a field.
-[[nodiscard]] bool isPasting();
+    /// Brings the field's application to the front, puts the text on the pasteboard, selects all and pastes with
+    /// synthesised keys, and then gives the pasteboard its content back. Returns at once; about a second passes.
+    /// Nothing is typed when the field is not seen to have the keyboard focus, when a paste would give another text, or
+    /// when what the pasteboard holds could not be given back; what the user copies meanwhile is left alone. A request
+    /// that comes before the last one has ended waits for it.
+    void paste(PasteRequest request);
+    /// Whether a text is on its way into a field.
+    [[nodiscard]] bool isPasting() const { return !m_requests.empty(); }
 
-/// Gives the pasteboard its content back at once, for the program's end in the midst of a paste. Main thread only.
-void abandonPastes();
+  private:
+    [[nodiscard]] const PasteRequest &request() const { return m_requests.front(); }
+    void begin();
+    void save(int attempts);
+    void activateTarget();
+    void putText();
+    void awaitFocus();
+    void typeAndRestore(bool textIsThere);
+    void ifTextIsThere(std::function<void(bool)> then);
+    [[nodiscard]] Attempt fingersAreUp() const;
+    [[nodiscard]] Attempt focusIsThere();
+    [[nodiscard]] Attempt textIsFetched() const;
+    [[nodiscard]] bool isCopyOfTarget(const platform::AXUIElement &focused) const;
+    void giveUp(const char *reason);
+    void finish();
+    void restorePasteboard();
+    void next();
+
+    const AXText &m_ax;
+    Services m_services;
+    std::deque<PasteRequest> m_requests;
+    platform::PasteboardItems m_saved;
+    qint64 m_changeCount = 0;
+    qint64 m_fetchCount = 0;
+    bool m_activatedAgain = false;
+    bool m_textIsOut = false;
+    ActionSequence m_steps;
+    platform::LifeToken m_life;
+};
 
 } // namespace quillory

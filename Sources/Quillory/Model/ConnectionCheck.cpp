@@ -17,11 +17,10 @@ QString failure(const QString &description) {
 
 } // namespace
 
-QString triedConnection(const std::stop_token &stop) {
-    AppSettings::shared().store().askAgain();
+QString triedConnection(const AppSettings &settings, const OpenRouterClient &client, const std::stop_token &stop) {
+    settings.store().askAgain();
     try {
-        static_cast<void>(
-            OpenRouterClient::ofCurrent().rewrite(QStringLiteral("helo this is a quik test mesage"), stop));
+        static_cast<void>(client.rewrite(QStringLiteral("helo this is a quik test mesage"), stop));
         return QStringLiteral("✓ Working");
     } catch (const RewriteError &error) {
         return failure(error.description());
@@ -30,7 +29,17 @@ QString triedConnection(const std::stop_token &stop) {
     }
 }
 
-ConnectionCheck::ConnectionCheck(std::function<void()> changed) : m_changed(std::move(changed)) {}
+QString triedConnection(const std::stop_token &stop) {
+    return triedConnection(AppSettings::shared(), OpenRouterClient::ofCurrent(), stop);
+}
+
+ConnectionCheck::ConnectionCheck(const AppSettings &settings, const OpenRouterClient &client,
+                                 platform::MainQueue &mainQueue, std::function<void()> changed)
+    : m_settings(settings), m_client(client), m_mainQueue(mainQueue), m_changed(std::move(changed)) {}
+
+ConnectionCheck::ConnectionCheck(std::function<void()> changed)
+    : ConnectionCheck(AppSettings::shared(), OpenRouterClient::ofCurrent(), platform::current().mainQueue,
+                      std::move(changed)) {}
 
 void ConnectionCheck::run() {
     if (m_isTesting) {
@@ -38,12 +47,9 @@ void ConnectionCheck::run() {
     }
     m_isTesting = true;
     m_result.reset();
-    const auto task = m_tasks.start([this, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
-        platform::current().mainQueue.post([this, life, result = triedConnection(stop)] {
-            if (!life.expired()) {
-                finish(result);
-            }
-        });
+    const auto done = m_life.whileAlive([this](const QString &result) { finish(result); });
+    const auto task = m_tasks.start([this, done](const std::stop_token &stop) {
+        m_mainQueue.post([done, result = triedConnection(m_settings, m_client, stop)] { done(result); });
     });
     if (task) {
         m_changed();

@@ -2,6 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/LifeToken.h"
+#include "Platform/MainQueue.h"
+#include "Quillory/Model/OpenRouterClient.h"
 #include "Quillory/Tasks.h"
 
 #include <QString>
@@ -10,12 +13,18 @@ namespace quillory {
 
 /// Asks the model service once, on the calling thread. What came of it, for the user: begins with "✓" or "✗".
 /// A password store that is locked may ask to be unlocked once more.
+[[nodiscard]] QString triedConnection(const AppSettings &settings, const OpenRouterClient &client,
+                                      const std::stop_token &stop);
+/// Going away: the same for the installed platform.
 [[nodiscard]] QString triedConnection(const std::stop_token &stop);
 
 /// Asks the model service for one small rewrite, to see whether it answers. Main thread only.
 class ConnectionCheck {
   public:
-    /// changed: called on the main thread whenever a test begins or ends.
+    /// changed: called on the main thread whenever a test begins or ends. The others outlive this.
+    ConnectionCheck(const AppSettings &settings, const OpenRouterClient &client, platform::MainQueue &mainQueue,
+                    std::function<void()> changed);
+    /// Going away: the same for the installed platform.
     explicit ConnectionCheck(std::function<void()> changed);
 
     /// Starts a test; nothing while one is under way.
@@ -27,11 +36,13 @@ class ConnectionCheck {
   private:
     void finish(const QString &result);
 
+    const AppSettings &m_settings;
+    OpenRouterClient m_client;
+    platform::MainQueue &m_mainQueue;
     std::function<void()> m_changed;
     bool m_isTesting = false;
     std::optional<QString> m_result;
-    /// Gone with this, so that an answer that comes later knows.
-    std::shared_ptr<bool> m_life = std::make_shared<bool>();
+    platform::LifeToken m_life;
     Tasks m_tasks;
 };
 

@@ -5,6 +5,7 @@
 #include "Quillory/Text.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace quillory {
 
@@ -13,6 +14,18 @@ namespace {
 constexpr double quietSecondsAfterInsert = 2.0;
 constexpr double shortestPrefetch = 0.2;
 constexpr double prefetchLead = 0.25;
+
+Gate gateOfDraft(const QString &draft, const FieldSituation &field) {
+    if (!text::hasAtLeast(text::trimmed(draft), field.minChars)) {
+        return Gate::draftTooShort;
+    }
+    if (text::hasMoreThan(draft, field.maxChars)) {
+        return Gate::draftTooLong;
+    }
+    const bool isQuiet = field.secondsSinceInsert <= quietSecondsAfterInsert;
+    const bool isInserted = field.lastInserted && text::equal(normalized(draft), normalized(*field.lastInserted));
+    return isQuiet || isInserted ? Gate::justInserted : Gate::rewrite;
+}
 } // namespace
 
 QString normalized(const QString &text) {
@@ -40,10 +53,29 @@ bool isEmptyField(const QString &value, const QString &placeholder) {
     return !placeholder.isEmpty() && (text::equal(value, placeholder) || text::equal(value, placeholder + u'\n'));
 }
 
-bool mayRewrite(const QString &draft, const DraftGates &gates) {
-    return gates.secondsSinceInsert > quietSecondsAfterInsert &&
-           text::hasAtLeast(text::trimmed(draft), gates.minChars) && !text::hasMoreThan(draft, gates.maxChars) &&
-           !(gates.lastInserted && text::equal(normalized(draft), normalized(*gates.lastInserted)));
+Gate gateOf(const FieldSituation &field) {
+    if (!field.enabled) {
+        return Gate::switchedOff;
+    }
+    if (!field.isTextElement) {
+        return Gate::noTextField;
+    }
+    if (field.isBrowserUI) {
+        return Gate::browserUI;
+    }
+    if (!field.isChat) {
+        return Gate::noChat;
+    }
+    if (field.length && std::trunc(*field.length) > static_cast<double>(field.maxChars)) {
+        return Gate::tooLong;
+    }
+    if (!field.value) {
+        return Gate::unreadable;
+    }
+    if (isEmptyField(*field.value, field.placeholder)) {
+        return field.assistantMode ? Gate::reply : Gate::repliesAreOff;
+    }
+    return gateOfDraft(*field.value, field);
 }
 
 PausePhase pausePhase(double idleSeconds, qint64 debounceMs) {

@@ -3,8 +3,10 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Platform/LifeToken.h"
 #include "Platform/MainQueue.h"
 #include "Quillory/Field/ChatContext.h"
+#include "Quillory/Monitor/DraftRules.h"
 #include "Quillory/Monitor/ModelStream.h"
 #include "Quillory/Monitor/ReplyRules.h"
 #include "Quillory/Panel/SuggestionPanelController.h"
@@ -22,14 +24,32 @@
 
 namespace quillory {
 
+class OpenRouterClient;
+class PasteQueue;
+
 /// The heart of the program: looks at the focused text field ten times a second, and in a chat's message box decides
 /// when to ask which models, screens their answers, shows them on cards, and carries out accept and dismiss. One for
-/// the whole run, owned by a shared pointer, since whatever may come later holds it weakly. Main thread only.
-class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
+/// the whole run. Main thread only.
+class TypingMonitor {
   public:
-    explicit TypingMonitor(MakeSuggestionHost makeHost);
+    /// What the monitor works with. All of it outlives the monitor.
+    struct Parts {
+        const AppSettings &settings;
+        const OpenRouterClient &client;
+        const ChoiceStats &stats;
+        const AXText &ax;
+        PasteQueue &pastes;
+        SuggestionPanelController &panel;
+        platform::Accessibility &accessibility;
+        platform::MainQueue &mainQueue;
+        /// This program's own process, whose fields are left alone.
+        qint32 ownPid;
+    };
+    explicit TypingMonitor(const Parts &parts);
     /// Asks running requests to stop and waits until they have.
     ~TypingMonitor();
+    TypingMonitor(const TypingMonitor &) = delete;
+    TypingMonitor &operator=(const TypingMonitor &) = delete;
 
     /// Listens to the panel and starts the poll timer. Once.
     void start();
@@ -38,7 +58,7 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     using Element = platform::AXUIElement;
     using StreamPointer = std::shared_ptr<ModelStream>;
 
-    // The poll tick (TypingMonitorTick.cpp).
+    // The poll tick (TypingMonitor.cpp).
     void tick();
     void resetTracking();
     [[nodiscard]] bool followTrust();
@@ -47,18 +67,18 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     [[nodiscard]] bool focusMayComeBack();
     void adopt(const Element &element, bool isText);
     void logFocus(const Element &element, bool isText) const;
-    [[nodiscard]] bool isEligible(const Element &element) const;
     void followField(const Element &element);
-    [[nodiscard]] bool isTooLong(const Element &element) const;
+    /// What the gate decides by, read step by step, so that nothing is asked that cannot matter.
+    [[nodiscard]] FieldSituation situation(const Element &element) const;
     void followFrame(const Element &element);
-    void followEmptyField(const Element &element, const QString &value);
+    void followEmptyField(const Element &element, const QString &value, bool mayReply);
     void followChangedDraft(const QString &value);
     void followPause(const Element &element, const QString &value);
     void showSuggestion(const Element &element, const QString &value);
     void prefetchSuggestion(const Element &element, const QString &value);
     void dropSuggestion();
 
-    // Drafting replies (TypingMonitorReplies.cpp).
+    // Drafting replies (TypingMonitor.cpp).
     void assistantTick(const Element &element);
     [[nodiscard]] ReplyHistory replyHistory(platform::Instant now) const;
     void rememberConversation(const ReplyContext &context);
@@ -77,7 +97,7 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     /// The field's frame, else the last one known, or absent.
     [[nodiscard]] std::optional<platform::Rect> anchor(const Element &element) const;
 
-    // What comes of an answer (TypingMonitorScreening.cpp).
+    // What comes of an answer (TypingMonitorStreams.cpp).
     void handleCompletion(const StreamPointer &stream, int index, const QString &source, SuggestionKind kind,
                           const QString &rawFinal);
     void fail(const StreamPointer &stream, int index, const QString &message);
@@ -106,9 +126,15 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     void recordChoice(std::size_t index) const;
     void acceptForDebugging();
 
-    AppSettings &m_settings;
-    ChoiceStats m_stats;
-    SuggestionPanelController m_panel;
+    const AppSettings &m_settings;
+    const OpenRouterClient &m_client;
+    const ChoiceStats &m_stats;
+    const AXText &m_ax;
+    PasteQueue &m_pastes;
+    SuggestionPanelController &m_panel;
+    platform::Accessibility &m_accessibility;
+    platform::MainQueue &m_mainQueue;
+    const qint32 m_ownPid;
     platform::RegistrationHandle m_pollTimer;
 
     std::optional<Element> m_currentElement;
@@ -140,6 +166,7 @@ class TypingMonitor : public std::enable_shared_from_this<TypingMonitor> {
     std::optional<QString> m_replyContextLastLine;
     text::Set m_replyContextLines;
 
+    platform::LifeToken m_life;
     /// Last, so that no request is left running when the rest goes.
     Tasks m_tasks;
 };

@@ -11,8 +11,6 @@
 
 namespace quillory {
 
-using platform::current;
-
 namespace {
 // A reply belongs to the conversation that it was drafted for: at least half of its lines must still be there.
 constexpr double leastOverlap = 0.5;
@@ -24,16 +22,8 @@ constexpr std::chrono::milliseconds debugAcceptDelay{600};
 } // namespace
 
 void TypingMonitor::connectPanel() {
-    m_panel.onAcceptCard = [weak = weak_from_this()](int index) {
-        if (const auto self = weak.lock()) {
-            self->accept(index);
-        }
-    };
-    m_panel.onDismiss = [weak = weak_from_this()] {
-        if (const auto self = weak.lock()) {
-            self->dismiss();
-        }
-    };
+    m_panel.onAcceptCard = m_life.whileAlive([this](int index) { accept(index); });
+    m_panel.onDismiss = m_life.whileAlive([this] { dismiss(); });
 }
 
 void TypingMonitor::accept(qint64 index) {
@@ -48,11 +38,8 @@ void TypingMonitor::accept(const Choice &choice, int looksLeft) {
     }
     const auto look = guardedLook(*target, choice.askedAt, looksLeft == 1);
     if (look && !look->isAnswered && looksLeft > 1) {
-        current().mainQueue.postAfter(lookPause, [weak = weak_from_this(), choice, looksLeft] {
-            if (const auto self = weak.lock()) {
-                self->accept(choice, looksLeft - 1);
-            }
-        });
+        m_mainQueue.postAfter(lookPause,
+                              m_life.whileAlive([this, choice, looksLeft] { accept(choice, looksLeft - 1); }));
         return;
     }
     if (look && look->conversation && !isDraftedFor(*look->conversation)) {
@@ -72,11 +59,11 @@ void TypingMonitor::insert(const QString &text, const Element &target) {
     m_panel.hide();
     cancelStreams();
     m_lastInsertedText = text;
-    m_lastInsertAt = current().mainQueue.now();
+    m_lastInsertAt = m_mainQueue.now();
     m_lastRequestedSource = text;
     m_lastText = text;
     m_lastChangeAt.reset();
-    AXText::insert(text, target, lastSeen);
+    m_ax.insert(text, target, m_pastes, lastSeen);
 }
 
 TypingMonitor::StreamPointer TypingMonitor::streamAt(qint64 index) const {
@@ -89,7 +76,7 @@ std::optional<ChatContext::Look> TypingMonitor::guardedLook(const Element &targe
         return std::nullopt;
     }
     auto look = ChatContext::look(target, since);
-    const auto focused = look.isAnswered ? std::nullopt : AXText::focusedElement();
+    const auto focused = look.isAnswered ? std::nullopt : m_ax.focusedElement();
     if (focused && focused != target) {
         // A page that changes the chat may make its box anew; the text would go there.
         look = ChatContext::look(*focused, since);
@@ -141,11 +128,7 @@ void TypingMonitor::acceptForDebugging() {
     }
     store.set(settingsKey::debugAcceptOnce, false);
     FileLog::log(QStringLiteral("debug: auto-accepting card ") + QString::number(*index));
-    current().mainQueue.postAfter(debugAcceptDelay, [weak = weak_from_this(), index = *index] {
-        if (const auto self = weak.lock()) {
-            self->accept(index);
-        }
-    });
+    m_mainQueue.postAfter(debugAcceptDelay, m_life.whileAlive([this, index = *index] { accept(index); }));
 }
 
 } // namespace quillory

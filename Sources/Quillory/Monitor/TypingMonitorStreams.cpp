@@ -13,8 +13,6 @@
 
 namespace quillory {
 
-using platform::current;
-
 namespace {
 
 // Each card update lays the whole stack out again.
@@ -53,7 +51,7 @@ void TypingMonitor::startStreams(const QString &source, const Element &element, 
     m_streams.clear();
     QStringList labels;
     for (const auto &[id, label] : activeModels(m_settings.store())) {
-        m_streams.push_back(std::make_shared<ModelStream>(id, label, current().mainQueue.now()));
+        m_streams.push_back(std::make_shared<ModelStream>(id, label, m_mainQueue.now()));
         labels.append(label);
     }
     // A reply's source is the conversation itself.
@@ -75,31 +73,20 @@ void TypingMonitor::startStreams(const QString &source, const Element &element, 
 
 void TypingMonitor::launch(const StreamPointer &stream, int index, const QString &source,
                            const std::optional<QString> &context, SuggestionKind kind) {
-    // What happens on the main thread, posted from the task; the monitor may be gone by then.
-    const auto deliver = [weak = weak_from_this(), stream](auto deed) {
-        current().mainQueue.post([weak, stream, deed = std::move(deed)] {
-            if (const auto self = weak.lock()) {
-                deed(*self, stream);
-            }
-        });
+    // Brings what comes of the request to the main thread, where the monitor may be gone by then.
+    const auto deliver = [this](auto handle) { m_mainQueue.post(m_life.whileAlive(std::move(handle))); };
+    const auto deliverFailure = [=, this] { deliver([=, this] { handleFailure(stream, index, source); }); };
+    const auto onChunk = [=, this](const QString &text) {
+        deliver([=, this] { handleChunk(stream, index, source, text); });
     };
-    const auto deliverFailure = [deliver, index, source] {
-        deliver([=](TypingMonitor &self, const StreamPointer &from) { self.handleFailure(from, index, source); });
-    };
-    const auto onChunk = [deliver, index, source](const QString &text) {
-        deliver([=](TypingMonitor &self, const StreamPointer &from) { self.handleChunk(from, index, source, text); });
-    };
-    stream->task = m_tasks.start([=, model = stream->model, label = stream->label](const std::stop_token &stop) {
+    stream->task = m_tasks.start([=, this](const std::stop_token &stop) {
         try {
-            const auto raw = answer(
-                [&] { return OpenRouterClient::ofCurrent().stream(kind, source, context, model, onChunk, stop); },
-                label);
+            const auto request = [&] { return m_client.stream(kind, source, context, stream->model, onChunk, stop); };
+            const auto raw = answer(request, stream->label);
             if (!raw) {
                 deliverFailure();
             } else if (!stop.stop_requested()) {
-                deliver([=](TypingMonitor &self, const StreamPointer &from) {
-                    self.handleCompletion(from, index, source, kind, *raw);
-                });
+                deliver([=, this] { handleCompletion(stream, index, source, kind, *raw); });
             }
         } catch (const platform::CancellationError &) {
             return; // nobody waits for the answer any more
@@ -122,7 +109,7 @@ void TypingMonitor::handleChunk(const StreamPointer &stream, int index, const QS
         return;
     }
     stream->buffer = text;
-    const platform::Instant now = current().mainQueue.now();
+    const platform::Instant now = m_mainQueue.now();
     if (m_panel.isVisible() && now - stream->cardUpdatedAt > cardUpdateSeconds) {
         stream->cardUpdatedAt = now;
         m_panel.updateCard(index, stream->buffer);
@@ -132,6 +119,65 @@ void TypingMonitor::handleChunk(const StreamPointer &stream, int index, const QS
 void TypingMonitor::handleFailure(const StreamPointer &stream, int index, const QString &source) {
     if (isLive(stream, source)) {
         fail(stream, index, QStringLiteral("Couldn't reach ") + stream->label);
+    }
+}
+
+void TypingMonitor::handleCompletion(const StreamPointer &stream, int index, const QString &source, SuggestionKind kind,
+                                     const QString &rawFinal) {
+    if (!isLive(stream, source)) {
+        return;
+    }
+    const QString answer = cleanedAnswer(rawFinal);
+    const Verdict verdict = screen(kind, source, answer);
+    switch (verdict.outcome) {
+    case Verdict::Outcome::rejected:
+        FileLog::log(stream->label + QStringLiteral(" rejected: ") + verdict.reason);
+        fail(stream, index, QStringLiteral("Rejected: ") + stream->label + QStringLiteral(" went off script"));
+        break;
+    case Verdict::Outcome::skipped:
+        FileLog::log(stream->label + QStringLiteral(": no reply needed (SKIP)"));
+        fail(stream, index, stream->label + QStringLiteral(": no reply needed"));
+        break;
+    case Verdict::Outcome::accepted:
+        complete(stream, index, source, kind, answer);
+        break;
+    }
+}
+
+// The user is never left with nothing but failures on screen.
+void TypingMonitor::fail(const StreamPointer &stream, int index, const QString &message) {
+    stream->failed = true;
+    stream->task.reset();
+    if (std::all_of(m_streams.begin(), m_streams.end(), [](const auto &other) { return other->failed; })) {
+        m_panel.hide();
+        m_streamSource.reset();
+    } else if (m_panel.isVisible()) {
+        m_panel.failCard(index, message);
+    }
+}
+
+void TypingMonitor::complete(const StreamPointer &stream, int index, const QString &source, SuggestionKind kind,
+                             const QString &answer) {
+    stream->final = answer;
+    stream->completedAt = m_mainQueue.now();
+    stream->task.reset();
+    FileLog::log(stream->label + QStringLiteral(" complete (") + QString::number(text::characterCount(answer)) +
+                 QStringLiteral(" chars, ") + text::fixed(*stream->elapsed(), 2) + QStringLiteral("s)"));
+    if (kind == SuggestionKind::rewrite && m_streams.size() == 1 && isUnchanged(source, answer)) {
+        FileLog::log(QStringLiteral("suggestion identical to draft, skipping"));
+        m_panel.hide();
+        m_streamSource.reset();
+        return;
+    }
+    showAnswer(*stream, index);
+    acceptForDebugging();
+}
+
+void TypingMonitor::showAnswer(const ModelStream &stream, int index) {
+    if (m_panel.isVisible()) {
+        m_panel.finishCard(index, *stream.final, text::fixed(*stream.elapsed(), 1) + u's');
+    } else if (m_currentElement) {
+        presentStreams(*m_currentElement);
     }
 }
 

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Panel/SuggestionPanelController.h"
 
-#include "Platform/Platform.h"
+#include "Platform/Keys.h"
+#include "Platform/LifeToken.h"
+#include "Platform/MainQueue.h"
+#include "Platform/PanelWindow.h"
 #include "Quillory/Field/AXText.h"
 #include "Quillory/Records/FileLog.h"
 
@@ -18,6 +21,7 @@ namespace {
 
 constexpr double minWidth = 360;
 constexpr double maxWidth = 620;
+constexpr double gapToField = 10;
 constexpr double rise = 8;
 constexpr std::chrono::milliseconds fadeIn{180};
 
@@ -25,11 +29,21 @@ bool isAcceptable(const SuggestionCardData &card) {
     return card.isComplete && !card.failed && card.text && !card.text->isEmpty();
 }
 
+platform::Rect visibleFrameAround(platform::Point point, const std::vector<platform::Screen> &screens,
+                                  const std::optional<platform::Screen> &mainScreen) {
+    const auto found = std::find_if(screens.begin(), screens.end(),
+                                    [&](const platform::Screen &screen) { return screen.frame.contains(point); });
+    if (found != screens.end()) {
+        return found->visibleFrame;
+    }
+    return mainScreen ? mainScreen->visibleFrame : platform::Rect{};
+}
+
 } // namespace
 
 struct SuggestionPanelController::Private {
-    Private(SuggestionPanelController &controller, MakeSuggestionHost make)
-        : owner(controller), makeHost(std::move(make)) {}
+    Private(SuggestionPanelController &controller, MakeSuggestionHost make, const Services &given)
+        : owner(controller), makeHost(std::move(make)), services(given) {}
 
     void render();
     void place();
@@ -44,28 +58,20 @@ struct SuggestionPanelController::Private {
     void callAccept(int index) const;
     void callDismiss() const;
 
-    // Wraps an action so that it does nothing once the controller is gone.
-    template <class Action> auto whileAlive(Action action) {
-        return [guard = std::weak_ptr(alive), action = std::move(action)](auto... arguments) {
-            if (!guard.expired()) {
-                action(arguments...);
-            }
-        };
-    }
-
     SuggestionPanelController &owner;
     MakeSuggestionHost makeHost;
+    Services services;
     // Declared before the window that shows its view, so that the window goes first.
     std::unique_ptr<SuggestionHost> hosting;
     std::unique_ptr<platform::PanelWindow> panel;
     platform::Rect lastAXFrame;
     double width = 420;
     std::unique_ptr<platform::EventTap> eventTap;
-    std::shared_ptr<bool> alive = std::make_shared<bool>(true);
+    platform::LifeToken life;
 };
 
-SuggestionPanelController::SuggestionPanelController(MakeSuggestionHost makeHost)
-    : m_private(std::make_unique<Private>(*this, std::move(makeHost))) {}
+SuggestionPanelController::SuggestionPanelController(MakeSuggestionHost makeHost, const Services &services)
+    : m_private(std::make_unique<Private>(*this, std::move(makeHost), services)) {}
 
 SuggestionPanelController::~SuggestionPanelController() = default;
 
@@ -150,20 +156,20 @@ void SuggestionPanelController::Private::render() {
         hosting = makeHost();
     }
     if (!panel) {
-        panel = platform::current().panelWindows.create();
+        panel = services.panelWindows.create();
     }
     const platform::Size size =
-        hosting->setRootView(owner.m_cards, width, whileAlive([this](int index) { callAccept(index); }),
-                             whileAlive([this] { callDismiss(); }));
+        hosting->setRootView(owner.m_cards, width, life.whileAlive([this](int index) { callAccept(index); }),
+                             life.whileAlive([this] { callDismiss(); }));
     panel->setContentView(hosting->view());
     panel->setContentSize(size);
     place();
 }
 
 void SuggestionPanelController::Private::place() {
-    platform::Screens &screens = platform::current().screens;
-    panel->setFrameOrigin(
-        panelOrigin(AXText::cocoaRect(lastAXFrame), panel->frame().size(), screens.screens(), screens.mainScreen()));
+    const auto screens = services.screens.screens();
+    panel->setFrameOrigin(panelOrigin(AXText::cocoaRect(lastAXFrame, screens), panel->frame().size(), screens,
+                                      services.screens.mainScreen()));
 }
 
 void SuggestionPanelController::Private::riseIntoPlace() {
@@ -185,7 +191,7 @@ void SuggestionPanelController::Private::change(int index, const std::function<b
 
 void SuggestionPanelController::Private::armTap() {
     if (!eventTap) {
-        eventTap = platform::current().eventTaps.create([this](const TapEvent &event) { return handle(event); });
+        eventTap = services.eventTaps.create([this](const TapEvent &event) { return handle(event); });
     }
     if (!eventTap || !eventTap->setEnabled(true)) {
         loseTap();
@@ -232,7 +238,7 @@ TapVerdict SuggestionPanelController::Private::handleKey(platform::KeyCode key) 
 }
 
 void SuggestionPanelController::Private::post(std::function<void()> action) {
-    platform::current().mainQueue.post(whileAlive(std::move(action)));
+    services.mainQueue.post(life.whileAlive(std::move(action)));
 }
 
 void SuggestionPanelController::Private::callAccept(int index) const {
@@ -245,6 +251,21 @@ void SuggestionPanelController::Private::callDismiss() const {
     if (owner.onDismiss) {
         owner.onDismiss();
     }
+}
+
+platform::Point panelOrigin(const platform::Rect &field, platform::Size panel,
+                            const std::vector<platform::Screen> &screens,
+                            const std::optional<platform::Screen> &mainScreen) {
+    const platform::Rect visible = visibleFrameAround({field.midX(), field.midY()}, screens, mainScreen);
+    double y = field.maxY() + gapToField;
+    if (visible.maxY() - panelScreenMargin < y + panel.height) {
+        y = field.minY() - gapToField - panel.height;
+    }
+    const double left = visible.minX() + panelScreenMargin;
+    const double right = std::max(left, visible.maxX() - panel.width - panelScreenMargin);
+    // The bound stands first so that a coordinate that is no number yields to it.
+    const double x = std::min(right, std::max(left, field.minX()));
+    return {x, std::max(visible.minY() + panelScreenMargin, y)};
 }
 
 } // namespace quillory

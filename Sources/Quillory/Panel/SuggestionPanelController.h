@@ -3,8 +3,6 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
-#include "Platform/Keys.h"
-#include "Platform/PanelWindow.h"
 #include "Platform/Screens.h"
 #include "Quillory/Panel/SuggestionCardData.h"
 #include "Quillory/Panel/SuggestionHost.h"
@@ -14,6 +12,12 @@
 #include <optional>
 #include <vector>
 
+namespace platform {
+class EventTaps;
+class MainQueue;
+class PanelWindows;
+} // namespace platform
+
 namespace quillory {
 
 /// Owns the floating panel: places it beside the text field of another application, shows the cards it is given, and
@@ -21,7 +25,14 @@ namespace quillory {
 /// show. Main thread only.
 class SuggestionPanelController {
   public:
-    explicit SuggestionPanelController(MakeSuggestionHost makeHost);
+    /// What the panel is made with. All of it outlives the controller.
+    struct Services {
+        platform::EventTaps &eventTaps;
+        platform::MainQueue &mainQueue;
+        platform::PanelWindows &panelWindows;
+        platform::Screens &screens;
+    };
+    SuggestionPanelController(MakeSuggestionHost makeHost, const Services &services);
     ~SuggestionPanelController();
 
     /// Called when a card is to be accepted: Tab (through the main queue) or a click on its button.

@@ -2,11 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Shell/AppDelegate.h"
 
-#include "Platform/Platform.h"
-#include "Quillory/Field/PasteQueue.h"
-#include "Quillory/Monitor/TypingMonitor.h"
+#include "Platform/MainQueue.h"
+#include "Platform/StatusBar.h"
 #include "Quillory/Records/FileLog.h"
-#include "Quillory/Settings/AppSettings.h"
 #include "Quillory/Text.h"
 #include "Quillory/UI/Card/SuggestionViewHost.h"
 #include "Quillory/UI/Settings/SettingsWindow.h"
@@ -23,38 +21,31 @@ namespace quillory::ui {
 namespace {
 /// A panel may start after us, when the session begins.
 constexpr std::chrono::seconds patienceForTray{10};
-/// Kept in the settings: who starts the program at every login is not to be told every time.
+/// Kept in the settings, so that a user whose session starts the program is told only once.
 const QString toldOfMissingTray = QStringLiteral("toldOfMissingTray");
 /// The set-up comes in front of the windows of the start, and the accessibility bus may be a moment late in a session.
 constexpr std::chrono::seconds untilSettled{2};
-
-void flip(const QString &key) {
-    platform::UserDefaults &store = AppSettings::shared().store();
-    store.set(key, !store.boolean(key));
-}
 } // namespace
 
-AppDelegate::AppDelegate(AppActions actions)
-    : m_actions(std::move(actions)),
-      m_monitor(std::make_shared<TypingMonitor>([] { return std::make_unique<SuggestionViewHost>(); })) {}
+AppDelegate::AppDelegate(const platform::Platform &desktop, AppActions actions)
+    : m_desktop(desktop), m_actions(std::move(actions)),
+      m_assembly(desktop, [] { return std::make_unique<SuggestionViewHost>(); }) {}
 
-AppDelegate::~AppDelegate() {
-    abandonPastes();
-}
+AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationDidFinishLaunching() {
     setUpStatusItem();
-    platform::Accessibility &accessibility = platform::current().accessibility;
+    platform::Accessibility &accessibility = m_desktop.accessibility;
     const bool trusted = accessibility.isProcessTrusted();
     FileLog::log(QStringLiteral("launched, accessibility trusted = %1").arg(text::trueOrFalse(trusted)));
     if (!trusted) {
         accessibility.isProcessTrustedWithPrompt();
     }
-    m_monitor->start();
+    m_assembly.monitor.start();
     if (m_actions.startPeriodicChecks) {
         m_actions.startPeriodicChecks();
     }
-    if (!AppSettings::shared().isKeySet()) {
+    if (!m_assembly.settings.isKeySet()) {
         std::fputs("quillory: no OpenRouter API key is set; give one with: quillory setup\n", stderr);
         openSettings();
     }
@@ -63,16 +54,16 @@ void AppDelegate::applicationDidFinishLaunching() {
     }
 }
 
-bool AppDelegate::lacksSetup() {
-    return !AppSettings::shared().isKeySet() || !platform::current().accessibility.isProcessTrusted();
+bool AppDelegate::lacksSetup() const {
+    return !m_assembly.settings.isKeySet() || !m_desktop.accessibility.isProcessTrusted();
 }
 
 void AppDelegate::launchSetup() {
-    platform::current().mainQueue.postAfter(untilSettled, [this, life = std::weak_ptr(m_life)] {
-        if (!life.expired() && m_actions.launchSetup && lacksSetup()) {
+    m_desktop.mainQueue.postAfter(untilSettled, m_life.whileAlive([this] {
+        if (m_actions.launchSetup && lacksSetup()) {
             m_actions.launchSetup();
         }
-    });
+    }));
 }
 
 void AppDelegate::setUpStatusItem() {
@@ -92,21 +83,17 @@ void AppDelegate::setUpStatusItem() {
     QObject::connect(m_menu.get(), &QMenu::aboutToShow, m_menu.get(), [this] { menuNeedsUpdate(); });
     menuNeedsUpdate(); // a tray may read the menu long before it opens it
     QApplication::setWindowIcon(programIcon());
-    m_statusItem = std::make_unique<StatusItem>(*m_menu);
-    platform::current().mainQueue.postAfter(patienceForTray, [this, life = std::weak_ptr(m_life)] {
-        if (!life.expired()) {
-            tellOfMissingTray();
-        }
-    });
+    m_statusItem = std::make_unique<StatusItem>(*m_menu, m_desktop.statusBar);
+    m_desktop.mainQueue.postAfter(patienceForTray, m_life.whileAlive([this] { tellOfMissingTray(); }));
 }
 
 void AppDelegate::tellOfMissingTray() {
-    platform::StatusBar &statusBar = platform::current().statusBar;
+    platform::StatusBar &statusBar = m_desktop.statusBar;
     if (statusBar.isAvailable()) {
         return;
     }
     std::fputs("quillory: this desktop has no place for status icons; start quillory again to open its menu\n", stderr);
-    platform::UserDefaults &store = AppSettings::shared().store();
+    platform::UserDefaults &store = m_assembly.settings.store();
     if (!store.boolean(toldOfMissingTray)) {
         store.set(toldOfMissingTray, true);
         statusBar.tell(QStringLiteral("Quillory is running"),
@@ -116,10 +103,15 @@ void AppDelegate::tellOfMissingTray() {
 }
 
 void AppDelegate::menuNeedsUpdate() {
-    const platform::UserDefaults &store = AppSettings::shared().store();
+    const platform::UserDefaults &store = m_assembly.settings.store();
     m_enabledItem->setChecked(store.boolean(settingsKey::enabled));
     m_compareItem->setChecked(store.boolean(settingsKey::compareMode));
-    m_accessItem->setVisible(!platform::current().accessibility.isProcessTrusted());
+    m_accessItem->setVisible(!m_desktop.accessibility.isProcessTrusted());
+}
+
+void AppDelegate::flip(const QString &key) {
+    platform::UserDefaults &store = m_assembly.settings.store();
+    store.set(key, !store.boolean(key));
 }
 
 void AppDelegate::toggleEnabled() {
@@ -133,8 +125,8 @@ void AppDelegate::toggleCompare() {
 }
 
 void AppDelegate::openAccessibilitySettings() {
-    platform::current().accessibility.isProcessTrustedWithPrompt();
-    platform::current().accessibility.showSettings();
+    m_desktop.accessibility.isProcessTrustedWithPrompt();
+    m_desktop.accessibility.showSettings();
 }
 
 void AppDelegate::openSettings() {
@@ -149,7 +141,7 @@ void AppDelegate::checkForUpdates() {
 }
 
 void AppDelegate::applicationDidReopen() {
-    if (platform::current().statusBar.isAvailable()) {
+    if (m_desktop.statusBar.isAvailable()) {
         openSettings();
     } else {
         openMenu();

@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/LifeToken.h"
+#include "Platform/Platform.h"
+#include "Quillory/Monitor/MonitorAssembly.h"
+
 #include <functional>
 #include <memory>
 
 class QAction;
-
-namespace quillory {
-class TypingMonitor;
-}
 
 namespace quillory::ui {
 
@@ -30,8 +30,9 @@ struct AppActions {
 /// Starts everything in its order and owns it for the life of the program. One per process, main thread only.
 class AppDelegate {
   public:
-    /// Makes the typing monitor, and with it the settings and the suggestion panel. Starts nothing.
-    explicit AppDelegate(AppActions actions = {});
+    /// Makes the typing monitor, and with it the settings and the suggestion panel. Starts nothing. The desktop's
+    /// services outlive the delegate.
+    explicit AppDelegate(const platform::Platform &desktop, AppActions actions = {});
     ~AppDelegate();
 
     /// Called once, when the event loop runs.
@@ -49,10 +50,13 @@ class AppDelegate {
     void checkForUpdates();
     void openMenu();
     void tellOfMissingTray();
-    [[nodiscard]] static bool lacksSetup();
+    [[nodiscard]] bool lacksSetup() const;
+    void flip(const QString &key);
     void launchSetup();
 
+    platform::Platform m_desktop;
     AppActions m_actions;
+    MonitorAssembly m_assembly;
     std::unique_ptr<StatusMenu> m_menu;
     QAction *m_enabledItem = nullptr;
     QAction *m_compareItem = nullptr;
@@ -61,9 +65,7 @@ class AppDelegate {
     /// Both are made when they are first shown, and only hidden when they are closed.
     std::unique_ptr<SettingsWindow> m_settingsWindow;
     std::unique_ptr<MenuWindow> m_menuWindow;
-    std::shared_ptr<TypingMonitor> m_monitor;
-    /// Gone with this, so that what was put off knows.
-    std::shared_ptr<bool> m_life = std::make_shared<bool>();
+    platform::LifeToken m_life;
 };
 
 } // namespace quillory::ui

@@ -3,8 +3,10 @@
 #include "Quillory/UI/Shell/BringToFront.h"
 
 #include "Platform/Platform.h"
+#include "Platform/Workspace.h"
 
-#include <QPointer>
+#include <QCoreApplication>
+#include <QTimer>
 #include <QWidget>
 
 namespace quillory::ui {
@@ -12,23 +14,26 @@ namespace quillory::ui {
 namespace {
 constexpr std::chrono::milliseconds untilManaged{300};
 
-void activateOwnWindows() {
-    const auto &services = platform::current();
-    services.workspace.activate(services.process.identifier());
+void activateOwnWindows(platform::Workspace &workspace) {
+    workspace.activate(static_cast<qint32>(QCoreApplication::applicationPid()));
 }
 } // namespace
 
-void bringToFront(QWidget &window) {
+void bringToFront(QWidget &window, platform::Workspace &workspace) {
     window.show();
     window.raise();
     window.activateWindow();
-    activateOwnWindows();
-    // A window manager may take a new window for an intruder, which a second request on the user's behalf mends.
-    platform::current().mainQueue.postAfter(untilManaged, [shown = QPointer(&window)] {
-        if (shown != nullptr && shown->isVisible() && !shown->isActiveWindow()) {
-            activateOwnWindows();
+    activateOwnWindows(workspace);
+    // A window manager may hold back a window that it does not take for the user's wish; a second request helps.
+    QTimer::singleShot(untilManaged, &window, [&window, &workspace] {
+        if (window.isVisible() && !window.isActiveWindow()) {
+            activateOwnWindows(workspace);
         }
     });
+}
+
+void bringToFront(QWidget &window) {
+    bringToFront(window, platform::current().workspace);
 }
 
 } // namespace quillory::ui

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Shell/MenuWindow.h"
 
-#include "Platform/Platform.h"
 #include "Quillory/UI/AccessibleViews.h"
 #include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Look.h"
@@ -97,6 +96,7 @@ MenuWindow::MenuWindow(QMenu &menu)
     installAccessibleViews();
     setWindowTitle(QStringLiteral("Quillory"));
     addActions(menu.actions()); // for their keys
+    connect(&m_looks, &QTimer::timeout, &menu, &QMenu::aboutToShow);
     auto *const rows = new QVBoxLayout(this);
     rows->setContentsMargins(menuWindowMargin, menuWindowMargin, menuWindowMargin, menuWindowMargin);
     rows->setSpacing(0);
@@ -122,12 +122,12 @@ void MenuWindow::addRows() {
 // What is shown may be changed by another process, and by the desktop, which tell nobody.
 void MenuWindow::showEvent(QShowEvent *event) {
     constexpr std::chrono::milliseconds lookAgain(500);
-    m_looks = platform::current().mainQueue.repeat(lookAgain, [this] { Q_EMIT m_menu.aboutToShow(); });
+    m_looks.start(lookAgain);
     QWidget::showEvent(event);
 }
 
 void MenuWindow::hideEvent(QHideEvent *event) {
-    m_looks.reset();
+    m_looks.stop();
     QWidget::hideEvent(event);
 }
 

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/MainQueue.h"
-
+#include <QTimer>
 #include <QWidget>
 
 class QMenu;
@@ -27,7 +26,7 @@ class MenuWindow final : public QWidget {
     void addRows();
 
     QMenu &m_menu;
-    platform::RegistrationHandle m_looks;
+    QTimer m_looks;
 };
 
 } // namespace quillory::ui

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Shell/StatusItem.h"
 
-#include "Platform/Platform.h"
 #include "Quillory/UI/Look.h"
 #include "Quillory/UI/Symbols.h"
 
@@ -26,8 +25,8 @@ QIcon programIcon() {
     return icon;
 }
 
-StatusItem::StatusItem(QMenu &menu) : m_menu(menu) {
-    m_listening = platform::current().statusBar.onChange([this] { showWhenPossible(); });
+StatusItem::StatusItem(QMenu &menu, platform::StatusBar &statusBar) : m_menu(menu), m_statusBar(statusBar) {
+    m_listening = m_statusBar.onChange([this] { showWhenPossible(); });
     showWhenPossible();
 }
 
@@ -35,7 +34,7 @@ StatusItem::~StatusItem() = default;
 
 // An icon that was shown once follows its tray by itself, also when that goes and comes back.
 void StatusItem::showWhenPossible() {
-    if (m_icon != nullptr || !platform::current().statusBar.isAvailable()) {
+    if (m_icon != nullptr || !m_statusBar.isAvailable()) {
         return;
     }
     m_icon = std::make_unique<QSystemTrayIcon>(programIcon());

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/MainQueue.h"
+#include "Platform/StatusBar.h"
 
 #include <memory>
 
@@ -15,7 +15,8 @@ namespace quillory::ui {
 /// The program's icon in the desktop's tray, with its menu. It waits for a tray for as long as there is none.
 class StatusItem {
   public:
-    explicit StatusItem(QMenu &menu);
+    /// Both outlive this.
+    StatusItem(QMenu &menu, platform::StatusBar &statusBar);
     ~StatusItem();
     StatusItem(const StatusItem &) = delete;
     StatusItem &operator=(const StatusItem &) = delete;
@@ -24,8 +25,9 @@ class StatusItem {
     void showWhenPossible();
 
     QMenu &m_menu;
+    platform::StatusBar &m_statusBar;
     platform::RegistrationHandle m_listening;
-    /// Made with the first tray there is: the toolkit settles then on the kind of tray it speaks to.
+    /// Made with the first tray there is: only then does Qt settle on the kind of tray that it speaks to.
     std::unique_ptr<QSystemTrayIcon> m_icon;
 };
 
