@@ -80,12 +80,6 @@ TEST_F(AXTextTest, ConvertsFramesAndNeedsThemWhole) {
     EXPECT_EQ(AXText::cocoaRect({10, 100, 300, 30}, {}), (Rect{10, -130, 300, 30}));
 }
 
-TEST_F(AXTextTest, FindsTitlesOfLivingApplicationsAlone) {
-    EXPECT_EQ(ax.focusedWindowTitle(1), u"Page"_s);
-    EXPECT_EQ(ax.focusedWindowTitle(99), std::nullopt);
-    EXPECT_EQ(ax.focusedElement(), std::nullopt);
-}
-
 struct InsertionTest : AXTextTest {
     std::optional<PasteQueue> pastes{
         std::in_place, ax,

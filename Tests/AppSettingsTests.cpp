@@ -5,8 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <thread>
-
 namespace quillory::test {
 
 using namespace Qt::StringLiterals;
@@ -17,28 +15,11 @@ class AppSettingsTest : public testing::Test {
     void storeFAQ(const QByteArray &json) { desktop.userDefaults.set(settingsKey::faqEntries, json); }
 
     SimulatedDesktop desktop;
-    AppSettings &settings = AppSettings::shared();
+    AppSettings settings{desktop.userDefaults, desktop.process};
 };
 
 const QByteArray goodId = R"("id":"9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2B")";
 } // namespace
-
-TEST_F(AppSettingsTest, AFreshStoreHasNineDefaults) {
-    const std::map<QString, platform::DefaultsValue> defaults{
-        {u"model"_s, u"anthropic/claude-haiku-4.5"_s},
-        {u"secondModel"_s, u"google/gemini-2.5-flash-lite"_s},
-        {u"compareMode"_s, false},
-        {u"tone"_s, u"Professional"_s},
-        {u"debounceMs"_s, qint64{500}},
-        {u"minChars"_s, qint64{8}},
-        {u"maxChars"_s, qint64{3000}},
-        {u"enabled"_s, true},
-        {u"assistantMode"_s, true},
-    };
-    EXPECT_EQ(desktop.userDefaults.registered(), defaults);
-    EXPECT_TRUE(desktop.userDefaults.stored().empty());
-    EXPECT_EQ(settings.store().string(settingsKey::businessProfile), std::nullopt);
-}
 
 TEST_F(AppSettingsTest, TheFirstSourceThatHasAKeyWins) {
     desktop.process.information[u"EmbeddedAPIKey"_s] = QString();
@@ -111,22 +92,6 @@ TEST(Tone, NamesAreExact) {
     }
     EXPECT_EQ(rawValue(Tone::grammarOnly), u"Grammar only"_s);
     EXPECT_EQ(toneFromRawValue(u"grammar only"_s), std::nullopt);
-}
-
-TEST(AppSettings, EachInstallationHasItsOwnAndOneOnly) {
-    for (int round = 0; round < 2; ++round) {
-        SimulatedDesktop desktop;
-        AppSettings *seen[4]{};
-        {
-            std::vector<std::jthread> threads;
-            for (AppSettings *&one : seen) {
-                threads.emplace_back([&one] { one = &AppSettings::shared(); });
-            }
-        }
-        EXPECT_THAT(seen, testing::Each(&AppSettings::shared()));
-        EXPECT_EQ(&AppSettings::shared().store(), &desktop.userDefaults);
-        EXPECT_EQ(desktop.userDefaults.registered().size(), 9U);
-    }
 }
 
 } // namespace quillory::test

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Commands/DoctorCommand.h"
 #include "Quillory/Commands/SetupCommand.h"
-#include "Quillory/Settings/ApiKey.h"
 #include "Quillory/Settings/AppSettings.h"
 #include "Quillory/Setup/Diagnosis.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
@@ -247,16 +246,6 @@ TEST_F(Diagnosis, TheTerminalAsksForWhatIsMissing) {
     repairable.facts.isAccessibilityEnabled = false;
     EXPECT_EQ(runSetupCommand({}, services, {nothing, output, errors}), exitStatus::failure);
     EXPECT_FALSE(*repairable.facts.isAccessibilityEnabled) << "an input that ends agrees to nothing";
-}
-
-TEST(ApiKey, IsCleanedOrRefused) {
-    for (const char *typed : {"sk-or-1", "  sk-or-1\r\n", "sk-\nor-1", "sk-or\r\n -1\t", "\xC2\xA0sk-or-1"}) {
-        EXPECT_EQ(enteredKey(utf16(typed)).key, utf16("sk-or-1")) << typed;
-    }
-    for (const QString &typed : {utf16(" \n"), utf16("sk or"), utf16("sk-\x01"), utf16("sk-ü"), QString(600, u'x')}) {
-        EXPECT_TRUE(enteredKey(typed).key.isEmpty());
-        EXPECT_TRUE(enteredKey(typed).refusal.endsWith(u'.'));
-    }
 }
 
 } // namespace

@@ -113,10 +113,4 @@ TEST(Text, KnowsWhetherATextIsLongEnough) {
     EXPECT_TRUE(text::hasAtLeast({}, 0));
 }
 
-TEST(Text, WritesNumbersAsCDoes) {
-    EXPECT_EQ(text::fixed(1.25, 1), u"1.2"_s);
-    EXPECT_EQ(text::fixed(12.3456, 2), u"12.35"_s);
-    EXPECT_EQ(text::fixed(3, 2), u"3.00"_s);
-}
-
 } // namespace quillory::test

@@ -24,10 +24,12 @@ using namespace Qt::StringLiterals;
 class AppDelegateTest : public testing::Test {
   protected:
     void launch() {
-        delegate.emplace(AppActions{
-            .startPeriodicChecks = [this] { updates += u"periodic after "_s + desktop.log().constLast() + u'\n'; },
-            .check = [this](bool userInitiated) { updates += userInitiated ? u"by the user\n"_s : u"?\n"_s; },
-            .launchSetup = [this] { ++setups; }});
+        delegate.emplace(
+            desktop.services(),
+            AppActions{
+                .startPeriodicChecks = [this] { updates += u"periodic after "_s + desktop.log().constLast() + u'\n'; },
+                .check = [this](bool userInitiated) { updates += userInitiated ? u"by the user\n"_s : u"?\n"_s; },
+                .launchSetup = [this] { ++setups; }});
         delegate->applicationDidFinishLaunching();
     }
     template <typename Window> static std::vector<Window *> windows() {
@@ -64,7 +66,7 @@ class AppDelegateTest : public testing::Test {
         }
         throw std::out_of_range(title.toStdString());
     }
-    static bool isOn(const QString &key) { return AppSettings::shared().store().boolean(key); }
+    bool isOn(const QString &key) { return desktop.userDefaults.boolean(key); }
 
     SimulatedDesktop desktop;
     QString updates;
