@@ -17,6 +17,14 @@ QString letters(qsizetype count) {
     return QString(count, u'x');
 }
 
+FieldSituation messageBox(qint64 maxChars) {
+    FieldSituation field;
+    field.isTextElement = true;
+    field.isChat = true;
+    field.maxChars = maxChars;
+    return field;
+}
+
 TEST(DraftRules, NormalisesWhiteSpaceAlone) {
     for (const auto &[raw, expected] :
          std::vector<std::pair<const char *, const char *>>{{"  Hello\u00A0 world\n", "Hello world"},
@@ -37,7 +45,8 @@ TEST(DraftRules, KnowAnEmptyFieldByItsPlaceholder) {
 }
 
 TEST(DraftRules, CountCharactersAsPeopleSeeThem) {
-    FieldSituation field{.isTextElement = true, .isChat = true, .minChars = 8, .maxChars = 12};
+    FieldSituation field = messageBox(12);
+    field.minChars = 8;
     for (const auto &[draft, allowed] : std::vector<std::pair<QString, bool>>{
              {letters(7), false},
              {letters(8), true},
@@ -56,11 +65,8 @@ TEST(DraftRules, CountCharactersAsPeopleSeeThem) {
 }
 
 TEST(DraftRules, LeaveAnInsertedTextAlone) {
-    const FieldSituation base{.isTextElement = true,
-                              .isChat = true,
-                              .value = u"Good\u00A0day, Amal "_s,
-                              .maxChars = 99,
-                              .secondsSinceInsert = 9};
+    FieldSituation base = messageBox(99);
+    base.value = u"Good\u00A0day, Amal "_s;
     FieldSituation field = base;
     EXPECT_EQ(gateOf(field), Gate::rewrite);
     field.lastInserted = u"Good day,  Amal"_s;
