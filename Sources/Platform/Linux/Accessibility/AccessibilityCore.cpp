@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Accessibility/AccessibilityCore.h"
 
-#include "Platform/Linux/Accessibility/AtspiElement.h"
+#include "Platform/Linux/Accessibility/ElementQueries.h"
 
 #include <algorithm>
-#include <array>
 
 namespace platform::desktop::atspi {
 
@@ -20,12 +19,76 @@ constexpr auto sameMoment = 40ms;
 // How old an answer may be when its application is too busy for a new one. Fields seldom move.
 constexpr auto oldestAnswer = 1s;
 constexpr auto oldestFrame = 5s;
-// An element that was not named the last time is asked about at once, and what cannot be answered then is taken for no.
+// An element that was not given out the last time must have confirmed its focus this recently.
 constexpr auto oldestConfirmation = 300ms;
 constexpr auto wantedFor = 1s;
 // After this time the chain above the focused element is asked anew, after the longer one it is waited for.
 constexpr auto ancestryLifetime = 1s;
 constexpr auto oldestAncestry = 4s;
+
+/// An element of an application on the accessibility bus.
+class Element final : public AXElementBackend {
+  public:
+    Element(std::shared_ptr<AccessibilityCore> core, Handle handle)
+        : m_core(std::move(core)), m_handle(std::move(handle)) {}
+    [[nodiscard]] std::optional<AXValue> copyAttributeValue(AXAttribute attribute) const override {
+        return m_core->attribute(m_handle, attribute);
+    }
+    [[nodiscard]] bool isAttributeSettable(AXAttribute attribute) const override {
+        const bool isWritable = attribute == AXAttribute::value || attribute == AXAttribute::selectedTextRange;
+        return isWritable && m_core->isValueSettable(m_handle);
+    }
+    bool setAttributeValue(AXAttribute attribute, const AXValue &value) const override {
+        return m_core->setAttribute(m_handle, attribute, value);
+    }
+    [[nodiscard]] qint32 pid() const override { return m_handle.pid; }
+    [[nodiscard]] bool isEqual(const AXElementBackend &other) const override {
+        const auto *element = dynamic_cast<const Element *>(&other);
+        return element != nullptr && element->m_handle.ref == m_handle.ref;
+    }
+    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits, AXFreshness freshness) const override {
+        return m_core->subtree(m_handle, limits, freshness);
+    }
+    void prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness) const override {
+        m_core->prepareSubtree(m_handle, limits, freshness);
+    }
+
+  private:
+    std::shared_ptr<AccessibilityCore> m_core;
+    Handle m_handle;
+};
+
+/// The desktop as a whole (without a process) or a whole application.
+class RootElement final : public AXElementBackend {
+  public:
+    RootElement(std::shared_ptr<AccessibilityCore> core, std::optional<qint32> pid)
+        : m_core(std::move(core)), m_pid(pid) {}
+    [[nodiscard]] std::optional<AXValue> copyAttributeValue(AXAttribute attribute) const override {
+        if (m_pid) {
+            return m_core->applicationAttribute(*m_pid, attribute);
+        }
+        auto focused = attribute == AXAttribute::focusedUIElement ? m_core->focusedElement() : std::nullopt;
+        return focused ? std::optional<AXValue>(std::move(*focused)) : std::nullopt;
+    }
+    [[nodiscard]] bool isAttributeSettable(AXAttribute) const override { return false; }
+    bool setAttributeValue(AXAttribute, const AXValue &) const override { return false; }
+    [[nodiscard]] qint32 pid() const override { return m_pid.value_or(0); }
+    [[nodiscard]] bool isEqual(const AXElementBackend &other) const override {
+        const auto *root = dynamic_cast<const RootElement *>(&other);
+        return root != nullptr && root->m_pid == m_pid;
+    }
+    /// Absent: a read starts at a window or a page.
+    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits, AXFreshness) const override { return {}; }
+    void prepareSubtree(AXSubtreeLimits, AXFreshness) const override {}
+
+  private:
+    std::shared_ptr<AccessibilityCore> m_core;
+    std::optional<qint32> m_pid;
+};
+
+template <class T> std::optional<AXValue> given(const std::optional<T> &value) {
+    return value ? std::optional<AXValue>(*value) : std::nullopt;
+}
 } // namespace
 
 AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints,
@@ -33,8 +96,31 @@ AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPi
     : m_ownPid(ownPid), m_inPoints(std::move(inPoints)), m_activeWindow(std::move(activeWindow)),
       m_reader(std::move(sessionBusAddress), ownPid), m_pages(m_reader) {}
 
-AXUIElement AccessibilityCore::element(const Handle &handle) {
-    return AXUIElement(std::make_shared<AtspiElement>(shared_from_this(), handle));
+// The outcome of a query on the reader's thread; an empty one when it takes longer than the limit, or when there is no
+// accessibility bus.
+template <class Query> auto AccessibilityCore::ask(Query query, std::chrono::milliseconds limit) {
+    using Result = std::invoke_result_t<Query, Session &>;
+    const auto onReader = [query = std::move(query)](Session &session) {
+        return session.connection() != nullptr ? query(session) : Result();
+    };
+    return m_reader.ask(limit, onReader).value_or(Result());
+}
+
+AXUIElement AccessibilityCore::desktop() {
+    return AXUIElement(std::make_shared<RootElement>(shared_from_this(), std::nullopt));
+}
+
+AXUIElement AccessibilityCore::application(qint32 pid) {
+    return AXUIElement(std::make_shared<RootElement>(shared_from_this(), pid));
+}
+
+AXUIElement AccessibilityCore::wrap(const Handle &handle) {
+    return AXUIElement(std::make_shared<Element>(shared_from_this(), handle));
+}
+
+std::optional<AXValue> AccessibilityCore::wrapKnown(const ElementReading *reading) {
+    return reading != nullptr && reading->element.pid != 0 ? std::optional<AXValue>(wrap(reading->element))
+                                                           : std::nullopt;
 }
 
 Rect AccessibilityCore::inPoints(const PixelRect &rect) const {
@@ -43,8 +129,7 @@ Rect AccessibilityCore::inPoints(const PixelRect &rect) const {
 }
 
 TextWanted AccessibilityCore::wantedNow(const ElementRef &ref) const {
-    const bool isTold = m_told.element && m_told.element->ref == ref;
-    return isTold && Clock::now() < m_wantedUntil ? m_wanted : TextWanted::nothing;
+    return isTold(ref) && Clock::now() < m_wantedUntil ? m_wanted : TextWanted::nothing;
 }
 
 void AccessibilityCore::noteWanted(TextWanted wanted) {
@@ -58,7 +143,7 @@ void AccessibilityCore::noteWanted(TextWanted wanted) {
 // The first question of a tick: reads the focused element once more, and with it what the tick will ask next.
 std::optional<AXUIElement> AccessibilityCore::focusedElement() {
     const auto askedAt = Clock::now();
-    // A refresh that is under way still belongs to an application that is busy: its frame was spent already.
+    // A refresh that is still under way has had its frame: its application is busy.
     if (m_refresh == nullptr || m_refresh->isFinished()) {
         const auto wanted = m_told.element ? wantedNow(m_told.element->ref) : TextWanted::value;
         m_refresh = m_reader.start([wanted](Session &session) {
@@ -71,31 +156,30 @@ std::optional<AXUIElement> AccessibilityCore::focusedElement() {
     }
     auto focus = focusInFront(askedAt);
     const auto now = Clock::now();
-    if (!m_told.element || !focus.element || m_told.element->ref != focus.element->ref) {
+    if (!focus.element || !isTold(focus.element->ref)) {
         m_wantedUntil = {};
     }
     m_told = focus;
-    m_recent = focus.snapshot;
+    m_recent = focus.reading;
     if (!focus.element) {
         return std::nullopt;
     }
     m_recentUntil = now + sameMoment;
     if (m_recent != nullptr && now - m_recent->takenAt > oldestAnswer) {
-        m_recent = std::make_shared<const FieldSnapshot>(
-            FieldSnapshot{.element = *focus.element, .wanted = TextWanted::value});
+        m_recent = std::make_shared<const ElementReading>(
+            ElementReading{.element = *focus.element, .wanted = TextWanted::value});
     }
-    return element(*focus.element);
+    return wrap(*focus.element);
 }
 
-// An application that is left says so a little late, and a hung one not at all; keys go to the active window meanwhile.
-// Where no window is active, or nobody tells, the application's word counts.
+// An application that loses the focus says so a little late, and a hung one not at all; keys already go to the active
+// window. Where the desktop names no active window the application's word counts.
 Focus AccessibilityCore::focusInFront(Clock::time_point askedAt) {
     auto focus = m_reader.board().focus();
     if (!focus.element || focus.element->pid == m_ownPid) {
         return focus;
     }
-    const bool isNew = !m_told.element || m_told.element->ref != focus.element->ref;
-    if (isNew && askedAt - focus.confirmedAt > oldestConfirmation) {
+    if (!isTold(focus.element->ref) && askedAt - focus.confirmedAt > oldestConfirmation) {
         return {};
     }
     const auto active = m_activeWindow();
@@ -109,7 +193,7 @@ Focus AccessibilityCore::focusInFront(Clock::time_point askedAt) {
     return own;
 }
 
-// On the bus an application in a sandbox has another number than its windows give.
+// An application in a sandbox has another process on the bus than its windows give.
 bool AccessibilityCore::isInFront(const Focus &focus, const ActiveWindow &active, Clock::time_point askedAt) {
     if (active.pid == focus.element->pid) {
         m_knownByItsWindow = active.pid;
@@ -124,30 +208,24 @@ bool AccessibilityCore::isInFront(const Focus &focus, const ActiveWindow &active
     return m_place.window == active.id;
 }
 
-const FieldSnapshot *AccessibilityCore::snapshot(const Handle &element, TextWanted wanted) {
-    if (m_told.element && m_told.element->ref == element.ref) {
+const ElementReading &AccessibilityCore::read(const Handle &element, TextWanted wanted) {
+    if (isTold(element.ref)) {
         noteWanted(wanted);
     }
     const bool isRecent = m_recent != nullptr && m_recent->element.ref == element.ref && Clock::now() < m_recentUntil &&
                           m_recent->covers(wanted);
-    if (isRecent) {
-        return m_recent.get();
+    if (!isRecent) {
+        const auto atLeast = std::max(wanted, wantedNow(element.ref));
+        auto found = ask([=](Session &session) { return queries::read(session, element, atLeast); }, questionWait);
+        // An application that did not answer one question of this moment is not asked the next.
+        m_recent = std::make_shared<const ElementReading>(
+            std::move(found).value_or(ElementReading{.element = element, .wanted = TextWanted::value}));
+        m_recentUntil = Clock::now() + sameMoment;
     }
-    const auto atLeast = std::max(wanted, wantedNow(element.ref));
-    auto found = m_reader.ask(
-        questionWait, [element, atLeast](Session &session) { return queries::read(session, element, atLeast); });
-    // Who did not answer one question of this moment is not asked the next.
-    auto read = found && *found ? std::move(**found) : FieldSnapshot{.element = element, .wanted = TextWanted::value};
-    m_recent = std::make_shared<const FieldSnapshot>(std::move(read));
-    m_recentUntil = Clock::now() + sameMoment;
-    return m_recent.get();
+    return *m_recent;
 }
 
-std::optional<AXValue> AccessibilityCore::wrap(const std::optional<Handle> &handle) {
-    return handle && handle->pid != 0 ? std::optional<AXValue>(element(*handle)) : std::nullopt;
-}
-
-// The chain above the focused element answers the questions that climb it, level by level.
+// The chain above the focused element, if the element is in it or the focused one itself.
 std::shared_ptr<const Ancestry> AccessibilityCore::ancestryAround(const ElementRef &ref) {
     const auto &told = m_told.ancestry;
     if (told == nullptr || (told->element.ref != ref && told->find(ref) == nullptr)) {
@@ -167,115 +245,59 @@ std::shared_ptr<const Ancestry> AccessibilityCore::ancestryAround(const ElementR
     return m_told.ancestry;
 }
 
-bool AccessibilityCore::isUnclimbable(const ElementRef &ref) const {
-    return m_told.element && m_told.element->ref == ref && Clock::now() < m_unclimbableUntil;
+std::shared_ptr<const Ancestry> AccessibilityCore::ancestryAbove(const Handle &element) {
+    auto ancestry = ancestryAround(element.ref);
+    const bool isUnclimbable = isTold(element.ref) && Clock::now() < m_unclimbableUntil;
+    if (ancestry == nullptr && !isUnclimbable) {
+        auto climbed = ask([=](Session &session) { return queries::ancestry(session, element); }, questionWait);
+        ancestry = climbed ? std::make_shared<const Ancestry>(*std::move(climbed)) : nullptr;
+    }
+    return ancestry;
 }
 
-std::optional<AXValue> AccessibilityCore::fromAncestry(const Handle &element, AXAttribute name) {
-    const auto ancestry = ancestryAround(element.ref);
-    if (ancestry == nullptr) {
-        return isUnclimbable(element.ref) ? std::nullopt : fromQuery(element, name);
-    }
-    const auto *level = ancestry->find(element.ref);
-    if (name == AXAttribute::parent) {
-        const auto next = level == nullptr ? 0 : static_cast<std::size_t>(level - ancestry->levels.data()) + 1;
-        return next < ancestry->levels.size() ? wrap(ancestry->levels[next].element) : std::nullopt;
-    }
-    if (name == AXAttribute::window) {
-        const auto *window = ancestry->window();
-        return window != nullptr ? wrap(window->element) : std::nullopt;
-    }
-    if (level == nullptr) {
-        return fromQuery(element, name);
-    }
-    if (name == AXAttribute::role) {
-        return axRoleName(level->kind);
-    }
-    if (name == AXAttribute::title) {
-        return level->name;
-    }
-    return level->url ? std::optional<AXValue>(QUrl(*level->url)) : std::nullopt;
+const ElementReading *AccessibilityCore::levelOf(const ElementRef &ref) {
+    const auto ancestry = ancestryAround(ref);
+    return ancestry != nullptr ? ancestry->find(ref) : nullptr;
 }
 
-// Who is a little late has not moved meanwhile. Without the field's frame nobody knows who wrote what around it.
-const FieldSnapshot *AccessibilityCore::lastTold(const ElementRef &ref) const {
-    const bool isTold = m_told.element && m_told.element->ref == ref && m_told.snapshot != nullptr;
-    return isTold && Clock::now() - m_told.snapshot->takenAt < oldestFrame ? m_told.snapshot.get() : nullptr;
+// A field has hardly moved while its application is a little late. Without its frame nobody knows who wrote what
+// around it.
+const ElementReading *AccessibilityCore::lastTold(const ElementRef &ref) const {
+    const bool isKnown = isTold(ref) && m_told.reading != nullptr;
+    return isKnown && Clock::now() - m_told.reading->takenAt < oldestFrame ? m_told.reading.get() : nullptr;
 }
 
-std::optional<AXValue> AccessibilityCore::fromSnapshot(const Handle &element, AXAttribute name) {
+std::optional<AXValue> AccessibilityCore::fromReading(const ElementReading &reading, AXAttribute name) const {
+    switch (name) {
+    case AXAttribute::role:
+        return axRoleName(reading.kind);
+    case AXAttribute::title:
+        return given(reading.name);
+    case AXAttribute::value:
+        return given(reading.value);
+    case AXAttribute::placeholderValue:
+        return given(reading.placeholder);
+    case AXAttribute::numberOfCharacters:
+        return reading.characters ? std::optional<AXValue>(static_cast<double>(*reading.characters)) : std::nullopt;
+    case AXAttribute::position:
+        return reading.frame ? std::optional<AXValue>(inPoints(*reading.frame).origin()) : std::nullopt;
+    case AXAttribute::size:
+        return reading.frame ? std::optional<AXValue>(inPoints(*reading.frame).size()) : std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::optional<AXValue> AccessibilityCore::fromFreshReading(const Handle &element, AXAttribute name) {
     const auto wanted = name == AXAttribute::value                ? TextWanted::value
                         : name == AXAttribute::numberOfCharacters ? TextWanted::count
                                                                   : TextWanted::nothing;
-    const auto *found = snapshot(element, wanted);
+    const auto *reading = &read(element, wanted);
     const bool isFrame = name == AXAttribute::position || name == AXAttribute::size;
-    if (!found->isAnswered && isFrame) {
-        found = lastTold(element.ref);
+    if (!reading->isAnswered && isFrame) {
+        reading = lastTold(element.ref);
     }
-    if (found == nullptr || !found->isAnswered) {
-        return std::nullopt;
-    }
-    if (name == AXAttribute::role) {
-        return axRoleName(found->kind);
-    }
-    if (name == AXAttribute::value && found->value) {
-        return *found->value;
-    }
-    if (name == AXAttribute::numberOfCharacters && found->characters) {
-        return static_cast<double>(*found->characters);
-    }
-    if (name == AXAttribute::placeholderValue && found->placeholder) {
-        return *found->placeholder;
-    }
-    if (name == AXAttribute::title && found->name) {
-        return *found->name;
-    }
-    if (found->frame && name == AXAttribute::position) {
-        return inPoints(*found->frame).origin();
-    }
-    if (found->frame && name == AXAttribute::size) {
-        return inPoints(*found->frame).size();
-    }
-    return std::nullopt;
-}
-
-std::optional<AXValue> AccessibilityCore::fromQuery(const Handle &element, AXAttribute name) {
-    if (name == AXAttribute::role || name == AXAttribute::title) {
-        return fromSnapshot(element, name);
-    }
-    if (name == AXAttribute::parent) {
-        return wrap(
-            m_reader.ask(questionWait, [element](Session &session) { return queries::parent(session, element); })
-                .value_or(std::nullopt));
-    }
-    if (name == AXAttribute::window) {
-        return wrap(
-            m_reader.ask(questionWait, [element](Session &session) { return queries::window(session, element); })
-                .value_or(std::nullopt));
-    }
-    if (name == AXAttribute::url) {
-        const auto address =
-            m_reader.ask(questionWait, [element](Session &session) { return queries::address(session, element); })
-                .value_or(std::nullopt);
-        return address ? std::optional<AXValue>(QUrl(*address)) : std::nullopt;
-    }
-    if (name == AXAttribute::selectedTextRange) {
-        const auto range =
-            m_reader.ask(questionWait, [element](Session &session) { return queries::selectedRange(session, element); })
-                .value_or(std::nullopt);
-        return range ? std::optional<AXValue>(*range) : std::nullopt;
-    }
-    const auto children =
-        m_reader.ask(questionWait, [element](Session &session) { return queries::children(session, element); })
-            .value_or(std::nullopt);
-    if (!children) {
-        return std::nullopt;
-    }
-    std::vector<AXUIElement> elements;
-    for (const auto &child : *children) {
-        elements.push_back(this->element(child));
-    }
-    return elements;
+    return reading != nullptr && reading->isAnswered ? fromReading(*reading, name) : std::nullopt;
 }
 
 std::optional<AXValue> AccessibilityCore::attribute(const Handle &element, AXAttribute name) {
@@ -283,23 +305,45 @@ std::optional<AXValue> AccessibilityCore::attribute(const Handle &element, AXAtt
     if (element.pid == m_ownPid) {
         return std::nullopt;
     }
-    const bool isFocused = m_told.element && m_told.element->ref == element.ref;
-    if (name == AXAttribute::parent || name == AXAttribute::window || name == AXAttribute::url ||
-        (!isFocused && (name == AXAttribute::role || name == AXAttribute::title))) {
-        return fromAncestry(element, name);
+    switch (name) {
+    case AXAttribute::parent: {
+        const auto ancestry = ancestryAbove(element);
+        return ancestry != nullptr ? wrapKnown(ancestry->above(element.ref)) : std::nullopt;
     }
-    if (name == AXAttribute::children || name == AXAttribute::selectedTextRange) {
-        return fromQuery(element, name);
+    case AXAttribute::window: {
+        const auto ancestry = ancestryAbove(element);
+        return ancestry != nullptr ? wrapKnown(ancestry->window()) : std::nullopt;
     }
-    return fromSnapshot(element, name);
+    case AXAttribute::url: {
+        const auto *level = levelOf(element.ref);
+        const auto url = level != nullptr
+                             ? level->url
+                             : ask([=](Session &session) { return queries::address(session, element); }, questionWait);
+        return url ? std::optional<AXValue>(QUrl(*url)) : std::nullopt;
+    }
+    case AXAttribute::children: {
+        const auto children = ask([=](Session &session) { return queries::children(session, element); }, questionWait);
+        std::vector<AXUIElement> elements;
+        for (const auto &child : children.value_or(std::vector<Handle>())) {
+            elements.push_back(wrap(child));
+        }
+        return children ? std::optional<AXValue>(std::move(elements)) : std::nullopt;
+    }
+    case AXAttribute::selectedTextRange:
+        return given(ask([=](Session &session) { return queries::selectedRange(session, element); }, questionWait));
+    case AXAttribute::role:
+    case AXAttribute::title:
+        if (const auto *level = isTold(element.ref) ? nullptr : levelOf(element.ref)) {
+            return fromReading(*level, name);
+        }
+        [[fallthrough]];
+    default:
+        return fromFreshReading(element, name);
+    }
 }
 
 bool AccessibilityCore::isValueSettable(const Handle &element) {
-    if (element.pid == m_ownPid) {
-        return false;
-    }
-    const auto *found = snapshot(element, TextWanted::nothing);
-    return found->isAnswered && found->isValueSettable;
+    return element.pid != m_ownPid && read(element, TextWanted::nothing).isValueSettable;
 }
 
 bool AccessibilityCore::setAttribute(const Handle &element, AXAttribute name, const AXValue &value) {
@@ -307,21 +351,15 @@ bool AccessibilityCore::setAttribute(const Handle &element, AXAttribute name, co
         return false;
     }
     m_recent = nullptr;
-    const auto *text = std::get_if<QString>(&value);
-    if (name == AXAttribute::value && text != nullptr) {
-        return m_reader
-            .ask(writeWait,
-                 [element, text = *text](Session &session) { return queries::setText(session, element, text); })
-            .value_or(false);
+    if (const auto *text = std::get_if<QString>(&value); name == AXAttribute::value && text != nullptr) {
+        return ask([element, text = *text](Session &session) { return queries::setText(session, element, text); },
+                   writeWait);
     }
     const auto *range = std::get_if<AXRange>(&value);
-    if (name == AXAttribute::selectedTextRange && range != nullptr) {
-        return m_reader
-            .ask(writeWait, [element, range = *range](
-                                Session &session) { return queries::setSelectedRange(session, element, range); })
-            .value_or(false);
-    }
-    return false;
+    return name == AXAttribute::selectedTextRange && range != nullptr &&
+           ask([element,
+                range = *range](Session &session) { return queries::setSelectedRange(session, element, range); },
+               writeWait);
 }
 
 std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXSubtreeLimits limits,
@@ -346,33 +384,25 @@ void AccessibilityCore::prepareSubtree(const Handle &element, AXSubtreeLimits li
     }
 }
 
-std::optional<AXUIElement> AccessibilityCore::focusedWindow(qint32 pid) {
-    if (pid == m_ownPid) {
-        return std::nullopt;
-    }
+std::optional<AXValue> AccessibilityCore::focusedWindow(qint32 pid) {
     // The window of the focused element is known; it is asked for whenever the focus has moved.
-    const auto *window = m_told.ancestry != nullptr && m_told.element && m_told.element->pid == pid
-                             ? m_told.ancestry->window()
-                             : nullptr;
-    if (window != nullptr) {
-        return element(window->element);
+    if (m_told.ancestry != nullptr && m_told.element && m_told.element->pid == pid) {
+        if (auto window = wrapKnown(m_told.ancestry->window())) {
+            return window;
+        }
     }
-    const auto found =
-        m_reader.ask(questionWait, [pid](Session &session) { return queries::focusedWindow(session, pid); })
-            .value_or(std::nullopt);
-    return found && found->pid != 0 ? std::optional(element(*found)) : std::nullopt;
+    const auto found = ask([=](Session &session) { return queries::focusedWindow(session, pid); }, questionWait);
+    return found ? std::optional<AXValue>(wrap(*found)) : std::nullopt;
 }
 
 std::optional<AXValue> AccessibilityCore::applicationAttribute(qint32 pid, AXAttribute name) {
-    if (name == AXAttribute::focusedWindow) {
-        const auto window = focusedWindow(pid);
-        return window ? std::optional<AXValue>(*window) : std::nullopt;
-    }
     if (pid == m_ownPid) {
         return std::nullopt;
     }
-    const auto root = m_reader.ask(questionWait, [pid](Session &session) { return queries::application(session, pid); })
-                          .value_or(std::nullopt);
+    if (name == AXAttribute::focusedWindow) {
+        return focusedWindow(pid);
+    }
+    const auto root = ask([=](Session &session) { return queries::application(session, pid); }, questionWait);
     return root ? attribute(*root, name) : std::nullopt;
 }
 

@@ -3,7 +3,6 @@
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 
 #include "Platform/Linux/Accessibility/AccessibilityCore.h"
-#include "Platform/Linux/Accessibility/AtspiElement.h"
 #include "Platform/Linux/Accessibility/TrustDialog.h"
 
 #include <QCoreApplication>
@@ -14,9 +13,10 @@ namespace platform::desktop {
 
 namespace {
 using namespace std::chrono_literals;
-constexpr auto firstWord = 200ms;
-/// By then the program's other windows have had their chance to offer the same.
-constexpr auto secondThought = 3s;
+// How long the start waits to know whether the program is trusted.
+constexpr auto firstAnswerWait = 200ms;
+// At the start of a session the bus may be a moment late, and another window may offer the same.
+constexpr auto promptDelay = 3s;
 
 std::string sessionBusFromEnvironment() {
     const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
@@ -37,7 +37,7 @@ AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue, Options options)
           options.ownPid != 0 ? options.ownPid : static_cast<qint32>(QCoreApplication::applicationPid()),
           std::move(options.inPoints), std::move(options.activeWindow))),
       m_isOfferedElsewhere(std::move(options.isOfferedElsewhere)) {
-    m_core->reader().ask(firstWord, [](atspi::Session &session) {
+    m_core->reader().ask(firstAnswerWait, [](atspi::Session &session) {
         session.process();
         return true;
     });
@@ -52,8 +52,7 @@ bool AtspiAccessibility::isProcessTrusted() {
 bool AtspiAccessibility::isProcessTrustedWithPrompt() {
     const bool isTrusted = isProcessTrusted();
     if (!isTrusted) {
-        // At the start of a session the bus may be a moment late; nobody is to be asked about that.
-        m_mainQueue.postAfter(secondThought, [this, life = std::weak_ptr(m_life), shownBefore = m_timesPrompted] {
+        m_mainQueue.postAfter(promptDelay, [this, life = std::weak_ptr(m_life), shownBefore = m_timesPrompted] {
             if (!life.expired() && !isProcessTrusted() && m_timesPrompted == shownBefore && !m_isOfferedElsewhere()) {
                 showSettings();
             }
@@ -74,11 +73,11 @@ void AtspiAccessibility::showSettings() {
 }
 
 AXUIElement AtspiAccessibility::createSystemWide() {
-    return AXUIElement(std::make_shared<atspi::RootElement>(m_core));
+    return m_core->desktop();
 }
 
 AXUIElement AtspiAccessibility::createApplication(qint32 pid) {
-    return AXUIElement(std::make_shared<atspi::RootElement>(m_core, pid));
+    return m_core->application(pid);
 }
 
 AtspiAccessibility::Traffic AtspiAccessibility::traffic() {

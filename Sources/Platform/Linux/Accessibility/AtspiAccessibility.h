@@ -16,14 +16,14 @@ class AccessibilityCore;
 class TrustDialog;
 } // namespace atspi
 
-/// The accessibility interface on the desktop's accessibility bus. Made, used and destroyed on the main thread; all
-/// talk with other processes is on a thread of its own.
+/// The accessibility interface on the desktop's accessibility bus. Made, used and destroyed on the main thread; a
+/// thread of its own talks with other processes.
 class AtspiAccessibility final : public Accessibility {
   public:
     struct Options {
         /// Turns a rectangle of the screen's pixels into points, from the top left of the primary monitor.
         std::function<Rect(const Rect &)> inPoints = [](const Rect &pixels) { return pixels; };
-        /// Which window is active by the desktop's word, absent where it has none. Asked on the main thread whenever
+        /// Which window is active by the desktop's word; absent where it names none. Asked on the main thread whenever
         /// the focused element is.
         std::function<std::optional<ActiveWindow>()> activeWindow = [] { return std::nullopt; };
         /// Whether another window offers to switch the service on, so that the prompt need not.
@@ -35,7 +35,7 @@ class AtspiAccessibility final : public Accessibility {
         qint32 ownPid = 0;
     };
 
-    /// Waits a moment, at most a fifth of a second, for the first word on trust.
+    /// Waits up to a fifth of a second to learn whether the program is trusted.
     explicit AtspiAccessibility(MainQueue &mainQueue);
     AtspiAccessibility(MainQueue &mainQueue, Options options);
     ~AtspiAccessibility() override;
@@ -47,7 +47,7 @@ class AtspiAccessibility final : public Accessibility {
     [[nodiscard]] AXUIElement createSystemWide() override;
     [[nodiscard]] AXUIElement createApplication(qint32 pid) override;
 
-    /// What was sent on the accessibility bus so far. For measurements: it waits for the reader.
+    /// What was sent on the accessibility bus so far, for measurements. Waits for the reader.
     struct Traffic {
         std::uint64_t messages = 0;
         std::uint64_t roundTrips = 0;

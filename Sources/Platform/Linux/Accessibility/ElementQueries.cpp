@@ -13,185 +13,113 @@ using namespace std::chrono_literals;
 constexpr auto questionTime = 120ms;
 constexpr std::size_t maxChildren = 10'000;
 constexpr std::size_t maxApplications = 500;
-// A value that somebody insists on is copied up to this length, in characters.
+// A value that is asked for in so many words is copied up to this length, in characters.
 constexpr int longestText = 1'000'000;
 
 Deadline soon() {
     return Clock::now() + questionTime;
 }
 
-std::optional<std::vector<Handle>> windowsOf(Session &session, const Handle &application) {
-    const auto reply = session.connection()->call(calls::children(application.ref), soon());
-    auto windows = reply.references(maxChildren);
-    return windows ? std::optional(session.connection()->handles(std::move(*windows), soon())) : std::nullopt;
+Reply ask(Session &session, Call call) {
+    return session.connection()->call(std::move(call), soon());
 }
 } // namespace
 
-std::optional<FieldSnapshot> read(Session &session, const Handle &element, TextWanted wanted) {
-    if (session.connection() == nullptr) {
-        return std::nullopt;
-    }
+std::optional<ElementReading> read(Session &session, const Handle &element, TextWanted wanted) {
     const auto &focused = session.focus()->focus().element;
     if (focused && focused->ref == element.ref) {
         const auto askedAt = Clock::now();
-        const auto snapshot = session.focus()->refresh(wanted).snapshot;
-        if (snapshot != nullptr && snapshot->takenAt >= askedAt && snapshot->covers(wanted)) {
-            return *snapshot;
+        const auto reading = session.focus()->refresh(wanted).reading;
+        if (reading != nullptr && reading->takenAt >= askedAt && reading->covers(wanted)) {
+            return *reading;
         }
     }
     FieldReader reader(element);
     reader.setTextLimit(longestText);
-    auto snapshot = reader.read(*session.connection(), wanted, {}, soon());
-    return snapshot.isAnswered && !snapshot.isGone ? std::optional(std::move(snapshot)) : std::nullopt;
+    auto reading = reader.read(*session.connection(), wanted, {}, soon());
+    return reading.isAnswered && !reading.isGone ? std::optional(std::move(reading)) : std::nullopt;
 }
 
-std::optional<Handle> parent(Session &session, const Handle &element) {
-    if (session.connection() == nullptr) {
-        return std::nullopt;
-    }
-    auto found = askParent(*session.connection(), element.ref, soon()).parent;
-    // Above an application there is only the registry's list of all of them.
-    if (!found || element.ref.path == rootPath) {
-        return std::nullopt;
-    }
-    return session.connection()->handles({std::move(*found)}, soon()).front();
-}
-
-std::optional<Handle> window(Session &session, const Handle &element) {
-    if (session.connection() == nullptr) {
-        return std::nullopt;
-    }
-    const auto ancestry = readAncestry(*session.connection(), element, soon());
-    const auto *found = ancestry ? ancestry->window() : nullptr;
-    return found != nullptr ? std::optional(found->element) : std::nullopt;
+std::optional<Ancestry> ancestry(Session &session, const Handle &element) {
+    return readAncestry(*session.connection(), element, soon());
 }
 
 std::optional<std::vector<Handle>> children(Session &session, const Handle &element) {
-    if (session.connection() == nullptr) {
-        return std::nullopt;
-    }
-    auto found = session.connection()->call(calls::children(element.ref), soon()).references(maxChildren);
+    auto found = ask(session, calls::children(element.ref)).references(maxChildren);
     return found ? std::optional(session.connection()->handles(std::move(*found), soon())) : std::nullopt;
 }
 
 std::optional<QString> address(Session &session, const Handle &element) {
-    if (session.connection() == nullptr) {
-        return std::nullopt;
-    }
-    std::optional<QString> address;
+    ElementReading page{.element = element};
     Questions questions;
-    // Chromium gives it under the first name, Firefox under the second.
-    for (const char *key : {"URI", "DocURL"}) {
-        questions.ask(calls::withText(element.ref, documentInterface, "GetAttributeValue", key),
-                      [&address](const Reply &reply) {
-                          auto found = reply.string();
-                          if (found && !found->isEmpty()) {
-                              address = std::move(found);
-                          }
-                      });
-    }
+    askAddress(questions, page);
     questions.run(*session.connection(), soon());
-    return address;
+    return page.url;
 }
 
 std::optional<Handle> application(Session &session, qint32 pid) {
-    if (session.connection() == nullptr) {
-        return std::nullopt;
-    }
-    const auto reply = session.connection()->call(calls::children({registryName, rootPath}), soon());
-    for (auto &root :
-         session.connection()->handles(reply.references(maxApplications).value_or(std::vector<ElementRef>()), soon())) {
-        if (root.pid == pid) {
-            return root;
-        }
-    }
-    return std::nullopt;
+    auto listed = ask(session, calls::applications()).references(maxApplications);
+    const auto roots = session.connection()->handles(std::move(listed).value_or(std::vector<ElementRef>()), soon());
+    const auto found = std::ranges::find(roots, pid, &Handle::pid);
+    return found != roots.end() ? std::optional(*found) : std::nullopt;
 }
 
 std::optional<Handle> focusedWindow(Session &session, qint32 pid) {
     const auto root = application(session, pid);
-    const auto windows = root ? windowsOf(session, *root) : std::nullopt;
+    const auto windows = root ? ask(session, calls::children(root->ref)).references(maxChildren) : std::nullopt;
     if (!windows) {
         return std::nullopt;
     }
-    std::optional<Handle> last;
+    if (auto active = activeAmong(*session.connection(), *windows, soon())) {
+        return Handle{*std::move(active), pid};
+    }
     const auto remembered = session.focus()->lastWindowOf(root->ref.bus);
-    std::vector<Call> questions;
-    for (const auto &window : *windows) {
-        questions.push_back(calls::states(window.ref));
-        if (window.ref == remembered) {
-            last = window;
-        }
-    }
-    const auto replies = session.connection()->callAll(questions, soon());
-    for (std::size_t i = 0; i < windows->size(); ++i) {
-        if (isActiveWindow(replies[i].states().value_or(States()))) {
-            return (*windows)[i];
-        }
-    }
-    return last;
+    const bool isThere = std::ranges::find(*windows, remembered) != windows->end();
+    return isThere ? std::optional(Handle{remembered, pid}) : std::nullopt;
 }
 
 std::optional<AXRange> selectedRange(Session &session, const Handle &element) {
-    if (session.connection() == nullptr) {
-        return std::nullopt;
-    }
     std::optional<int> caret;
-    std::optional<std::pair<int, int>> selection;
+    std::optional<std::tuple<int, int>> selection;
     std::optional<QString> text;
     Questions questions;
-    questions.ask(calls::property(element.ref, textInterface, "CaretOffset"),
-                  [&](const Reply &reply) { caret = reply.numberProperty(); });
-    questions.ask(calls::withNumbers(element.ref, textInterface, "GetSelection", {0}),
-                  [&](const Reply &reply) { selection = reply.pairOfNumbers(); });
-    questions.ask(calls::text(element.ref, 0, -1), [&](const Reply &reply) { text = reply.string(); });
+    questions.fetch(calls::property(element.ref, textInterface, "CaretOffset"), caret);
+    questions.ask(calls::method(element.ref, textInterface, "GetSelection", 0),
+                  [&](const Reply &reply) { selection = reply.as<int, int>(); });
+    questions.fetch(calls::text(element.ref), text);
     questions.run(*session.connection(), soon());
     if (!caret || !text) {
         return std::nullopt;
     }
-    const bool isSelected = selection && selection->first >= 0 && selection->second > selection->first;
-    const auto from = utf16Offset(*text, isSelected ? selection->first : *caret);
-    const auto to = isSelected ? utf16Offset(*text, selection->second) : from;
+    const auto [begin, end] = selection.value_or(std::tuple(-1, -1));
+    const bool isSelected = begin >= 0 && end > begin;
+    const auto from = utf16Offset(*text, isSelected ? begin : *caret);
+    const auto to = isSelected ? utf16Offset(*text, end) : from;
     return AXRange{from, to - from};
 }
 
 bool setText(Session &session, const Handle &element, const QString &text) {
-    if (session.connection() == nullptr) {
-        return false;
-    }
-    return session.connection()
-        ->call(calls::withText(element.ref, editableTextInterface, "SetTextContents", text.toStdString()), soon())
-        .flag()
-        .value_or(false);
+    const auto call = calls::method(element.ref, editableTextInterface, "SetTextContents", text.toStdString());
+    return ask(session, call).as<bool>().value_or(false);
 }
 
 bool setSelectedRange(Session &session, const Handle &element, AXRange range) {
-    if (session.connection() == nullptr) {
-        return false;
-    }
-    const auto text = session.connection()->call(calls::text(element.ref, 0, -1), soon()).string();
+    const auto text = ask(session, calls::text(element.ref)).as<QString>();
     if (!text) {
         return false;
     }
     const auto from = static_cast<int>(codePointOffset(*text, range.location));
     const auto to = static_cast<int>(codePointOffset(*text, range.location + range.length));
-    if (from == to) {
-        return session.connection()
-            ->call(calls::withNumbers(element.ref, textInterface, "SetCaretOffset", {from}), soon())
-            .flag()
+    const auto succeeds = [&](const char *member, auto... numbers) {
+        return ask(session, calls::method(element.ref, textInterface, member, numbers...))
+            .template as<bool>()
             .value_or(false);
+    };
+    if (from == to) {
+        return succeeds("SetCaretOffset", from);
     }
-    if (session.connection()
-            ->call(calls::withNumbers(element.ref, textInterface, "SetSelection", {0, from, to}), soon())
-            .flag()
-            .value_or(false)) {
-        return true;
-    }
-    // Only what is selected already can be changed.
-    return session.connection()
-        ->call(calls::withNumbers(element.ref, textInterface, "AddSelection", {from, to}), soon())
-        .flag()
-        .value_or(false);
+    // A selection can only be changed once there is one.
+    return succeeds("SetSelection", 0, from, to) || succeeds("AddSelection", from, to);
 }
 
 } // namespace platform::desktop::atspi::queries

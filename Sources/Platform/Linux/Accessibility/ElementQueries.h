@@ -5,17 +5,14 @@
 #include "Platform/Accessibility.h"
 #include "Platform/Linux/Accessibility/Reader/Session.h"
 
-#include <variant>
-
-namespace platform::desktop::atspi {
-
-/// Questions about any element, answered on the reader's thread. Each gives "absent" for whatever goes wrong.
-namespace queries {
+/// Questions about any element, asked on the reader's thread while there is an accessibility bus. Each gives "absent"
+/// for whatever goes wrong.
+namespace platform::desktop::atspi::queries {
 
 /// What can be read of an element in one go.
-[[nodiscard]] std::optional<FieldSnapshot> read(Session &session, const Handle &element, TextWanted wanted);
-[[nodiscard]] std::optional<Handle> parent(Session &session, const Handle &element);
-[[nodiscard]] std::optional<Handle> window(Session &session, const Handle &element);
+[[nodiscard]] std::optional<ElementReading> read(Session &session, const Handle &element, TextWanted wanted);
+/// The chain above an element.
+[[nodiscard]] std::optional<Ancestry> ancestry(Session &session, const Handle &element);
 [[nodiscard]] std::optional<std::vector<Handle>> children(Session &session, const Handle &element);
 /// The address of a page.
 [[nodiscard]] std::optional<QString> address(Session &session, const Handle &element);
@@ -30,6 +27,4 @@ namespace queries {
 bool setText(Session &session, const Handle &element, const QString &text);
 bool setSelectedRange(Session &session, const Handle &element, AXRange range);
 
-} // namespace queries
-
-} // namespace platform::desktop::atspi
+} // namespace platform::desktop::atspi::queries

@@ -18,9 +18,6 @@ constexpr auto answerTime = 1s;
 constexpr auto startTime = 3s;
 constexpr std::size_t maxApplications = 500;
 
-const ElementRef busService{"org.a11y.Bus", "/org/a11y/bus"};
-const ElementRef busItself{"org.freedesktop.DBus", "/org/freedesktop/DBus"};
-constexpr const char *statusInterface = "org.a11y.Status";
 constexpr const char *watcherName = "org.kde.StatusNotifierWatcher";
 
 Deadline within(Clock::duration time) {
@@ -36,18 +33,16 @@ bool hasStatusNotifier(Connection &session) {
     const auto answer = session.call(
         calls::property({watcherName, "/StatusNotifierWatcher"}, watcherName, "IsStatusNotifierHostRegistered"),
         within(answerTime));
-    return answer.flagProperty().value_or(false);
+    return answer.as<bool>().value_or(false);
 }
 
 std::optional<std::string> accessibilityBus(Connection &session) {
-    Call question = calls::method(busService, "org.a11y.Bus", "GetAddress");
-    question.mayStart = true;
-    const auto address = session.call(std::move(question), within(startTime)).string();
+    const auto address = session.call(calls::accessibilityBusAddress(true), within(startTime)).as<QString>();
     return address && !address->isEmpty() ? std::optional(address->toStdString()) : std::nullopt;
 }
 
 std::optional<bool> isEnabled(Connection &session) {
-    return session.call(calls::property(busService, statusInterface, "IsEnabled"), within(answerTime)).flagProperty();
+    return session.call(calls::isAccessibilityOn(), within(answerTime)).as<bool>();
 }
 
 /// An application's own entry on the accessibility bus; null when it has none. One that lives in a sandbox is there
@@ -68,7 +63,7 @@ const Handle *entryOf(const ApplicationFacts &application, const std::vector<Han
 }
 
 void examineApplications(Connection &bus, std::vector<ApplicationFacts> &applications) {
-    const auto listed = bus.call(calls::children({registryName, rootPath}), within(answerTime));
+    const auto listed = bus.call(calls::applications(), within(answerTime));
     const auto roots =
         bus.handles(listed.references(maxApplications).value_or(std::vector<ElementRef>()), within(answerTime));
     for (ApplicationFacts &application : applications) {
@@ -86,9 +81,7 @@ void examineBuses(DesktopFacts &facts, const std::stop_token &stop) {
     StopSignal ended;
     const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
     Connection session(sessionBus(), ended);
-    facts.hasSessionBus = session.call(calls::method(busItself, "org.freedesktop.DBus", "GetId"), within(answerTime))
-                              .string()
-                              .has_value();
+    facts.hasSessionBus = session.call(calls::busId(), within(answerTime)).as<QString>().has_value();
     if (!facts.hasSessionBus) {
         return;
     }
@@ -109,12 +102,7 @@ bool enableAccessibilityNow(const std::stop_token &stop) {
     StopSignal ended;
     const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
     Connection session(sessionBus(), ended);
-    session.call({busService, "org.freedesktop.DBus.Properties", "Set",
-                  [](sd_bus_message *message) {
-                      return sd_bus_message_append(message, "ssv", statusInterface, "IsEnabled", "b", 1);
-                  },
-                  true},
-                 within(startTime));
+    session.call(calls::switchAccessibilityOn(), within(startTime));
     return isEnabled(session).value_or(false);
 }
 

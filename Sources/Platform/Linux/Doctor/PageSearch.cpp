@@ -56,7 +56,7 @@ class PageWalk {
         for (Place &place : level) {
             m_questions.ask(calls::role(place.element), [this, &place](const Reply &reply) {
                 m_isAnswered = m_isAnswered || reply.isAnswered();
-                place.kind.role = static_cast<Role>(reply.number().value_or(0));
+                place.kind.role = reply.as<Role>().value_or(Role::unknown);
                 if (place.kind.role == Role::documentWeb && place.page == noPage) {
                     place.page = m_facts.pages.size();
                     m_facts.pages.emplace_back();
@@ -64,7 +64,7 @@ class PageWalk {
                 }
             });
             m_questions.ask(calls::states(place.element), [this, &place](const Reply &reply) {
-                const States states = place.kind.states = reply.states().value_or(States());
+                const States states = place.kind.states = reply.as<States>().value_or(States());
                 // What lies inside an editor is editable too, but only the editor itself takes the focus.
                 if (place.page != noPage && states.has(State::editable) && states.has(State::focusable)) {
                     askAboutField(place);
@@ -96,20 +96,17 @@ class PageWalk {
                         [this, at](const Reply &reply) { m_facts.pages[at].frame = rectangle(reply); });
         // Chromium gives its address under the first name, Firefox under the second.
         for (const char *key : {"URI", "DocURL"}) {
-            m_questions.ask(calls::withText(place.element, documentInterface, "GetAttributeValue", key),
-                            [this, at](const Reply &reply) {
-                                const QString host = QUrl(reply.string().value_or(QString())).host();
-                                if (!host.isEmpty()) {
-                                    m_facts.pages[at].host = host;
-                                }
-                            });
+            m_questions.ask(calls::documentAttribute(place.element, key), [this, at](const Reply &reply) {
+                const QString host = QUrl(reply.as<QString>().value_or(QString())).host();
+                if (!host.isEmpty()) {
+                    m_facts.pages[at].host = host;
+                }
+            });
         }
     }
 
     void askAboutField(Place &place) {
-        m_questions.ask(calls::attributes(place.element), [&place](const Reply &reply) {
-            place.kind.attributes = reply.attributes().value_or(Attributes());
-        });
+        m_questions.fetch(calls::attributes(place.element), place.kind.attributes);
         m_questions.ask(calls::extents(place.element), [this, &place](const Reply &reply) {
             m_facts.pages[place.page].fields.push_back({axRoleName(place.kind), rectangle(reply)});
         });

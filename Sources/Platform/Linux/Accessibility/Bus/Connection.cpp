@@ -2,17 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Accessibility/Bus/Connection.h"
 
+#include <algorithm>
+
 namespace platform::desktop::atspi {
 
 namespace {
 using namespace std::chrono_literals;
 constexpr auto noTimeout = static_cast<std::uint64_t>(-1);
-// The bus keeps a bounded list of replies that a connection waits for, and an application a bounded queue.
+// The bus limits how many replies a connection may wait for, and an application's queue is limited too.
 constexpr std::size_t callsInFlight = 1000;
-constexpr const char *busName = "org.freedesktop.DBus";
-// Signals can come faster than they are handled; the clock and other work get their turn in between.
+// Signals can come faster than they are handled; other work gets its turn in between.
 constexpr int messagesInOneGo = 200;
-// Who had less time than this to answer may only be busy.
+// An application that had less time than this to answer may only be busy.
 constexpr auto shortestSilence = 100ms;
 
 int runHandler(sd_bus_message *message, void *userdata, sd_bus_error *) {
@@ -48,8 +49,7 @@ struct Connection::Ping {
 
     static int onReply(sd_bus_message *, void *userdata, sd_bus_error *) {
         const auto &ping = *static_cast<Ping *>(userdata);
-        const std::string answered = ping.name;
-        ping.connection->m_answering.insert(answered);
+        ping.connection->m_answering.insert(ping.name);
         return 0;
     }
 };
@@ -66,11 +66,8 @@ Connection::Connection(const std::string &address, const StopSignal &stop) : m_s
     }
     match("type='signal',sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',member='NameOwnerChanged'",
           [this](sd_bus_message *message) {
-              const char *name = nullptr;
-              const char *before = nullptr;
-              const char *after = nullptr;
-              if (sd_bus_message_read(message, "sss", &name, &before, &after) > 0 && *after == '\0') {
-                  forget(name);
+              if (const auto name = vanishedName(message)) {
+                  forget(*name);
               }
           });
 }
@@ -156,7 +153,7 @@ std::vector<Reply> Connection::callAll(const std::vector<Call> &calls, Deadline 
         inTime = waitFor(deadline);
     }
     if (batch.outstanding > 0) {
-        // What came while this thread had no turn came in time.
+        // Answers that arrived while this thread was not running came in time.
         handleArrived();
     }
     if (Clock::now() - begin >= shortestSilence) {
@@ -168,17 +165,17 @@ std::vector<Reply> Connection::callAll(const std::vector<Call> &calls, Deadline 
     return replies;
 }
 
-// Who answered a part of many questions is slow, not hung.
+// An application that answered some of its calls is slow, not hung.
 void Connection::leaveSilentOnesAlone(const std::vector<Call> &calls, const Batch &batch) {
-    std::set<std::string> silent;
-    std::set<std::string> alive;
+    std::map<std::string, bool> isAlive;
     for (std::size_t i = 0; i < calls.size(); ++i) {
         if (batch.parts[i].slot != nullptr) {
-            (batch.parts[i].reply.isAnswered() ? alive : silent).insert(calls[i].target.bus);
+            auto &hasAnswered = isAlive[calls[i].target.bus];
+            hasAnswered = hasAnswered || batch.parts[i].reply.isAnswered();
         }
     }
-    for (const auto &name : silent) {
-        if (!alive.contains(name)) {
+    for (const auto &[name, hasAnswered] : isAlive) {
+        if (!hasAnswered) {
             leaveAlone(name);
         }
     }
@@ -255,15 +252,11 @@ std::vector<Handle> Connection::handles(std::vector<ElementRef> refs, Deadline d
         }
     }
     std::vector<Call> questions;
-    questions.reserve(unknown.size());
-    for (const auto &name : unknown) {
-        questions.push_back(
-            calls::withText({busName, "/org/freedesktop/DBus"}, busName, "GetConnectionUnixProcessID", name));
-    }
+    std::ranges::transform(unknown, std::back_inserter(questions), calls::processOf);
     const auto replies = callAll(questions, deadline);
     std::size_t i = 0;
     for (const auto &name : unknown) {
-        if (const auto pid = replies[i++].number()) {
+        if (const auto pid = replies[i++].as<std::uint32_t>()) {
             m_pids[name] = static_cast<qint32>(*pid);
         }
     }

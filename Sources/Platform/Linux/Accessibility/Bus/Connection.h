@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/Linux/Accessibility/Bus/Calls.h"
 #include "Platform/Linux/Accessibility/Bus/Waiting.h"
 
 #include <functional>
@@ -11,8 +12,8 @@
 namespace platform::desktop::atspi {
 
 /// A connection to the accessibility bus that asks many questions at once and waits for all the answers together.
-/// An application that let a deadline pass is left alone: it is sent one last question, a ping, and until that is
-/// answered every further call to it fails at once. Belongs to one thread.
+/// An application that missed a deadline is left alone: it gets one last call, a ping, and until it answers that, every
+/// further call to it fails at once. Belongs to one thread.
 class Connection {
   public:
     using SignalHandler = std::function<void(sd_bus_message *)>;
@@ -23,39 +24,39 @@ class Connection {
         SlotPtr slot;
     };
 
-    /// Connects to a bus address; whether that worked shows in isOpen() and in the answers. stop ends every wait; from
-    /// then on the connection counts as closed.
+    /// Connects to a bus address; isOpen() and the answers show whether that worked. stop ends every wait; from then on
+    /// the connection counts as closed.
     Connection(const std::string &address, const StopSignal &stop);
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
     ~Connection();
 
     [[nodiscard]] bool isOpen() const;
-    /// For waiting on activity together with others.
+    /// To wait on its activity together with others.
     [[nodiscard]] sd_bus *bus() const { return m_bus.get(); }
-    /// Handles what has arrived, without waiting, and a bounded part of it; false once the connection is lost.
+    /// Handles a bounded number of the messages that have arrived, without waiting; false once the connection is lost.
     bool process();
 
-    /// Sends all the calls, then waits for their answers until the deadline. An answer per call, in their order; an
-    /// empty one where nothing came. After the deadline nothing is sent.
+    /// Sends all the calls, then waits for their answers until the deadline. Gives one answer per call, in their order;
+    /// an empty one where nothing came. Nothing is sent after the deadline.
     std::vector<Reply> callAll(const std::vector<Call> &calls, Deadline deadline);
     Reply call(Call call, Deadline deadline);
     /// Sends a call whose answer nobody waits for.
     void send(const Call &call);
     /// Calls the handler for every signal that matches the rule, while process() or callAll() runs.
     void match(const char *rule, SignalHandler handler);
-    /// The same until the subscription ends.
+    /// The same, until the subscription ends.
     [[nodiscard]] Subscription subscribe(const std::string &rule, SignalHandler handler);
-    /// Handles what arrives until then.
+    /// Handles what arrives until the time given.
     void idle(Deadline until);
 
-    /// Whether an application is being left alone.
+    /// Whether an application is left alone at present.
     [[nodiscard]] bool isSilent(const std::string &name) const { return m_silent.contains(name); }
-    /// The processes behind the names, asked of the bus itself and remembered.
+    /// The elements with their processes, which the bus itself is asked for once per name.
     std::vector<Handle> handles(std::vector<ElementRef> refs, Deadline deadline);
-    /// What is remembered of a process, 0 if nothing.
+    /// The process behind a name, as far as it was asked for; else 0.
     [[nodiscard]] qint32 knownPid(const std::string &name) const;
-    /// Messages sent and batches awaited so far, for measurements.
+    /// How many messages were sent and batches awaited so far, for measurements.
     struct Counters {
         std::uint64_t messages = 0;
         std::uint64_t roundTrips = 0;

@@ -104,6 +104,8 @@ class States {
 
 using Attributes = std::map<std::string, std::string, std::less<>>;
 
+/// The bus itself.
+inline constexpr const char *busName = "org.freedesktop.DBus";
 inline constexpr const char *registryName = "org.a11y.atspi.Registry";
 /// The signal that the registry has been started. It remembers nothing of what was registered before.
 inline constexpr const char *registryStarted = "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"

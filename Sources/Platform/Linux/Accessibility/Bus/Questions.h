@@ -8,7 +8,7 @@
 
 namespace platform::desktop::atspi {
 
-/// How a long reading asks: on which connection and until when, and what lets others have their turn in between.
+/// How a long read asks: on which connection and until when, and what lets others have their turn in between.
 struct Asking {
     Connection &connection;
     Deadline deadline;
@@ -25,7 +25,7 @@ struct Asking {
     }
 };
 
-/// Questions that are asked together in one round trip, each with what to do with its answer.
+/// Questions that are asked together in one round trip, each with a handler or a place for its answer.
 class Questions {
   public:
     using Taker = std::function<void(const Reply &)>;
@@ -34,9 +34,16 @@ class Questions {
         m_calls.push_back(std::move(call));
         m_takers.push_back(std::move(taker));
     }
+    /// Puts the answer there: a default value, or nothing in an optional, where none of the type came.
+    template <class T> void fetch(Call call, T &place) {
+        ask(std::move(call), [&place](const Reply &reply) { place = reply.as<T>().value_or(T()); });
+    }
+    template <class T> void fetch(Call call, std::optional<T> &place) {
+        ask(std::move(call), [&place](const Reply &reply) { place = reply.as<T>(); });
+    }
     [[nodiscard]] bool isEmpty() const { return m_calls.empty(); }
-    /// Asks, waits, and hands every answer (an empty one where none came) to its taker; then starts anew. Whether all
-    /// answers came.
+    /// Asks, waits, and hands every answer (an empty one where none came) to its handler; then starts anew. True when
+    /// all answers came.
     bool run(Connection &connection, Deadline deadline) {
         const auto calls = std::exchange(m_calls, {});
         const auto takers = std::exchange(m_takers, {});
@@ -49,7 +56,7 @@ class Questions {
         return isWhole;
     }
 
-    /// The same in parts: who wants an answer of the same application meanwhile waits for one of them at most.
+    /// The same in parts: another question to the same application waits for one part at most.
     bool run(const Asking &asking) {
         auto calls = std::exchange(m_calls, {});
         auto takers = std::exchange(m_takers, {});

@@ -12,63 +12,59 @@ constexpr std::size_t maxLevels = 64;
 // An application that takes longer for one level is left alone until it answers again.
 constexpr auto levelTime = std::chrono::milliseconds(120);
 
-// Chromium gives a page's address as URI, Firefox as DocURL, and each leaves the other empty.
-void askAddress(Questions &questions, Ancestry::Level &level) {
-    for (const char *key : {"URI", "DocURL"}) {
-        questions.ask(calls::withText(level.element.ref, documentInterface, "GetAttributeValue", key),
-                      [&level](const Reply &reply) {
-                          auto url = reply.string();
-                          if (url && !url->isEmpty()) {
-                              level.url = std::move(url);
-                          }
-                      });
-    }
-}
-
-void askLevel(Questions &questions, Ancestry::Level &level, std::optional<ElementRef> &parent, bool &isThere) {
+// What may change while the element stays.
+void askLevel(Questions &questions, ElementReading &level, std::optional<ElementRef> &parent) {
     const auto &ref = level.element.ref;
-    questions.ask(calls::parent(ref), [&parent](const Reply &reply) { parent = reply.referenceProperty(); });
-    questions.ask(calls::states(ref),
-                  [&level](const Reply &reply) { level.kind.states = reply.states().value_or(States()); });
-    questions.ask(calls::attributes(ref),
-                  [&level](const Reply &reply) { level.kind.attributes = reply.attributes().value_or(Attributes()); });
-    questions.ask(calls::name(ref),
-                  [&level](const Reply &reply) { level.name = reply.stringProperty().value_or(QString()); });
-    questions.ask(calls::role(ref), [&level, &isThere](const Reply &reply) {
-        const auto role = reply.number();
-        isThere = role.has_value();
-        level.kind.role = static_cast<Role>(role.value_or(static_cast<std::uint32_t>(Role::unknown)));
+    questions.ask(calls::parent(ref), [&parent](const Reply &reply) { parent = reply.reference(); });
+    questions.ask(calls::states(ref), [&level](const Reply &reply) {
+        const auto states = reply.as<States>();
+        level.isAnswered = states.has_value();
+        level.kind.states = states.value_or(States());
     });
+    questions.fetch(calls::name(ref), level.name);
 }
 
-bool askAddresses(Connection &connection, Ancestry &ancestry, Deadline deadline) {
-    Questions questions;
-    for (auto &level : ancestry.levels) {
+bool isRemoved(const ElementReading &reading) {
+    return reading.kind.states.has(State::defunct);
+}
+
+void askAddresses(Questions &questions, std::vector<ElementReading> &levels) {
+    for (auto &level : levels) {
         if (level.kind.role == Role::documentWeb) {
-            level.url.reset();
             askAddress(questions, level);
         }
     }
-    return questions.run(connection, deadline);
 }
 } // namespace
 
-ParentAnswer askParent(Connection &connection, const ElementRef &ref, Deadline deadline) {
-    const auto replies = connection.callAll({calls::parent(ref), calls::states(ref)}, deadline);
-    const bool isRemoved = replies[1].states().value_or(States()).has(State::defunct);
-    return {replies[0].isAnswered() && replies[1].isAnswered(),
-            isRemoved ? std::nullopt : replies[0].referenceProperty()};
+void askAddress(Questions &questions, ElementReading &page) {
+    page.url.reset();
+    // Chromium gives it under the first name, Firefox under the second; each leaves the other empty.
+    for (const char *key : {"URI", "DocURL"}) {
+        questions.ask(calls::documentAttribute(page.element.ref, key), [&page](const Reply &reply) {
+            auto url = reply.as<QString>();
+            if (url && !url->isEmpty()) {
+                page.url = std::move(url);
+            }
+        });
+    }
 }
 
-const Ancestry::Level *Ancestry::find(const ElementRef &ref) const {
-    const auto found =
-        std::find_if(levels.begin(), levels.end(), [&](const Level &level) { return level.element.ref == ref; });
+const ElementReading *Ancestry::find(const ElementRef &ref) const {
+    const auto found = std::ranges::find(
+        levels, ref, [](const auto &level) -> auto & { return level.element.ref; });
     return found != levels.end() ? &*found : nullptr;
 }
 
-const Ancestry::Level *Ancestry::window() const {
+const ElementReading *Ancestry::above(const ElementRef &ref) const {
+    const auto *level = find(ref);
+    const auto next = level == nullptr ? 0 : static_cast<std::size_t>(level - levels.data()) + 1;
+    return next < levels.size() ? &levels[next] : nullptr;
+}
+
+const ElementReading *Ancestry::window() const {
     const auto top = std::find_if(levels.rbegin(), levels.rend(),
-                                  [](const Level &level) { return level.kind.role != Role::application; });
+                                  [](const auto &level) { return level.kind.role != Role::application; });
     return top != levels.rend() ? &*top : nullptr;
 }
 
@@ -77,13 +73,16 @@ bool Climb::isKnown(const ElementRef &ref) const {
 }
 
 Climb::Outcome Climb::proceed(Connection &connection, Deadline deadline) {
+    Questions questions;
     if (!m_hasBegun) {
-        auto first = askParent(connection, m_ancestry.element.ref, deadline);
-        if (!first.isAnswered) {
+        ElementReading start{.element = m_ancestry.element};
+        askLevel(questions, start, m_next);
+        if (!questions.run(connection, deadline)) {
             return Outcome::outOfTime;
         }
         m_hasBegun = true;
-        m_next = std::move(first.parent);
+        // Firefox still names the parent of an element that it has removed.
+        m_next = isRemoved(start) ? std::nullopt : m_next;
     }
     while (m_next && m_ancestry.levels.size() < maxLevels && !isKnown(*m_next)) {
         const auto outcome = climbLevel(connection, std::min(deadline, Clock::now() + levelTime));
@@ -92,22 +91,26 @@ Climb::Outcome Climb::proceed(Connection &connection, Deadline deadline) {
         }
     }
     m_next.reset();
-    return askAddresses(connection, m_ancestry, deadline) ? Outcome::arrived : Outcome::outOfTime;
+    askAddresses(questions, m_ancestry.levels);
+    return questions.run(connection, deadline) ? Outcome::arrived : Outcome::outOfTime;
 }
 
 Climb::Outcome Climb::climbLevel(Connection &connection, Deadline deadline) {
-    Ancestry::Level level{connection.handles({*m_next}, deadline).front(), {}, {}, {}};
+    ElementReading level{.element = connection.handles({*m_next}, deadline).front()};
     std::optional<ElementRef> next;
-    bool isThere = false;
+    std::optional<Role> role;
     Questions questions;
-    askLevel(questions, level, next, isThere);
+    askLevel(questions, level, next);
+    questions.fetch(calls::attributes(level.element.ref), level.kind.attributes);
+    questions.fetch(calls::role(level.element.ref), role);
     if (!questions.run(connection, deadline)) {
         return Outcome::outOfTime;
     }
-    if (!isThere) {
+    if (!role) {
         return Outcome::brokenOff;
     }
-    m_next = level.kind.role == Role::application ? std::nullopt : std::move(next);
+    level.kind.role = *role;
+    m_next = role != Role::application ? std::move(next) : std::nullopt;
     m_ancestry.levels.push_back(std::move(level));
     return Outcome::arrived;
 }
@@ -121,35 +124,20 @@ std::optional<Ancestry> readAncestry(Connection &connection, const Handle &eleme
 bool refreshAncestry(Connection &connection, Ancestry &ancestry, Deadline deadline) {
     const auto startedAt = Clock::now();
     auto &levels = ancestry.levels;
+    ElementReading start{.element = ancestry.element};
     std::vector<std::optional<ElementRef>> parents(levels.size() + 1);
-    // Not std::vector<bool>, whose elements cannot be referred to.
-    std::vector<char> answered(levels.size());
     Questions questions;
-    bool isRemoved = false;
-    questions.ask(calls::parent(ancestry.element.ref),
-                  [&](const Reply &reply) { parents.front() = reply.referenceProperty(); });
-    questions.ask(calls::states(ancestry.element.ref),
-                  [&](const Reply &reply) { isRemoved = reply.states().value_or(States()).has(State::defunct); });
+    askLevel(questions, start, parents.front());
     for (std::size_t i = 0; i < levels.size(); ++i) {
-        const auto &ref = levels[i].element.ref;
-        questions.ask(calls::parent(ref), [&, i](const Reply &reply) { parents[i + 1] = reply.referenceProperty(); });
-        questions.ask(calls::states(ref), [&, i](const Reply &reply) {
-            answered[i] = reply.states() ? 1 : 0;
-            levels[i].kind.states = reply.states().value_or(States());
-        });
-        questions.ask(calls::name(ref),
-                      [&, i](const Reply &reply) { levels[i].name = reply.stringProperty().value_or(QString()); });
-        if (levels[i].kind.role == Role::documentWeb) {
-            levels[i].url.reset();
-            askAddress(questions, levels[i]);
-        }
+        askLevel(questions, levels[i], parents[i + 1]);
     }
+    askAddresses(questions, levels);
     questions.run(connection, deadline);
-    if (isRemoved) {
+    if (isRemoved(start)) {
         return false;
     }
     for (std::size_t i = 0; i < levels.size(); ++i) {
-        if (answered[i] == 0 || parents[i] != levels[i].element.ref) {
+        if (!levels[i].isAnswered || parents[i] != levels[i].element.ref) {
             return false;
         }
     }

@@ -3,40 +3,27 @@
 #pragma once
 
 #include "Platform/Linux/Accessibility/Bus/Questions.h"
-#include "Platform/Linux/Accessibility/Bus/Roles.h"
-
-#include <QString>
+#include "Platform/Linux/Accessibility/Focus/ElementReading.h"
 
 namespace platform::desktop::atspi {
 
-/// What an element says of its parent. A removed element has none, though in Firefox it may go on naming one.
-struct ParentAnswer {
-    bool isAnswered = false;
-    std::optional<ElementRef> parent;
-};
-[[nodiscard]] ParentAnswer askParent(Connection &connection, const ElementRef &ref, Deadline deadline);
-
-/// The elements above an element, from its parent up to its application.
+/// The elements above an element, from its parent up to its application. Kind, name and, of pages, address are read of
+/// each.
 struct Ancestry {
-    struct Level {
-        Handle element;
-        Kind kind;
-        QString name;
-        /// The address of a page.
-        std::optional<QString> url;
-    };
     Handle element;
     Clock::time_point takenAt;
-    std::vector<Level> levels;
+    std::vector<ElementReading> levels;
 
     /// Where an element is in the chain; null if it is not.
-    [[nodiscard]] const Level *find(const ElementRef &ref) const;
+    [[nodiscard]] const ElementReading *find(const ElementRef &ref) const;
+    /// What is above an element of the chain, or above the one that it begins with; null at the top.
+    [[nodiscard]] const ElementReading *above(const ElementRef &ref) const;
     /// The window: the last level below the application. Null where there is none.
-    [[nodiscard]] const Level *window() const;
+    [[nodiscard]] const ElementReading *window() const;
 };
 
-/// A climb from an element to its application, one round trip a level. A slow application may take longer than anybody
-/// waits in one go, so a climb that ran out of time is taken up again where it was left.
+/// A climb from an element to its application, one round trip a level. With a slow application it may take longer than
+/// anybody waits in one go, so a climb that ran out of time goes on later where it stopped.
 class Climb {
   public:
     enum class Outcome { arrived, brokenOff, outOfTime };
@@ -55,6 +42,8 @@ class Climb {
     std::optional<ElementRef> m_next;
 };
 
+/// Asks for the address of a page.
+void askAddress(Questions &questions, ElementReading &page);
 /// A whole climb. Absent when it broke off or took too long.
 [[nodiscard]] std::optional<Ancestry> readAncestry(Connection &connection, const Handle &element, Deadline deadline);
 /// Asks a known chain whether it still holds, in one round trip. False when it must be climbed anew.

@@ -9,14 +9,14 @@ namespace platform::desktop::atspi {
 namespace {
 using namespace std::chrono_literals;
 constexpr auto factsLifetime = 1s;
-// A field longer than this is only counted while nobody asks for its text.
+// A longer field is only counted while its length alone is asked for.
 constexpr int countedTextLimit = 8'000;
 } // namespace
 
 void FieldReader::askRole(Questions &questions) {
     questions.ask(calls::role(m_element.ref), [this](const Reply &reply) {
-        if (const auto role = reply.number()) {
-            m_kind.role = static_cast<Role>(*role);
+        if (const auto role = reply.as<Role>()) {
+            m_kind.role = *role;
             m_hasFacts = true;
         }
     });
@@ -25,74 +25,73 @@ void FieldReader::askRole(Questions &questions) {
 void FieldReader::askFacts(Questions &questions) {
     const auto &ref = m_element.ref;
     questions.ask(calls::attributes(ref), [this](const Reply &reply) {
-        m_kind.attributes = reply.attributes().value_or(Attributes());
+        m_kind.attributes = reply.as<Attributes>().value_or(Attributes());
         m_factsAt = reply.isAnswered() ? Clock::now() : m_factsAt;
     });
-    questions.ask(calls::interfaces(ref),
-                  [this](const Reply &reply) { m_interfaces = reply.strings().value_or(std::vector<std::string>()); });
-    questions.ask(calls::property(ref, accessibleInterface, "ChildCount"),
-                  [this](const Reply &reply) { m_kind.hasChildren = reply.numberProperty().value_or(0) > 0; });
-    questions.ask(calls::name(ref), [this](const Reply &reply) { m_name = reply.stringProperty(); });
+    questions.ask(calls::childCount(ref),
+                  [this](const Reply &reply) { m_kind.hasChildren = reply.as<int>().value_or(0) > 0; });
+    questions.fetch(calls::interfaces(ref), m_interfaces);
+    questions.fetch(calls::name(ref), m_name);
 }
 
-FieldSnapshot FieldReader::read(Connection &connection, TextWanted wanted, const ElementRef &window,
-                                Deadline deadline) {
-    FieldSnapshot snapshot{.element = m_element, .takenAt = Clock::now(), .wanted = wanted};
+ElementReading FieldReader::read(Connection &connection, TextWanted wanted, const ElementRef &window,
+                                 Deadline deadline) {
+    ElementReading reading{.element = m_element, .takenAt = Clock::now(), .wanted = wanted};
     Questions questions;
     askRole(questions);
-    if (!m_hasFacts || snapshot.takenAt - m_factsAt > factsLifetime) {
+    if (!m_hasFacts || reading.takenAt - m_factsAt > factsLifetime) {
         askFacts(questions);
     }
     questions.ask(calls::states(m_element.ref), [&](const Reply &reply) {
-        const auto states = reply.states();
-        snapshot.isAnswered = states.has_value();
-        snapshot.kind.states = states.value_or(States());
+        const auto states = reply.as<States>();
+        reading.isAnswered = states.has_value();
+        reading.kind.states = states.value_or(States());
         // Some toolkits name a removed element an unknown object, others an unknown method.
-        snapshot.isGone = reply.isError() || snapshot.kind.states.has(State::defunct);
+        reading.isGone = reply.isError() || reading.kind.states.has(State::defunct);
     });
     if (!window.isNull()) {
-        questions.ask(calls::states(window), [&](const Reply &reply) { snapshot.windowStates = reply.states(); });
+        questions.fetch(calls::states(window), reading.windowStates);
     }
-    questions.ask(calls::extents(m_element.ref), [&](const Reply &reply) { snapshot.frame = reply.extents(); });
-    readText(connection, snapshot, questions, deadline);
-    m_kind.states = snapshot.kind.states;
-    snapshot.kind = m_kind;
-    snapshot.isAnswered = snapshot.isAnswered && m_hasFacts;
-    snapshot.name = m_name;
-    snapshot.placeholder = placeholder();
-    snapshot.isValueSettable = m_kind.states.has(State::editable) && !m_kind.states.has(State::readOnly) &&
-                               hasInterface(editableTextInterface);
-    return snapshot;
+    questions.ask(calls::extents(m_element.ref), [&](const Reply &reply) { reading.frame = reply.extents(); });
+    readText(connection, reading, questions, deadline);
+    m_kind.states = reading.kind.states;
+    reading.kind = m_kind;
+    reading.isAnswered = reading.isAnswered && m_hasFacts;
+    reading.name = m_name;
+    reading.placeholder = placeholder();
+    reading.isValueSettable = m_kind.states.has(State::editable) && !m_kind.states.has(State::readOnly) &&
+                              hasInterface(editableTextInterface);
+    return reading;
 }
 
-void FieldReader::readText(Connection &connection, FieldSnapshot &snapshot, Questions &questions, Deadline deadline) {
-    if (m_text && snapshot.wanted != TextWanted::nothing) {
-        m_text->setLimit(textLimit(snapshot.wanted));
+void FieldReader::readText(Connection &connection, ElementReading &reading, Questions &questions, Deadline deadline) {
+    if (m_text && reading.wanted != TextWanted::nothing) {
+        m_text->setLimit(textLimit(reading.wanted));
         m_text->askAgain(questions);
     }
     questions.run(connection, deadline);
-    m_kind.states = snapshot.kind.states;
+    m_kind.states = reading.kind.states;
     if (m_kind.role == Role::passwordText) {
-        // The user hid what is typed. What was asked along just now is dropped unseen; nothing more is asked.
+        // What is typed has just been hidden. A text that was asked for in this round is dropped unseen.
         m_text.reset();
     }
-    if (snapshot.wanted == TextWanted::nothing || !m_hasFacts || !hasValue()) {
+    if (reading.wanted == TextWanted::nothing || !m_hasFacts || !hasValue()) {
         return;
     }
     if (!hasInterface(textInterface)) {
-        snapshot.value = m_kind.role == Role::label || m_kind.role == Role::staticText ? m_name : std::nullopt;
+        reading.value = m_kind.role == Role::label || m_kind.role == Role::staticText ? m_name : std::nullopt;
         return;
     }
     if (!m_text) {
         m_text.emplace(m_element.ref, hasFinalBreak());
-        m_text->setLimit(textLimit(snapshot.wanted));
+        m_text->setLimit(textLimit(reading.wanted));
     }
     auto outcome = m_text->finish(connection, deadline);
-    snapshot.value = std::move(outcome.value);
-    snapshot.characters = outcome.characters;
+    reading.value = std::move(outcome.value);
+    reading.characters = outcome.characters;
 }
 
-// A page or a list has text, too, but all of it is its elements'. Nobody reads passwords, not even their length.
+// A page or a list has text, too, but all of it is its elements'. Passwords are not read, not even their length.
 bool FieldReader::hasValue() const {
     switch (m_kind.role) {
     case Role::passwordText:
@@ -115,7 +114,7 @@ bool FieldReader::hasInterface(const char *name) const {
     return std::find(m_interfaces.begin(), m_interfaces.end(), name) != m_interfaces.end();
 }
 
-// Whether a last line break only gives the last line its height: in rich-text boxes, and in Chromium (which alone
+// Whether a last line break only gives the last line its height: in rich-text boxes, and in Chromium (the one that
 // names a text model) also in plain ones, whose own last break it gives twice.
 bool FieldReader::hasFinalBreak() const {
     const auto tag = m_kind.attributes.find("tag");

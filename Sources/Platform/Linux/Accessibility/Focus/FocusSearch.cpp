@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/Linux/Accessibility/Focus/FocusTracker.h"
+#include "Platform/Linux/Accessibility/Focus/FocusSearch.h"
 
 #include <algorithm>
 
@@ -11,11 +11,6 @@ using namespace std::chrono_literals;
 // For each step of its own: what a hung application uses up is not taken from the others.
 constexpr auto stepTime = 120ms;
 constexpr auto searchTime = 200ms;
-// While nothing has the focus; while one of our own windows has it; while what has it says so whenever it is asked.
-constexpr std::chrono::milliseconds searchPause = 5s;
-constexpr std::chrono::milliseconds ownPause = 1s;
-constexpr std::chrono::milliseconds longestPause = 60s;
-constexpr int searchShare = 100;
 // Enough for the window of any program that cannot search itself; browsers can.
 constexpr std::size_t searchedElements = 3000;
 constexpr std::size_t maxApplications = 500;
@@ -24,86 +19,56 @@ constexpr std::size_t maxWindows = 200;
 Deadline step() {
     return Clock::now() + stepTime;
 }
+
+std::vector<Call> statesOf(const std::vector<ElementRef> &elements) {
+    std::vector<Call> questions;
+    std::ranges::transform(elements, std::back_inserter(questions), calls::states);
+    return questions;
+}
 } // namespace
 
-// Finds the active window and its focused element by asking, for all that no event told of: what had the focus before
-// this program started, focus that a script set, events that were lost.
-void FocusTracker::look() {
-    const auto begin = Clock::now();
-    const auto isConfirmed = [&] { return m_focus.element && m_focus.confirmedAt >= begin; };
-    refresh(m_focus.snapshot != nullptr ? m_focus.snapshot->wanted : TextWanted::nothing);
-    if (isConfirmed() && m_focus.snapshot->kind.states.has(State::editable)) {
-        m_lookAt = begin + longestPause;
-        return;
-    }
-    const bool isOwn = m_focus.element && m_focus.element->pid == m_ownPid;
-    const auto searched = lookInActiveWindow();
-    const auto longest = isOwn ? ownPause : isConfirmed() ? longestPause : searchPause;
-    m_lookPause = std::min<std::chrono::milliseconds>(2 * m_lookPause, longest);
-    // A search goes through all of a long page; it must not keep its browser busy.
-    m_lookAt = Clock::now() + std::max<Clock::duration>(m_lookPause, searchShare * searched);
+std::optional<ElementRef> activeAmong(Connection &connection, const std::vector<ElementRef> &windows,
+                                      Deadline deadline) {
+    const auto replies = connection.callAll(statesOf(windows), deadline);
+    const auto active = std::ranges::find_if(
+        replies, [](const Reply &reply) { return isActiveWindow(reply.as<States>().value_or(States())); });
+    return active != replies.end() ? std::optional(windows[static_cast<std::size_t>(active - replies.begin())])
+                                   : std::nullopt;
 }
 
-// How long its application was kept busy with the search.
-Clock::duration FocusTracker::lookInActiveWindow() {
-    const auto window = activeWindow();
-    if (!window) {
-        return {};
-    }
-    wake(*window);
-    m_windows[window->bus] = *window;
-    const auto begin = Clock::now();
-    const auto focused = focusedBelow(*window, begin + searchTime);
-    const auto end = Clock::now();
-    if (focused && m_candidate.ref != *focused) {
-        adopt(*focused);
-    }
-    return m_connection.isSilent(window->bus) ? Clock::duration() : end - begin;
-}
-
-// Chromium shows two elements of a window until somebody asks its frame for its attributes; then it builds them all.
-void FocusTracker::wake(const ElementRef &window) {
+void FocusSearch::wake(const ElementRef &window) {
     if (m_woken.insert(window).second) {
         m_connection.send(calls::attributes(window));
     }
 }
 
-std::optional<ElementRef> FocusTracker::activeWindow() {
-    auto windows = otherWindows();
-    std::vector<Call> questions;
-    questions.reserve(windows.size());
-    for (const auto &window : windows) {
-        questions.push_back(calls::states(window));
-    }
-    const auto replies = m_connection.callAll(questions, step());
-    for (std::size_t i = 0; i < windows.size(); ++i) {
-        const auto states = replies[i].states();
-        if (states && isActiveWindow(*states)) {
-            return windows[i];
-        }
-    }
-    return std::nullopt;
+void FocusSearch::forget(const std::string &bus) {
+    std::erase_if(m_woken, [&](const ElementRef &window) { return window.bus == bus; });
+}
+
+std::optional<ElementRef> FocusSearch::activeWindow() {
+    return activeAmong(m_connection, otherWindows(), step());
 }
 
 // The windows of all applications but our own, which must not be asked: it would wait for itself.
-std::vector<ElementRef> FocusTracker::otherWindows() {
-    auto roots = m_connection.call(calls::children({registryName, rootPath}), step()).references(maxApplications);
+std::vector<ElementRef> FocusSearch::otherWindows() {
+    auto roots = m_connection.call(calls::applications(), step()).references(maxApplications);
     std::vector<Call> questions;
-    questions.reserve(roots ? roots->size() : 0);
-    for (const auto &root : m_connection.handles(roots.value_or(std::vector<ElementRef>()), step())) {
+    for (const auto &root : m_connection.handles(std::move(roots).value_or(std::vector<ElementRef>()), step())) {
         if (root.pid != 0 && root.pid != m_ownPid) {
             questions.push_back(calls::children(root.ref));
         }
     }
     std::vector<ElementRef> windows;
     for (const auto &reply : m_connection.callAll(questions, step())) {
-        auto found = reply.references(maxWindows).value_or(std::vector<ElementRef>());
-        windows.insert(windows.end(), found.begin(), found.end());
+        std::ranges::move(reply.references(maxWindows).value_or(std::vector<ElementRef>()),
+                          std::back_inserter(windows));
     }
     return windows;
 }
 
-std::optional<ElementRef> FocusTracker::focusedBelow(const ElementRef &window, Deadline deadline) {
+std::optional<ElementRef> FocusSearch::focusedBelow(const ElementRef &window) {
+    const auto deadline = Clock::now() + searchTime;
     const auto reply = m_connection.call(calls::focusedMatches(window), deadline);
     const auto matches = reply.references(searchedElements);
     if (matches) {
@@ -113,8 +78,8 @@ std::optional<ElementRef> FocusTracker::focusedBelow(const ElementRef &window, D
     return reply.isAnswered() ? searchBelow(window, deadline) : std::nullopt;
 }
 
-// A search level by level, for toolkits that have none of their own.
-std::optional<ElementRef> FocusTracker::searchBelow(const ElementRef &window, Deadline deadline) {
+// Searches level by level, for toolkits that have no search of their own.
+std::optional<ElementRef> FocusSearch::searchBelow(const ElementRef &window, Deadline deadline) {
     std::vector<ElementRef> level{window};
     std::set<ElementRef> seen;
     while (!level.empty() && seen.size() < searchedElements && Clock::now() < deadline) {
@@ -127,7 +92,7 @@ std::optional<ElementRef> FocusTracker::searchBelow(const ElementRef &window, De
         const auto replies = m_connection.callAll(questions, deadline);
         std::vector<ElementRef> below;
         for (std::size_t i = 0; i < level.size(); ++i) {
-            const auto states = replies[2 * i].states().value_or(States());
+            const auto states = replies[2 * i].as<States>().value_or(States());
             if (states.has(State::focused) && level[i] != window) {
                 return level[i];
             }

@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 // An application that is not hung answers within a few milliseconds, a busy browser within some tens.
 constexpr auto readTime = 120ms;
 constexpr auto climbTime = 300ms;
-// What was climbed longer ago may have moved.
+// What was climbed longer ago may have moved since.
 constexpr auto climbLifetime = 5s;
 constexpr auto firstAdoptPause = 100ms;
 constexpr int mostAttempts = 5;
@@ -24,11 +24,23 @@ constexpr auto firstPause = 150ms;
 constexpr auto otherWindowPause = 1000ms;
 constexpr auto newElementPause = 2000ms;
 constexpr auto ancestryLifetime = 1s;
+// The longest pause between two searches: while nothing has the focus; while one of our own windows has it; while what
+// has it confirms it whenever it is asked.
+constexpr std::chrono::milliseconds searchPause = 5s;
+constexpr std::chrono::milliseconds ownPause = 1s;
+constexpr std::chrono::milliseconds longestPause = 60s;
+// A pause lasts at least this many times as long as the search before it.
+constexpr int pausePerSearch = 100;
+
+ElementRef windowOf(const std::shared_ptr<const Ancestry> &ancestry) {
+    const auto *window = ancestry != nullptr ? ancestry->window() : nullptr;
+    return window != nullptr ? window->element.ref : ElementRef{};
+}
 } // namespace
 
 FocusTracker::FocusTracker(Connection &connection, qint32 ownPid, Publish publish)
-    : m_connection(connection), m_ownPid(ownPid), m_publish(std::move(publish)), m_lookAt(Clock::now()),
-      m_lookPause(firstPause) {
+    : m_connection(connection), m_ownPid(ownPid), m_publish(std::move(publish)), m_search(connection, ownPid),
+      m_lookAt(Clock::now()), m_lookPause(firstPause) {
     registerForEvents();
 }
 
@@ -40,7 +52,13 @@ void FocusTracker::registerForEvents() {
     m_connection.match("type='signal',interface='org.a11y.atspi.Event.Window',member='Deactivate'",
                        [this](sd_bus_message *message) { onWindow(message); });
     m_connection.match("type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',arg2=''",
-                       [this](sd_bus_message *message) { onOwnerChanged(message); });
+                       [this](sd_bus_message *message) {
+                           // Signals arrive while answers are awaited, so what the waiting code uses is not taken
+                           // away here.
+                           if (auto name = vanishedName(message)) {
+                               m_vanished.push_back(*std::move(name));
+                           }
+                       });
     m_connection.match(registryStarted, [this](sd_bus_message *) { sendRegistrations(); });
     sendRegistrations();
 }
@@ -52,13 +70,13 @@ void FocusTracker::sendRegistrations() {
 }
 
 void FocusTracker::onStateChanged(sd_bus_message *message) {
-    const char *state = nullptr;
-    int isSet = 0;
-    if (sd_bus_message_read(message, "si", &state, &isSet) <= 0) {
+    const auto change = readValues<std::string, int>(message);
+    if (!change) {
         return;
     }
     const auto source = sourceOf(message);
-    if (isSet != 0 && m_candidate.ref != source) {
+    const bool isSet = std::get<1>(*change) != 0;
+    if (isSet && m_candidate.ref != source) {
         m_candidate = {source, 0, {}};
     } else if (m_focus.element && m_focus.element->ref == source) {
         m_mustConfirm = true;
@@ -82,21 +100,10 @@ void FocusTracker::noteActivation(const ElementRef &window) {
     lookSoon();
 }
 
-void FocusTracker::onOwnerChanged(sd_bus_message *message) {
-    const char *name = nullptr;
-    const char *before = nullptr;
-    const char *after = nullptr;
-    if (sd_bus_message_read(message, "sss", &name, &before, &after) <= 0 || *after != '\0') {
-        return;
-    }
-    // Signals arrive while answers are awaited, so what the waiting code uses is not taken away here.
-    m_vanished.emplace_back(name);
-}
-
 void FocusTracker::forgetVanished() {
     for (const auto &name : std::exchange(m_vanished, {})) {
         m_windows.erase(name);
-        std::erase_if(m_woken, [&](const ElementRef &window) { return window.bus == name; });
+        m_search.forget(name);
         if (m_window.bus == name) {
             m_window = {};
         }
@@ -124,7 +131,7 @@ Clock::time_point FocusTracker::nextLook() const {
     return isReady(m_candidate) ? std::min(next, m_candidate.due) : next;
 }
 
-// A silent application is waited for; that it answers again is an event.
+// A silent application is waited for; answering again wakes us.
 bool FocusTracker::isReady(const Candidate &candidate) const {
     return !candidate.ref.isNull() && !m_connection.isSilent(candidate.ref.bus);
 }
@@ -137,7 +144,7 @@ void FocusTracker::settle() {
     }
     const auto now = Clock::now();
     if (std::exchange(m_mustConfirm, false) || (m_lostSince && now >= *m_lostSince + grace)) {
-        refresh(m_focus.snapshot ? m_focus.snapshot->wanted : TextWanted::nothing);
+        refresh(m_focus.reading ? m_focus.reading->wanted : TextWanted::nothing);
     }
     if (now >= m_lookAt) {
         look();
@@ -178,37 +185,36 @@ void FocusTracker::adopt(const ElementRef &ref, int attempts) {
     }
 }
 
-// Only what still has the focus after all the questions about its surroundings is given out.
+// An element is given out only if it still has the focus after all the questions about its surroundings.
 void FocusTracker::adoptWithin(std::shared_ptr<const Ancestry> ancestry, int attempts) {
     const auto element = ancestry->element;
-    const auto *level = ancestry->window();
-    const auto window = level != nullptr ? level->element.ref : ElementRef{};
+    const auto window = windowOf(ancestry);
     auto reader = std::make_unique<FieldReader>(element);
-    auto snapshot = reader->read(m_connection, TextWanted::value, window, Clock::now() + readTime);
-    if (!snapshot.isAnswered && !snapshot.isGone) {
+    auto reading = reader->read(m_connection, TextWanted::value, window, Clock::now() + readTime);
+    if (!reading.isAnswered && !reading.isGone) {
         adoptLater(element.ref, attempts);
         return;
     }
     m_climb.reset();
-    if (snapshot.isGone || !hasFocus(snapshot, window)) {
+    if (reading.isGone || !hasFocus(reading, window)) {
         m_mustConfirm = true;
         return;
     }
     if (!window.isNull()) {
         m_windows[window.bus] = window;
-        wake(window);
+        m_search.wake(window);
     }
     m_reader = std::move(reader);
-    const auto askedAt = snapshot.takenAt;
-    m_focus = {element, std::make_shared<const FieldSnapshot>(std::move(snapshot)), std::move(ancestry), askedAt};
+    const auto askedAt = reading.takenAt;
+    m_focus = {element, std::make_shared<const ElementReading>(std::move(reading)), std::move(ancestry), askedAt};
     m_lostSince.reset();
     m_lookPause = newElementPause;
     m_lookAt = Clock::now() + m_lookPause;
     publish();
 }
 
-// A slow application is tried again after a pause, a hung one once it answers. Within one application the focus has
-// left what had it all the same; what another one shows says so itself.
+// A slow application is tried again after a pause, a hung one once it answers. If it is the application that had the
+// focus so far, the old element has lost it all the same; in another application it will say so itself.
 void FocusTracker::adoptLater(const ElementRef &ref, int attempts) {
     if (m_candidate.ref.isNull() && attempts < mostAttempts) {
         m_candidate = {ref, attempts + 1, Clock::now() + firstAdoptPause * (1 << attempts)};
@@ -232,34 +238,65 @@ Climb::Outcome FocusTracker::climbFrom(const Handle &element) {
     return outcome;
 }
 
+void FocusTracker::look() {
+    const auto begin = Clock::now();
+    const auto isConfirmed = [&] { return m_focus.element && m_focus.confirmedAt >= begin; };
+    refresh(m_focus.reading != nullptr ? m_focus.reading->wanted : TextWanted::nothing);
+    if (isConfirmed() && m_focus.reading->kind.states.has(State::editable)) {
+        m_lookAt = begin + longestPause;
+        return;
+    }
+    const bool isOwn = m_focus.element && m_focus.element->pid == m_ownPid;
+    const auto searched = lookInActiveWindow();
+    const auto longest = isOwn ? ownPause : isConfirmed() ? longestPause : searchPause;
+    m_lookPause = std::min<std::chrono::milliseconds>(2 * m_lookPause, longest);
+    // A search goes through all of a long page; it must not keep its browser busy.
+    m_lookAt = Clock::now() + std::max<Clock::duration>(m_lookPause, pausePerSearch * searched);
+}
+
+// How long an application was busy with the search.
+Clock::duration FocusTracker::lookInActiveWindow() {
+    const auto window = m_search.activeWindow();
+    if (!window) {
+        return {};
+    }
+    m_search.wake(*window);
+    m_windows[window->bus] = *window;
+    const auto begin = Clock::now();
+    const auto focused = m_search.focusedBelow(*window);
+    const auto end = Clock::now();
+    if (focused && m_candidate.ref != *focused) {
+        adopt(*focused);
+    }
+    return m_connection.isSilent(window->bus) ? Clock::duration() : end - begin;
+}
+
 const Focus &FocusTracker::refresh(TextWanted wanted) {
     if (m_reader == nullptr) {
         return m_focus;
     }
-    const auto *level = m_focus.ancestry->window();
-    const auto window = level != nullptr ? level->element.ref : ElementRef{};
-    auto snapshot = m_reader->read(m_connection, wanted, window, Clock::now() + readTime);
-    judge(snapshot, window);
-    if (m_focus.element && snapshot.isAnswered) {
-        m_focus.snapshot = std::make_shared<const FieldSnapshot>(std::move(snapshot));
+    const auto window = windowOf(m_focus.ancestry);
+    auto reading = m_reader->read(m_connection, wanted, window, Clock::now() + readTime);
+    judge(reading, window);
+    if (m_focus.element && reading.isAnswered) {
+        m_focus.reading = std::make_shared<const ElementReading>(std::move(reading));
         publish();
     }
     return m_focus;
 }
 
-bool FocusTracker::hasFocus(const FieldSnapshot &snapshot, const ElementRef &window) const {
-    return snapshot.kind.states.has(State::focused) &&
-           (window.isNull() || isWindowActive(window, snapshot.windowStates));
+bool FocusTracker::hasFocus(const ElementReading &reading, const ElementRef &window) const {
+    return reading.kind.states.has(State::focused) && (window.isNull() || isWindowActive(window, reading.windowStates));
 }
 
-// Whether the element still has the focus, by what was just read of it. Without an answer what was said last holds.
-void FocusTracker::judge(const FieldSnapshot &snapshot, const ElementRef &window) {
-    if (snapshot.isAnswered && !snapshot.isGone && hasFocus(snapshot, window)) {
-        m_focus.confirmedAt = snapshot.takenAt;
+// Whether the element still has the focus, by what was just read of it. Without an answer the last one holds.
+void FocusTracker::judge(const ElementReading &reading, const ElementRef &window) {
+    if (reading.isAnswered && !reading.isGone && hasFocus(reading, window)) {
+        m_focus.confirmedAt = reading.takenAt;
         m_lostSince.reset();
-    } else if (snapshot.isGone || (m_lostSince && Clock::now() - *m_lostSince >= grace)) {
+    } else if (reading.isGone || (m_lostSince && Clock::now() - *m_lostSince >= grace)) {
         drop();
-    } else if (snapshot.isAnswered && !m_lostSince) {
+    } else if (reading.isAnswered && !m_lostSince) {
         m_lostSince = Clock::now();
     }
 }

@@ -4,18 +4,18 @@
 
 #include "Platform/Linux/Accessibility/Focus/Ancestry.h"
 #include "Platform/Linux/Accessibility/Focus/FieldReader.h"
+#include "Platform/Linux/Accessibility/Focus/FocusSearch.h"
 
 #include <memory>
-#include <set>
 
 namespace platform::desktop::atspi {
 
-/// What has the focus, with what was last read of it. Values that are never changed, to be handed between threads.
+/// What has the focus, and what was last read of it. The shared values are never changed, so threads may share them.
 struct Focus {
     std::optional<Handle> element;
-    std::shared_ptr<const FieldSnapshot> snapshot;
+    std::shared_ptr<const ElementReading> reading;
     std::shared_ptr<const Ancestry> ancestry;
-    /// When it was asked last with the answer that it has the focus.
+    /// When it was last asked and answered that it has the focus.
     Clock::time_point confirmedAt;
 };
 
@@ -25,7 +25,7 @@ class FocusTracker {
   public:
     using Publish = std::function<void(const Focus &)>;
 
-    /// ownPid: our own process, whose elements are told apart by it and never asked anything: it is the one waiting.
+    /// ownPid: our own process, whose elements are never asked anything, because its main thread would have to answer.
     FocusTracker(Connection &connection, qint32 ownPid, Publish publish);
 
     /// Acts on the events that came, and looks for the focus when it is time to.
@@ -45,7 +45,6 @@ class FocusTracker {
     void sendRegistrations();
     void onStateChanged(sd_bus_message *message);
     void onWindow(sd_bus_message *message);
-    void onOwnerChanged(sd_bus_message *message);
     void forgetVanished();
     void noteActivation(const ElementRef &window);
 
@@ -62,23 +61,19 @@ class FocusTracker {
     void adoptLater(const ElementRef &ref, int attempts);
     Climb::Outcome climbFrom(const Handle &element);
     [[nodiscard]] bool isWindowActive(const ElementRef &window, const std::optional<States> &states) const;
-    [[nodiscard]] bool hasFocus(const FieldSnapshot &snapshot, const ElementRef &window) const;
-    void judge(const FieldSnapshot &snapshot, const ElementRef &window);
+    [[nodiscard]] bool hasFocus(const ElementReading &reading, const ElementRef &window) const;
+    void judge(const ElementReading &reading, const ElementRef &window);
     void drop();
     void publish() const { m_publish(m_focus); }
 
     void look();
     Clock::duration lookInActiveWindow();
-    [[nodiscard]] std::optional<ElementRef> activeWindow();
-    [[nodiscard]] std::vector<ElementRef> otherWindows();
-    [[nodiscard]] std::optional<ElementRef> focusedBelow(const ElementRef &window, Deadline deadline);
-    [[nodiscard]] std::optional<ElementRef> searchBelow(const ElementRef &window, Deadline deadline);
-    void wake(const ElementRef &window);
     void lookSoon();
 
     Connection &m_connection;
     qint32 m_ownPid;
     Publish m_publish;
+    FocusSearch m_search;
     Focus m_focus;
     std::unique_ptr<FieldReader> m_reader;
     Candidate m_candidate;
@@ -86,7 +81,6 @@ class FocusTracker {
     /// The window that was activated last, by its application's word.
     ElementRef m_window;
     std::map<std::string, ElementRef, std::less<>> m_windows;
-    std::set<ElementRef> m_woken;
     std::vector<std::string> m_vanished;
     bool m_mustConfirm = false;
     std::optional<Clock::time_point> m_lostSince;

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Accessibility/Page/SubtreeReader.h"
 
+#include "Platform/Linux/Accessibility/Page/TreeQuestions.h"
+
 #include <algorithm>
 
 namespace platform::desktop::atspi {
@@ -12,58 +14,111 @@ using namespace std::chrono_literals;
 constexpr auto knownLifetime = 10s;
 // How soon after it was left a read goes on without asking again what it knows.
 constexpr auto patience = 1s;
+
+QString expectedText(const PageTree &tree, const PageElement &element) {
+    QString expected;
+    for (const auto &child : element.children) {
+        const auto found = tree.find(child);
+        const bool isLeaf = found != tree.end() && found->second.text && !found->second.kind.hasChildren;
+        expected += isLeaf ? *found->second.text : QString(QChar(QChar::ObjectReplacementCharacter));
+    }
+    return expected;
+}
+
+void forgetTexts(PageTree &tree, const PageElement &element) {
+    for (const auto &child : element.children) {
+        const auto found = tree.find(child);
+        if (found != tree.end()) {
+            found->second.text.reset();
+        }
+    }
+}
+
+// Several text leaves of one element stand together in its own text: one question tells whether they are what they
+// were.
+void doubtTexts(const Asking &asking, PageTree &tree) {
+    Questions questions;
+    for (const auto &entry : tree) {
+        const auto &element = entry.second;
+        const auto texts = std::count_if(element.children.begin(), element.children.end(), [&](const auto &child) {
+            const auto found = tree.find(child);
+            return found != tree.end() && found->second.text;
+        });
+        if (texts < 2) {
+            forgetTexts(tree, element);
+            continue;
+        }
+        questions.ask(calls::text(entry.first), [&tree, &element](const Reply &reply) {
+            if (reply.as<QString>() != expectedText(tree, element)) {
+                forgetTexts(tree, element);
+            }
+        });
+    }
+    questions.run(asking);
+}
+
+// What is still there keeps its role; a leaf that has children now shows it by what lies between the leaves.
+void doubtChildren(const PageRequest &request, PageTree &tree) {
+    std::unordered_set<ElementRef, ElementRefHash> listed(request.listing.all.begin(), request.listing.all.end());
+    listed.insert(request.root);
+    std::erase_if(tree, [&](const auto &entry) { return !listed.contains(entry.first) || entry.second.isGone; });
+    for (auto &[ref, element] : tree) {
+        element.hasKnownChildren = element.isTakenForLeaf;
+    }
+}
+
+// Where texts are folded a child stands in its parent's text, so an unchanged text without children has none. Roles
+// are believed, except where a password may be typed; styles are those of the text.
+void doubtAll(const Asking &asking, const PageRequest &request, PageTree &tree) {
+    std::vector<ElementRef> all;
+    for (auto &[ref, element] : tree) {
+        all.push_back(ref);
+        if (element.kind.role == Role::entry || element.kind.role == Role::passwordText || element.isGone) {
+            element = {};
+            continue;
+        }
+        const bool hadChildren = !element.children.empty();
+        element.hasKnownChildren = !hadChildren && element.folded;
+        element.former = std::exchange(element.folded, std::nullopt);
+    }
+    askElements(asking, request, tree, all);
+}
+
+// A text that was named but not met lies below one that was taken for a leaf: the one that was met before it. (Or it
+// lies beyond the limits; then that one turns out to be a leaf indeed.)
+std::vector<ElementRef> doubtfulLeaves(const PageTree &tree, const PageWalk &walk,
+                                       const std::vector<ElementRef> &texts) {
+    std::vector<ElementRef> doubtful;
+    const auto end = std::find_if(texts.rbegin(), texts.rend(), [&](const auto &ref) {
+                         return !walk.isFull() || walk.seen.contains(ref);
+                     }).base();
+    const ElementRef *met = nullptr;
+    for (auto text = texts.begin(); text != end; ++text) {
+        if (walk.seen.contains(*text)) {
+            met = &*text;
+        } else if (met != nullptr) {
+            if (tree.at(*met).isTakenForLeaf) {
+                doubtful.push_back(*met);
+            }
+            met = nullptr;
+        }
+    }
+    return doubtful;
+}
+
+// What was taken for a leaf but has a stand-in for a child in its text.
+std::vector<ElementRef> leavesWithChildren(const PageTree &tree, const std::vector<PageWalk::Step> &steps) {
+    std::vector<ElementRef> found;
+    for (const auto &step : steps) {
+        const auto &element = tree.at(step.ref);
+        if (element.isTakenForLeaf && element.text &&
+            element.text->contains(QChar(QChar::ObjectReplacementCharacter))) {
+            found.push_back(step.ref);
+        }
+    }
+    return found;
+}
 } // namespace
-
-// The walk over what is known so far: each element before its children, cut off at the limits.
-struct SubtreeReader::Walk {
-    const Tree &tree;
-    AXSubtreeLimits limits;
-    bool foldsText;
-    std::vector<Step> steps;
-    std::vector<ElementRef> unknown;
-    std::unordered_set<ElementRef, ElementRefHash> seen;
-
-    [[nodiscard]] bool isFull() const { return std::ssize(steps) >= limits.maxNodes; }
-    [[nodiscard]] bool isComplete(const Info &info, int depth) const {
-        const bool needsRuns = foldsText && depth < limits.maxDepth && !isSecret(info.kind);
-        const bool hasRuns = info.folded && !info.folded->unknownStyle();
-        return info.isKnown && info.hasKnownChildren && (hasRuns || !needsRuns);
-    }
-
-    void visit(const ElementRef &ref, int depth) {
-        if (isFull() || depth > limits.maxDepth || !seen.insert(ref).second) {
-            return;
-        }
-        const auto found = tree.find(ref);
-        const bool isKnown = found != tree.end() && found->second.isKnown;
-        if (isKnown && found->second.isGone) {
-            return;
-        }
-        steps.push_back({depth, ref, nullptr});
-        if (!isKnown || !isComplete(found->second, depth)) {
-            unknown.push_back(ref);
-        }
-        if (isKnown && !isSecret(found->second.kind)) {
-            visitContent(found->second, ref, depth + 1);
-        }
-    }
-
-    void visitContent(const Info &info, const ElementRef &ref, int depth) {
-        static const std::vector<TextRun> none;
-        const auto &runs = info.folded ? info.folded->runs() : none;
-        auto run = runs.begin();
-        for (std::size_t i = 0; i <= info.children.size(); ++i) {
-            for (; run != runs.end() && (run->childrenBefore <= i || i == info.children.size()); ++run) {
-                if (!isFull() && depth <= limits.maxDepth) {
-                    steps.push_back({depth, ref, &*run});
-                }
-            }
-            if (i < info.children.size()) {
-                visit(info.children[i], depth);
-            }
-        }
-    }
-};
 
 SubtreeReader::Outcome SubtreeReader::read(const Asking &asking, const ElementRef &root, AXSubtreeLimits limits,
                                            bool mayGoOn) {
@@ -71,7 +126,7 @@ SubtreeReader::Outcome SubtreeReader::read(const Asking &asking, const ElementRe
         return {};
     }
     const auto now = Clock::now();
-    Request request{root, limits};
+    PageRequest request{root, limits};
     const QString kindOfToolkit = toolkit(asking, root.bus);
     request.foldsText = kindOfToolkit == QLatin1StringView("Gecko");
     if (kindOfToolkit == QLatin1StringView("Chromium")) {
@@ -92,14 +147,13 @@ SubtreeReader::Outcome SubtreeReader::read(const Asking &asking, const ElementRe
     return {std::move(items), m_known.begunAt};
 }
 
-std::vector<SubtreeItem> SubtreeReader::refine(const Asking &asking, const Request &request, Tree &tree) {
+std::vector<SubtreeItem> SubtreeReader::refine(const Asking &asking, const PageRequest &request, PageTree &tree) {
     const auto &root = request.root;
     const auto &connection = asking.connection;
     while (Clock::now() < asking.deadline && connection.isOpen() && !connection.isSilent(root.bus)) {
-        Walk walk{tree, request.limits, request.foldsText, {}, {}, {}};
-        walk.visit(root, 0);
+        PageWalk walk(tree, request);
         if (walk.unknown.empty()) {
-            walk.unknown = doubtfulLeaves(walk, request.listing.texts);
+            walk.unknown = doubtfulLeaves(tree, walk, request.listing.texts);
         }
         if (walk.unknown.empty()) {
             askTexts(asking, tree, walk.steps);
@@ -110,7 +164,7 @@ std::vector<SubtreeItem> SubtreeReader::refine(const Asking &asking, const Reque
             std::erase_if(tree, [&](const auto &entry) { return !walk.seen.contains(entry.first); });
             return items;
         }
-        askUnknown(asking, request, tree, walk.unknown);
+        askElements(asking, request, tree, walk.unknown);
     }
     return {};
 }
@@ -118,7 +172,7 @@ std::vector<SubtreeItem> SubtreeReader::refine(const Asking &asking, const Reque
 QString SubtreeReader::toolkit(const Asking &asking, const std::string &bus) {
     if (bus != m_toolkitOf) {
         const auto question = calls::property({bus, rootPath}, "org.a11y.atspi.Application", "ToolkitName");
-        const auto name = asking.connection.call(question, asking.deadline).stringProperty();
+        const auto name = asking.connection.call(question, asking.deadline).as<QString>();
         m_toolkitOf = name ? bus : std::string();
         m_toolkit = name.value_or(QString());
     }
@@ -127,7 +181,7 @@ QString SubtreeReader::toolkit(const Asking &asking, const std::string &bus) {
 
 // A search goes through the whole page, even a long one; the second is spared where the first finds what it found
 // before.
-SubtreeReader::Listing SubtreeReader::list(const Asking &asking, const Request &request) {
+PageListing SubtreeReader::list(const Asking &asking, const PageRequest &request) {
     const int limit = request.limits.maxNodes;
     const auto search = [&](const Call &call) {
         const auto reply = asking.connection.call(call, asking.deadline);
@@ -149,14 +203,14 @@ bool SubtreeReader::isWalkKnown(Clock::time_point now) const {
 }
 
 // What is known before the first question about a single element.
-SubtreeReader::Tree SubtreeReader::begin(const Asking &asking, const Request &request, bool isSame) {
+PageTree SubtreeReader::begin(const Asking &asking, const PageRequest &request, bool isSame) {
     const bool isKnown = isSame && m_known.isWhole && isWalkKnown(m_known.begunAt);
     if (isKnown && request.foldsText) {
         auto tree = std::exchange(m_known.tree, {});
         doubtAll(asking, request, tree);
         return tree;
     }
-    Tree tree;
+    PageTree tree;
     if (isKnown && !request.listing.all.empty()) {
         tree = std::exchange(m_known.tree, {});
         doubtTexts(asking, tree);
@@ -181,94 +235,21 @@ SubtreeReader::Tree SubtreeReader::begin(const Asking &asking, const Request &re
     return tree;
 }
 
-// What is still there keeps its role; a leaf that has children now shows it by what lies between the leaves.
-void SubtreeReader::doubtChildren(const Request &request, Tree &tree) {
-    std::unordered_set<ElementRef, ElementRefHash> listed(request.listing.all.begin(), request.listing.all.end());
-    listed.insert(request.root);
-    std::erase_if(tree, [&](const auto &entry) { return !listed.contains(entry.first) || entry.second.isGone; });
-    for (auto &[ref, info] : tree) {
-        info.hasKnownChildren = info.isTakenForLeaf;
-    }
-}
-
-// Where texts are folded a child stands in its parent's text, so an unchanged text without children has none. Roles
-// are believed, except where a password may be typed; styles are those of the text.
-void SubtreeReader::doubtAll(const Asking &asking, const Request &request, Tree &tree) {
-    std::vector<ElementRef> all;
-    for (auto &[ref, info] : tree) {
-        all.push_back(ref);
-        if (info.kind.role == Role::entry || info.kind.role == Role::passwordText || info.isGone) {
-            info = {};
-            continue;
-        }
-        const bool hadChildren = !info.children.empty();
-        info.hasKnownChildren = !hadChildren && info.folded;
-        info.former = std::exchange(info.folded, std::nullopt);
-    }
-    askUnknown(asking, request, tree, all);
-}
-
-// Several text leaves of one element stand together in its own text: one question tells whether they are what they
-// were.
-void SubtreeReader::doubtTexts(const Asking &asking, Tree &tree) {
-    Questions questions;
-    for (const auto &entry : tree) {
-        const auto &info = entry.second;
-        const auto texts = std::count_if(info.children.begin(), info.children.end(), [&](const auto &child) {
-            const auto found = tree.find(child);
-            return found != tree.end() && found->second.text;
-        });
-        if (texts < 2) {
-            forgetTexts(tree, info);
-            continue;
-        }
-        questions.ask(calls::text(entry.first, 0, -1), [&tree, &info](const Reply &reply) {
-            if (reply.string() != expectedText(tree, info)) {
-                forgetTexts(tree, info);
-            }
-        });
-    }
-    questions.run(asking);
-}
-
-QString SubtreeReader::expectedText(const Tree &tree, const Info &info) {
-    QString expected;
-    for (const auto &child : info.children) {
-        const auto found = tree.find(child);
-        const bool isLeaf = found != tree.end() && found->second.text && !found->second.kind.hasChildren;
-        expected += isLeaf ? *found->second.text : QString(QChar(QChar::ObjectReplacementCharacter));
-    }
-    return expected;
-}
-
-void SubtreeReader::forgetTexts(Tree &tree, const Info &info) {
-    for (const auto &child : info.children) {
-        const auto found = tree.find(child);
-        if (found != tree.end()) {
-            found->second.text.reset();
+std::vector<SubtreeItem> SubtreeReader::finish(const Asking &asking, const PageTree &tree,
+                                               const std::vector<PageWalk::Step> &steps) {
+    std::vector<SubtreeItem> items;
+    for (const auto &step : steps) {
+        const auto &element = tree.at(step.ref);
+        auto &item = items.emplace_back(SubtreeItem{.depth = step.depth});
+        item.role = step.run != nullptr ? QString(axRole::staticText) : axRoleName(element.kind);
+        if (step.run != nullptr) {
+            item.value = step.run->text;
+        } else if (item.role == axRole::staticText) {
+            item.value = element.text;
         }
     }
-}
-
-// A text that was named but not met lies below one that was taken for a leaf: the one that was met before it. (Or it
-// lies beyond the limits; then that one turns out to be a leaf indeed.)
-std::vector<ElementRef> SubtreeReader::doubtfulLeaves(const Walk &walk, const std::vector<ElementRef> &texts) {
-    std::vector<ElementRef> doubtful;
-    const auto end = std::find_if(texts.rbegin(), texts.rend(), [&](const auto &ref) {
-                         return !walk.isFull() || walk.seen.contains(ref);
-                     }).base();
-    const ElementRef *met = nullptr;
-    for (auto text = texts.begin(); text != end; ++text) {
-        if (walk.seen.contains(*text)) {
-            met = &*text;
-        } else if (met != nullptr) {
-            if (walk.tree.at(*met).isTakenForLeaf) {
-                doubtful.push_back(*met);
-            }
-            met = nullptr;
-        }
-    }
-    return doubtful;
+    const bool isPlaced = m_places.read(asking, steps, items);
+    return isPlaced && Clock::now() < asking.deadline ? items : std::vector<SubtreeItem>();
 }
 
 } // namespace platform::desktop::atspi

@@ -9,7 +9,7 @@ namespace platform::desktop::atspi {
 
 namespace {
 using namespace std::chrono_literals;
-// The main thread must not stand still for 300 ms in all; the rest is for what it does itself.
+// The main thread must not stand still for 300 ms in all; the rest is left for its own work.
 constexpr auto budgetWindow = 1s;
 constexpr std::chrono::microseconds budgetSize = 230ms;
 } // namespace

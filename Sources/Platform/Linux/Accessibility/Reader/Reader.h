@@ -10,7 +10,7 @@
 
 namespace platform::desktop::atspi {
 
-/// Bounds what the main thread waits for answers, all waits of about a second together, whatever hangs.
+/// Bounds the sum of the main thread's waits for answers within about a second, whatever hangs.
 class WaitBudget {
   public:
     /// How long a wait may last now.
@@ -25,8 +25,8 @@ class WaitBudget {
     std::deque<Wait> m_waits;
 };
 
-/// The thread that talks to the accessibility bus. Other threads hand it jobs; who waits for one waits for a bounded
-/// time, and a job that was given up ends on its own and is lost on nobody.
+/// The thread that talks to the accessibility bus. The main thread hands it jobs and waits for them for a bounded time;
+/// a job that nobody waits for any more ends on its own.
 class Reader {
   public:
     Reader(std::string sessionBusAddress, qint32 ownPid);
@@ -48,7 +48,7 @@ class Reader {
         std::atomic<bool> isGivenUp = false;
     };
 
-    /// A long job gives way to the others.
+    /// Brief jobs are done in the pauses of a longer one.
     enum class Length { brief, longer };
     template <class Work> auto start(Work work, Length length = Length::brief) {
         using Result = std::invoke_result_t<Work, Session &>;
@@ -67,8 +67,8 @@ class Reader {
             length);
         return job;
     }
-    /// The job's result, or nothing if it takes longer than the limit or than what the budget has left. One thread,
-    /// the main thread, waits.
+    /// The job's result, or nothing if it takes longer than the limit or than what the budget has left. Main thread
+    /// only.
     template <class Result> std::optional<Result> await(Job<Result> &job, std::chrono::microseconds limit) {
         const auto begin = Clock::now();
         std::unique_lock lock(job.mutex);
@@ -76,14 +76,14 @@ class Reader {
         m_budget.spend(begin, Clock::now());
         return std::exchange(job.result, std::nullopt);
     }
-    /// Both; a job that was not begun in time is not begun any more.
+    /// Starts a job and awaits it; one that has not begun in time is dropped.
     template <class Work> auto ask(std::chrono::microseconds limit, Work work) {
         const auto job = start(std::move(work));
         auto result = await(*job, limit);
         job->isGivenUp = !result.has_value();
         return result;
     }
-    /// Does the work on the reader's thread, some time.
+    /// Does the work on the reader's thread, when it comes to it.
     void post(std::function<void(Session &)> work, Length length = Length::brief);
 
     [[nodiscard]] const Board &board() const { return m_board; }

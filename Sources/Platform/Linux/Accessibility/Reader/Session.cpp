@@ -8,12 +8,13 @@ namespace {
 using namespace std::chrono_literals;
 constexpr auto retryPause = 1s;
 constexpr auto serviceTime = 500ms;
-// For a question that may have to start the service first.
+// For a call that may have to start the service first.
 constexpr auto startTime = 2s;
 constexpr auto startPause = 1min;
 
-const ElementRef service{"org.a11y.Bus", "/org/a11y/bus"};
-constexpr const char *statusInterface = "org.a11y.Status";
+Deadline deadlineOf(bool mayStart) {
+    return Clock::now() + (mayStart ? startTime : serviceTime);
+}
 } // namespace
 
 Session::Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop,
@@ -37,7 +38,7 @@ void Session::process() {
     decide();
     if (m_focus != nullptr) {
         m_focus->settle();
-        const auto &field = m_focus->focus().snapshot;
+        const auto &field = m_focus->focus().reading;
         m_mirror->settle(field != nullptr ? field->frame : std::nullopt);
     }
 }
@@ -94,18 +95,12 @@ void Session::connectAccessibility(bool mayStart) {
     if (m_session == nullptr || m_bus != nullptr) {
         return;
     }
-    auto question = calls::method(service, "org.a11y.Bus", "GetAddress");
-    question.mayStart = mayStart;
-    const auto address =
-        m_session->call(std::move(question), Clock::now() + (mayStart ? startTime : serviceTime)).string();
+    const auto address = m_session->call(calls::accessibilityBusAddress(mayStart), deadlineOf(mayStart)).as<QString>();
     if (!address || address->isEmpty()) {
         return;
     }
     auto bus = std::make_unique<Connection>(address->toStdString(), m_stop);
-    const auto answer =
-        bus->call(calls::method({"org.freedesktop.DBus", "/org/freedesktop/DBus"}, "org.freedesktop.DBus", "GetId"),
-                  Clock::now() + serviceTime);
-    if (!answer.string()) {
+    if (!bus->call(calls::busId(), deadlineOf(false)).as<QString>()) {
         return;
     }
     m_bus = std::move(bus);
@@ -116,10 +111,8 @@ void Session::connectAccessibility(bool mayStart) {
 }
 
 void Session::readEnabled(bool mayStart) {
-    auto question = calls::property(service, statusInterface, "IsEnabled");
-    question.mayStart = mayStart;
-    const auto reply = m_session->call(std::move(question), Clock::now() + (mayStart ? startTime : serviceTime));
-    m_isEnabled = reply.flagProperty().value_or(false);
+    const auto reply = m_session->call(calls::isAccessibilityOn(mayStart), deadlineOf(mayStart));
+    m_isEnabled = reply.as<bool>().value_or(false);
 }
 
 void Session::decide() {
@@ -128,18 +121,11 @@ void Session::decide() {
 }
 
 void Session::enable() {
-    if (m_session == nullptr) {
-        connectSession(true);
-    }
+    connectSession(true);
     if (m_session == nullptr) {
         return;
     }
-    m_session->call({service, "org.freedesktop.DBus.Properties", "Set",
-                     [](sd_bus_message *message) {
-                         return sd_bus_message_append(message, "ssv", statusInterface, "IsEnabled", "b", 1);
-                     },
-                     true},
-                    Clock::now() + startTime);
+    m_session->call(calls::switchAccessibilityOn(), deadlineOf(true));
     m_retryAt = Clock::now();
     m_mustReadEnabled = true;
 }

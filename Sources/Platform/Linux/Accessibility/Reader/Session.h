@@ -10,7 +10,7 @@
 
 namespace platform::desktop::atspi {
 
-/// What the reader's thread lets all threads see.
+/// What the reader's thread shows to all threads.
 class Board {
   public:
     [[nodiscard]] Focus focus() const {
@@ -46,13 +46,13 @@ class Board {
 /// at most once a minute), and starts anew when it is lost.
 class Session {
   public:
-    /// stop ends every wait. giveWay is called in the course of long work, for what cannot wait for its end.
+    /// stop ends every wait. giveWay is called during long work, to do what cannot wait for its end.
     Session(std::string sessionBusAddress, qint32 ownPid, Board &board, const StopSignal &stop,
             std::function<void()> giveWay);
 
     /// Handles what has arrived and does what is due.
     void process();
-    /// When process() wants to be called at the latest, activity on the connections aside.
+    /// When process() must be called again, unless the connections have something to do before.
     [[nodiscard]] Clock::time_point nextWake() const;
     /// The open connections, for waiting on.
     [[nodiscard]] std::vector<sd_bus *> buses() const;

@@ -9,7 +9,7 @@
 namespace platform::desktop::atspi {
 
 namespace {
-// Far above what an editor that a person types into has; they bound what a broken or hostile tree costs.
+// Far above what people type into; they bound the cost of a broken or hostile tree.
 constexpr int maxDepth = 12;
 constexpr std::size_t maxNodes = 2000;
 constexpr int maxRounds = 2 * maxDepth + 4;
@@ -46,14 +46,14 @@ void EditorText::askText(Questions &questions, const ElementRef &ref) {
     m_nodes[ref].isFresh = true;
     if (m_nodes[ref].count > m_limit) {
         questions.ask(calls::characterCount(ref), [this, ref](const Reply &reply) {
-            m_nodes[ref].count = reply.numberProperty().value_or(0);
+            m_nodes[ref].count = reply.as<int>().value_or(0);
             m_nodes[ref].isFresh = reply.isAnswered();
         });
         return;
     }
-    questions.ask(calls::text(ref, 0, -1), [this, ref](const Reply &reply) {
+    questions.ask(calls::text(ref), [this, ref](const Reply &reply) {
         auto &node = m_nodes[ref];
-        const auto text = reply.string();
+        const auto text = reply.as<QString>();
         node.isFresh = text.has_value();
         node.knowledge = text ? Knowledge::complete : Knowledge::nothing;
         node.text = cleanText(text.value_or(QString()));
@@ -64,14 +64,14 @@ void EditorText::askText(Questions &questions, const ElementRef &ref) {
 void EditorText::askDescription(Questions &questions, const ElementRef &ref) {
     if (ref != m_root) {
         questions.ask(calls::role(ref), [this, ref](const Reply &reply) {
-            m_nodes[ref].role = static_cast<Role>(reply.number().value_or(static_cast<std::uint32_t>(Role::unknown)));
+            m_nodes[ref].role = reply.as<Role>().value_or(Role::unknown);
         });
     }
     askChildren(questions, ref);
     questions.ask(calls::characterCount(ref), [this, ref](const Reply &reply) {
         auto &node = m_nodes[ref];
-        // An image or a rule in an editor has no text of its own; that of a password is nobody's business.
-        node.count = node.role == Role::passwordText ? 0 : std::max(reply.numberProperty().value_or(0), 0);
+        // An image or a rule in an editor has no text of its own; that of a password is not read.
+        node.count = node.role == Role::passwordText ? 0 : std::max(reply.as<int>().value_or(0), 0);
         node.isFresh = reply.isAnswered();
         node.knowledge = node.count > 0 ? Knowledge::described : Knowledge::complete;
         node.text.clear();

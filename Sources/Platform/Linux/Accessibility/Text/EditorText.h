@@ -10,24 +10,24 @@
 
 namespace platform::desktop::atspi {
 
-/// Reads the text of a field, and of the elements nested in it when it is a rich-text box. The structure is remembered
-/// from one read to the next, so that a box whose structure stays is read again in one round trip.
+/// Reads the text of a field, and of the elements nested in it when it is a rich-text box. The structure is remembered,
+/// so a box whose structure has not changed is read again in one round trip.
 class EditorText {
   public:
     struct Outcome {
-        /// Absent when it could not be read whole: no answer, or too long.
+        /// Absent when it could not be read whole: no answer came, or it is too long.
         std::optional<QString> value;
         /// Length in UTF-16 units where the value was read, else the characters counted so far.
         std::optional<qint64> characters;
     };
 
-    /// hasFinalBreak: a last line break of the whole belongs to its last line.
+    /// hasFinalBreak: whether a line break at the very end only ends the last line.
     EditorText(ElementRef root, bool hasFinalBreak);
 
-    /// Adds what is to be asked again of the elements that are known.
+    /// Adds the questions about what may have changed in the known elements.
     void askAgain(Questions &questions);
-    /// Asks on until all is known, then puts the text together. Texts of more characters than the limit are counted
-    /// but not copied.
+    /// Asks on until everything is known, then puts the text together. A text longer than the limit is counted but not
+    /// copied.
     Outcome finish(Connection &connection, Deadline deadline);
     void setLimit(int characters) { m_limit = characters; }
 

@@ -13,7 +13,7 @@ namespace {
 constexpr char32_t standIn = 0xFFFC;
 // Firefox lets one follow every character beyond the basic plane.
 constexpr char32_t filler = 0xFEFF;
-// A text that is painted letter by letter, or mixed word by word, costs no more questions than this.
+// Bounds the questions about a text that is coloured letter by letter, or mixes directions word by word.
 constexpr int mostStyles = 24;
 constexpr std::size_t mostMeasured = 12;
 
@@ -27,7 +27,7 @@ bool isOpening(char32_t character) {
            character == U'\'';
 }
 
-// 1 for letters that are written from left to right, -1 for the others, 0 for what goes along with either.
+// 1 for letters that are written from left to right, -1 for the others, 0 for characters that take either direction.
 int direction(char32_t character) {
     switch (QChar::direction(character)) {
     case QChar::DirL:
@@ -60,7 +60,7 @@ FoldedText::FoldedText(const QString &text) : m_text(text), m_characters(text.to
     }
 }
 
-bool FoldedText::isBlank(TextRange range) const {
+bool FoldedText::isBlank(CodePointRange range) const {
     return std::all_of(m_characters.begin() + range.from, m_characters.begin() + range.to, isBlankCharacter);
 }
 
@@ -117,7 +117,7 @@ void FoldedText::finishRun(int to) {
 
 // A range that ends with the filler has the frame of its first character alone, one that ends with a space before a
 // child has the child's as well.
-TextRange FoldedText::trimmed(TextRange range) const {
+CodePointRange FoldedText::trimmed(CodePointRange range) const {
     const auto isBlankAt = [&](int offset) { return isBlankCharacter(m_characters[static_cast<std::size_t>(offset)]); };
     while (range.to > range.from && isBlankAt(range.to - 1)) {
         --range.to;
@@ -130,8 +130,8 @@ TextRange FoldedText::trimmed(TextRange range) const {
 
 // A range's frame spans its first and last character. In a line of both directions these may stand in its middle, so
 // each stretch of one direction is measured on its own.
-std::vector<TextRange> FoldedText::measured(TextRange range) const {
-    std::vector<TextRange> ranges;
+std::vector<CodePointRange> FoldedText::measured(CodePointRange range) const {
+    std::vector<CodePointRange> ranges;
     int current = 0;
     int from = range.from;
     for (int i = range.from; i < range.to && ranges.size() + 1 < mostMeasured; ++i) {

@@ -10,20 +10,20 @@
 
 namespace platform::desktop::atspi {
 
-/// Offsets in a text, in code points; the end is not part of it.
-struct TextRange {
+/// A range of text in code points, as the bus counts; without the character at its end.
+struct CodePointRange {
     int from = 0;
     int to = 0;
-    friend bool operator==(const TextRange &, const TextRange &) = default;
+    friend bool operator==(const CodePointRange &, const CodePointRange &) = default;
 };
 
 /// A stretch of an element's own text.
 struct TextRun {
     QString text;
-    /// The child elements that come before it.
+    /// How many child elements come before it.
     std::size_t childrenBefore = 0;
     /// The ranges whose frames, taken together, are its own.
-    std::vector<TextRange> measured;
+    std::vector<CodePointRange> measured;
 };
 
 /// A block's text into which the text leaves of a page were folded, as Firefox does it; taken apart again they are the
@@ -36,7 +36,7 @@ class FoldedText {
 
     /// Where the style is to be asked for next; nothing once all that matters is known.
     [[nodiscard]] std::optional<int> unknownStyle() const;
-    /// The style from unknownStyle() on holds until there. What makes no sense holds to the end.
+    /// The style from unknownStyle() on ends there; it counts as the last one if that makes no sense.
     void addStyle(int to, const std::string &fontSize);
     /// Its stretches, in order. Those found so far, while there are unknown styles.
     [[nodiscard]] const std::vector<TextRun> &runs() const { return m_runs; }
@@ -44,21 +44,21 @@ class FoldedText {
     [[nodiscard]] const QString &text() const { return m_text; }
 
   private:
-    [[nodiscard]] bool isBlank(TextRange range) const;
+    [[nodiscard]] bool isBlank(CodePointRange range) const;
     [[nodiscard]] bool readsOn(int offset) const;
-    [[nodiscard]] std::vector<TextRange> measured(TextRange range) const;
-    [[nodiscard]] TextRange trimmed(TextRange range) const;
+    [[nodiscard]] std::vector<CodePointRange> measured(CodePointRange range) const;
+    [[nodiscard]] CodePointRange trimmed(CodePointRange range) const;
     void finishRun(int to);
 
     QString m_text;
     std::u32string m_characters;
     struct Stretch {
-        TextRange range;
+        CodePointRange range;
         std::size_t childrenBefore = 0;
     };
     std::vector<Stretch> m_stretches;
     std::vector<TextRun> m_runs;
-    /// The stretch whose styles are unknown from an offset on, and where in it the present run began, in what size.
+    /// The stretch whose styles are unknown from an offset on; where the present run in it began, and its font size.
     std::size_t m_stretch = 0;
     int m_unknownFrom = 0;
     int m_runFrom = 0;

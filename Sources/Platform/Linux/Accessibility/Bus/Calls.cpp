@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Platform/Linux/Accessibility/Bus/Calls.h"
+
+#include <array>
+
+namespace platform::desktop::atspi::calls {
+
+namespace {
+constexpr std::uint32_t screenCoordinates = 0;
+constexpr const char *busInterface = "org.freedesktop.DBus";
+constexpr const char *serviceName = "org.a11y.Bus";
+constexpr const char *servicePath = "/org/a11y/bus";
+constexpr const char *statusInterface = "org.a11y.Status";
+
+Call startingIf(bool mayStart, Call call) {
+    call.mayStart = mayStart;
+    return call;
+}
+
+// A search for elements that are in all of these states and have the role (unknown: any role), with no condition on
+// attributes and interfaces.
+Call matches(const ElementRef &target, int states, Role role, int limit) {
+    return {target, "org.a11y.atspi.Collection", "GetMatches", [states, role, limit](sd_bus_message *message) {
+                constexpr int all = 1;
+                constexpr int any = 2;
+                constexpr std::uint32_t canonicalOrder = 1;
+                std::array<std::uint32_t, 4> roles{};
+                if (role != Role::unknown) {
+                    roles.at(static_cast<std::uint32_t>(role) / 32) = 1U << (static_cast<std::uint32_t>(role) % 32);
+                }
+                return sd_bus_message_append(message, "(aiia{ss}iaiiasib)uib", 2, states, 0, all, 0, all, 4, roles[0],
+                                             roles[1], roles[2], roles[3], role != Role::unknown ? any : all, 0, all, 0,
+                                             canonicalOrder, limit, 1);
+            }};
+}
+} // namespace
+
+Call extents(const ElementRef &target) {
+    return method(target, componentInterface, "GetExtents", screenCoordinates);
+}
+
+Call rangeExtents(const ElementRef &target, int from, int to) {
+    return method(target, textInterface, "GetRangeExtents", from, to, screenCoordinates);
+}
+
+Call focusedMatches(const ElementRef &target) {
+    return matches(target, 1 << static_cast<int>(State::focused), Role::unknown, 0);
+}
+
+Call allMatches(const ElementRef &target, int limit) {
+    return matches(target, 0, Role::unknown, limit);
+}
+
+Call staticTextMatches(const ElementRef &target, int limit) {
+    return matches(target, 0, Role::staticText, limit);
+}
+
+Call applications() {
+    return children({registryName, rootPath});
+}
+
+Call registration(const char *event, bool isOn) {
+    return {{registryName, "/org/a11y/atspi/registry"},
+            "org.a11y.atspi.Registry",
+            isOn ? "RegisterEvent" : "DeregisterEvent",
+            [event, isOn](sd_bus_message *message) {
+                return isOn ? sd_bus_message_append(message, "sass", event, 0, "")
+                            : sd_bus_message_append(message, "s", event);
+            },
+            true};
+}
+
+Call accessibilityBusAddress(bool mayStart) {
+    return startingIf(mayStart, method({serviceName, servicePath}, serviceName, "GetAddress"));
+}
+
+Call isAccessibilityOn(bool mayStart) {
+    return startingIf(mayStart, property({serviceName, servicePath}, statusInterface, "IsEnabled"));
+}
+
+Call switchAccessibilityOn() {
+    return {{serviceName, servicePath},
+            "org.freedesktop.DBus.Properties",
+            "Set",
+            [](sd_bus_message *message) {
+                return sd_bus_message_append(message, "ssv", statusInterface, "IsEnabled", "b", 1);
+            },
+            true};
+}
+
+Call busId() {
+    return method({busName, "/org/freedesktop/DBus"}, busInterface, "GetId");
+}
+
+Call processOf(const std::string &name) {
+    return method({busName, "/org/freedesktop/DBus"}, busInterface, "GetConnectionUnixProcessID", name);
+}
+
+} // namespace platform::desktop::atspi::calls

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Platform/Linux/Accessibility/Bus/Message.h"
+
+/// The calls of the accessibility protocol, and the few of the session bus that find the accessibility bus.
+namespace platform::desktop::atspi::calls {
+
+/// A call with arguments that append() takes.
+template <class... Arguments>
+[[nodiscard]] Call method(ElementRef target, const char *interface, const char *member, Arguments... arguments) {
+    return {std::move(target), interface, member,
+            [... arguments = std::move(arguments)]([[maybe_unused]] sd_bus_message *message) {
+                return std::min({0, append(message, arguments)...});
+            }};
+}
+[[nodiscard]] inline Call property(ElementRef target, const char *interface, const char *name) {
+    return method(std::move(target), "org.freedesktop.DBus.Properties", "Get", std::string(interface),
+                  std::string(name));
+}
+[[nodiscard]] inline Call role(const ElementRef &target) {
+    return method(target, accessibleInterface, "GetRole");
+}
+[[nodiscard]] inline Call states(const ElementRef &target) {
+    return method(target, accessibleInterface, "GetState");
+}
+[[nodiscard]] inline Call children(const ElementRef &target) {
+    return method(target, accessibleInterface, "GetChildren");
+}
+[[nodiscard]] inline Call childCount(const ElementRef &target) {
+    return property(target, accessibleInterface, "ChildCount");
+}
+[[nodiscard]] inline Call attributes(const ElementRef &target) {
+    return method(target, accessibleInterface, "GetAttributes");
+}
+[[nodiscard]] inline Call interfaces(const ElementRef &target) {
+    return method(target, accessibleInterface, "GetInterfaces");
+}
+[[nodiscard]] inline Call name(const ElementRef &target) {
+    return property(target, accessibleInterface, "Name");
+}
+[[nodiscard]] inline Call parent(const ElementRef &target) {
+    return property(target, accessibleInterface, "Parent");
+}
+/// The text between two offsets, in code points; to the end where the second is -1.
+[[nodiscard]] inline Call text(const ElementRef &target, int from = 0, int to = -1) {
+    return method(target, textInterface, "GetText", from, to);
+}
+/// The style of a character, as far as it differs from the document's, and where it begins and ends.
+[[nodiscard]] inline Call attributeRun(const ElementRef &target, int offset) {
+    return method(target, textInterface, "GetAttributeRun", offset, false);
+}
+[[nodiscard]] inline Call characterCount(const ElementRef &target) {
+    return property(target, textInterface, "CharacterCount");
+}
+/// A document's attribute, such as its address.
+[[nodiscard]] inline Call documentAttribute(const ElementRef &target, const char *name) {
+    return method(target, documentInterface, "GetAttributeValue", std::string(name));
+}
+/// In coordinates of the screen.
+[[nodiscard]] Call extents(const ElementRef &target);
+[[nodiscard]] Call rangeExtents(const ElementRef &target, int from, int to);
+/// The elements below the target that have the focus.
+[[nodiscard]] Call focusedMatches(const ElementRef &target);
+/// The first elements below the target, in the order of a walk, at most the limit of them: all, or the static texts.
+[[nodiscard]] Call allMatches(const ElementRef &target, int limit);
+[[nodiscard]] Call staticTextMatches(const ElementRef &target, int limit);
+/// The roots of all applications.
+[[nodiscard]] Call applications();
+/// Asks for events of a kind, or no longer. Applications send only events that somebody has registered for.
+[[nodiscard]] Call registration(const char *event, bool isOn);
+
+/// On the session bus: where the accessibility bus is; whether accessibility is on; switching it on.
+[[nodiscard]] Call accessibilityBusAddress(bool mayStart);
+[[nodiscard]] Call isAccessibilityOn(bool mayStart = false);
+[[nodiscard]] Call switchAccessibilityOn();
+/// A question that the bus itself answers, so that it shows whether the connection works.
+[[nodiscard]] Call busId();
+/// The process behind a name on the bus.
+[[nodiscard]] Call processOf(const std::string &name);
+
+} // namespace platform::desktop::atspi::calls
