@@ -17,15 +17,6 @@ using namespace std::chrono_literals;
 constexpr auto firstAnswerWait = 200ms;
 // At the start of a session the bus may be a moment late, and another window may offer the same.
 constexpr auto promptDelay = 3s;
-
-std::string sessionBusFromEnvironment() {
-    const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
-    if (!address.isEmpty()) {
-        return address.toStdString();
-    }
-    const auto folder = qgetenv("XDG_RUNTIME_DIR");
-    return folder.isEmpty() ? std::string() : "unix:path=" + folder.toStdString() + "/bus";
-}
 } // namespace
 
 AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue) : AtspiAccessibility(mainQueue, Options()) {}
@@ -33,7 +24,7 @@ AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue) : AtspiAccessibilit
 AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue, Options options)
     : m_mainQueue(mainQueue),
       m_core(std::make_shared<atspi::AccessibilityCore>(
-          options.sessionBusAddress.empty() ? sessionBusFromEnvironment() : options.sessionBusAddress,
+          options.sessionBusAddress.empty() ? atspi::sessionBusAddress() : options.sessionBusAddress,
           options.ownPid != 0 ? options.ownPid : static_cast<qint32>(QCoreApplication::applicationPid()),
           std::move(options.inPoints), std::move(options.activeWindow))),
       m_isOfferedElsewhere(std::move(options.isOfferedElsewhere)) {
@@ -52,11 +43,11 @@ bool AtspiAccessibility::isProcessTrusted() {
 bool AtspiAccessibility::isProcessTrustedWithPrompt() {
     const bool isTrusted = isProcessTrusted();
     if (!isTrusted) {
-        m_mainQueue.postAfter(promptDelay, [this, life = std::weak_ptr(m_life), shownBefore = m_timesPrompted] {
-            if (!life.expired() && !isProcessTrusted() && m_timesPrompted == shownBefore && !m_isOfferedElsewhere()) {
+        m_mainQueue.postAfter(promptDelay, m_life.whileAlive([this, shownBefore = m_timesPrompted] {
+            if (!isProcessTrusted() && m_timesPrompted == shownBefore && !m_isOfferedElsewhere()) {
                 showSettings();
             }
-        });
+        }));
     }
     return isTrusted;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Platform/LifeToken.h"
 #include "Platform/Linux/ActiveWindow.h"
 #include "Platform/MainQueue.h"
 
@@ -60,8 +61,7 @@ class AtspiAccessibility final : public Accessibility {
     std::unique_ptr<atspi::TrustDialog> m_prompt;
     std::function<bool()> m_isOfferedElsewhere;
     int m_timesPrompted = 0;
-    /// Ends with this object, for work that is queued.
-    std::shared_ptr<bool> m_life = std::make_shared<bool>(true);
+    LifeToken m_life;
 };
 
 } // namespace platform::desktop

@@ -24,11 +24,6 @@ Deadline within(Clock::duration time) {
     return Clock::now() + time;
 }
 
-std::string sessionBus() {
-    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
-    return address.isEmpty() ? "unix:path=" + qgetenv("XDG_RUNTIME_DIR").toStdString() + "/bus" : address.toStdString();
-}
-
 bool hasStatusNotifier(Connection &session) {
     const auto answer = session.call(
         calls::property({watcherName, "/StatusNotifierWatcher"}, watcherName, "IsStatusNotifierHostRegistered"),
@@ -80,7 +75,7 @@ void examineApplications(Connection &bus, std::vector<ApplicationFacts> &applica
 void examineBuses(DesktopFacts &facts, const std::stop_token &stop) {
     StopSignal ended;
     const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
-    Connection session(sessionBus(), ended);
+    Connection session(sessionBusAddress(), ended);
     facts.hasSessionBus = session.call(calls::busId(), within(answerTime)).as<QString>().has_value();
     if (!facts.hasSessionBus) {
         return;
@@ -101,7 +96,7 @@ void examineBuses(DesktopFacts &facts, const std::stop_token &stop) {
 bool enableAccessibilityNow(const std::stop_token &stop) {
     StopSignal ended;
     const std::stop_callback whenAsked(stop, [&ended] { ended.request(); });
-    Connection session(sessionBus(), ended);
+    Connection session(sessionBusAddress(), ended);
     session.call(calls::switchAccessibilityOn(), within(startTime));
     return isEnabled(session).value_or(false);
 }

@@ -22,6 +22,12 @@ int runHandler(sd_bus_message *message, void *userdata, sd_bus_error *) {
 }
 } // namespace
 
+std::string sessionBusAddress() {
+    const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    const auto folder = qgetenv("XDG_RUNTIME_DIR");
+    return (address.isEmpty() && !folder.isEmpty() ? "unix:path=" + folder + "/bus" : address).toStdString();
+}
+
 struct Connection::Batch {
     struct Part {
         Batch *batch = nullptr;

@@ -11,6 +11,9 @@
 
 namespace platform::desktop::atspi {
 
+/// The address of the session bus, from the environment; empty where that tells of none.
+[[nodiscard]] std::string sessionBusAddress();
+
 /// A connection to the accessibility bus that asks many questions at once and waits for all the answers together.
 /// An application that missed a deadline is left alone: it gets one last call, a ping, and until it answers that, every
 /// further call to it fails at once. Belongs to one thread.
