@@ -89,18 +89,17 @@ TEST_F(Diagnosis, TellsWhatStandsInTheWayFromWhatIsWorthKnowing) {
          Remedy::enableAccessibility},
         {"accessibility-kept", [](auto &d) { d.desktop.isAccessibilityKept = false; }, State::note, "off again",
          Remedy::enableAccessibility},
-        {"accessibility-kept", [](auto &d) { d.desktop.isAccessibilityKept.reset(); }, State::note, "no setting"},
+        {"accessibility-kept", [](auto &d) { d.desktop.isAccessibilityKept.reset(); }, State::note, "cannot keep"},
         {"keys", [](auto &d) { d.desktop.canGrabTab = false; }, State::problem, "taken Tab"},
-        {"keys", [](auto &d) { d.desktop.canGrabEscape.reset(); }, State::problem, "cannot be tried"},
-        {"tray", [](auto &d) { d.desktop.hasStatusNotifier = false; }, State::note, "none"},
-        {"key", [](auto &d) { d.own.hasKey = d.own.isKeyKept = false; }, State::problem, "none is set",
-         Remedy::enterKey},
+        {"keys", [](auto &d) { d.desktop.canGrabEscape.reset(); }, State::problem, "cannot be tested"},
+        {"tray", [](auto &d) { d.desktop.hasStatusNotifier = false; }, State::note, "not found"},
+        {"key", [](auto &d) { d.own.hasKey = d.own.isKeyKept = false; }, State::problem, "not set", Remedy::enterKey},
         {"key", [](auto &d) { d.own.hasKey = false; }, State::problem, "is locked"},
         {"key", [](auto &d) { d.own.keyFault = utf16("broken"); }, State::problem, "broken", Remedy::enterKey},
         {"service", [](auto &d) { d.own.serviceFault = utf16("unreachable"); }, State::problem, "unreachable"},
         {"suggestions", [](auto &d) { d.own.areSuggestionsOn = false; }, State::problem, "switched off"},
         {"running", [](auto &d) { d.desktop.isRunning = false; }, State::note, "not running", Remedy::start},
-        {"browser", [](auto &d) { d.desktop.applications.clear(); }, State::note, "none is running"},
+        {"browser", [](auto &d) { d.desktop.applications.clear(); }, State::note, "not running"},
     };
     EXPECT_TRUE(works());
     for (const auto &[check, change, state, says, remedy] : cases) {
@@ -129,17 +128,17 @@ TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
     ApplicationFacts hung = program("org.mozilla.firefox", {});
     hung.tree.reset();
     const Case cases[]{
-        {program("org.chromium.Chromium", {otherPage, chat}), State::good, "and its message box"},
-        {program("org.chromium.Chromium", {chat}, false), State::good, "and its message box"},
-        {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXTextField", {})}), State::good, "and its"},
+        {program("org.chromium.Chromium", {otherPage, chat}), State::good, "its message box were"},
+        {program("org.chromium.Chromium", {chat}, false), State::good, "its message box were"},
+        {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXTextField", {})}), State::good, "its message"},
         {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXTextArea", 140)}), State::note,
          "no message box"},
         {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXSearchField", 820)}), State::note, "no message"},
         {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXSecureTextField", 820)}), State::note,
          "no mess"},
         {program("org.chromium.Chromium", {}, false), State::note, "too slowly"},
-        {program("org.chromium.Chromium", {otherPage}), State::note, "none of them WhatsApp"},
-        {program("net.whatsapp.zapzap", {page("", "AXTextArea", 820)}), State::good, "and its message box"},
+        {program("org.chromium.Chromium", {otherPage}), State::note, "none of them is WhatsApp"},
+        {program("net.whatsapp.zapzap", {page("", "AXTextArea", 820)}), State::good, "its message box were"},
         {program("org.chromium.Chromium", {}), State::problem, "shows no page"},
         {unlisted, State::problem, "not on the accessibility bus"},
         {hung, State::problem, "does not answer"},
@@ -164,6 +163,9 @@ TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
 struct RepairableDesktop final : platform::DesktopExamination, platform::DesktopRepair {
     DesktopFacts facts;
     [[nodiscard]] DesktopFacts examine(const std::stop_token & /*stop*/) override { return facts; }
+    [[nodiscard]] std::vector<ApplicationFacts> examineApplications(const std::stop_token & /*stop*/) override {
+        return facts.applications;
+    }
     bool enableAccessibility(const std::stop_token & /*stop*/) override {
         facts.isAccessibilityEnabled = facts.isAccessibilityKept = true;
         return true;
@@ -199,7 +201,7 @@ TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     repairable.facts.isAccessibilityKept = repairable.facts.isRunning = false;
     EXPECT_EQ(doctor({utf16("--fix")}), exitStatus::success);
     EXPECT_EQ(errors.str(), "Accessibility stays on at the next login.\n");
-    EXPECT_THAT(output.str(), testing::EndsWith("once it is started.\n"));
+    EXPECT_THAT(output.str(), testing::EndsWith("ready to be started.\n"));
     simulated.userDefaults.set(settingsKey::enabled, false);
     EXPECT_EQ(doctor({}), exitStatus::failure);
     EXPECT_EQ(doctor({utf16("--fix"), utf16("now")}), exitStatus::misuse);

@@ -25,8 +25,9 @@ struct FieldFacts {
 
 /// A page that a program shows.
 struct PageFacts {
-    /// Of its address; empty when it gives none.
+    /// The host in its address; empty when it gives no address.
     QString host;
+    /// In pixels of the screen, y downwards.
     std::optional<Rect> frame;
     std::vector<FieldFacts> fields;
 };
@@ -34,7 +35,7 @@ struct PageFacts {
 /// What was found of a program's pages.
 struct PagesFacts {
     std::vector<PageFacts> pages;
-    /// Whether its whole tree could be read in the time that there was for it.
+    /// Whether the program's whole tree could be read in the time allowed.
     bool isWhole = true;
 };
 
@@ -50,7 +51,7 @@ struct ApplicationFacts {
     std::optional<PagesFacts> tree;
 };
 
-/// What can be found out about the desktop that matters to this program. Absent: it could not be found out.
+/// What matters to Quillory about the desktop. An absent value could not be found out.
 struct DesktopFacts {
     SessionType session = SessionType::unknown;
     /// What the desktop calls itself, such as "KDE".
@@ -63,32 +64,33 @@ struct DesktopFacts {
     /// Whether the desktop's settings switch accessibility on at every login.
     std::optional<bool> isAccessibilityKept;
     std::vector<ApplicationFacts> applications;
-    /// A status area of the newer kind, and of the older.
+    /// A status area for status notifier items, and one for the older tray icons.
     bool hasStatusNotifier = false;
     bool hasTray = false;
-    /// Whether these keys can be had while cards are up; the X server does not tell who else has one.
+    /// Whether Quillory could take these keys while cards are up. The X server does not reveal who else has one.
     std::optional<bool> canGrabTab;
     std::optional<bool> canGrabEscape;
     bool hasCompositor = false;
     bool hasClipboardManager = false;
     bool startsAtLogin = false;
-    /// Whether the program runs on this display.
+    /// Whether Quillory runs on this display.
     std::optional<bool> isRunning;
-    /// Of the system and the libraries, for bug reports.
+    /// Versions of the system and the libraries, for bug reports.
     QStringList versions;
 };
 
-/// Looks at the desktop.
+/// Examines the desktop. Any thread. Each operation may take some seconds; once asked to stop, it returns what it has.
 class DesktopExamination {
   public:
     virtual ~DesktopExamination() = default;
-    /// Finds out everything anew. May take some seconds; grabs and lets go of keys on the way. Once the token asks to
-    /// stop it gives what it has. Any thread, one at a time.
+    /// Finds out everything anew. Takes the keys for an instant to see whether it can.
     [[nodiscard]] virtual DesktopFacts examine(const std::stop_token &stop) = 0;
+    /// The running browsers and chat programs alone, without a trace for the user.
+    [[nodiscard]] virtual std::vector<ApplicationFacts> examineApplications(const std::stop_token &stop) = 0;
 };
 
-/// Changes the desktop as the user asked. Each operation returns whether it worked. One that takes a token may take
-/// some seconds; when asked to stop, it returns without waiting for the outcome. Any thread.
+/// Changes the desktop as the user asked. Any thread. Each operation returns whether it worked. One that takes a token
+/// may take some seconds; once asked to stop, it returns without waiting for the outcome.
 class DesktopRepair {
   public:
     virtual ~DesktopRepair() = default;

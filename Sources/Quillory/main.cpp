@@ -21,6 +21,7 @@
 #include "Quillory/UI/Shell/AppDelegate.h"
 #include "Quillory/UI/Shell/BringToFront.h"
 #include "Quillory/Updates/UpdateChecker.h"
+#include "Quillory/Updates/VersionHistory.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -190,18 +191,19 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     const platform::Installation installation(linuxPlatform.services());
     quillory::FileLog::open(linuxPlatform.services().process.homeDirectory());
     const auto instance = std::move(claim); // ends before the connection does
-    quillory::ui::AppDelegate delegate(linuxPlatform.services(),
-                                       {.startPeriodicChecks = quillory::UpdateChecker::startPeriodicChecks,
-                                        .check = quillory::UpdateChecker::check,
+    const platform::Platform &services = linuxPlatform.services();
+    quillory::UpdateChecker updates({services.application, services.codeSigning, services.fileSystem,
+                                     services.mainQueue, services.process, services.systemTools, services.urlSession});
+    quillory::ui::AppDelegate delegate(services,
+                                       {.startPeriodicChecks = [&] { updates.startPeriodicChecks(); },
+                                        .check = [&](bool userInitiated) { updates.check(userInitiated); },
                                         .launchSetup = [&] { setup.launch(); }});
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
     QTimer::singleShot(0, &application, [&] {
         delegate.applicationDidFinishLaunching();
         instance->onSummons([&delegate] { delegate.applicationDidReopen(); });
     });
-    const int status = QApplication::exec();
-    quillory::UpdateChecker::stop();
-    return status;
+    return QApplication::exec();
 }
 
 /// A newer Quillory in the user's own folder of applications runs instead of this one. Where it cannot be started,
@@ -209,7 +211,8 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
 void startPreferred(char **argv) {
     const QByteArray program = desktop::applications::programToPrefer(
         desktop::applications::runningBundle(), [](const platform::SigningInformation &own, const QString &running) {
-            return quillory::UpdateChecker::takesPrecedence(own, running, desktop::folders::data());
+            return quillory::isFromOurTeam(own) &&
+                   quillory::VersionHistory(desktop::folders::data()).permits(own.version, running);
         });
     if (!program.isEmpty()) {
         execv(program.constData(), argv);

@@ -5,7 +5,7 @@
 #include "Platform/Linux/FileDescriptor.h"
 #include "Platform/Linux/Updates/FileTree.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
-#include "Quillory/Updates/UpdateChecker.h"
+#include "Quillory/Updates/VersionHistory.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -83,7 +83,7 @@ void checkSuccession(const platform::SigningInformation &next, const QString &pr
         throw platform::FileError(previousBundle.toStdString() + " is not a signed release for this machine.");
     }
     checkTeam(previous->teamIdentifier);
-    if (!quillory::UpdateChecker::isNewer(next.version, previous->version)) {
+    if (!quillory::isNewer(next.version, previous->version)) {
         throw platform::FileError(QStringLiteral("Version %1 is not newer than %2, so nobody will install it.")
                                       .arg(next.version, previous->version)
                                       .toStdString());

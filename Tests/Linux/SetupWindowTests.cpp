@@ -25,17 +25,24 @@ struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::
     SimulatedDesktop desktop;
     platform::DesktopFacts facts;
     QString stored;
+    std::mutex mutex;
+    std::vector<platform::ApplicationFacts> reopened;
     /// Set: a look lasts until it is asked to stop.
     std::atomic<bool> isLookEndless = false;
     std::atomic<bool> wasStopped = false;
 
     [[nodiscard]] platform::DesktopFacts examine(const std::stop_token &stop) override {
-        std::mutex mutex;
-        std::unique_lock lock(mutex);
+        std::mutex sleep;
+        std::unique_lock lock(sleep);
         std::condition_variable_any never;
         never.wait_for(lock, stop, std::chrono::seconds(isLookEndless ? 10 : 0), [] { return false; });
         wasStopped = stop.stop_requested();
         return facts;
+    }
+    [[nodiscard]] std::vector<platform::ApplicationFacts>
+    examineApplications(const std::stop_token & /*stop*/) override {
+        const std::scoped_lock lock(mutex);
+        return reopened;
     }
     bool enableAccessibility(const std::stop_token & /*stop*/) override {
         facts.isAccessibilityEnabled = true;
@@ -102,6 +109,23 @@ TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
     EXPECT_EQ(stored, u"sk-or-v1"_s);
     EXPECT_TRUE(runUntil([&] { return button(window, u"Test"_s) != nullptr; }));
     EXPECT_FALSE(says(window, u"sk-or"_s));
+}
+
+TEST_F(SetupWindowTest, NoticesThatABrowserWasClosedAndOpenedAgain) {
+    reopened.resize(1);
+    reopened.front().bundleIdentifier = u"org.mozilla.firefox"_s;
+    facts.applications = reopened;
+    const ui::SetupWindow window({*this, *this, *this});
+    ASSERT_TRUE(runUntil([&] { return says(window, u"Close all its windows, then open it again."_s); }));
+    {
+        const std::scoped_lock lock(mutex);
+        reopened.front().isOnBus = true;
+        reopened.front().tree = platform::PagesFacts{};
+        reopened.front().tree->pages.push_back(
+            {.host = u"web.whatsapp.com"_s, .frame = {}, .fields = {{.role = u"AXTextArea"_s, .frame = {}}}});
+    }
+    EXPECT_TRUE(runUntil([&] { return says(window, u"WhatsApp and its message box were found"_s); }));
+    EXPECT_FALSE(says(window, u"open it again"_s));
 }
 
 TEST_F(SetupWindowTest, SavesWhatWasEnteredWhileItLooked) {

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Quillory/Updates/UpdateChecker.h"
+#include "Quillory/Updates/VersionHistory.h"
 #include "Updates/UpdateStory.h"
 
 #include <QDir>
@@ -42,7 +42,7 @@ TEST(UpdateVersion, IsComparedNumberByNumber) {
                  {"", "0", false},
                  {"0.0.1", "", true}};
     for (const auto &[version, other, isNewer] : cases) {
-        EXPECT_EQ(UpdateChecker::isNewer(QString::fromUtf8(version), QString::fromUtf8(other)), isNewer)
+        EXPECT_EQ(quillory::isNewer(QString::fromUtf8(version), QString::fromUtf8(other)), isNewer)
             << version << " and " << other;
     }
 }
@@ -93,7 +93,7 @@ TEST_F(UpdateCheck, TellsTheUserWhoAsked) {
     for (const auto &[what, answer, log, alert] : cases) {
         answers["/version.json"] = answer;
         application().alerts.clear();
-        UpdateChecker::check(true);
+        checker.check(true);
         ASSERT_TRUE(awaitAlerts(1)) << what;
         EXPECT_THAT(application().shown(), ElementsAre(alert)) << what;
         EXPECT_EQ(desktop.log().last(), log) << what;
@@ -140,7 +140,7 @@ TEST_F(UpdateCheck, SaysWhatWentWrong) {
     for (const auto &[what, answer, description] : cases) {
         answers["/version.json"] = answer;
         application().alerts.clear();
-        UpdateChecker::check(true);
+        checker.check(true);
         ASSERT_TRUE(awaitAlerts(1)) << what;
         EXPECT_THAT(application().shown(), ElementsAre(QStringLiteral("Update check failed|") + description)) << what;
         EXPECT_EQ(desktop.log().last(), QStringLiteral("update check failed: ") + description) << what;
@@ -149,7 +149,7 @@ TEST_F(UpdateCheck, SaysWhatWentWrong) {
 }
 
 TEST_F(UpdateCheck, IsMadeAtLaunchAndEverySixHoursAndIsSilentUnlessThereIsSomethingNew) {
-    UpdateChecker::startPeriodicChecks();
+    checker.startPeriodicChecks();
     ASSERT_TRUE(awaitLog(1));
     announce(R"({"version": "2", "url": "https://a/b"})");
     desktop.advance(21'599'000);
@@ -188,7 +188,7 @@ TEST_F(UpdateCheck, ClearsAwayWhatAnInterruptedInstallLeft) {
     utimensat(AT_FDCWD, qPrintable(download), longAgo.data(), 0);
     other.createDirectory(temporary + QStringLiteral("QuilloryUpdate-LIVING"));
     utimensat(AT_FDCWD, qPrintable(temporary + QStringLiteral("QuilloryUpdate-LIVING")), longAgo.data(), 0);
-    UpdateChecker::check(false);
+    checker.check(false);
     ASSERT_TRUE(awaitLog(1));
     EXPECT_THAT(temporaryFiles(),
                 testing::UnorderedElementsAre(QStringLiteral("quillory-download-LIVING"),
@@ -199,14 +199,14 @@ TEST_F(UpdateCheck, ClearsAwayWhatAnInterruptedInstallLeft) {
 TEST_F(UpdateCheck, CountsAsVersion0WithoutABundle) {
     desktop.process.information.clear();
     announce(R"({"version": "0.0.1", "url": "https://a/b"})");
-    UpdateChecker::check(false);
+    checker.check(false);
     ASSERT_TRUE(awaitAlerts(1));
     EXPECT_THAT(desktop.log(), ElementsAre(QStringLiteral("update available: 0.0.1 (running 0)")));
 }
 
 TEST_F(UpdateCheck, AsksNoAddressThatIsNotSafe) {
     desktop.process.variables[QStringLiteral("QUILLORY_UPDATE_FEED")] = QStringLiteral("http://192.0.2.1/");
-    UpdateChecker::check(true);
+    checker.check(true);
     ASSERT_TRUE(awaitAlerts(1));
     EXPECT_THAT(application().alerts.front().body,
                 testing::Property(&QString::toStdString, testing::HasSubstr("must begin with https://")));

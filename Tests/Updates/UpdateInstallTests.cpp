@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Quillory/Updates/UpdateChecker.h"
+#include "Quillory/Updates/VersionHistory.h"
 #include "Updates/UpdateStory.h"
 
 #include <QDir>
@@ -49,7 +49,7 @@ const QString unzipFailed = QStringLiteral("unzip failed");
 TEST_F(UpdateInstall, PutsTheOfferedVersionInPlaceAndStartsIt) {
     announce(R"({"version": "2", "url": ")" + url(QStringLiteral("/Quillory.zip")).toEncoded() + "\"}");
     serve(archiveOf(2));
-    UpdateChecker::check(false);
+    checker.check(false);
     ASSERT_TRUE(awaitAlerts(1));
     application().answer(0);
     ASSERT_TRUE(desktop.mainQueue.runUntil([&] { return application().isTerminated; }));
@@ -128,7 +128,7 @@ TEST_F(UpdateInstall, RefusesWhatABrokenServerSends) {
 
 TEST_F(UpdateInstall, NeverGoesBackBehindTheHighestVersionThatRan) {
     desktop.process.information[QStringLiteral("CFBundleShortVersionString")] = QStringLiteral("5");
-    UpdateChecker::startPeriodicChecks();
+    checker.startPeriodicChecks();
     ASSERT_TRUE(awaitLog(1));
     QFile::remove(desktop.process.logPath());
     desktop.process.information[QStringLiteral("CFBundleShortVersionString")] = QStringLiteral("1");
@@ -138,21 +138,18 @@ TEST_F(UpdateInstall, NeverGoesBackBehindTheHighestVersionThatRan) {
     serve(archiveOf(5));
     installFrom(QStringLiteral("/Quillory.zip"));
     EXPECT_EQ(vouchedVersion(target), "5") << "which ran already, and was lost since";
-    // The same at a start, among genuine ones.
-    const QString home = desktop.process.homeDirectory();
-    const auto comesFirst = [&](const QString &whose, const char *version) {
-        return UpdateChecker::takesPrecedence({whose, {}, QLatin1StringView(version)}, QStringLiteral("1"), home);
-    };
-    EXPECT_FALSE(comesFirst(team, "4"));
-    EXPECT_TRUE(comesFirst(team, "5")) << "which is the one that ran";
-    EXPECT_FALSE(comesFirst(QStringLiteral("OTHERTEAM1"), "6"));
+    // The same decides at a start.
+    const VersionHistory history(desktop.process.homeDirectory());
+    EXPECT_FALSE(history.permits(QStringLiteral("4"), QStringLiteral("1")));
+    EXPECT_TRUE(history.permits(QStringLiteral("5"), QStringLiteral("1"))) << "which is the one that ran";
+    EXPECT_FALSE(isFromOurTeam({QStringLiteral("OTHERTEAM1"), {}, QStringLiteral("6")}));
 }
 
 TEST_F(UpdateInstall, LeavesNothingWhenItIsCancelled) {
-    UpdateChecker::install(url(QStringLiteral("/endless")));
+    checker.install(url(QStringLiteral("/endless")));
     ASSERT_TRUE(desktop.mainQueue.runUntil([&] { return !application().works.isEmpty(); }));
-    UpdateChecker::offerUpdate(QStringLiteral("3"), {}, url(QStringLiteral("/Quillory.zip")));
-    UpdateChecker::install(url(QStringLiteral("/Quillory.zip")));
+    checker.offerUpdate(QStringLiteral("3"), {}, url(QStringLiteral("/Quillory.zip")));
+    checker.install(url(QStringLiteral("/Quillory.zip")));
     EXPECT_THAT(application().shown(), ElementsAre(QStringLiteral("Update failed|Another update is being installed.")));
     application().pressCancel();
     ASSERT_TRUE(desktop.mainQueue.runUntil([&] { return !application().hasProgress; }));
@@ -161,15 +158,6 @@ TEST_F(UpdateInstall, LeavesNothingWhenItIsCancelled) {
     EXPECT_EQ(application().alerts.size(), 1U);
     EXPECT_THAT(temporaryFiles(), IsEmpty());
     EXPECT_EQ(vouchedVersion(target), "1");
-}
-
-TEST_F(UpdateInstall, KnowsTheTeamOfAGenuineBundleOnly) {
-    EXPECT_EQ(UpdateChecker::teamID(made(2)), team);
-    const auto other = platform::desktop::SigningKey::generated(team);
-    EXPECT_EQ(UpdateChecker::teamID(made(2, other)), std::nullopt);
-    QFile::remove(made(2) + QStringLiteral("/Manifest"));
-    EXPECT_EQ(UpdateChecker::teamID(folder.filePath(QStringLiteral("made/Quillory.app"))), std::nullopt);
-    EXPECT_EQ(UpdateChecker::teamID(folder.filePath(QStringLiteral("none"))), std::nullopt);
 }
 
 TEST_F(UpdateInstall, SaysThatTheDownloadCannotBeSaved) {

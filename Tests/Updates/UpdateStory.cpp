@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Updates/UpdateStory.h"
 
-#include "Platform/Replacing.h"
-#include "Quillory/Updates/UpdateChecker.h"
 #include "RealDesktop/ChildProcess.h"
 
 #include <QDir>
@@ -22,13 +20,8 @@ UpdateStory::UpdateStory() {
 }
 
 UpdateStory::~UpdateStory() {
-    UpdateChecker::stop();
     qunsetenv("XDG_DATA_HOME");
     qunsetenv("TMPDIR");
-}
-
-platform::Platform UpdateStory::services() {
-    return platform::withReplaced(platform::current(), m_codeSigning, m_fileSystem, tools, m_urlSession);
 }
 
 void UpdateStory::answer(LoopbackConnection &connection) {
@@ -70,7 +63,7 @@ bool UpdateStory::awaitLog(qsizetype lines) {
 }
 
 void UpdateStory::installFrom(const QString &path) {
-    UpdateChecker::install(url(path));
+    checker.install(url(path));
     EXPECT_TRUE(desktop.mainQueue.runUntil([&] { return !application().hasProgress; }));
 }
 

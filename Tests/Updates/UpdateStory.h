@@ -5,6 +5,7 @@
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Linux/Updates/LinuxFileSystem.h"
 #include "Platform/Linux/Updates/LinuxSystemTools.h"
+#include "Quillory/Updates/UpdateChecker.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 #include "Threaded/LoopbackServer.h"
 #include "Updates/SampleBundle.h"
@@ -58,15 +59,16 @@ class UpdateStory : public testing::Test {
     QString target = folder.filePath(QStringLiteral("data/quillory/Applications/Quillory.app"));
 
   private:
-    [[nodiscard]] platform::Platform services();
     void answer(LoopbackConnection &connection);
 
     LoopbackServer m_server{[this](LoopbackConnection &connection) { answer(connection); }};
     platform::desktop::CurlURLSession m_urlSession;
     platform::desktop::LinuxCodeSigning m_codeSigning = trustingTeam();
     platform::desktop::LinuxFileSystem m_fileSystem{m_codeSigning};
-    platform::Platform m_services = services();
-    platform::Installation m_installation{m_services};
+
+  protected:
+    UpdateChecker checker{
+        {desktop.application, m_codeSigning, m_fileSystem, desktop.mainQueue, desktop.process, tools, m_urlSession}};
 };
 
 } // namespace quillory::test

@@ -3,7 +3,7 @@
 #include "Platform/Linux/Updates/LinuxFileSystem.h"
 #include "Platform/Linux/Updates/LinuxSystemTools.h"
 #include "Platform/Linux/Updates/UserApplications.h"
-#include "Quillory/Updates/UpdateChecker.h"
+#include "Quillory/Updates/VersionHistory.h"
 #include "RealDesktop/ChildProcess.h"
 #include "Updates/SampleBundle.h"
 
@@ -41,7 +41,7 @@ class UserApplications : public testing::Test {
     [[nodiscard]] QByteArray preferred(const QString &running) const {
         return platform::desktop::applications::programToPrefer(
             running, [](const platform::SigningInformation &bundle, const QString &version) {
-                return UpdateChecker::isNewer(bundle.version, version);
+                return isNewer(bundle.version, version);
             });
     }
 

@@ -32,7 +32,8 @@ QString mistakeIn(const QCommandLineParser &parser) {
 CommandArguments::CommandArguments(const CommandSyntax &syntax, const QStringList &given, const CommandStreams &streams)
     : m_syntax(syntax), m_streams(streams) {
     m_parser.addOptions(syntax.options);
-    m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show what the command takes.")});
+    m_parser.addOption(
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show the arguments of the command.")});
     if (syntax.isPlainAfterFirstWord) {
         m_parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     }
@@ -49,7 +50,7 @@ int CommandArguments::refuse(const QString &mistake) const {
     const QStringList usage = usageOf(m_syntax);
     QString all = usage.mid(0, usage.size() - 1).join(QStringLiteral(", "));
     all += (all.isEmpty() ? QString() : QStringLiteral(" or ")) + usage.constLast();
-    m_streams.errors << "quillory: " << mistake.toStdString() << (mistake.isEmpty() ? "" : "; ") << "say "
+    m_streams.errors << "quillory: " << mistake.toStdString() << (mistake.isEmpty() ? "" : "; ") << "use "
                      << all.toStdString() << ".\n";
     return exitStatus::misuse;
 }
@@ -60,7 +61,7 @@ int CommandArguments::showHelp() const {
     for (qsizetype i = 0; i < usage.size(); ++i) {
         help += QStringLiteral("%1\n    %2\n").arg(usage[i], m_syntax.forms[i].meaning);
     }
-    // The toolkit's usage line knows neither the program's name nor the forms.
+    // Qt's own usage line knows neither the program's name nor the forms.
     const QString generated = m_parser.helpText();
     m_streams.output << (help + generated.sliced(generated.indexOf(u'\n') + 1)).toStdString();
     return exitStatus::success;

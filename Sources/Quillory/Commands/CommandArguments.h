@@ -8,41 +8,41 @@
 
 namespace quillory {
 
-/// One way to call a command: the words that it takes, such as "read [KEY]", and what comes of it.
+/// One way to call a command: the words that it takes, such as "read [KEY]", and what it does with them.
 struct CommandForm {
     QString words;
     QString meaning;
 };
 
-/// What a command is called and takes. Its help and the reading of its arguments both come from this.
+/// A command's name and arguments. Its help and its parser are both made from this.
 struct CommandSyntax {
     QString name;
     QList<CommandForm> forms;
     QList<QCommandLineOption> options;
     qsizetype mostWords = 0;
-    /// Whether all that follows the first word is a word, also what looks like an option.
+    /// Whether everything after the first word is a plain word, even if it looks like an option.
     bool isPlainAfterFirstWord = false;
 };
 
-/// How each form of a command is written: "quillory rewrite [--tone TONE] [--json] [TEXT]".
+/// A usage line for each form of a command: "quillory rewrite [--tone TONE] [--json] [TEXT]".
 [[nodiscard]] QStringList usageOf(const CommandSyntax &syntax);
 
-/// What made a parser fail, as a sentence without its full stop.
+/// Why a parser failed, as a sentence without its full stop.
 [[nodiscard]] QString mistakeIn(const QCommandLineParser &parser);
 
 /// The arguments of one call of a command.
 class CommandArguments {
   public:
-    /// Answers at once what is no work for the command: a question for help, or arguments that it does not take.
+    /// Prints the help if the arguments ask for it, or what is wrong with them.
     CommandArguments(const CommandSyntax &syntax, const QStringList &given, const CommandStreams &streams);
 
-    /// The exit status where that has happened, so that nothing is left to be done.
+    /// The exit status in those two cases; absent when the command is to run.
     [[nodiscard]] std::optional<int> status() const { return m_status; }
     [[nodiscard]] bool has(const QString &option) const { return m_parser.isSet(option); }
     /// Empty when the option was not given.
     [[nodiscard]] QString value(const QString &option) const { return m_parser.value(option); }
     [[nodiscard]] QStringList words() const { return m_parser.positionalArguments(); }
-    /// Says how the command is called, after what is wrong, a sentence without its full stop. Gives the exit status.
+    /// Prints a mistake, given as a sentence without its full stop, and the usage. Returns the exit status.
     int refuse(const QString &mistake = {}) const;
 
   private:
@@ -54,7 +54,7 @@ class CommandArguments {
     std::optional<int> m_status;
 };
 
-/// What stands on standard input. Absent when that is no UTF-8, or longer than a megabyte.
+/// The text on standard input; absent when it is not UTF-8 or longer than a megabyte.
 [[nodiscard]] std::optional<QString> readText(std::istream &input);
 
 } // namespace quillory

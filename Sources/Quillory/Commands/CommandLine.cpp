@@ -18,8 +18,8 @@ namespace quillory {
 
 namespace {
 constexpr auto helpOnValues = R"(
-A VALUE of - is read from standard input. The API key is never given as an argument, because other programs
-can see those. quillory setup asks for it; or:
+A VALUE of - is read from standard input. The API key is only taken from there, because other programs can see
+arguments. Use quillory setup, or:
   quillory defaults write openRouterAPIKey - < FILE
 
 Settings:
@@ -28,11 +28,11 @@ Settings:
 constexpr auto helpEnding = R"(
 Environment:
   OPENROUTER_API_KEY       the API key, when the settings have none
-  QUILLORY_MODEL_SERVICE   address of another service that speaks the same protocol; its scheme, host and port
-                           count, the path stays /api/v1/chat/completions
-  QUILLORY_UPDATE_FEED     address of another server that announces versions; the path stays /version.json
+  QUILLORY_MODEL_SERVICE   address of another service with the same protocol; only its scheme, host and port are
+                           used, the path is always /api/v1/chat/completions
+  QUILLORY_UPDATE_FEED     address of another server that announces versions; the path is always /version.json
 
-Exit status: 0 done, 1 it failed or there is nothing to show, 2 wrong arguments.
+Exit status: 0 success, 1 failure or nothing to show, 2 wrong arguments.
 )";
 
 struct NamedCommand {
@@ -63,7 +63,7 @@ const std::vector<NamedCommand> &allCommands() {
     return commands;
 }
 
-/// A usage line, and what comes of it beside it, or below where there is no room.
+/// A usage line with its meaning beside it, or below where the line is too long.
 QString helpLine(const QString &usage, const QString &meaning = {}) {
     constexpr int width = 36;
     if (meaning.isEmpty()) {
@@ -76,36 +76,37 @@ QString helpLine(const QString &usage, const QString &meaning = {}) {
 QString help() {
     QString text = QStringLiteral("Quillory suggests a better wording while you write to customers in WhatsApp.\n\n"
                                   "Usage:\n") +
-                   helpLine(QStringLiteral("quillory"), QStringLiteral("start it"));
+                   helpLine(QStringLiteral("quillory"), QStringLiteral("start Quillory"));
     for (const auto &[syntax, run] : allCommands()) {
         const QStringList usage = usageOf(syntax);
         for (qsizetype i = 0; i < usage.size(); ++i) {
             text += helpLine(usage[i], syntax.forms[i].meaning);
         }
     }
-    return text + helpLine(QStringLiteral("quillory COMMAND --help"), QStringLiteral("show what a command takes")) +
+    return text +
+           helpLine(QStringLiteral("quillory COMMAND --help"), QStringLiteral("show the arguments of a command")) +
            helpLine(QStringLiteral("quillory --version")) + helpLine(QStringLiteral("quillory --help")) +
            QString::fromLatin1(helpOnValues) + describeSettings() + QString::fromLatin1(helpEnding);
 }
 
-/// The program's own options are long ones, but for two short names.
-bool isForToolkit(const QString &argument) {
+/// Qt's own options and those of session managers have one dash; ours have two, except for -h and -v.
+bool isForQt(const QString &argument) {
     return argument.startsWith(u'-') && !argument.startsWith(QStringLiteral("--")) &&
            argument != QStringLiteral("-h") && argument != QStringLiteral("-v");
 }
 
 int refuse(const CommandStreams &streams, const QString &mistake) {
-    streams.errors << "quillory: " << mistake.toStdString() << "; quillory --help says what there is.\n";
+    streams.errors << "quillory: " << mistake.toStdString() << "; see quillory --help.\n";
     return exitStatus::misuse;
 }
 } // namespace
 
 std::optional<int> runCommandLine(const QStringList &arguments, const CommandServices &services,
                                   const CommandStreams &streams) {
-    if (arguments.isEmpty() || isForToolkit(arguments.constFirst())) {
+    if (arguments.isEmpty() || isForQt(arguments.constFirst())) {
         return std::nullopt;
     }
-    QCommandLineParser parser; // the rest is for the command
+    QCommandLineParser parser; // what follows the command is for the command itself
     parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
     const QCommandLineOption askForHelp(QStringList{QStringLiteral("h"), QStringLiteral("help")});
@@ -125,7 +126,7 @@ std::optional<int> runCommandLine(const QStringList &arguments, const CommandSer
     const auto command =
         std::ranges::find(allCommands(), words.value(0), [](const NamedCommand &c) { return c.syntax.name; });
     if (command == allCommands().end()) {
-        return refuse(streams, QStringLiteral("\"%1\" is not something it can do").arg(words.value(0)));
+        return refuse(streams, QStringLiteral("unknown command \"%1\"").arg(words.value(0)));
     }
     return command->run(words.mid(1), services, streams);
 }

@@ -16,12 +16,12 @@
 
 namespace quillory {
 
-/// What a command reads and writes instead of the terminal.
+/// What a command reads and writes.
 struct CommandStreams {
     std::istream &input;
     std::ostream &output;
     std::ostream &errors;
-    /// Whether somebody watches the output.
+    /// Whether the output is a terminal, so that text may be shown as it grows.
     bool outputIsTerminal = false;
 };
 
@@ -74,9 +74,9 @@ struct CommandServices {
     std::function<QString()> readHidden;
 };
 
-/// Carries out the command that the arguments (without the program's name) ask for and gives the exit status; absent
-/// when they ask for no command, so that the program itself is to run. Options with one dash belong to the desktop's
-/// toolkit and session management and ask for none. Needs no display.
+/// Runs the command that the arguments (without the program's name) ask for and returns the exit status; absent when
+/// they ask for none and Quillory itself is to start. Options with one dash belong to Qt and to session management, so
+/// they ask for no command. Needs no display.
 [[nodiscard]] std::optional<int> runCommandLine(const QStringList &arguments, const CommandServices &services,
                                                 const CommandStreams &streams);
 

@@ -25,20 +25,20 @@ struct Setting {
 std::span<const Setting> allSettings() {
     using namespace settingsKey;
     static const std::array settings{
-        Setting{model, Type::string, QStringLiteral("the model that is asked")},
-        Setting{secondModel, Type::string, QStringLiteral("the second model when two are compared")},
+        Setting{model, Type::string, QStringLiteral("the model to use")},
+        Setting{secondModel, Type::string, QStringLiteral("the second model, when two are compared")},
         Setting{compareMode, Type::boolean, QStringLiteral("ask two models side by side")},
         Setting{tone, Type::string, QStringLiteral("Professional, Friendly, Concise or Grammar only")},
         Setting{debounceMs, Type::integer, QStringLiteral("pause in milliseconds before a suggestion")},
-        Setting{minChars, Type::integer, QStringLiteral("shorter drafts are left alone")},
-        Setting{maxChars, Type::integer, QStringLiteral("longer drafts are left alone")},
-        Setting{enabled, Type::boolean, QStringLiteral("make suggestions at all")},
+        Setting{minChars, Type::integer, QStringLiteral("drafts shorter than this are left alone")},
+        Setting{maxChars, Type::integer, QStringLiteral("drafts longer than this are left alone")},
+        Setting{enabled, Type::boolean, QStringLiteral("whether to make suggestions")},
         Setting{assistantMode, Type::boolean, QStringLiteral("suggest replies in WhatsApp")},
-        Setting{businessProfile, Type::string, QStringLiteral("what your business is")},
+        Setting{businessProfile, Type::string, QStringLiteral("a description of your business")},
         Setting{faqEntries, Type::faqList, QStringLiteral("questions with \"id\", \"question\" and \"answer\"")},
-        Setting{faqKnowledge, Type::string, QStringLiteral("knowledge as free text, used when there are no questions")},
+        Setting{faqKnowledge, Type::string, QStringLiteral("facts as free text, used when faqEntries is empty")},
         Setting{openRouterAPIKey, Type::secret, QStringLiteral("your OpenRouter API key; never shown")},
-        Setting{debugAcceptOnce, Type::boolean, QStringLiteral("accept the next suggestion by itself, once")},
+        Setting{debugAcceptOnce, Type::boolean, QStringLiteral("accept the next suggestion automatically, once")},
     };
     return settings;
 }
@@ -99,7 +99,7 @@ std::optional<platform::DefaultsValue> booleanFrom(const QString &text) {
     return isOneOf({u"false", u"no", u"0"}) ? std::optional<platform::DefaultsValue>(false) : std::nullopt;
 }
 
-/// The value that a text stands for; absent when it is none of that type.
+/// The value that a text stands for; absent when it does not fit the type.
 std::optional<platform::DefaultsValue> valueFrom(Type type, const QString &text) {
     switch (type) {
     case Type::boolean:
@@ -121,7 +121,7 @@ std::optional<platform::DefaultsValue> valueFrom(Type type, const QString &text)
     return text;
 }
 
-/// What stands on standard input, without the line break at its end.
+/// Standard input without the line break at its end.
 std::optional<QString> readValue(std::istream &input) {
     std::optional<QString> text = readText(input);
     if (text && text->endsWith(u'\n')) {
@@ -175,7 +175,7 @@ class Command {
     int readAll() {
         for (const Setting &setting : allSettings()) {
             QString value = shownValue(setting, m_store).value_or(QStringLiteral("(not set)"));
-            // A line for each setting, whatever the value holds.
+            // One line for each setting, even if its value has several.
             value.replace(u'\\', QStringLiteral("\\\\")).replace(u'\n', QStringLiteral("\\n"));
             say(setting.key + QStringLiteral(": ") + value);
         }
@@ -203,13 +203,13 @@ class Command {
             return refuse(QStringLiteral("%1 takes %2").arg(setting.key, takenBy(setting.type)));
         }
         if (setting.key == settingsKey::tone && !toneFromRawValue(*text)) {
-            note(QStringLiteral("there is no such tone, so Professional will be used"));
+            note(QStringLiteral("unknown tone; Professional will be used"));
         }
         return saved(m_store.set(setting.key, *value));
     }
 
     int writeKey() {
-        // Password managers print other facts on the lines below.
+        // Password managers print other fields on further lines.
         const QString line = readText(m_streams.input).value_or(QString()).section(u'\n', 0, 0);
         const auto [key, refusal] = enteredKey(line);
         if (!refusal.isEmpty()) {
@@ -245,13 +245,13 @@ class Command {
 const CommandSyntax &defaultsSyntax() {
     static const CommandSyntax syntax{
         .name = QStringLiteral("defaults"),
-        .forms = {{QStringLiteral("read [KEY]"), QStringLiteral("show the settings, or one of them")},
+        .forms = {{QStringLiteral("read [KEY]"), QStringLiteral("show all settings, or one of them")},
                   {QStringLiteral("write KEY VALUE"),
-                   QStringLiteral("change a setting; it counts at once, also in a running program")},
-                  {QStringLiteral("delete KEY"), QStringLiteral("go back to a setting's default")}},
+                   QStringLiteral("change a setting; a running Quillory uses it at once")},
+                  {QStringLiteral("delete KEY"), QStringLiteral("restore the default of a setting")}},
         .options = {},
         .mostWords = 3,
-        .isPlainAfterFirstWord = true}; // a profile may begin with a dash
+        .isPlainAfterFirstWord = true}; // the text of a profile may begin with a dash
     return syntax;
 }
 

@@ -14,7 +14,7 @@ namespace quillory {
 namespace {
 using State = Finding::State;
 
-/// Whether "--fix" may do it unasked. The rest changes more than a switch.
+/// Whether "--fix" may do it without asking. All other remedies change more than a switch.
 bool isSafe(Remedy remedy) {
     return remedy == Remedy::enableAccessibility;
 }
@@ -27,11 +27,11 @@ bool isToBeKept(const Finding &finding) {
     return isSafe(finding.remedy) && isOnlyForLater(finding);
 }
 
-/// Does what is safe and looks again.
+/// Does what is safe, then examines everything again.
 void fix(std::vector<Finding> &findings, const CommandServices &services, const CommandStreams &streams) {
     const auto safe = std::ranges::count_if(findings, [](const Finding &f) { return isSafe(f.remedy); });
     if (safe == 0) {
-        streams.errors << "There is nothing that could be fixed safely.\n";
+        streams.errors << "Nothing needs fixing that can be fixed safely.\n";
         return;
     }
     const bool isOnNow = safe == std::ranges::count_if(findings, isToBeKept);
@@ -40,7 +40,7 @@ void fix(std::vector<Finding> &findings, const CommandServices &services, const 
     if (!isDone) {
         streams.errors << "quillory: accessibility could not be switched on.\n";
     } else if (!isOnNow) {
-        streams.errors << "Switched accessibility on. Browsers that were running must be restarted once.\n";
+        streams.errors << "Switched accessibility on. Close browsers that were running, and open them again.\n";
     } else {
         streams.errors << (std::ranges::none_of(findings, isToBeKept)
                                ? "Accessibility stays on at the next login.\n"
@@ -90,19 +90,19 @@ void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
     }
     const auto problems = std::ranges::count(findings, State::problem, &Finding::state);
     if (problems == 0) {
-        output << (isAtWork(findings) ? "\nQuillory can do its work.\n"
-                                      : "\nQuillory can do its work once it is started.\n");
+        output << (isAtWork(findings) ? "\nQuillory is ready.\n" : "\nQuillory is ready to be started.\n");
     } else {
-        output << "\nQuillory cannot do its work yet: " << problems << (problems == 1 ? " problem.\n" : " problems.\n");
+        output << "\nQuillory is not ready yet: " << problems << (problems == 1 ? " problem.\n" : " problems.\n");
     }
 }
 
 const CommandSyntax &doctorSyntax() {
     static const CommandSyntax syntax{
         .name = QStringLiteral("doctor"),
-        .forms = {{{}, QStringLiteral("check what the program needs and say what to do; --fix does what is safe")}},
-        .options = {{QStringLiteral("fix"), QStringLiteral("First do what is safe: switch accessibility on.")},
-                    {QStringLiteral("json"), QStringLiteral("Show the checks as JSON.")}}};
+        .forms = {{{}, QStringLiteral("check what Quillory needs and say what to do; --fix does what is safe")}},
+        .options = {
+            {QStringLiteral("fix"), QStringLiteral("First do what is safe, which is to switch accessibility on.")},
+            {QStringLiteral("json"), QStringLiteral("Show the checks as JSON.")}}};
     return syntax;
 }
 
@@ -125,7 +125,7 @@ int runDoctorCommand(const QStringList &arguments, const CommandServices &servic
 const CommandSyntax &autostartSyntax() {
     static const CommandSyntax syntax{
         .name = QStringLiteral("autostart"),
-        .forms = {{QStringLiteral("on|off"), QStringLiteral("start it at every login, or no longer")}},
+        .forms = {{QStringLiteral("on|off"), QStringLiteral("start Quillory at every login, or no longer")}},
         .options = {},
         .mostWords = 1};
     return syntax;

@@ -9,18 +9,18 @@ namespace quillory {
 
 [[nodiscard]] const CommandSyntax &doctorSyntax();
 
-/// Checks everything that the program needs and says what to do, a line for each check or, with "--json", as JSON. With
-/// "--fix" it first does what is safe: it switches accessibility on. Gives the exit status: success when the program
-/// can do its work. Runs on the platform that the services install.
+/// Checks everything that Quillory needs and says what to do, a line for each check or, with "--json", as JSON. With
+/// "--fix" it first does what is safe: it switches accessibility on. Returns the exit status: success when nothing
+/// keeps Quillory from working.
 [[nodiscard]] int runDoctorCommand(const QStringList &arguments, const CommandServices &services,
                                    const CommandStreams &streams);
 
-/// Shows findings as a table, and whether the program can do its work.
+/// Prints findings as a table, and whether Quillory can work.
 void writeFindings(std::ostream &output, const std::vector<Finding> &findings);
 
 [[nodiscard]] const CommandSyntax &autostartSyntax();
 
-/// "quillory autostart on" and "off". Gives the exit status.
+/// "quillory autostart on" and "off". Returns the exit status.
 [[nodiscard]] int runAutostartCommand(const QStringList &arguments, const CommandServices &services,
                                       const CommandStreams &streams);
 

@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 using Evidence = ChatContext::Recognition::Evidence;
 
 constexpr int longestWait = 3600;
-/// For the desktop's first word on the focus, and for a page that only now shows what it holds.
+/// How long to wait for the desktop's first focus event, and for a page that builds its tree only when it is asked.
 constexpr auto longestSettling = 3s;
 constexpr auto pause = 100ms;
 
@@ -29,7 +29,7 @@ struct InspectOrder {
     std::optional<std::chrono::seconds> wait;
 };
 
-/// Absent when the time to wait is none.
+/// Absent when the time to wait is not a valid number of seconds.
 std::optional<InspectOrder> inspectOrder(const CommandArguments &given) {
     InspectOrder order{.asJSON = given.has(QStringLiteral("json")), .wait = {}};
     if (given.has(QStringLiteral("wait"))) {
@@ -47,19 +47,19 @@ bool isMessageBox(const Inspection &seen) {
     return seen.focus && seen.focus->field.isChat && !seen.focus->field.isBrowserUI;
 }
 
-/// Nothing more is to be expected by looking again.
+/// Whether another look would show nothing more.
 bool isSettled(const Inspection &seen) {
     return isMessageBox(seen) ? seen.focus->field.conversation.has_value() : seen.focus.has_value();
 }
 
 Inspection look(CommandDesktop &desktop, const std::optional<std::chrono::seconds> &wait) {
-    auto deadline = desktop.now() + wait.value_or(0s); // a look can take longer than a pause
+    auto deadline = desktop.now() + wait.value_or(0s); // not a number of looks: one can take longer than a pause
     Inspection seen = inspectFocus();
     while (desktop.now() < deadline && !isMessageBox(seen)) {
         desktop.pass(pause);
         seen = inspectFocus();
     }
-    // A second look even then: what a page gives right after the focus came may be half of it.
+    // Look a second time even then: right after it gets the focus, a page may give only half of what it holds.
     deadline = desktop.now() + longestSettling;
     do {
         desktop.pass(pause);
@@ -69,7 +69,7 @@ Inspection look(CommandDesktop &desktop, const std::optional<std::chrono::second
     return seen;
 }
 
-/// What a page says may hold anything.
+/// Text from a page may hold control characters.
 std::string printable(const QString &text) {
     return text::printable(text).toStdString();
 }
@@ -89,8 +89,9 @@ QString because(const ChatContext::Recognition &recognition) {
         return QStringLiteral("the program is known as %1").arg(judgedBy);
     case Evidence::otherProgram:
         return recognition.judgedBy.isEmpty()
-                   ? QStringLiteral("the program is known neither as a browser nor as a chat program")
-                   : QStringLiteral("the program, known as %1, is neither a browser nor a chat program").arg(judgedBy);
+                   ? QStringLiteral("the program is not known as a browser or a chat program")
+                   : QStringLiteral("the program is known as %1, which is neither a browser nor a chat program")
+                         .arg(judgedBy);
     case Evidence::pageAddress:
         return QStringLiteral("the page comes from the host %1").arg(judgedBy);
     case Evidence::windowTitle:
@@ -105,7 +106,7 @@ QString placeOf(const std::optional<platform::Rect> &frame) {
                        .arg(frame->height)
                        .arg(frame->x)
                        .arg(frame->y)
-                 : QStringLiteral("not told");
+                 : QStringLiteral("unknown");
 }
 
 bool isPastedInto(const InspectedElement &focus) {
@@ -135,7 +136,7 @@ void writeConversation(std::ostream &output, const FieldSituation &field) {
         return;
     }
     const auto lines = field.conversation->count(u'\n') + 1;
-    output << "\nConversation around the box, as the program reads it (" << lines
+    output << "\nConversation around the box, as Quillory reads it (" << lines
            << (lines == 1 ? " line)\n" : " lines)\n") << indented(*field.conversation);
 }
 
@@ -158,11 +159,12 @@ void writeRequest(std::ostream &output, const Inspection &seen) {
 
 void writeReport(std::ostream &output, const Inspection &seen) {
     if (!seen.isTrusted) {
-        output << "Accessibility is off or does not answer, so nothing can be seen; quillory doctor says more.\n";
+        output
+            << "Accessibility is off or does not answer, so Quillory can see nothing. For more, run: quillory doctor\n";
         return;
     }
     if (!seen.focus) {
-        output << "Nothing that can be seen has the keyboard focus.\n";
+        output << "Quillory sees nothing that has the keyboard focus.\n";
         return;
     }
     writeFocus(output, *seen.focus);
@@ -170,7 +172,7 @@ void writeReport(std::ostream &output, const Inspection &seen) {
         writeConversation(output, seen.focus->field);
     }
     writeRequest(output, seen);
-    output << "\nThis was only a look; nothing was sent.\n";
+    output << "\nNothing was sent.\n";
 }
 
 nlohmann::json valueOf(const std::optional<QString> &text) {
@@ -232,10 +234,9 @@ void writeJSON(std::ostream &output, const Inspection &seen) {
 const CommandSyntax &inspectSyntax() {
     static const CommandSyntax syntax{
         .name = QStringLiteral("inspect"),
-        .forms = {{{}, QStringLiteral("show what is seen of the message box with the focus, and what would be sent")}},
-        .options = {{QStringLiteral("json"), QStringLiteral("Show it as JSON.")},
-                    {QStringLiteral("wait"),
-                     QStringLiteral("Leave so much time to click into a message box; look once one has the focus."),
+        .forms = {{{}, QStringLiteral("show what Quillory sees of the focused message box, and what it would send")}},
+        .options = {{QStringLiteral("json"), QStringLiteral("Show the result as JSON.")},
+                    {QStringLiteral("wait"), QStringLiteral("Wait up to this long for a message box to get the focus."),
                      QStringLiteral("SECONDS")}}};
     return syntax;
 }
@@ -247,7 +248,7 @@ int runInspectCommand(const QStringList &arguments, const CommandServices &servi
     }
     const auto order = inspectOrder(given);
     if (!order) {
-        return given.refuse(QStringLiteral("the time to wait is a number of seconds, at most 3600"));
+        return given.refuse(QStringLiteral("the time to wait must be a number of seconds, at most 3600"));
     }
     const auto desktop = services.openDesktop();
     if (!desktop) {
@@ -261,8 +262,8 @@ int runInspectCommand(const QStringList &arguments, const CommandServices &servi
         const Inspection seen = look(*desktop, order->wait);
         order->asJSON ? writeJSON(streams.output, seen) : writeReport(streams.output, seen);
         if (!isMessageBox(seen) && !order->wait) {
-            streams.errors << "\nThis is what has the focus now. To look at a message box instead, say\n"
-                              "quillory inspect --wait 20 and click into it.\n";
+            streams.errors << "\nThis is what has the focus now. To inspect a message box instead, run\n"
+                              "quillory inspect --wait 20 and click into the box.\n";
         }
         return isMessageBox(seen) ? exitStatus::success : exitStatus::failure;
     } catch (const RewriteError &error) {

@@ -8,9 +8,9 @@ namespace quillory {
 
 [[nodiscard]] const CommandSyntax &inspectSyntax();
 
-/// Shows what the program sees of the desktop now and what it would send: the focused element, whether it is a chat and
-/// why, the conversation, the request without the key. With "--wait SECONDS" it looks once a message box has the focus,
-/// at the latest after that time. Gives the exit status: success when a message box was seen.
+/// Shows what Quillory sees of the desktop and what it would send: the focused element, whether it is a chat and why,
+/// the conversation, the request without the key. With "--wait SECONDS" it waits up to that long for a message box to
+/// get the focus. Returns the exit status: success when a message box was seen.
 [[nodiscard]] int runInspectCommand(const QStringList &arguments, const CommandServices &services,
                                     const CommandStreams &streams);
 

@@ -26,7 +26,7 @@ struct Order {
     bool asJSON = false;
 };
 
-/// What cannot be carried out, as a sentence without its full stop.
+/// Why a rewrite is refused, as a sentence without its full stop.
 struct Refusal {
     QString sentence;
     int status = exitStatus::failure;
@@ -44,7 +44,8 @@ Tone toneNamed(const QString &name) {
     const auto found = std::ranges::find_if(
         allTones, [&](Tone tone) { return rawValue(tone).compare(name, Qt::CaseInsensitive) == 0; });
     if (found == std::end(allTones)) {
-        throw Refusal{QStringLiteral("a tone is one of ") + toneNames().join(QStringLiteral(", ")), exitStatus::misuse};
+        throw Refusal{QStringLiteral("the tone must be one of ") + toneNames().join(QStringLiteral(", ")),
+                      exitStatus::misuse};
     }
     return *found;
 }
@@ -52,7 +53,7 @@ Tone toneNamed(const QString &name) {
 QString readDraft(std::istream &input) {
     std::optional<QString> draft = readText(input);
     if (!draft) {
-        throw Refusal{QStringLiteral("the draft must be UTF-8 text of at most a megabyte")};
+        throw Refusal{QStringLiteral("the text must be UTF-8 and at most a megabyte long")};
     }
     return *std::move(draft);
 }
@@ -67,12 +68,12 @@ Order orderFrom(const CommandArguments &given, std::istream &input) {
     const bool isFromInput = words.isEmpty() || words == QStringList{QStringLiteral("-")};
     order.draft = isFromInput ? readDraft(input) : words.join(u' ');
     if (text::trimmed(order.draft).isEmpty()) {
-        throw Refusal{QStringLiteral("there is no draft")};
+        throw Refusal{QStringLiteral("there is no text to rewrite")};
     }
     return order;
 }
 
-/// What can be shown of an answer that still grows: without an end that may become one of the tags to leave out.
+/// The part of a growing answer that can be shown: without an end that may become one of the tags that are removed.
 QString settled(const QString &soFar) {
     constexpr qsizetype longestTag = 15;
     const qsizetype open = soFar.lastIndexOf(u'<');
@@ -80,7 +81,7 @@ QString settled(const QString &soFar) {
     return cleanedAnswer(mayBeTag ? soFar.first(open) : soFar);
 }
 
-/// Shows an answer as it grows on a terminal, and ends its line, whatever comes next.
+/// Shows an answer as it grows on a terminal, and ends its line even when an error cuts it off.
 class Growing {
   public:
     explicit Growing(std::ostream &output) : m_output(output) {}
@@ -149,12 +150,13 @@ int fail(const CommandStreams &streams, const QString &sentence, int status) {
 const CommandSyntax &rewriteSyntax() {
     static const CommandSyntax syntax{
         .name = QStringLiteral("rewrite"),
-        .forms = {{QStringLiteral("[TEXT]"), QStringLiteral("rewrite a text, or what stands on standard input")}},
-        .options =
-            {{QStringLiteral("tone"),
-              QStringLiteral("One of %1; else that of the settings.").arg(toneNames().join(QStringLiteral(", "))),
-              QStringLiteral("TONE")},
-             {QStringLiteral("json"), QStringLiteral("Show the rewrite, its model and its time as JSON.")}},
+        .forms = {{QStringLiteral("[TEXT]"), QStringLiteral("rewrite a text, or standard input")}},
+        .options = {{QStringLiteral("tone"),
+                     QStringLiteral("One of %1; by default, the one in the settings.")
+                         .arg(toneNames().join(QStringLiteral(", "))),
+                     QStringLiteral("TONE")},
+                    {QStringLiteral("json"),
+                     QStringLiteral("Show the rewrite, the model and the seconds taken as JSON.")}},
         .mostWords = std::numeric_limits<qsizetype>::max()};
     return syntax;
 }

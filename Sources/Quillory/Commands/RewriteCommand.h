@@ -8,9 +8,9 @@ namespace quillory {
 
 [[nodiscard]] const CommandSyntax &rewriteSyntax();
 
-/// Rewrites a draft, given as arguments or on standard input: "[--tone TONE] [--json] [TEXT ...]". On a terminal the
-/// answer is shown while it comes. It is screened as the program's own suggestions are. Blocks until the answer is
-/// whole; the platform must be installed. Gives the exit status.
+/// Rewrites a draft, given as arguments or on standard input: "[--tone TONE] [--json] [TEXT ...]". A terminal shows the
+/// answer as it grows. It is screened like Quillory's own suggestions. Blocks until the answer is complete. Returns the
+/// exit status.
 [[nodiscard]] int runRewriteCommand(const QStringList &arguments, const CommandStreams &streams);
 
 } // namespace quillory

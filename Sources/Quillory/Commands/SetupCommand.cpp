@@ -16,7 +16,7 @@ namespace quillory {
 
 namespace {
 
-/// The questions, one after the other. An input that ends answers no to all that are left.
+/// Asks one question after the other. When the input ends, the answer to the rest is no.
 class Dialogue {
   public:
     Dialogue(const SetupWork &work, const CommandServices &services, const CommandStreams &streams)
@@ -34,9 +34,12 @@ class Dialogue {
         if (hasKey && agrees(QStringLiteral("Try the key now?"), true)) {
             say(triedConnection({}));
         }
-        findings = m_work.look({});
-        m_streams.output << '\n';
-        writeFindings(m_streams.output, findings);
+        do {
+            findings = m_work.look({});
+            m_streams.output << '\n';
+            writeFindings(m_streams.output, findings);
+        } while (std::ranges::any_of(findings, &Finding::needsReopening) &&
+                 agrees(QStringLiteral("Check again, once you have closed and reopened what is named above?"), true));
         return canWork(findings) ? exitStatus::success : exitStatus::failure;
     }
 
@@ -56,7 +59,7 @@ class Dialogue {
 
     bool askForKey() {
         for (;;) {
-            m_streams.output << "API key (not shown while you type; Enter leaves it as it is): " << std::flush;
+            m_streams.output << "API key (hidden while you type; press Enter to keep what is set): " << std::flush;
             const QString typed = m_services.readHidden ? m_services.readHidden() : line();
             if (typed.trimmed().isEmpty()) {
                 return false;
@@ -98,8 +101,8 @@ class Dialogue {
 const CommandSyntax &setupSyntax() {
     static const CommandSyntax syntax{
         .name = QStringLiteral("setup"),
-        .forms = {{{}, QStringLiteral("set it up: what the program needs, and the API key")}},
-        .options = {{QStringLiteral("terminal"), QStringLiteral("Ask in the terminal, though there is a display.")}}};
+        .forms = {{{}, QStringLiteral("set up what Quillory needs, and the API key")}},
+        .options = {{QStringLiteral("terminal"), QStringLiteral("Ask in the terminal, even if there is a display.")}}};
     return syntax;
 }
 

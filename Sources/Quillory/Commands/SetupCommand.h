@@ -8,8 +8,8 @@ namespace quillory {
 
 [[nodiscard]] const CommandSyntax &setupSyntax();
 
-/// Sets the program up: in a window, or with questions in the terminal where there is no display or "--terminal" is
-/// said. Gives the exit status: success when the program can do its work afterwards.
+/// Sets Quillory up: in a window, or with questions in the terminal where there is no display or "--terminal" is given.
+/// Returns the exit status: success when nothing keeps Quillory from working afterwards.
 [[nodiscard]] int runSetupCommand(const QStringList &arguments, const CommandServices &services,
                                   const CommandStreams &streams);
 

@@ -16,7 +16,7 @@ namespace quillory {
 
 namespace {
 
-// Identifiers have some fifty characters; a line of this length is no record.
+// Model identifiers have about fifty characters; a longer line than this is no record.
 constexpr qint64 longestLine = 4 * 1024;
 constexpr qsizetype shownDamage = 60;
 constexpr int slowPercent = 90;
@@ -26,7 +26,7 @@ struct Choices {
     std::vector<int> damagedLines;
 };
 
-// What a terminal can show of a line that is not what it should be.
+// The beginning of a damaged line, safe to show on a terminal.
 std::string excerpt(const QByteArray &line) {
     QString text = QString::fromUtf8(line).left(shownDamage);
     std::ranges::replace_if(
@@ -34,7 +34,7 @@ std::string excerpt(const QByteArray &line) {
     return text.toStdString();
 }
 
-// Takes the rest of a line that was longer than was read of it.
+// Skips the rest of a line of which only the beginning was read.
 void skipLine(QFile &file) {
     while (!file.atEnd() && !file.readLine(longestLine).endsWith('\n')) {
     }
@@ -126,8 +126,8 @@ void writeJSON(std::ostream &output, const Choices &choices, const ChoiceSummary
 const CommandSyntax &statsSyntax() {
     static const CommandSyntax syntax{
         .name = QStringLiteral("stats"),
-        .forms = {{{}, QStringLiteral("show how often each model's suggestion was chosen, and its times")}},
-        .options = {{QStringLiteral("json"), QStringLiteral("Show them as JSON.")}}};
+        .forms = {{{}, QStringLiteral("show how often each model's suggestions were chosen, and how long they took")}},
+        .options = {{QStringLiteral("json"), QStringLiteral("Show the statistics as JSON.")}}};
     return syntax;
 }
 
@@ -147,7 +147,7 @@ int runStatsCommand(const QStringList &arguments, const QString &path, const Com
         return exitStatus::success;
     }
     if (choices.records.empty()) {
-        streams.errors << "quillory: no choice has been recorded yet.\n";
+        streams.errors << "quillory: no choices have been recorded yet.\n";
         return exitStatus::failure;
     }
     writeTable(streams.output, summary(choices.records));

@@ -8,8 +8,8 @@ namespace quillory {
 
 [[nodiscard]] const CommandSyntax &statsSyntax();
 
-/// Shows how the models fared in the choices recorded in a file, as a table or, with "--json", as JSON. Damaged lines
-/// are counted and named on the error stream; the rest counts. Gives the exit status.
+/// Shows the choices recorded in a file, summed up for each model, as a table or, with "--json", as JSON. Damaged lines
+/// are reported on the error stream and left out. Returns the exit status.
 [[nodiscard]] int runStatsCommand(const QStringList &arguments, const QString &path, const CommandStreams &streams);
 
 } // namespace quillory

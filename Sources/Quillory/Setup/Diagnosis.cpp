@@ -14,6 +14,7 @@ namespace {
 using platform::ApplicationFacts;
 using platform::DesktopFacts;
 using State = Finding::State;
+const auto browserCheck = QStringLiteral("browser");
 const auto keptCheck = QStringLiteral("accessibility-kept");
 const auto runningCheck = QStringLiteral("running");
 
@@ -43,13 +44,13 @@ Finding aboutSession(const DesktopFacts &desktop) {
                             ? QStringLiteral("Wayland%1, without an X display").arg(where)
                             : QStringLiteral("no X display can be reached");
         finding.advice = desktop.session == platform::SessionType::wayland
-                             ? QStringLiteral("Install and switch on XWayland, or log in to an X11 session.")
+                             ? QStringLiteral("Install XWayland, or log in to an X11 session.")
                              : QStringLiteral("Run this in a desktop session.");
         return finding;
     }
     if (desktop.session == platform::SessionType::wayland) {
         finding.state = State::note;
-        finding.found = QStringLiteral("Wayland%1: only browsers that run under XWayland work").arg(where);
+        finding.found = QStringLiteral("Wayland%1: only browsers that run through XWayland work").arg(where);
         finding.advice = QStringLiteral("Start the browser with: ") + startForX11(nullptr);
         return finding;
     }
@@ -57,7 +58,7 @@ Finding aboutSession(const DesktopFacts &desktop) {
     if (desktop.windowManager.isEmpty()) {
         finding.state = State::note;
         finding.found += QStringLiteral(", no window manager");
-        finding.advice = QStringLiteral("Without a window manager no window has the focus; start one.");
+        finding.advice = QStringLiteral("Start one: without it, no window gets the keyboard focus.");
     }
     return finding;
 }
@@ -65,12 +66,12 @@ Finding aboutSession(const DesktopFacts &desktop) {
 Finding aboutAccessibilityBus(const DesktopFacts &desktop) {
     Finding finding = about(QStringLiteral("accessibility-bus"), QStringLiteral("Accessibility service"));
     if (desktop.hasAccessibilityBus) {
-        finding.found = QStringLiteral("answers");
+        finding.found = QStringLiteral("running");
         return finding;
     }
     finding.state = State::problem;
     finding.found =
-        desktop.hasSessionBus ? QStringLiteral("does not answer") : QStringLiteral("there is no session bus");
+        desktop.hasSessionBus ? QStringLiteral("does not answer") : QStringLiteral("no session bus was found");
     finding.advice = desktop.hasSessionBus ? QStringLiteral("Install the package at-spi2-core, then log in again.")
                                            : QStringLiteral("Run this in a desktop session.");
     return finding;
@@ -83,9 +84,11 @@ Finding aboutAccessibilitySwitch(const DesktopFacts &desktop) {
         return finding;
     }
     finding.state = State::problem;
-    finding.found = desktop.isAccessibilityEnabled ? QStringLiteral("switched off") : QStringLiteral("cannot be told");
+    finding.found =
+        desktop.isAccessibilityEnabled ? QStringLiteral("switched off") : QStringLiteral("could not be determined");
     if (desktop.hasAccessibilityBus) {
-        finding.advice = QStringLiteral("quillory doctor --fix switches it on; restart browsers after that.");
+        finding.advice =
+            QStringLiteral("Run quillory doctor --fix to switch it on, then close your browsers and open them again.");
         finding.remedy = Remedy::enableAccessibility;
     }
     return finding;
@@ -94,16 +97,16 @@ Finding aboutAccessibilitySwitch(const DesktopFacts &desktop) {
 Finding aboutAccessibilityLater(const DesktopFacts &desktop) {
     Finding finding = about(keptCheck, QStringLiteral("At the next login"));
     if (!desktop.isAccessibilityKept) {
-        finding.found = QStringLiteral("this desktop has no setting that keeps accessibility on");
+        finding.found = QStringLiteral("this desktop cannot keep accessibility switched on");
         finding.state = State::note;
-        finding.advice = QStringLiteral("If it is off after a login, Quillory offers to switch it on.");
+        finding.advice = QStringLiteral("Quillory offers to switch it on whenever it is off.");
     } else if (*desktop.isAccessibilityKept) {
         finding.found = QStringLiteral("accessibility stays on");
     } else {
         finding.state = State::note;
         finding.found = QStringLiteral("accessibility will be off again");
         if (desktop.hasAccessibilityBus) {
-            finding.advice = QStringLiteral("quillory doctor --fix keeps it on.");
+            finding.advice = QStringLiteral("Keep it on with: quillory doctor --fix");
             finding.remedy = Remedy::enableAccessibility;
         }
     }
@@ -116,7 +119,7 @@ bool isChatProgram(const ApplicationFacts &application) {
     });
 }
 
-/// A chat page has other fields, to search in, at its top; what is written in stands below the conversation.
+/// A chat page also has search fields, at its top; the message box is below the conversation.
 bool isMessageBox(const platform::FieldFacts &field, const platform::PageFacts &page) {
     const bool isAbove = field.frame && page.frame && field.frame->midY() < page.frame->midY();
     return AXText::isTextRole(field.role) && field.role != platform::axRole::searchField && !isAbove;
@@ -131,7 +134,7 @@ void askToReopen(Finding &finding) {
     finding.needsReopening = true;
 }
 
-/// What is found of a program's pages once its tree has answered.
+/// Judges a program by its pages, once its tree has answered.
 void judgePages(Finding &finding, const ApplicationFacts &application) {
     const auto &[pages, isWhole] = *application.tree;
     std::vector<platform::PageFacts> chats;
@@ -139,36 +142,38 @@ void judgePages(Finding &finding, const ApplicationFacts &application) {
         return isChatProgram(application) || ChatContext::isChatHost(page.host);
     });
     if (std::ranges::any_of(chats, hasMessageBox)) {
-        finding.found = QStringLiteral("WhatsApp is seen, and its message box");
+        finding.found = QStringLiteral("WhatsApp and its message box were found");
         return;
     }
     finding.state = State::note;
     if (!isWhole) {
-        finding.found = QStringLiteral("answers too slowly to be looked through; no message box was seen so far");
-        finding.advice = QStringLiteral("Look again when it is less busy.");
+        finding.found = QStringLiteral("answers too slowly to be read completely; no message box found so far");
+        finding.advice = QStringLiteral("Check again when it is less busy.");
     } else if (pages.empty()) {
         finding.state = State::problem;
-        finding.found = QStringLiteral("shows no page; it was probably started before accessibility was on");
+        finding.found = QStringLiteral("shows no page; it was probably started before accessibility was switched on");
         askToReopen(finding);
     } else if (!chats.empty()) {
-        finding.found = QStringLiteral("WhatsApp is seen, but no message box");
+        finding.found = QStringLiteral("WhatsApp was found, but no message box");
         finding.advice = QStringLiteral("Open a chat in it. If one is open, close the program and open it again.");
     } else {
-        finding.found = QStringLiteral("pages are seen, none of them WhatsApp");
+        finding.found = QStringLiteral("shows pages, but none of them is WhatsApp");
         finding.advice = QStringLiteral("Open web.whatsapp.com in it.");
     }
 }
 
 Finding aboutBrowser(const ApplicationFacts &application, const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("browser"), application.name);
+    Finding finding = about(browserCheck, application.name);
     if (desktop.session == platform::SessionType::wayland && !application.hasX11Window) {
         finding.state = State::problem;
-        finding.found = QStringLiteral("runs on Wayland itself, where Quillory cannot place cards nor take keys");
+        finding.found =
+            QStringLiteral("runs directly on Wayland, where Quillory can neither place cards nor take keys");
         finding.advice = QStringLiteral("Close it, then start it with: ") + startForX11(&application);
         finding.needsReopening = true;
     } else if (!application.isOnBus) {
         finding.state = State::problem;
-        finding.found = QStringLiteral("is not on the accessibility bus; it was started before accessibility was on");
+        finding.found =
+            QStringLiteral("is not on the accessibility bus; it was started before accessibility was switched on");
         askToReopen(finding);
     } else if (!application.tree) {
         finding.state = State::problem;
@@ -180,7 +185,7 @@ Finding aboutBrowser(const ApplicationFacts &application, const DesktopFacts &de
     return finding;
 }
 
-/// Where one works the others are in nobody's way.
+/// Once one program works, problems of the others are only notes.
 std::vector<Finding> aboutBrowsers(const DesktopFacts &desktop) {
     std::vector<Finding> findings;
     for (const ApplicationFacts &application : desktop.applications) {
@@ -189,10 +194,10 @@ std::vector<Finding> aboutBrowsers(const DesktopFacts &desktop) {
         }
     }
     if (findings.empty()) {
-        Finding none = about(QStringLiteral("browser"), QStringLiteral("Browser"));
+        Finding none = about(browserCheck, QStringLiteral("Browser"));
         none.state = State::note;
-        none.found = QStringLiteral("none is running");
-        none.advice = QStringLiteral("Open web.whatsapp.com in a browser and look again.");
+        none.found = QStringLiteral("not running");
+        none.advice = QStringLiteral("Open web.whatsapp.com in a browser.");
         return {none};
     }
     const bool oneWorks = std::ranges::any_of(findings, [](const Finding &f) { return f.state == State::good; });
@@ -208,66 +213,65 @@ Finding aboutKeys(const DesktopFacts &desktop) {
     Finding finding = about(QStringLiteral("keys"), QStringLiteral("Tab and Esc"));
     if (!desktop.canGrabTab || !desktop.canGrabEscape) {
         finding.state = State::problem;
-        finding.found = QStringLiteral("cannot be tried without an X display");
+        finding.found = QStringLiteral("cannot be tested without an X display");
         return finding;
     }
     if (*desktop.canGrabTab && *desktop.canGrabEscape) {
-        finding.found = QStringLiteral("can be taken while cards are up");
+        finding.found = QStringLiteral("free for Quillory to use while cards are up");
         return finding;
     }
     const QString key = *desktop.canGrabTab ? QStringLiteral("Esc")
                                             : (*desktop.canGrabEscape ? QStringLiteral("Tab") : QStringLiteral("both"));
     finding.state = State::problem;
-    finding.found =
-        QStringLiteral("another program has taken %1 for itself; the X server does not tell which").arg(key);
-    finding.advice = QStringLiteral("Look for it among the desktop's keyboard shortcuts and in hotkey tools. While "
-                                    "Quillory shows a card, it is Quillory.");
+    finding.found = QStringLiteral("another program has taken %1; the X server does not reveal which").arg(key);
+    finding.advice = QStringLiteral("Look among the desktop's keyboard shortcuts and in hotkey tools. While Quillory "
+                                    "shows a card, that program is Quillory.");
     return finding;
 }
 
 Finding aboutStatusArea(const DesktopFacts &desktop) {
     Finding finding = about(QStringLiteral("tray"), QStringLiteral("Status area"));
     if (desktop.hasStatusNotifier || desktop.hasTray) {
-        finding.found = desktop.hasStatusNotifier ? QStringLiteral("there (status notifier)")
-                                                  : QStringLiteral("there (the older system tray)");
+        finding.found = desktop.hasStatusNotifier ? QStringLiteral("found (status notifier)")
+                                                  : QStringLiteral("found (system tray)");
         return finding;
     }
     finding.state = State::note;
-    finding.found = QStringLiteral("none, so Quillory's icon cannot be seen");
-    finding.advice = QStringLiteral("Start Quillory again to open its menu. GNOME shows the icon with the extension "
-                                    "AppIndicator.");
+    finding.found = QStringLiteral("not found, so Quillory has no icon");
+    finding.advice =
+        QStringLiteral("Start Quillory again to open its menu. On GNOME, the AppIndicator extension shows the icon.");
     return finding;
 }
 
 Finding aboutCompositor(const DesktopFacts &desktop) {
     Finding finding = about(QStringLiteral("compositor"), QStringLiteral("Compositor"));
-    finding.found = desktop.hasCompositor ? QStringLiteral("there")
-                                          : QStringLiteral("none: cards have plain edges and do not fade");
+    finding.found = desktop.hasCompositor ? QStringLiteral("running")
+                                          : QStringLiteral("not running: cards have plain edges and do not fade");
     return finding;
 }
 
 Finding aboutClipboardManager(const DesktopFacts &desktop) {
     Finding finding = about(QStringLiteral("clipboard-manager"), QStringLiteral("Clipboard manager"));
     finding.found = desktop.hasClipboardManager
-                        ? QStringLiteral("there; pasted answers are marked so that histories leave them out")
-                        : QStringLiteral("none that says so, and none is needed");
+                        ? QStringLiteral("running; pasted answers are marked so that its history leaves them out")
+                        : QStringLiteral("not found, and not needed");
     return finding;
 }
 
 Finding aboutKey(const ProgramFacts &program) {
     Finding finding = about(QStringLiteral("key"), QStringLiteral("API key"));
     if (program.hasKey && program.keyFault.isEmpty()) {
-        finding.found = QStringLiteral("set (not shown, and not tried here)");
+        finding.found = QStringLiteral("set (neither shown nor tried here)");
         return finding;
     }
     finding.state = State::problem;
     if (!program.hasKey && program.isKeyKept) {
-        finding.found = QStringLiteral("kept in the password store, which is locked or does not answer");
-        finding.advice = QStringLiteral("Unlock it and check again. If that does not help, enter the key anew with: "
-                                        "quillory setup");
+        finding.found = QStringLiteral("in the password store, which is locked or does not answer");
+        finding.advice = QStringLiteral("Unlock the store and check again. If that does not help, enter the key again "
+                                        "with: quillory setup");
         return finding;
     }
-    finding.found = program.hasKey ? program.keyFault : QStringLiteral("none is set");
+    finding.found = program.hasKey ? program.keyFault : QStringLiteral("not set");
     finding.advice = QStringLiteral("Enter one with: quillory setup");
     finding.remedy = Remedy::enterKey;
     return finding;
@@ -281,10 +285,9 @@ Finding aboutService(const ProgramFacts &program) {
     }
     finding.state = State::problem;
     finding.found = program.serviceFault;
-    finding.advice =
-        program.isServiceChosen
-            ? QStringLiteral("The variable QUILLORY_MODEL_SERVICE says where requests go: change or unset it.")
-            : QStringLiteral("Look whether a proxy or firewall is in the way.");
+    finding.advice = program.isServiceChosen
+                         ? QStringLiteral("The variable QUILLORY_MODEL_SERVICE sets this address: change or unset it.")
+                         : QStringLiteral("Check whether a proxy or firewall is in the way.");
     return finding;
 }
 
@@ -299,7 +302,7 @@ Finding aboutSuggestions(const ProgramFacts &program) {
     return finding;
 }
 
-/// A note only, since one may ask before the start.
+/// Only a note: the doctor may be asked before Quillory is started.
 Finding aboutRunning(const DesktopFacts &desktop) {
     Finding finding = about(runningCheck, QStringLiteral("Quillory"));
     if (desktop.isRunning.value_or(false)) {
@@ -312,7 +315,7 @@ Finding aboutRunning(const DesktopFacts &desktop) {
         finding.advice = QStringLiteral("Start it with: quillory");
         finding.remedy = Remedy::start;
     } else {
-        finding.found = QStringLiteral("without an X display it cannot run");
+        finding.found = QStringLiteral("cannot run without an X display");
     }
     return finding;
 }
@@ -360,7 +363,7 @@ std::optional<Offer> offerFor(const Finding &finding) {
     case Remedy::startAtLogin:
         return Offer{QStringLiteral("Switch On"), QStringLiteral("Start Quillory at every login?"), false};
     case Remedy::start:
-        return Offer{QStringLiteral("Start"), {}}; // in a terminal one starts it oneself
+        return Offer{QStringLiteral("Start"), {}}; // no question in a terminal, where users start it themselves
     case Remedy::enterKey:
         break;
     }
@@ -373,6 +376,11 @@ bool isOnlyForLater(const Finding &finding) {
 
 bool canWork(const std::vector<Finding> &findings) {
     return std::ranges::none_of(findings, [](const Finding &f) { return f.state == State::problem; });
+}
+
+bool isWaitingForChat(const std::vector<Finding> &findings) {
+    const auto isChat = [](const Finding &f) { return f.check == browserCheck && f.state == State::good; };
+    return !findings.empty() && std::ranges::none_of(findings, isChat);
 }
 
 bool isAtWork(const std::vector<Finding> &findings) {

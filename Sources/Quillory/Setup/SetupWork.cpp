@@ -4,10 +4,34 @@
 
 #include "Quillory/Setup/ProgramExamination.h"
 
+#include <utility>
+
 namespace quillory {
 
 std::vector<Finding> SetupWork::look(const std::stop_token &stop) const {
-    return diagnose(m_examination.examine(stop), examineProgram(stop));
+    platform::DesktopFacts desktop = m_examination.examine(stop);
+    ProgramFacts program = examineProgram(stop);
+    const std::scoped_lock lock(m_last->mutex);
+    m_last->desktop = std::move(desktop);
+    m_last->program = std::move(program);
+    return m_last->findings = diagnose(m_last->desktop, m_last->program);
+}
+
+std::optional<std::vector<Finding>> SetupWork::lookForChanges(const std::stop_token &stop) const {
+    {
+        const std::scoped_lock lock(m_last->mutex);
+        if (!isWaitingForChat(m_last->findings)) {
+            return std::nullopt;
+        }
+    }
+    std::vector<platform::ApplicationFacts> applications = m_examination.examineApplications(stop);
+    const std::scoped_lock lock(m_last->mutex);
+    m_last->desktop.applications = std::move(applications);
+    std::vector<Finding> findings = diagnose(m_last->desktop, m_last->program);
+    if (findings == std::exchange(m_last->findings, findings)) {
+        return std::nullopt;
+    }
+    return findings;
 }
 
 QString SetupWork::repair(const Finding &finding, const std::stop_token &stop) const {
@@ -17,7 +41,7 @@ QString SetupWork::repair(const Finding &finding, const std::stop_token &stop) c
             return QStringLiteral("Accessibility could not be switched on.");
         }
         return isOnlyForLater(finding)
-                   ? QStringLiteral("The desktop was asked to keep accessibility on.")
+                   ? QStringLiteral("The desktop is now set to keep accessibility on.")
                    : QStringLiteral("Accessibility is on. Close browsers that were running, and open them again.");
     case Remedy::startAtLogin:
         return m_repair.setStartsAtLogin(true) ? QStringLiteral("Quillory starts at your next login.")

@@ -5,29 +5,44 @@
 #include "Quillory/Settings/ApiKey.h"
 #include "Quillory/Setup/Diagnosis.h"
 
+#include <memory>
+#include <mutex>
+
 namespace quillory {
 
 /// What setting up does, whether a window or a terminal asks for it. Runs on the installed platform. Every operation
-/// may take some seconds, or wait for the user, and gives whatever it has once the token asks to stop; one at a time,
-/// never on the main thread of a program with windows.
+/// may take some seconds or wait for the user, and returns what it has once asked to stop; never call one on the main
+/// thread of a program with windows. Copies share what the last look found.
 class SetupWork {
   public:
     SetupWork(platform::DesktopExamination &examination, platform::DesktopRepair &repair, platform::KeyStorage &keys)
         : m_examination(examination), m_repair(repair), m_keys(keys) {}
 
+    /// Examines everything.
     [[nodiscard]] std::vector<Finding> look(const std::stop_token &stop) const;
+    /// Examines the running programs alone, as long as no message box was seen: notices when one has been closed and
+    /// opened again. Absent when nothing has changed since the last look.
+    [[nodiscard]] std::optional<std::vector<Finding>> lookForChanges(const std::stop_token &stop) const;
     /// Does what was offered for a finding. Returns the outcome as a sentence.
     [[nodiscard]] QString repair(const Finding &finding, const std::stop_token &stop) const;
 
-    /// Takes a key as the user typed it.
+    /// Stores a key as the user typed it.
     [[nodiscard]] SavedKey saveKey(const QString &typed, const std::stop_token &stop) const {
         return quillory::saveKey(m_keys, typed, stop);
     }
 
   private:
+    struct LastLook {
+        std::mutex mutex;
+        platform::DesktopFacts desktop;
+        ProgramFacts program;
+        std::vector<Finding> findings;
+    };
+
     platform::DesktopExamination &m_examination;
     platform::DesktopRepair &m_repair;
     platform::KeyStorage &m_keys;
+    std::shared_ptr<LastLook> m_last = std::make_shared<LastLook>();
 };
 
 } // namespace quillory

@@ -2,40 +2,53 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/CodeSigning.h"
+#include "Platform/LifeToken.h"
+#include "Quillory/Tasks.h"
+#include "Quillory/Updates/UpdateFeed.h"
+#include "Quillory/Updates/UpdateInstall.h"
 
-#include <QString>
-#include <QUrl>
+namespace quillory {
 
-#include <functional>
-#include <optional>
+/// Learns of new versions from the maker's version feed, offers them, and installs them on consent. Main thread only;
+/// nothing blocks there. Going away, it ends what runs and waits for that.
+class UpdateChecker {
+  public:
+    explicit UpdateChecker(const UpdateServices &services) : m_services(services) {}
 
-/// Learns of new versions from the maker's version feed, offers them, and on consent puts them in this one's place.
-/// Main thread only, where nothing else is said; nothing waits there.
-namespace quillory::UpdateChecker {
+    /// Checks now and every six hours, silently unless there is something to offer.
+    void startPeriodicChecks();
+    /// Starts one check, which also records the running version. One that the user asked for also reports that there is
+    /// nothing new, or what went wrong.
+    void check(bool userInitiated);
+    /// Offers a version with its notes and installs it from the address on consent. An offer that comes while another
+    /// one is open, or while a version is being installed, is dropped.
+    void offerUpdate(const QString &version, const QString &notes, const QUrl &archive);
+    /// Downloads an archive, puts the application in it in the installed one's place, has it started and ends this
+    /// program. Reports a failure in an alert.
+    void install(const QUrl &archive);
 
-/// Checks now and every six hours, silently unless there is something to offer. Each check remembers which version ran.
-void startPeriodicChecks();
-/// Starts one check. One that the user asked for also says that there is nothing new, or what went wrong.
-void check(bool userInitiated);
-/// Ends what runs and waits for it, and ends the periodic checks.
-void stop();
+  private:
+    /// What is left to be done on the main thread; may be empty.
+    using Ending = std::function<void()>;
 
-/// The version of the running program; "0" when its bundle states none. Any thread.
-[[nodiscard]] QString currentVersion();
-/// Whether a version of dotted numbers comes after another one. Any thread.
-[[nodiscard]] bool isNewer(const QString &version, const QString &other);
-/// Whether a genuine bundle runs in place of a running version: it is ours, newer, and not older than the highest
-/// version that has ever run for the user with that home of the program. Any thread.
-[[nodiscard]] bool takesPrecedence(const platform::SigningInformation &bundle, const QString &running,
-                                   const QString &home);
-/// Offers a version with its notes, and installs it from the address on consent. An offer that is made while another
-/// one stands, or while a version is being installed, is dropped.
-void offerUpdate(const QString &version, const QString &notes, const QUrl &archive);
-/// Downloads an archive, verifies the application in it, puts it in the place of the installed one, starts that and
-/// ends this program. Says in an alert why it could not.
-void install(const QUrl &archive);
-/// The team that signed the bundle at a path, if it is genuine. Not on the main thread.
-[[nodiscard]] std::optional<QString> teamID(const QString &bundle);
+    /// Runs work on a thread of its own, then its ending on the main thread. Absent when no thread could be started.
+    std::optional<Task> start(std::function<Ending(const std::stop_token &)> work);
+    Ending checked(bool userInitiated, const std::stop_token &stop);
+    Ending reported(const UpdateFeed &feed, bool userInitiated);
+    Ending checkFailed(const QString &description, bool userInitiated);
+    Ending installed(const QUrl &archive, const UpdateInstall::Progress &progress, const std::stop_token &stop);
+    Ending installFailed(const QString &description);
+    [[nodiscard]] Ending alert(const QString &title, const QString &body);
+    [[nodiscard]] UpdateFeed fetchedFeed(const std::stop_token &stop) const;
 
-} // namespace quillory::UpdateChecker
+    UpdateServices m_services;
+    platform::RegistrationHandle m_timer;
+    bool m_isOfferOpen = false;
+    /// Set while an install runs.
+    std::unique_ptr<platform::ProgressWindow> m_progress;
+    platform::LifeToken m_life;
+    /// Last, so that no work is left when the rest goes.
+    Tasks m_tasks;
+};
+
+} // namespace quillory

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Updates/UpdateFeed.h"
 
-#include "Platform/Platform.h"
+#include "Platform/URLSession.h"
 #include "Quillory/RewriteError.h"
 
 #include <nlohmann/json.hpp>
@@ -10,7 +10,7 @@
 namespace quillory {
 
 namespace {
-/// Absent unless there is a string.
+/// A string member; absent when it is missing or of another type.
 std::optional<QString> feedText(const nlohmann::json &object, const char *member) {
     const auto found = object.find(member);
     if (found == object.end() || !found->is_string()) {
@@ -34,8 +34,7 @@ nlohmann::json parsedFeed(const QByteArray &json) {
 }
 } // namespace
 
-QUrl feedURL() {
-    const platform::Process &process = platform::current().process;
+QUrl feedURL(const platform::Process &process) {
     const auto variable = process.environment(QStringLiteral("QUILLORY_UPDATE_FEED"));
     const QString host =
         process.infoDictionaryString(QStringLiteral("UpdateFeedHost")).value_or(QStringLiteral(QUILLORY_UPDATE_HOST));

@@ -2,23 +2,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/Process.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QUrl>
 
 namespace quillory {
 
-/// What the maker announces.
+/// What the maker announces, as it came from the network.
 struct UpdateFeed {
     QString version;
     QUrl archive;
     QString notes;
 };
 
-/// Where the feed is: on the host that the bundle names, or at the address in QUILLORY_UPDATE_FEED with the feed's
-/// path. Throws RewriteError for an address that would not be safe.
-[[nodiscard]] QUrl feedURL();
-/// From the feed's JSON. Throws RewriteError.
+/// The feed's address: on the host that the bundle names, or on the server in QUILLORY_UPDATE_FEED. Throws RewriteError
+/// when that is not safe.
+[[nodiscard]] QUrl feedURL(const platform::Process &process);
+/// Reads the feed's JSON. Throws RewriteError.
 [[nodiscard]] UpdateFeed updateFeedFromJSON(const QByteArray &json);
 
 } // namespace quillory

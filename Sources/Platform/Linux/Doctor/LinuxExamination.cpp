@@ -35,15 +35,23 @@ DesktopFacts LinuxExamination::examine(const std::stop_token &stop) {
     DesktopFacts facts;
     facts.session = sessionType();
     facts.desktopName = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
-    facts.applications = runningApplications(examineX11(facts), facts.session);
+    examineX11(facts);
+    facts.applications = runningApplications(processesWithWindows(), facts.session);
     examineBuses(facts, stop);
     if (stop.stop_requested()) {
-        return facts; // what follows starts another program
+        return facts; // asking GSettings starts another program
     }
     facts.isAccessibilityKept = desktopSettings::isAccessibilityKept();
     facts.startsAtLogin = autostart::isOn();
     facts.versions = versions();
     return facts;
+}
+
+std::vector<ApplicationFacts> LinuxExamination::examineApplications(const std::stop_token &stop) {
+    DesktopFacts facts;
+    facts.applications = runningApplications(processesWithWindows(), sessionType());
+    examineBuses(facts, stop);
+    return std::move(facts.applications);
 }
 
 } // namespace platform::desktop

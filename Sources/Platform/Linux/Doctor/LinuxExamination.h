@@ -6,11 +6,12 @@
 
 namespace platform::desktop {
 
-/// Looks at a Linux desktop through connections of its own, which live only as long as the look. Needs no application
-/// object.
+/// Examines a Linux desktop through connections of its own, closed again after each examination. Needs no
+/// QCoreApplication.
 class LinuxExamination final : public DesktopExamination {
   public:
     [[nodiscard]] DesktopFacts examine(const std::stop_token &stop) override;
+    [[nodiscard]] std::vector<ApplicationFacts> examineApplications(const std::stop_token &stop) override;
 };
 
 } // namespace platform::desktop

@@ -9,7 +9,7 @@ namespace platform::desktop {
 
 namespace {
 
-/// Some rights on a display are told by who owns a selection that is named after its screen.
+/// Trays and compositors own a selection that is named after their screen.
 QByteArray withScreenNumber(const char *name, X11Connection &connection) {
     int number = 0;
     for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection.get())); screens.rem > 0;
@@ -42,7 +42,7 @@ QString windowManager(X11Connection &connection) {
                   : QString();
 }
 
-/// Takes a key as the program does while cards are up, and gives it back at once.
+/// Grabs a key as Quillory does while cards are up, and releases it at once.
 bool canGrab(X11Connection &connection, const X11Keyboard &keyboard, KeyCode key) {
     bool granted = true;
     for (const xcb_keycode_t code : keyboard.keyCodes(key)) {
@@ -58,25 +58,13 @@ bool canGrab(X11Connection &connection, const X11Keyboard &keyboard, KeyCode key
     return granted;
 }
 
-std::set<qint32> processesWithWindows(X11Connection &connection) {
-    std::set<qint32> processes;
-    const auto windows =
-        connection.values(connection.askValues(connection.root(), connection.atom("_NET_CLIENT_LIST")));
-    for (const std::uint32_t window : windows) {
-        for (const auto pid : connection.values(connection.askValues(window, connection.atom("_NET_WM_PID")))) {
-            processes.insert(static_cast<qint32>(pid));
-        }
-    }
-    return processes;
-}
-
 } // namespace
 
-std::set<qint32> examineX11(DesktopFacts &facts) {
+void examineX11(DesktopFacts &facts) {
     const auto connection = X11Connection::open();
     facts.hasDisplay = connection != nullptr;
     if (!connection) {
-        return {};
+        return;
     }
     const X11Keyboard keyboard(*connection);
     facts.windowManager = windowManager(*connection);
@@ -86,7 +74,22 @@ std::set<qint32> examineX11(DesktopFacts &facts) {
     facts.isRunning = X11Instance::isThere(*connection);
     facts.canGrabTab = canGrab(*connection, keyboard, keyCode::tab);
     facts.canGrabEscape = canGrab(*connection, keyboard, keyCode::escape);
-    return processesWithWindows(*connection);
+}
+
+std::set<qint32> processesWithWindows() {
+    const auto connection = X11Connection::open();
+    if (!connection) {
+        return {};
+    }
+    std::set<qint32> processes;
+    const auto windows =
+        connection->values(connection->askValues(connection->root(), connection->atom("_NET_CLIENT_LIST")));
+    for (const std::uint32_t window : windows) {
+        for (const auto pid : connection->values(connection->askValues(window, connection->atom("_NET_WM_PID")))) {
+            processes.insert(static_cast<qint32>(pid));
+        }
+    }
+    return processes;
 }
 
 bool isProgramRunning() {

@@ -8,11 +8,14 @@
 
 namespace platform::desktop {
 
-/// Fills in what the X server knows: display, window manager, status area, compositor, clipboard manager, key grabs.
-/// Gives the processes that have windows there.
-std::set<qint32> examineX11(DesktopFacts &facts);
+/// Fills in what the X server knows: display, window manager, tray, compositor, clipboard manager, key grabs, and
+/// whether Quillory runs.
+void examineX11(DesktopFacts &facts);
 
-/// Whether the program runs on the display; false also where there is no display.
+/// The processes that have windows on the X display.
+[[nodiscard]] std::set<qint32> processesWithWindows();
+
+/// Whether Quillory runs on the display; false also without a display.
 [[nodiscard]] bool isProgramRunning();
 
 } // namespace platform::desktop

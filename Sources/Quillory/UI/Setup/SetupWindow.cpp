@@ -21,12 +21,14 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace quillory::ui {
 
 namespace {
 constexpr QSize initialSize(600, 640);
+constexpr std::chrono::seconds watchInterval(2);
 
 /// The user is asked before what may lose something of his.
 bool isAgreed(QWidget *parent, const Offer &offer) {
@@ -65,6 +67,8 @@ SetupWindow::SetupWindow(SetupWork work)
     resize(size().boundedTo(room.size() * 0.9));
     move(room.center() - rect().center());
     m_key->focusField();
+    connect(&m_watchTimer, &QTimer::timeout, this, &SetupWindow::watch);
+    m_watchTimer.start(watchInterval);
     look();
 }
 
@@ -105,7 +109,7 @@ template <typename Work, typename Done> void SetupWindow::start(const QString &s
         });
     });
     if (!task) {
-        setBusy(false, QStringLiteral("The system has no thread to give; try again later."));
+        setBusy(false, QStringLiteral("The system could not start another thread. Try again later."));
     }
 }
 
@@ -113,6 +117,25 @@ void SetupWindow::look() {
     start(
         QStringLiteral("Looking…"), [work = m_work](const std::stop_token &stop) { return work.look(stop); },
         [this](const std::vector<Finding> &findings) { show(findings); });
+}
+
+/// Shows that a program has been closed and opened again without the user's asking.
+void SetupWindow::watch() {
+    if (m_isBusy || m_isWatching) {
+        return;
+    }
+    const auto task = m_tasks.start([this, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
+        platform::current().mainQueue.post([this, life, found = m_work.lookForChanges(stop)] {
+            if (life.expired()) {
+                return;
+            }
+            m_isWatching = false;
+            if (found && !m_isBusy) { // a look that is under way will show it
+                show(*found);
+            }
+        });
+    });
+    m_isWatching = task.has_value();
 }
 
 void SetupWindow::show(std::vector<Finding> findings) {
@@ -135,7 +158,7 @@ void SetupWindow::show(std::vector<Finding> findings) {
     const QString ready = isAtWork(findings)
                               ? QStringLiteral("Everything is ready. Click into WhatsApp's message box and type.")
                               : QStringLiteral("Everything is in order. Start Quillory now.");
-    const QString verdict = m_canWork ? ready : QStringLiteral("Something is missing still.");
+    const QString verdict = m_canWork ? ready : QStringLiteral("Something is still missing.");
     m_status->setText(m_outcome.isEmpty() ? verdict : m_outcome + u' ' + verdict);
 }
 

@@ -6,6 +6,7 @@
 #include "Quillory/Tasks.h"
 
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 class QPushButton;
@@ -33,6 +34,7 @@ class SetupWindow final : public QWidget {
     /// Runs work off the main thread, then done() on it with what came of it.
     template <typename Work, typename Done> void start(const QString &said, Work work, Done done);
     void look();
+    void watch();
     void show(std::vector<Finding> findings);
     void orderFocus(const QWidget &page);
     void mend(const Finding &finding);
@@ -50,6 +52,8 @@ class SetupWindow final : public QWidget {
     /// What had the focus when work began.
     QPointer<QPushButton> m_pressed;
     bool m_isBusy = false;
+    bool m_isWatching = false;
+    QTimer m_watchTimer;
     bool m_canWork = false;
     bool m_hasMended = false;
     /// What the last change said, shown until the next one.
