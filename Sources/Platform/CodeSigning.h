@@ -18,20 +18,20 @@ struct SigningInformation {
     QString version;
 };
 
-/// Who watches a long piece of work, and may end it.
+/// Lets a caller follow a long operation and stop it.
 struct Watch {
     std::stop_token stop;
-    /// Told now and then how much is done, from 0 to 1, on the thread that works. May be empty.
+    /// Called with the part that is done, from 0 to 1, on the working thread. May be empty.
     std::function<void(double)> progress;
 };
 
-/// Tells who made an application bundle. Safe to use from any thread; reads the whole bundle.
+/// Tells who made an application bundle. Any thread; each call reads the whole bundle.
 class CodeSigning {
   public:
     virtual ~CodeSigning() = default;
-    /// Absent unless the bundle is this application's for this kind of machine, its signature verifies under a key that
-    /// is trusted for the team, and its files are exactly those that were signed. Any error means absent. Throws
-    /// CancellationError only.
+    /// Absent unless the bundle is this application, built for this kind of machine, its signature verifies under a key
+    /// that is trusted for the team, and its files are exactly those that were signed. Any error means absent. Throws
+    /// nothing but CancellationError.
     [[nodiscard]] virtual std::optional<SigningInformation> signingInformation(const QString &bundle,
                                                                                const Watch &watch) const = 0;
 };

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The maintainer's tool: makes keys, signs bundles, hands over from one key to the next. Docs/releasing.md tells when.
+// The maintainer's tool for making keys, signing bundles and replacing keys. Docs/releasing.md says when to use it.
 #include "Platform/FileSystem.h"
 #include "Platform/Linux/FileDescriptor.h"
 #include "Platform/Linux/Updates/FileTree.h"
@@ -24,19 +24,19 @@ constexpr auto usage = R"(Usage:
   quillory-sign make-key TEAM KEYFILE          make a secret key and print the line for Packaging/UpdateKeys
   quillory-sign show-key KEYFILE               print that line again
   quillory-sign sign KEYFILE VERSION BUNDLE    write the bundle's manifest and sign it
-  quillory-sign verify BUNDLE [--as PREVIOUS]  verify a bundle by the keys that are in it, or, as users' programs will,
-                                               by those in the previous release's bundle
+  quillory-sign verify BUNDLE [--as PREVIOUS]  verify a bundle by its own keys or, as an installed program will, by
+                                               those in the previous release's bundle
   quillory-sign rotate OLDKEYFILE NEWKEYFILE   print the statement for Packaging/UpdateKeys.rotations
 
-TEAM is 10 upper-case letters and digits. Only for the team that the programs of this build look for is anything signed.
-A key file is secret: keep it off this repository and off the web.
+TEAM is 10 upper-case letters and digits. Bundles are only signed for the team whose updates this build takes.
+A key file is secret: keep it out of the repository and off the web.
 )";
 
 desktop::SigningKey readKey(const QString &path) {
     QFile file(path);
     const auto key = file.open(QIODevice::ReadOnly) ? desktop::SigningKey::parsed(file.read(4096)) : std::nullopt;
     if (!key) {
-        throw platform::FileError(path.toStdString() + " is not a key file that can be read.");
+        throw platform::FileError(path.toStdString() + " is not a readable key file.");
     }
     return *key;
 }
@@ -49,7 +49,7 @@ int printLine(const desktop::SigningKey &key) {
 int makeKey(const QString &team, const QString &path) {
     static const QRegularExpression form(QStringLiteral("^[A-Z0-9]{10}$"));
     if (!form.match(team).hasMatch()) {
-        throw platform::FileError("A team is 10 upper-case letters and digits.");
+        throw platform::FileError("TEAM must be 10 upper-case letters and digits.");
     }
     const auto key = desktop::SigningKey::generated(team);
     const QByteArray text = key.written();
@@ -60,13 +60,14 @@ int makeKey(const QString &team, const QString &path) {
     return printLine(key);
 }
 
-/// A program takes updates of one team alone, which it was built with, whatever keys its bundle names.
+/// A program takes updates only from the team that it was built with, whatever keys its bundle names.
 void checkTeam(const QString &team) {
     if (team != expectedTeam) {
-        throw platform::FileError(QStringLiteral("The programs of this build take updates of the team %1 only, not of "
-                                                 "%2. QUILLORY_TEAM_ID in the environment of ./dev sets theirs.")
-                                      .arg(expectedTeam, team)
-                                      .toStdString());
+        throw platform::FileError(
+            QStringLiteral("This build takes updates of the team %1 only, not of %2. To change that, "
+                           "set QUILLORY_TEAM_ID in the environment of ./dev.")
+                .arg(expectedTeam, team)
+                .toStdString());
     }
 }
 
@@ -76,7 +77,7 @@ void sign(const QString &keyFile, const QString &version, const QString &bundle)
     desktop::signBundle(bundle, version, desktop::LinuxCodeSigning::hostArchitecture(), key);
 }
 
-/// Whether users who run the previous release are offered that one.
+/// Throws unless users of the previous release can install this one.
 void checkSuccession(const platform::SigningInformation &next, const QString &previousBundle) {
     const auto previous = desktop::LinuxCodeSigning::ofBundle(previousBundle).signingInformation(previousBundle, {});
     if (!previous) {
@@ -84,9 +85,10 @@ void checkSuccession(const platform::SigningInformation &next, const QString &pr
     }
     checkTeam(previous->teamIdentifier);
     if (!quillory::isNewer(next.version, previous->version)) {
-        throw platform::FileError(QStringLiteral("Version %1 is not newer than %2, so nobody will install it.")
-                                      .arg(next.version, previous->version)
-                                      .toStdString());
+        throw platform::FileError(
+            QStringLiteral("Version %1 is not newer than %2, so no installed program would take it.")
+                .arg(next.version, previous->version)
+                .toStdString());
     }
 }
 
@@ -110,7 +112,7 @@ int rotate(const QString &oldFile, const QString &newFile) {
     const auto newKey = readKey(newFile);
     const auto oldKey = readKey(oldFile);
     if (newKey.team() != oldKey.team()) {
-        throw platform::FileError("The two keys are not of one team.");
+        throw platform::FileError("The two keys belong to different teams.");
     }
     std::cout << desktop::rotationStatement(oldKey, newKey.publicKey()).constData();
     return 0;

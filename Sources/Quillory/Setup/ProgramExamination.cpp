@@ -22,9 +22,9 @@ void examineService(ProgramFacts &facts, const std::stop_token &stop) {
         request.url = OpenRouterClient::ofCurrent().serviceURL();
         request.timeout = patience;
         facts.serviceHost = request.url.host();
-        // Any answer will do: the path is for requests with a key, and this one has none.
+        // Any HTTP answer will do: without a key, the service refuses the request.
         if (!platform::current().urlSession.data(request, stop).statusCode) {
-            facts.serviceFault = facts.serviceHost + QStringLiteral(" gives an answer that is not HTTP");
+            facts.serviceFault = facts.serviceHost + QStringLiteral(" does not answer with HTTP");
         }
     } catch (const RewriteError &error) {
         facts.serviceFault = error.description();
@@ -32,7 +32,7 @@ void examineService(ProgramFacts &facts, const std::stop_token &stop) {
         facts.serviceFault =
             facts.serviceHost + QStringLiteral(" cannot be reached: ") + QString::fromUtf8(error.what());
     } catch (const platform::CancellationError &) {
-        facts.serviceFault = QStringLiteral("was not waited for");
+        facts.serviceFault = QStringLiteral("the check was stopped");
     }
 }
 
@@ -44,9 +44,9 @@ ProgramFacts examineProgram(const std::stop_token &stop) {
     const QString key = text::trimmed(AppSettings::shared().apiKey());
     facts.hasKey = !key.isEmpty();
     facts.isKeyKept = AppSettings::shared().isKeySet();
-    // A key with a line break in it is never sent.
+    // Such a key would never be sent.
     if (facts.hasKey && enteredKey(key).key != key) {
-        facts.keyFault = QStringLiteral("the key holds a space, a line break or a character that no key has");
+        facts.keyFault = QStringLiteral("the key contains a space, a line break or another character that no key has");
     }
     facts.areSuggestionsOn = AppSettings::shared().store().boolean(settingsKey::enabled);
     examineService(facts, stop);

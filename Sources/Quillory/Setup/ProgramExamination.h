@@ -8,9 +8,9 @@
 
 namespace quillory {
 
-/// Looks at the program's own set-up through the installed platform: its key, and whether the model service can be
-/// reached, for which one request goes out that carries no key. May take some seconds, and gives what it has once the
-/// token asks to stop; not on the main thread of a program that has windows.
+/// Examines Quillory's own set-up: its key, and whether the model service can be reached, to which it sends one request
+/// without the key. May take some seconds, and returns what it has once asked to stop; not for the main thread of a
+/// program with windows.
 [[nodiscard]] ProgramFacts examineProgram(const std::stop_token &stop);
 
 } // namespace quillory

@@ -17,8 +17,8 @@ QString entryPath() {
     return QFileInfo(folders::configuration()).path() + QStringLiteral("/autostart/quillory.desktop");
 }
 
-/// A path as an argument in a desktop entry: quoted, and "%" doubled, which begins a field code there. A backslash is
-/// undone twice, as in a string and then as in a quoted argument.
+/// A path as a quoted argument in a desktop entry. Desktops undo backslashes twice, first for the string and then for
+/// the quotes, and take "%" for the beginning of a field code.
 QByteArray quoted(const QString &path) {
     QString text = path;
     for (const QString &special :
@@ -49,7 +49,7 @@ bool isOn() {
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
-    // Desktops switch an entry off in either of these ways.
+    // Desktops switch an entry off in one of these two ways.
     constexpr qint64 longest = 64 * 1024;
     const QByteArray text = '\n' + file.read(longest) + '\n';
     return !text.contains("\nHidden=true\n") && !text.contains("\nX-GNOME-Autostart-enabled=false\n");

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// Whether the program starts with the user's session: an entry in the folder that desktops start programs from.
+/// Whether Quillory starts at login: an entry in the folder from which desktops start programs.
 namespace platform::desktop::autostart {
 
 [[nodiscard]] bool isOn();
-/// Whether that worked. The entry starts this very executable, or the package's in its place.
+/// Returns whether that worked. The entry starts this executable, or the one of an installed package.
 [[nodiscard]] bool set(bool on);
 
 } // namespace platform::desktop::autostart

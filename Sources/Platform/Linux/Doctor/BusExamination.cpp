@@ -14,7 +14,7 @@ namespace {
 using namespace atspi;
 using namespace std::chrono_literals;
 constexpr auto answerTime = 1s;
-// For what may have to be started first.
+// The service may have to be started first.
 constexpr auto startTime = 3s;
 constexpr std::size_t maxApplications = 500;
 
@@ -40,8 +40,8 @@ std::optional<bool> isEnabled(Connection &session) {
     return session.call(calls::isAccessibilityOn(), within(answerTime)).as<bool>();
 }
 
-/// An application's own entry on the accessibility bus; null when it has none. One that lives in a sandbox is there
-/// behind another process, which is then none of those listed.
+/// An application's entry on the accessibility bus; null when it has none. A sandboxed application is on the bus
+/// through a proxy, whose process is none of those listed.
 const Handle *entryOf(const ApplicationFacts &application, const std::vector<Handle> &roots,
                       const std::vector<ApplicationFacts> &listed) {
     LinuxWorkspace workspace(nullptr);

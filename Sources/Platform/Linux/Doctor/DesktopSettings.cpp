@@ -9,7 +9,7 @@ namespace platform::desktop::desktopSettings {
 
 namespace {
 
-/// What the tool prints; absent when there is none, it fails, or it takes too long.
+/// The output of gsettings; absent when it is not installed, fails, or takes too long.
 std::optional<QByteArray> askTool(const QStringList &verbAndValue) {
     constexpr int patience = 3000;
     QStringList arguments{verbAndValue.first(), QStringLiteral("org.gnome.desktop.interface"),

@@ -4,12 +4,12 @@
 
 #include <optional>
 
-/// The desktop's own setting for accessibility, which counts from the next login on. Kept by GSettings, which not every
+/// The desktop's setting for accessibility, which takes effect at the next login. It is in GSettings, which not every
 /// desktop has.
 namespace platform::desktop::desktopSettings {
 
 [[nodiscard]] std::optional<bool> isAccessibilityKept();
-/// Whether it could be stored.
+/// Returns whether it could be stored.
 bool keepAccessibility();
 
 } // namespace platform::desktop::desktopSettings

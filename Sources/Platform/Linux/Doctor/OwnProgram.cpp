@@ -13,7 +13,7 @@ namespace {
 /// What the system adds to the name of a file that has none any more.
 const QString removedMark = QStringLiteral(" (deleted)");
 
-/// As /proc shows it, whatever links lead there. Empty when there is no such folder.
+/// Without symbolic links, as in /proc. Empty when there is no such folder.
 QString applicationsFolder() {
     const QString folder = QFileInfo(applications::folder()).canonicalFilePath();
     return folder.isEmpty() ? folder : folder + u'/';

@@ -4,16 +4,16 @@
 
 #include <QString>
 
-/// Where a later process finds the program that runs now.
+/// Where to find the running program again, even after an update.
 namespace platform::desktop::ownProgram {
 
-/// What /proc/self/exe leads to.
+/// The target of /proc/self/exe.
 [[nodiscard]] QString executable();
-/// The path at which the program stands. An update that replaced it since leaves the running one without a name, or
-/// under one that was its own for an instant; then it is the path of what took its place.
+/// The path to start the program from. If an update has replaced the running one since, that is the path of the new
+/// one.
 [[nodiscard]] QString path(const QString &running = executable());
-/// The program that a login starts: where the one given is the user's own and a package has one too, the package's.
-/// That gives way to a newer own one by itself, and is still there when the user removes the own one.
+/// The program to start at login: for the user's own copy, the packaged one if there is one. That prefers a newer own
+/// copy by itself, and is still there when the user removes it.
 [[nodiscard]] QString atLogin(const QString &own, const QString &packaged = QStringLiteral("/usr/bin/quillory"));
 
 } // namespace platform::desktop::ownProgram

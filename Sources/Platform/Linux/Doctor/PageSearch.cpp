@@ -24,7 +24,7 @@ std::optional<Rect> rectangle(const Reply &reply) {
                    : std::nullopt;
 }
 
-/// A walk level by level through everything that an application shows.
+/// Walks level by level through an application's whole tree.
 class PageWalk {
   public:
     PageWalk(Connection &bus, Deadline deadline) : m_bus(bus), m_deadline(deadline) {}
@@ -50,7 +50,7 @@ class PageWalk {
         Kind kind;
     };
 
-    /// Looks at the elements of a level and gives those of the next one.
+    /// Asks about the elements of a level and returns those of the next.
     std::vector<Place> belowOf(std::vector<Place> &level) {
         std::vector<Place> next;
         for (Place &place : level) {
@@ -65,7 +65,7 @@ class PageWalk {
             });
             m_questions.ask(calls::states(place.element), [this, &place](const Reply &reply) {
                 const States states = place.kind.states = reply.as<States>().value_or(States());
-                // What lies inside an editor is editable too, but only the editor itself takes the focus.
+                // Parts of an editor are editable too, but only the editor itself takes the focus.
                 if (place.page != noPage && states.has(State::editable) && states.has(State::focusable)) {
                     askAboutField(place);
                 }
@@ -73,7 +73,7 @@ class PageWalk {
             m_questions.ask(calls::children(place.element),
                             [this, &place, &next](const Reply &reply) { addChildren(place, reply, next); });
         }
-        // What was learnt raises questions of its own.
+        // The answers raise further questions.
         while (!m_questions.isEmpty()) {
             m_facts.isWhole = m_questions.run(m_bus, m_deadline) && m_facts.isWhole;
         }
@@ -142,10 +142,10 @@ std::optional<PagesFacts> findPages(Connection &bus, const ElementRef &applicati
         PageWalk walk(bus, deadline);
         walk.run(*windows);
         hasAnswered = hasAnswered || walk.isAnswered();
-        if (walk.facts().isWhole || !found.isWhole) { // one that was cut short knows less than a whole one before it
+        if (walk.facts().isWhole || !found.isWhole) { // a walk that was cut short may know less than an earlier one
             found = walk.facts();
         }
-        // A page that is still being built grows from look to look.
+        // A page that is still being built grows from walk to walk.
         isSettled = walk.facts().isWhole && hasField(found) && walk.elements() == elementsBefore;
         elementsBefore = walk.elements();
         if (!isSettled) {

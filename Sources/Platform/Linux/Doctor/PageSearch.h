@@ -7,8 +7,8 @@
 
 namespace platform::desktop {
 
-/// The pages that an application shows on the accessibility bus, with the fields in them. Reads no text. Waits a moment
-/// for a browser that builds its tree only when it is asked. Absent when the application did not answer.
+/// The pages of an application on the accessibility bus, with their fields but without text. Waits up to three seconds
+/// for a browser that builds its tree only when asked. Absent when the application did not answer.
 [[nodiscard]] std::optional<PagesFacts> findPages(atspi::Connection &bus, const atspi::ElementRef &application);
 
 } // namespace platform::desktop

@@ -30,14 +30,14 @@ std::vector<qint32> ownProcesses() {
     return processes;
 }
 
-/// A display's name without the number of the screen, which programs leave out or not.
+/// A display's name without the screen number, which is optional.
 QByteArray displayName(const QByteArray &display) {
     static const QRegularExpression screen(QStringLiteral("(:\\d+)\\.\\d+$"));
     return QString::fromLocal8Bit(display).replace(screen, QStringLiteral("\\1")).toLocal8Bit();
 }
 
-/// Whether a process was started for the display that we are on; absent where it does not tell. One user may have
-/// several sessions, and Chromium writes its command line over its environment.
+/// Whether a process was started for our display, since a user may have several sessions. Absent when its environment
+/// does not say: Chromium writes its command line over it.
 std::optional<bool> isOnOurDisplay(qint32 pid) {
     QFile file(QStringLiteral("/proc/%1/environ").arg(pid));
     if (!file.open(QIODevice::ReadOnly)) {

@@ -8,9 +8,8 @@
 
 namespace platform::desktop {
 
-/// The user's running programs of this session that have a bundle identifier (browsers, chat programs), each once,
-/// without the helper processes that they start. withWindows: the processes that have windows on the X display.
-/// Nothing is known of their trees yet.
+/// The user's running browsers and chat programs (all programs with a bundle identifier) in this session, without their
+/// helper processes and without their trees. withWindows: the processes that have windows on the X display.
 [[nodiscard]] std::vector<ApplicationFacts> runningApplications(const std::set<qint32> &withWindows,
                                                                 SessionType session);
 

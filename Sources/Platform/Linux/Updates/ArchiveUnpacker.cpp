@@ -29,12 +29,12 @@ constexpr mode_t specialBits = 07000;
     throw UnpackError((QStringLiteral("the archive ") + why).toStdString());
 }
 
-/// Warnings count: a wrong checksum and a failed write are no more to libarchive.
+/// Warnings are errors here: to libarchive, a wrong checksum or a failed write is only a warning.
 void check(la_ssize_t result, archive *from) {
     if (result < ARCHIVE_OK) {
         const char *const words = archive_error_string(from);
         refuse(QStringLiteral("could not be unpacked: ") +
-               QString::fromLocal8Bit(words == nullptr ? "it is broken" : words));
+               QString::fromLocal8Bit(words == nullptr ? "it is damaged" : words));
     }
 }
 
@@ -42,7 +42,7 @@ struct Item {
     QByteArray path;
     bool isFolder = false;
     mode_t mode = 0;
-    /// What the archive says.
+    /// According to the archive.
     qint64 size = 0;
 };
 
@@ -50,12 +50,12 @@ struct Item {
 class Reader {
   public:
     explicit Reader(const QString &path) {
-        // By the directory at its end only: without that, a piece of an archive would pass for a whole one.
+        // Only by the directory at its end. The streaming reader would take a piece of an archive for a whole one.
         archive_read_support_format_zip_seekable(get());
         check(archive_read_open_filename(get(), QFile::encodeName(path).constData(), blockSize), get());
     }
     [[nodiscard]] archive *get() const { return m_archive.get(); }
-    /// The next item; absent at the end. Throws for one that must not be unpacked.
+    /// The next item; absent at the end. Throws for an item that must not be unpacked.
     std::optional<Item> next() {
         const int result = archive_read_next_header(get(), &m_entry);
         if (result == ARCHIVE_EOF) {
@@ -71,18 +71,18 @@ class Reader {
         const mode_t mode = archive_entry_perm(m_entry);
         const bool isLink = archive_entry_hardlink(m_entry) != nullptr || archive_entry_symlink(m_entry) != nullptr;
         if (isLink || (type != AE_IFREG && type != AE_IFDIR)) {
-            refuse(QStringLiteral("holds what is neither a file nor a folder"));
+            refuse(QStringLiteral("holds something that is neither a file nor a folder"));
         }
         if ((mode & specialBits) != 0) {
-            refuse(QStringLiteral("holds a file that would run as somebody else"));
+            refuse(QStringLiteral("holds a file that would run as another user"));
         }
         if (archive_entry_is_encrypted(m_entry) != 0) {
             refuse(QStringLiteral("is encrypted"));
         }
-        // Other methods may want memory by the hundred megabytes.
+        // Other compression methods may need hundreds of megabytes of memory.
         const QByteArray form(archive_format_name(get()));
         if (!form.contains("(deflation)") && !form.contains("(uncompressed)")) {
-            refuse(QStringLiteral("is packed by a method that updates are not"));
+            refuse(QStringLiteral("uses a compression method that updates do not use"));
         }
         QByteArray path(archive_entry_pathname(m_entry));
         const bool isFolder = type == AE_IFDIR;
@@ -90,7 +90,7 @@ class Reader {
             path.chop(1);
         }
         if (!isSafePath(path)) {
-            refuse(QStringLiteral("holds a name that leads elsewhere or cannot be shown"));
+            refuse(QStringLiteral("holds a name that leads out of the folder or cannot be displayed"));
         }
         const mode_t fileBits = fileMode | ((mode & executableBits) != 0 ? executableBits : 0);
         return {path, isFolder, isFolder ? folderMode : fileBits, archive_entry_size(m_entry)};
@@ -103,7 +103,7 @@ class Reader {
     archive_entry *m_entry = nullptr;
 };
 
-/// The names of one archive. Two that a person or a careless file system would take for one are a trick.
+/// The names in one archive. Two names that a person or a careless file system could mix up are an attack.
 class Names {
   public:
     void add(const Item &item) {
@@ -114,10 +114,10 @@ class Names {
         if (item.isFolder) {
             addFolder(item.path);
         } else if (!m_alike.insert(alike(item.path)).second) {
-            refuse(QStringLiteral("holds two names that are the same, or nearly so"));
+            refuse(QStringLiteral("holds two names that are the same or look the same"));
         }
     }
-    /// In an order in which they can be made.
+    /// Parents come before their children.
     [[nodiscard]] const std::set<QByteArray> &folders() const { return m_folders; }
 
   private:
@@ -136,8 +136,8 @@ class Names {
     std::set<QByteArray> m_folders;
 };
 
-/// Looks through the whole archive before anything is written.
-Names looked(const QString &path, const QString &folder, qint64 mostBytes, int mostEntries) {
+/// Checks the whole archive before anything is written, and returns its names.
+Names checkedNames(const QString &path, const QString &folder, qint64 mostBytes, int mostEntries) {
     Reader reader(path);
     Names names;
     qint64 total = 0;
@@ -145,7 +145,7 @@ Names looked(const QString &path, const QString &folder, qint64 mostBytes, int m
     while (const std::optional<Item> item = reader.next()) {
         total += item->size;
         if (item->size < 0 || total > mostBytes || ++count > mostEntries) {
-            refuse(QStringLiteral("unpacks to more than an application can be"));
+            refuse(QStringLiteral("unpacks to more than an application may hold"));
         }
         names.add(*item);
     }
@@ -153,12 +153,12 @@ Names looked(const QString &path, const QString &folder, qint64 mostBytes, int m
     const bool isKnown = ::statvfs(QFile::encodeName(folder).constData(), &space) == 0;
     if (isKnown &&
         static_cast<double>(space.f_bavail) * static_cast<double>(space.f_frsize) < static_cast<double>(total)) {
-        refuse(QStringLiteral("unpacks to more than there is room for"));
+        refuse(QStringLiteral("unpacks to more than the disk has room for"));
     }
     return names;
 }
 
-/// Writes files and folders below a folder.
+/// Writes files and folders into a folder.
 class Writer {
   public:
     explicit Writer(const QString &folder) : m_prefix(QFile::encodeName(QFileInfo(folder).canonicalFilePath()) + '/') {
@@ -189,7 +189,7 @@ class Writer {
     QByteArray m_prefix;
 };
 
-/// Copies the data of the item that the reader stands at, and gives its size.
+/// Copies the data of the reader's current item. Returns its size.
 qint64 copyData(const Reader &reader, Writer &writer, qint64 mostBytes, const std::stop_token &stop) {
     const void *bytes = nullptr;
     std::size_t size = 0;
@@ -216,7 +216,7 @@ qint64 copyData(const Reader &reader, Writer &writer, qint64 mostBytes, const st
 void unpackZip(const QString &archive, const QString &folder, const std::stop_token &stop, const UnpackLimits &limits) {
     const qint64 ratioBound = freeOfRatio + QFileInfo(archive).size() * limits.largestRatio;
     const qint64 mostBytes = std::min(limits.mostBytes, ratioBound);
-    const Names names = looked(archive, folder, mostBytes, limits.mostEntries);
+    const Names names = checkedNames(archive, folder, mostBytes, limits.mostEntries);
     Writer writer(folder);
     for (const QByteArray &path : names.folders()) {
         writer.begin({path, true, folderMode, 0});

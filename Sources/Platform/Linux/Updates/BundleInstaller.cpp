@@ -20,15 +20,15 @@ namespace platform::desktop {
 namespace {
 constexpr auto lockName = ".install.lock";
 constexpr mode_t bundleMode = 0755;
-/// For a program on a disk that was asleep.
+/// Long enough for a disk that has to spin up.
 constexpr auto installPatience = std::chrono::seconds(15);
 
-/// What a bundle is called while it is copied; the old one, while it is removed.
+/// The name of a new bundle while it is copied, and of the old one while it is removed.
 QByteArray newName(const QByteArray &name) {
     return '.' + name + ".new";
 }
 
-/// What the old bundle is called for an instant where names cannot be exchanged.
+/// The name of the old bundle for an instant where names cannot be exchanged.
 QByteArray previousName(const QByteArray &name) {
     return name + ".previous";
 }
@@ -39,7 +39,7 @@ bool exists(int folder, const QByteArray &name) {
         return true;
     }
     if (errno != ENOENT) {
-        fileTree::fail(QStringLiteral("%1 could not be looked at").arg(QString::fromUtf8(name)));
+        fileTree::fail(QStringLiteral("%1 could not be examined").arg(QString::fromUtf8(name)));
     }
     return false;
 }
@@ -52,10 +52,10 @@ bool isSame(int folder, const QByteArray &name, int opened) {
 }
 
 void sync(int file) {
-    fileTree::checked(::fsync(file), QStringLiteral("The files could not be brought to the disk"));
+    fileTree::checked(::fsync(file), QStringLiteral("The files could not be written to disk"));
 }
 
-/// Kept while a process changes the folder; none when another one does.
+/// The lock on the folder; empty when another process has it.
 FileDescriptor lock(int folder) {
     const int opened = ::openat(folder, lockName, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
     FileDescriptor file(fileTree::checked(opened, QStringLiteral("The folder of applications could not be locked")));
@@ -90,10 +90,10 @@ void copyFile(int from, int to, const BundleEntry &entry, const std::stop_token 
         fileTree::writeAll(copy.get(), piece);
     });
     fileTree::checked(::fchmod(copy.get(), entry.mode & bundleMode), QStringLiteral("A mode could not be set"));
-    ::sync_file_range(copy.get(), 0, 0, SYNC_FILE_RANGE_WRITE); // it need not wait for the next file
+    ::sync_file_range(copy.get(), 0, 0, SYNC_FILE_RANGE_WRITE); // starts now, while the next file is copied
 }
 
-/// Copies a bundle into a new folder of that name, on the disk when this returns, and gives the open copy.
+/// Copies a bundle into a new folder of that name and syncs it to disk. Returns the open copy.
 FileDescriptor stage(int folder, const QByteArray &name, const QString &found, const std::stop_token &stop) {
     const FileDescriptor from = fileTree::openFolder(found);
     const std::vector<BundleEntry> entries = fileTree::list(from.get());
@@ -137,7 +137,7 @@ void swap(int folder, const QByteArray &other, const QByteArray &name) {
     }
 }
 
-/// Gives the staged bundle the name, whether there is one of that name or not.
+/// Gives the staged bundle the name, whether or not another bundle has it.
 void putInPlace(int folder, const QByteArray &name) {
     if (exists(folder, name)) {
         swap(folder, newName(name), name);
@@ -146,7 +146,7 @@ void putInPlace(int folder, const QByteArray &name) {
     }
 }
 
-/// Gives the name back to the one that had it before the other one took its place.
+/// Gives the name back to the bundle that had it before.
 void takeBack(int folder, const QByteArray &name) {
     const QByteArray staged = newName(name);
     if (exists(folder, previousName(name))) {
@@ -156,11 +156,11 @@ void takeBack(int folder, const QByteArray &name) {
     } else if (exists(folder, staged)) {
         swap(folder, staged, name);
     } else {
-        rename(folder, name, staged); // there was none
+        rename(folder, name, staged); // no bundle had it
     }
 }
 
-/// Gives the name back to the bundle that was on its way to be replaced where names cannot be exchanged.
+/// Gives the name back to the bundle that was about to be replaced where names cannot be exchanged.
 void giveNameBack(int folder, const QByteArray &name) {
     if (!exists(folder, name) && exists(folder, previousName(name))) {
         rename(folder, previousName(name), name);
@@ -168,8 +168,8 @@ void giveNameBack(int folder, const QByteArray &name) {
     }
 }
 
-/// Leaves everything as it was before the install. Throws, and throws nothing away, while the old bundle has not got
-/// its name back.
+/// Leaves everything as it was before the install. When the old bundle cannot be given its name back, it throws and
+/// removes nothing.
 void undo(int folder, const QByteArray &name, bool isInPlace) {
     if (isInPlace) {
         takeBack(folder, name);
@@ -179,7 +179,7 @@ void undo(int folder, const QByteArray &name, bool isInPlace) {
     ::fsync(folder);
 }
 
-/// Under a name that a genuine bundle has.
+/// Removes the leftovers of installs. The bundle under the name must be genuine.
 void removeOthers(int folder, const QByteArray &name) {
     fileTree::remove(folder, previousName(name).constData());
     fileTree::remove(folder, newName(name).constData());
@@ -209,11 +209,11 @@ void BundleInstaller::restore(int folder, const QByteArray &name) const {
     const QByteArray staged = newName(name);
     if (exists(folder, name) && !isGenuine(name) &&
         (isGenuine(previous) || (!exists(folder, previous) && isGenuine(staged)))) {
-        // It was changed in the instant before it took the place, and the install was ended before that was seen.
+        // It was changed just before the exchange, and the install was killed before it noticed.
         takeBack(folder, name);
         sync(folder);
     }
-    // Where nobody can be told to be genuine, none is thrown away.
+    // If none of them is genuine, all of them stay.
     if (!exists(folder, name) || isGenuine(name)) {
         removeOthers(folder, name);
     }
@@ -241,10 +241,10 @@ void BundleInstaller::install(const QString &found, const QByteArray &name, cons
         putInPlace(folder.get(), name);
         isInPlace = true;
         sync(folder.get());
-        // Somebody may have changed it in the instant before.
+        // Another process may have changed it just before the exchange.
         approve(prefix + QFile::decodeName(name));
         if (!isSame(folder.get(), name, copy.get())) {
-            throw FileError("The files were changed by another program meanwhile.");
+            throw FileError("Another program changed the files meanwhile.");
         }
     } catch (...) {
         undo(folder.get(), name, isInPlace);
@@ -257,13 +257,13 @@ void BundleInstaller::recover(const QByteArray &name) const noexcept {
     try {
         const FileDescriptor folder = openFolder();
         if (!hasOthers(folder.get(), name)) {
-            return; // as nearly always
+            return; // the usual case
         }
         if (const FileDescriptor locked = lock(folder.get())) {
             restore(folder.get(), name);
         }
     } catch (const FileError &) {
-        // Nothing has been installed here yet, or it is somebody else's: the next install says so.
+        // Nothing has been installed here yet, or the folder is not safe, which the next install reports.
     }
 }
 

@@ -25,7 +25,7 @@ constexpr mode_t modeBits = 07777;
 
 using Directory = std::unique_ptr<DIR, decltype([](DIR *stream) { ::closedir(stream); })>;
 
-/// The names in a folder, which stays open. Empty when they cannot be read; errno is 0 otherwise.
+/// The names in a folder, which stays open. When they cannot be read, errno says why; otherwise errno is 0.
 std::vector<QByteArray> namesIn(int folder) {
     std::vector<QByteArray> names;
     const int again = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -72,7 +72,7 @@ class Lister {
         const bool isFolder = S_ISDIR(status.st_mode);
         if (entries.size() >= mostEntries || (!isFolder && (!S_ISREG(status.st_mode) || status.st_nlink != 1))) {
             errno = EINVAL;
-            fail(QStringLiteral("A folder holds what does not belong there"));
+            fail(QStringLiteral("A folder holds something that does not belong there"));
         }
         entries.push_back({path, isFolder, status.st_mode & modeBits, isFolder ? 0 : status.st_size, {}});
         if (isFolder) {
@@ -86,7 +86,7 @@ bool removeFolder(int parent, const char *name) {
     if (!folder) {
         return false;
     }
-    ::fchmod(folder.get(), S_IRWXU); // or nothing could be taken out of it
+    ::fchmod(folder.get(), S_IRWXU); // or nothing could be removed from it
     for (const QByteArray &inside : namesIn(folder.get())) {
         remove(folder.get(), inside.constData());
     }
@@ -109,7 +109,7 @@ FileDescriptor openBelow(int folder, const QByteArray &path, int flags) {
         const FileDescriptor next = openBelow(folder, path.first(slash), O_RDONLY | O_DIRECTORY);
         return openBelow(next.get(), path.sliced(slash + 1), flags);
     }
-    // Not waiting for a writer, should it be a pipe by now.
+    // O_NONBLOCK, because a pipe in the file's place would wait for a writer.
     const int opened = ::openat(folder, path.constData(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     return FileDescriptor(checked(opened, QStringLiteral("%1 could not be opened").arg(QString::fromUtf8(path))));
 }

@@ -10,13 +10,13 @@
 #include <functional>
 #include <span>
 
-/// Folders with what is in them, named below an open folder, so that nobody can put another in its place on the way.
-/// No symbolic link is ever followed. What fails throws FileError.
+/// Reads and changes folders. Paths are relative to an open folder, so that no other process can swap a folder on the
+/// way, and symbolic links are never followed. Failures throw FileError.
 namespace platform::desktop::fileTree {
 
-/// Throws FileError: what could not be done, and the reason that the system gave last.
+/// Throws FileError with what could not be done and the reason in errno.
 [[noreturn]] void fail(const QString &what);
-/// Throws FileError unless the result of a call is 0 or more.
+/// The result of a system call; throws FileError when it is negative.
 template <typename Result> Result checked(Result result, const QString &what) {
     if (result < 0) {
         fail(what);
@@ -25,21 +25,21 @@ template <typename Result> Result checked(Result result, const QString &what) {
 }
 
 [[nodiscard]] FileDescriptor openFolder(const QString &path);
-/// Opens a file or folder below a folder; names with "/" are opened folder by folder.
+/// Opens a file or folder below a folder, one component of its path after the other.
 [[nodiscard]] FileDescriptor openBelow(int folder, const QByteArray &path, int flags = O_RDONLY);
-/// Reads to the end; the function gets each piece.
+/// Reads to the end and hands each piece to the function.
 void readAll(int file, const std::function<void(std::span<const char>)> &take);
 void writeAll(int file, std::span<const char> bytes);
-/// The content of a plain file, absent when there is none or it is larger.
+/// The content of a regular file; absent when there is none, or when it is larger than allowed.
 [[nodiscard]] std::optional<QByteArray> content(int folder, const char *name, qint64 largest);
 
-/// Everything below a folder, in order of path, without the digests. Throws for what is neither file nor folder, for a
-/// file with a second name, and beyond all bounds.
+/// Everything below a folder, sorted by path, without digests. Throws for anything but files and folders, for a file
+/// with a second hard link, and for too many or too deep entries.
 [[nodiscard]] std::vector<BundleEntry> list(int folder);
-/// SHA-256 of a file, in lower-case hexadecimal digits; the function hears the size of each piece.
+/// SHA-256 of a file in lower-case hexadecimal digits. The function is told the size of each piece that was read.
 [[nodiscard]] QByteArray digestOf(int folder, const QByteArray &path,
                                   const std::function<void(std::size_t)> &onPiece = {});
-/// Removes a file, or a folder with all that is in it. False when something is left.
+/// Removes a file, or a folder and everything in it. False when something is left.
 bool remove(int parent, const char *name) noexcept;
 
 } // namespace platform::desktop::fileTree

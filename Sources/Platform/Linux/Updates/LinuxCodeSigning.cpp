@@ -24,7 +24,7 @@ bool isSealing(const BundleEntry &entry) {
     return entry.path == bundleName::manifest || entry.path == bundleName::signature;
 }
 
-/// What stands in a bundle, but for the manifest and its signature.
+/// Everything in a bundle except for the manifest and its signature.
 std::vector<BundleEntry> contentsOf(int bundle) {
     std::vector<BundleEntry> entries = fileTree::list(bundle);
     std::erase_if(entries, [](const BundleEntry &entry) { return isSealing(entry) && entry.mode == plainFile; });
@@ -76,7 +76,7 @@ bool digestsAgree(int bundle, const Manifest &manifest, const Watch &watch) {
     return true;
 }
 
-/// Users are shown the one and updated by the other.
+/// Throws unless Info.json names the manifest's version: users see the one, and updates go by the other.
 void checkVersion(int bundle, const QString &version) {
     const auto text = fileTree::content(bundle, bundleName::information, largestText);
     const QJsonObject information = QJsonDocument::fromJson(text.value_or(QByteArray())).object();

@@ -8,17 +8,17 @@
 
 namespace platform::desktop {
 
-/// The identifier of this application, as bundles state it.
+/// The identifier of this application in the manifests of its bundles.
 inline const QString applicationIdentifier = QStringLiteral("org.quillory.Quillory");
 
-/// Verifies a bundle by its manifest and the detached signature beside it. A team may have handed over to another key
-/// since: statements of that, in the bundle, are followed from the keys trusted here.
+/// Verifies a bundle by its manifest and the detached signature beside it. A team may have changed its key: statements
+/// in the bundle that say so are followed, starting from the keys that are trusted here.
 class LinuxCodeSigning final : public CodeSigning {
   public:
     explicit LinuxCodeSigning(TrustedKeys keys, const QString &identifier = applicationIdentifier,
                               const QString &architecture = hostArchitecture());
-    /// Trusting the keys that the bundle of the running program names, and those that they have handed over to; nobody
-    /// when it runs outside of a bundle.
+    /// Trusts the keys that a bundle, such as that of the running program, names, or the keys that replaced them.
+    /// Trusts nobody when there is no bundle.
     [[nodiscard]] static LinuxCodeSigning ofBundle(const QString &bundle);
 
     [[nodiscard]] std::optional<SigningInformation> signingInformation(const QString &bundle,
@@ -32,8 +32,7 @@ class LinuxCodeSigning final : public CodeSigning {
     QString m_architecture;
 };
 
-/// Writes the manifest of a bundle, with these words about it, and its signature. Throws FileError, also for a tree
-/// that no signature could vouch for.
+/// Writes a bundle's manifest and its signature. Throws FileError, also for a bundle that would never verify.
 void signBundle(const QString &bundle, const QString &version, const QString &architecture, const SigningKey &key,
                 const QString &identifier = applicationIdentifier);
 

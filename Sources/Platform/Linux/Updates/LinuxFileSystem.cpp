@@ -20,9 +20,9 @@
 namespace platform::desktop {
 
 namespace {
-/// Whether nobody holds a file or folder of this user's that has not been touched for minutes.
+/// Whether a file or folder of this user was not changed for minutes and is held by nobody.
 bool isAbandoned(const QByteArray &path) {
-    // A download that lives gets bytes or gives up sooner; but a computer may have slept meanwhile.
+    // A running download gets bytes or gives up sooner. The lock protects one that slept with the computer.
     constexpr time_t abandonedAfter = 600;
     const FileDescriptor file(::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
@@ -54,7 +54,7 @@ void LinuxFileSystem::hold(const QString &path) noexcept {
 
 QStringList LinuxFileSystem::contentsOfDirectory(const QString &path) {
     const QString folder = applications::resolved(path);
-    (void)fileTree::openFolder(folder); // says why when it cannot be read
+    (void)fileTree::openFolder(folder); // throws when it cannot be read, which QDir does not report
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
 }
 

@@ -11,11 +11,10 @@
 
 namespace platform::desktop {
 
-/// Files on Linux. A folder that it made stays locked until it removes it, so that no other process takes it for one
-/// that was left behind.
+/// Files on Linux. Held files and folders are locked with flock(), so that no other process takes them for abandoned.
 class LinuxFileSystem final : public FileSystem {
   public:
-    /// Who made a bundle decides what an interrupted install meant to leave.
+    /// signing: see BundleInstaller.
     explicit LinuxFileSystem(const CodeSigning &signing) : m_signing(signing) {}
 
     [[nodiscard]] QString temporaryDirectory() const override;

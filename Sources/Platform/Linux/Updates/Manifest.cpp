@@ -19,7 +19,7 @@ bool isSafeName(const QByteArray &name) {
     return !name.isEmpty() && name != "." && name != "..";
 }
 
-/// The rest of a line that begins with a word and a space; absent when it does not.
+/// The rest of a line after a label and a space; absent when the line does not begin with those.
 std::optional<QString> labelled(const QByteArray &line, const QByteArray &label) {
     if (!line.startsWith(label + ' ')) {
         return std::nullopt;
@@ -27,7 +27,8 @@ std::optional<QString> labelled(const QByteArray &line, const QByteArray &label)
     return QString::fromUtf8(line.sliced(label.size() + 1));
 }
 
-/// "folder MODE PATH" or "file MODE SIZE DIGEST PATH". Whether it is the one way to write it, writing it again tells.
+/// Reads "folder MODE PATH" or "file MODE SIZE DIGEST PATH". That this is the only way to write it is checked later, by
+/// writing it again.
 std::optional<BundleEntry> entryFrom(const QByteArray &line) {
     const bool isFolder = line.startsWith("folder ");
     const QList<QByteArray> words = line.split(' ');

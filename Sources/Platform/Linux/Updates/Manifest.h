@@ -11,13 +11,13 @@
 
 namespace platform::desktop {
 
-/// One file or folder of a bundle.
+/// A file or folder in a bundle.
 struct BundleEntry {
-    /// Below the bundle's folder, with "/" between names.
+    /// Relative to the bundle, with "/" between names.
     QByteArray path;
     bool isFolder = false;
     mode_t mode = 0;
-    /// Of a file, as is the digest.
+    /// Size and digest are only set for files.
     qint64 size = 0;
     /// SHA-256 in lower-case hexadecimal digits.
     QByteArray digest;
@@ -34,22 +34,22 @@ inline constexpr auto program = "quillory";
 inline constexpr auto information = "Info.json";
 } // namespace bundleName
 
-/// Whether a path may stand in a bundle or an archive: relative, clean, readable, of composed characters, and neither
-/// long nor deep.
+/// Whether a path is allowed in a bundle or an archive: relative, without "." and "..", displayable, in Unicode's
+/// normal form C, and neither long nor deep.
 [[nodiscard]] bool isSafePath(const QByteArray &path);
 
-/// What is signed of a bundle: whose it is, and everything in it but the manifest and its signature.
+/// The signed description of a bundle: who made it, and everything in it except for the manifest and its signature.
 struct Manifest {
     QString identifier;
     QString version;
     QString architecture;
     QString team;
-    /// In order of path.
+    /// Sorted by path.
     std::vector<BundleEntry> entries;
 
-    /// The one written form.
+    /// The text form, of which there is exactly one.
     [[nodiscard]] QByteArray written() const;
-    /// Absent for anything but a written form, to the byte.
+    /// Absent unless written() gives the same text, byte for byte.
     [[nodiscard]] static std::optional<Manifest> parsed(const QByteArray &text);
 };
 

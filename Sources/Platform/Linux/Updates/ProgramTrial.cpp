@@ -22,7 +22,7 @@
 namespace platform::desktop {
 
 namespace {
-/// A process that is ended, and forgotten by the system, with this object.
+/// A child process that is killed and reaped with this object.
 class TrialProcess {
   public:
     explicit TrialProcess(pid_t process)
@@ -36,14 +36,14 @@ class TrialProcess {
     TrialProcess(const TrialProcess &) = delete;
     TrialProcess &operator=(const TrialProcess &) = delete;
 
-    /// Without a descriptor of the process, which takes one that is free, the time is waited for.
+    /// Waits for the whole time if the process has no descriptor because none was free.
     [[nodiscard]] bool endsWithin(std::chrono::milliseconds time) const {
         pollfd ended{.fd = m_ended.get(), .events = POLLIN, .revents = 0};
         (void)::poll(&ended, 1, static_cast<int>(time.count()));
         siginfo_t end{};
         return ::waitid(P_PID, static_cast<id_t>(m_process), &end, WEXITED | WNOHANG | WNOWAIT) == 0 && end.si_pid != 0;
     }
-    /// As waitpid() gives it. Waits for the end.
+    /// The status as of waitpid(), which it waits for.
     int takeStatus() {
         int status = -1;
         const pid_t process = std::exchange(m_process, -1);
@@ -57,7 +57,7 @@ class TrialProcess {
     FileDescriptor m_ended;
 };
 
-/// This program's, but that every function is looked for at once and not when it is called first.
+/// This program's environment, but with all functions resolved at once and not on their first call.
 std::vector<char *> trialEnvironment() {
     static char bindsAtOnce[] = "LD_BIND_NOW=1";
     std::vector<char *> variables;
@@ -69,8 +69,8 @@ std::vector<char *> trialEnvironment() {
     return variables;
 }
 
-/// Without files, blocked signals or anybody to talk to, in a group of its own. -1 when it cannot be started; errno
-/// says why.
+/// Starts a program with no open files, input or output and no blocked signals, in a process group of its own. Returns
+/// -1 when it cannot be started, with the reason in errno.
 pid_t spawned(const QByteArray &program) {
     posix_spawn_file_actions_t files{};
     posix_spawnattr_t attributes{};

@@ -11,14 +11,14 @@ namespace platform::desktop {
 
 enum class ProgramTrial {
     works,
-    /// It cannot be loaded, or ends with an error. A genuine program may, on a computer that lacks a library.
+    /// It cannot be loaded or ends with an error, for example because this computer lacks a library.
     fails,
-    /// It took longer than the patience, and was ended.
+    /// It took too long and was killed.
     hangs,
 };
 
-/// Lets a bundle's program say its version, to nobody, with everything that it is linked to. Blocks for as long as that
-/// takes, the patience at most. Throws FileError when nothing can be started at all, and CancellationError.
+/// Runs a bundle's program with --version, its output discarded and all its libraries bound. Blocks until it ends, for
+/// at most the patience. Throws FileError when no process can be started at all, and CancellationError.
 [[nodiscard]] ProgramTrial tryProgram(const QString &bundle, std::chrono::milliseconds patience,
                                       const std::stop_token &stop = {});
 

@@ -15,11 +15,11 @@ const QByteArray keyTitle = "Quillory signing key 1";
 const QByteArray rotationTitle = "Quillory key rotation 1";
 const QByteArray algorithm = "ed25519";
 
-/// The library wants to be asked once before anything else, from any thread.
+/// libsodium must be initialised before any other call; sodium_init() may be called on any thread.
 void prepareSodium() {
     static const bool isReady = sodium_init() >= 0;
     if (!isReady) {
-        qFatal("no source of random numbers");
+        qFatal("libsodium has no source of random numbers");
     }
 }
 
@@ -67,7 +67,7 @@ struct Rotation {
     }
 };
 
-/// From a statement's five lines. That they were written so, the signature tells.
+/// Reads the five lines of a statement. The signature covers their labels.
 std::optional<Rotation> rotationFrom(const QList<QByteArray> &lines) {
     const auto rest = [&lines](qsizetype line) { return lines.at(line).sliced(lines.at(line).indexOf(' ') + 1); };
     const auto oldKey = decodedBytes(rest(2), crypto_sign_PUBLICKEYBYTES);

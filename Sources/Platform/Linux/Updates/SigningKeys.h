@@ -30,11 +30,10 @@ class SigningKey {
     QByteArray m_seed;
 };
 
-/// The public keys that are trusted, each for a team.
+/// Trusted public keys, each for a team.
 class TrustedKeys {
   public:
-    /// From lines "TEAM ed25519 KEY"; empty lines and lines that begin with "#" do not count, and broken ones trust
-    /// nobody.
+    /// Reads lines "TEAM ed25519 KEY". Empty lines, comments that begin with "#" and malformed lines are skipped.
     [[nodiscard]] static TrustedKeys parsed(const QByteArray &text);
     /// One such line.
     [[nodiscard]] static QByteArray line(const QString &team, const QByteArray &publicKey);
@@ -47,15 +46,15 @@ class TrustedKeys {
     [[nodiscard]] bool verify(const QByteArray &message, const QByteArray &signature) const;
     /// Whether a message was signed by the team.
     [[nodiscard]] bool verify(const QString &team, const QByteArray &message, const QByteArray &signature) const;
-    /// The keys after the team has handed over from one to the next: each statement counts when its old key is trusted
-    /// at that point, which then is so no longer.
+    /// The keys after statements that replace one by another. A statement counts only if its old key is trusted at that
+    /// point; from then on the old key no longer is.
     [[nodiscard]] TrustedKeys after(const QByteArray &rotations) const;
 
   private:
     std::set<std::pair<QString, QByteArray>> m_keys;
 };
 
-/// The statement that a team's new key takes the old one's place, signed with the old one.
+/// The statement that a team's new key replaces the old one, signed with the old one.
 [[nodiscard]] QByteArray rotationStatement(const SigningKey &oldKey, const QByteArray &newPublicKey);
 
 } // namespace platform::desktop

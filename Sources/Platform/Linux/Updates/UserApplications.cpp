@@ -17,10 +17,10 @@ namespace {
 const QString programFolder = QStringLiteral("/Applications/");
 constexpr auto bundleFolder = "Quillory.app";
 constexpr qint64 largestBundleManifest = 8 << 20;
-/// A healthy program answers in hundredths of a second, and what it loads for that it has loaded already when it runs.
+/// A healthy program answers in hundredths of a second, and it then starts faster, with its libraries in memory.
 constexpr auto startPatience = std::chrono::seconds(3);
 
-/// The version that the running bundle's manifest states. Nobody has to vouch for it: its program runs already.
+/// The version in the running bundle's manifest. The signature does not matter: its program is running already.
 QString ownVersion(const QString &bundle) {
     const FileDescriptor opened = fileTree::openFolder(bundle);
     const auto text = fileTree::content(opened.get(), bundleName::manifest, largestBundleManifest);

@@ -9,22 +9,22 @@
 
 #include <functional>
 
-/// The user's own applications, of which Quillory is one.
+/// The user's own folder of applications, where updates are installed.
 namespace platform::desktop::applications {
 
 /// The folder that "/Applications" stands for.
 [[nodiscard]] QString folder();
-/// The path on this computer of one that may begin with "/Applications/".
+/// The real path for one that may begin with "/Applications/".
 [[nodiscard]] QString resolved(const QString &path);
-/// The bundle that the running program stands in, whether that is a bundle or just a folder.
+/// The folder of the running program, which is a bundle unless the program was just built.
 [[nodiscard]] QString runningBundle();
 
-/// Whether the user's own Quillory, which is genuine, comes before a running version.
+/// Whether the user's own genuine Quillory should run in place of the running version.
 using Precedence = std::function<bool(const SigningInformation &own, const QString &running)>;
-/// Puts right what an interrupted install left, and gives the program of the user's own Quillory when that takes
-/// precedence over the running one: another bundle, in folders that only the user can change, signed by a team that the
-/// running one trusts, and able to start here. Empty otherwise, and always for a program that was not started from a
-/// signed bundle. Reads the whole bundle, and waits for its program for three seconds at most.
+/// Repairs what an interrupted install left, and returns the program of the user's own Quillory if that takes
+/// precedence over the running one: it is another bundle, in folders that only the user can change, signed by a team
+/// that the running one trusts, and able to start. Empty otherwise, and always when the running program has no signed
+/// bundle. Reads the whole bundle, and waits at most three seconds for its program.
 [[nodiscard]] QByteArray programToPrefer(const QString &running, const Precedence &takesPrecedence);
 
 } // namespace platform::desktop::applications
