@@ -4,93 +4,59 @@
 
 #include <QRegularExpression>
 #include <QSet>
-#include <QStringList>
-
-#include <algorithm>
 
 namespace quillory::demo {
 
+using namespace Qt::StringLiterals;
+
 namespace {
-
-const QString customerMark = QStringLiteral("«customer» ");
-const QString ownMark = QStringLiteral("«you» ");
-
-/// Words that every question has.
-bool saysLittle(const QString &word) {
-    static const QSet<QString> words{
-        QStringLiteral("the"),   QStringLiteral("and"),   QStringLiteral("you"),  QStringLiteral("your"),
-        QStringLiteral("can"),   QStringLiteral("could"), QStringLiteral("does"), QStringLiteral("for"),
-        QStringLiteral("have"),  QStringLiteral("how"),   QStringLiteral("are"),  QStringLiteral("what"),
-        QStringLiteral("when"),  QStringLiteral("where"), QStringLiteral("much"), QStringLiteral("please"),
-        QStringLiteral("there"), QStringLiteral("with"),  QStringLiteral("this"), QStringLiteral("that"),
-        QStringLiteral("from"),  QStringLiteral("long"),  QStringLiteral("will"), QStringLiteral("would")};
-    return word.size() < 3 || words.contains(word);
-}
 
 /// The words that tell questions apart, without the endings of English plurals and verbs.
 QSet<QString> tellingWords(const QString &text) {
-    static const QRegularExpression word(QStringLiteral("\\w+"), QRegularExpression::UseUnicodePropertiesOption);
-    static const QRegularExpression ending(QStringLiteral("(ies|ing|ed|es|s|y)$"));
+    static const QRegularExpression word(
+        u"\\b(?!(?:the|and|your?|can|could|does|for|have|how|are|what|when|where|much|please|there|with|this|that|from|"
+        "long|will|would)\\b)\\w{3,}"_s,
+        QRegularExpression::UseUnicodePropertiesOption);
+    static const QRegularExpression ending(u"(?<=\\w{2})(ies|ing|ed|es|s|y)$"_s);
     QSet<QString> result;
     for (auto matches = word.globalMatch(text.toLower()); matches.hasNext();) {
         const QString found = matches.next().captured();
-        if (!saysLittle(found)) {
-            result.insert(found.size() > 4 ? QString(found).remove(ending) : found);
-        }
+        result.insert(found.size() > 4 ? QString(found).remove(ending) : found);
     }
     return result;
 }
 
 /// The last line that the customer wrote; empty when the business wrote after it.
 QString lastQuestion(const QString &conversation) {
-    QStringList said;
-    const QStringList lines = conversation.split(u'\n', Qt::SkipEmptyParts);
-    for (const QString &line : lines) {
-        if (line.startsWith(ownMark)) {
-            said.clear();
-        } else if (line.startsWith(customerMark)) {
-            said.append(line.sliced(customerMark.size()));
-        }
+    static const QRegularExpression line(u"^«(you|customer)» (.*)$"_s, QRegularExpression::MultilineOption);
+    QString last;
+    for (auto lines = line.globalMatch(conversation); lines.hasNext();) {
+        const auto found = lines.next();
+        last = found.captured(1) == u"you" ? QString() : found.captured(2);
     }
-    return said.isEmpty() ? QString() : said.last();
-}
-
-struct Entry {
-    QString question;
-    QString answer;
-};
-
-std::vector<Entry> entriesOf(const QString &knowledge) {
-    static const QRegularExpression entry(QStringLiteral("^Q: (.*?)\\nA: (.*?)(?=\\n\\nQ: |\\z)"),
-                                          QRegularExpression::MultilineOption |
-                                              QRegularExpression::DotMatchesEverythingOption);
-    std::vector<Entry> entries;
-    for (auto matches = entry.globalMatch(knowledge); matches.hasNext();) {
-        const auto match = matches.next();
-        entries.push_back({match.captured(1), match.captured(2).trimmed()});
-    }
-    return entries;
+    return last;
 }
 
 } // namespace
 
 QString replyTo(const QString &conversation, const QString &knowledge) {
+    static const QRegularExpression entry(u"^Q: (.*?)\\nA: (.*?)(?=\\n\\nQ: |\\z)"_s,
+                                          QRegularExpression::MultilineOption |
+                                              QRegularExpression::DotMatchesEverythingOption);
     const QString question = lastQuestion(conversation);
     const QSet<QString> words = tellingWords(question);
     qsizetype most = 0;
-    QString reply;
-    for (const Entry &entry : entriesOf(knowledge)) {
-        const qsizetype shared = (tellingWords(entry.question) & words).size();
-        if (shared > most) {
+    QString reply = question.contains(u'?') || question.contains(u'؟')
+                        ? u"Let me check that and get back to you shortly."_s
+                        : u"SKIP"_s;
+    for (auto entries = entry.globalMatch(knowledge); entries.hasNext();) {
+        const auto found = entries.next();
+        if (const qsizetype shared = (tellingWords(found.captured(1)) & words).size(); shared > most) {
             most = shared;
-            reply = entry.answer;
+            reply = found.captured(2).trimmed();
         }
     }
-    if (!reply.isEmpty()) {
-        return reply;
-    }
-    const bool isAsked = question.contains(u'?') || question.contains(u'؟');
-    return isAsked ? QStringLiteral("Let me check that and get back to you shortly.") : QStringLiteral("SKIP");
+    return reply;
 }
 
 } // namespace quillory::demo

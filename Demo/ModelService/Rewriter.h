@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "ModelService/Sentence.h"
 #include "ModelService/Speller.h"
 
 #include <QString>
@@ -11,17 +10,17 @@ namespace quillory::demo {
 
 enum class Tone { professional, friendly, concise, grammarOnly };
 
-/// Rewrites chat drafts in English by rules: spelling, shorthand, capitals, marks, and a little tone. The same draft
-/// always gives the same answer. Lines stay lines; other languages, names, numbers, links and emoji stay as they are.
+/// Rewrites chat drafts in English by rules: spelling, shorthand, capitals, punctuation and a little tone. The same
+/// draft always gives the same answer. Line breaks stay, and so do other languages, names, numbers, links and emoji.
+/// Not for several threads at once.
 class Rewriter {
   public:
     [[nodiscard]] QString rewrite(const QString &draft, Tone tone) const;
 
   private:
-    [[nodiscard]] QString rewriteLine(const QString &line, Tone tone, bool lastLine) const;
-    [[nodiscard]] bool isOtherLanguage(const std::vector<Sentence> &sentences) const;
-    void correctWords(Sentence &sentence) const;
-    void correctWord(Word &word, bool afterGreeting) const;
+    [[nodiscard]] bool isOtherLanguage(const QString &line) const;
+    [[nodiscard]] QString withWordsCorrected(const QString &line) const;
+    [[nodiscard]] QString correctedWord(const QString &word, bool followsGreeting) const;
 
     Speller m_speller;
 };

@@ -10,56 +10,36 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <vector>
 
 namespace quillory::demo {
 
 namespace {
 
-constexpr int plausibleScore = 20;
+constexpr qsizetype plausibleScore = 20;
 
-/// Letters to add, drop, replace or swap with their neighbour to get from one word to the other.
-int editDistance(const QString &a, const QString &b) {
-    const auto columns = static_cast<std::size_t>(b.size()) + 1;
-    std::vector<std::vector<int>> rows(static_cast<std::size_t>(a.size()) + 1, std::vector<int>(columns));
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        for (std::size_t j = 0; j < columns; ++j) {
-            if (i == 0 || j == 0) {
-                rows[i][j] = static_cast<int>(i + j);
-                continue;
-            }
-            const auto at = [](const QString &text, std::size_t k) { return text[static_cast<qsizetype>(k)]; };
-            const int replace = rows[i - 1][j - 1] + (at(a, i - 1) == at(b, j - 1) ? 0 : 1);
-            rows[i][j] = std::min({replace, rows[i - 1][j] + 1, rows[i][j - 1] + 1});
-            if (i > 1 && j > 1 && at(a, i - 1) == at(b, j - 2) && at(a, i - 2) == at(b, j - 1)) {
-                rows[i][j] = std::min(rows[i][j], rows[i - 2][j - 2] + 1);
-            }
-        }
-    }
-    return rows.back().back();
-}
-
-/// People leave out the second of two equal letters more often than they write one for another.
-bool differsByDoubling(const QString &word, const QString &candidate) {
-    const auto withoutDoubles = [](const QString &text) {
-        QString result;
-        std::copy_if(text.begin(), text.end(), std::back_inserter(result),
-                     [&](QChar c) { return result.isEmpty() || result.back() != c; });
-        return result;
-    };
-    return withoutDoubles(word) == withoutDoubles(candidate);
+/// The length of the stretch in which two words differ. Two letters that changed places count as one.
+qsizetype difference(const QString &a, const QString &b) {
+    const qsizetype shorter = std::min(a.size(), b.size());
+    const auto prefix = std::mismatch(a.begin(), a.begin() + shorter, b.begin()).first - a.begin();
+    const auto suffix = std::mismatch(a.rbegin(), a.rend() - prefix, b.rbegin(), b.rend() - prefix).first - a.rbegin();
+    const qsizetype differing = std::max(a.size(), b.size()) - prefix - suffix;
+    return differing == 2 && std::is_permutation(a.begin(), a.end(), b.begin(), b.end()) ? 1 : differing;
 }
 
 /// Lower is better; above the plausible score the candidate is no correction.
-int score(const QString &word, const QString &candidate) {
-    const int distance = editDistance(word, candidate);
-    const bool common = words::isCommon(candidate);
-    const bool tooFar = distance > (word.size() >= 7 ? 2 : 1);
-    if (tooFar || (word.size() <= 5 && !common)) {
+qsizetype score(const QString &word, const QString &candidate) {
+    if (candidate.compare(word, Qt::CaseInsensitive) == 0) {
+        return 5; // "friday"
+    }
+    const qsizetype differing = difference(word, candidate);
+    const bool isCommon = words::isCommon(candidate);
+    const bool isTooFar = differing > (word.size() >= 7 ? 3 : word.size() >= 5 ? 2 : 1);
+    if (isTooFar || (word.size() <= 5 && !isCommon) || candidate.contains(u' ') || candidate.contains(u'-')) {
         return plausibleScore + 1;
     }
-    return distance * 10 + (word[0] == candidate[0] ? 0 : 5) - (common ? 6 : 0) -
-           (differsByDoubling(word, candidate) ? 4 : 0);
+    // A letter is forgotten more often than added, and the first one is seldom wrong.
+    return differing * 6 + (candidate.size() < word.size() ? 1 : 0) + (word[0] == candidate[0] ? 0 : 5) -
+           (isCommon ? 6 : 0);
 }
 
 } // namespace
@@ -83,14 +63,10 @@ QString Speller::corrected(const QString &word) const {
         return word;
     }
     QString best = word;
-    int bestScore = plausibleScore + 1;
+    qsizetype bestScore = plausibleScore + 1;
     for (const std::string &suggestion : m_dictionary->suggest(word.toStdString())) {
-        QString candidate = QString::fromStdString(suggestion);
-        if (candidate.compare(word, Qt::CaseInsensitive) == 0) {
-            return candidate;
-        }
-        const int candidateScore = score(word, candidate);
-        if (!candidate.contains(u' ') && !candidate.contains(u'-') && candidateScore < bestScore) {
+        const QString candidate = QString::fromStdString(suggestion);
+        if (const qsizetype candidateScore = score(word, candidate); candidateScore < bestScore) {
             best = candidate;
             bestScore = candidateScore;
         }

@@ -11,7 +11,7 @@ class Hunspell;
 namespace quillory::demo {
 
 /// American English spelling. A correction is made only when it is near and plausible: a name that the dictionary
-/// doesn't know is better left alone than turned into some word. Not for several threads at once.
+/// does not know is better left alone than turned into some word. Not for several threads at once.
 class Speller {
   public:
     /// Throws std::runtime_error when the system has no American English dictionary.
@@ -19,7 +19,7 @@ class Speller {
     ~Speller();
 
     [[nodiscard]] bool knows(const QString &word) const;
-    /// The word itself when it is right or when nothing fits.
+    /// The word itself when it is correct or nothing plausible is near.
     [[nodiscard]] QString corrected(const QString &word) const;
 
   private:

@@ -8,104 +8,75 @@
 
 namespace quillory::demo::words {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-using WordSet = QSet<QString>;
-
-WordSet split(const char *text) {
-    const QStringList list = QString::fromUtf8(text).split(u' ', Qt::SkipEmptyParts);
-    return {list.begin(), list.end()};
-}
-
-/// "short=long form; short=long form"
-QHash<QString, QString> splitPairs(const char *text) {
-    QHash<QString, QString> result;
-    for (const QString &pair : QString::fromUtf8(text).split(u';', Qt::SkipEmptyParts)) {
-        const qsizetype equals = pair.indexOf(u'=');
-        result.insert(pair.left(equals).trimmed(), pair.mid(equals + 1).trimmed());
+/// "full form: short, short; full form: short"
+QHash<QString, QString> tableOf(const QString &text) {
+    QHash<QString, QString> table;
+    for (const QString &entry : text.split(u"; "_s)) {
+        for (const QString &shortForm : entry.section(u": "_s, 1).split(u", "_s)) {
+            table.insert(shortForm, entry.section(u": "_s, 0, 0));
+        }
     }
-    return result;
+    return table;
 }
 
 } // namespace
 
 std::optional<QString> writtenOut(const QString &word) {
-    static const QHash<QString, QString> table = splitPairs(
-        "u=you; ur=your; r=are; i=I; pls=please; plz=please; plss=please; pleas=please; thx=thanks; tnx=thanks;"
-        "thnx=thanks; thanx=thanks; ty=thank you; asap=as soon as possible; btw=by the way; idk=I don't know;"
-        "tmrw=tomorrow; tmr=tomorrow; 2moro=tomorrow; 2morrow=tomorrow; 2day=today; 2nite=tonight; b4=before;"
-        "gr8=great; l8r=later; msg=message; msgs=messages; abt=about; bcz=because; bcoz=because; cuz=because;"
-        "coz=because; hv=have; wat=what; wht=what; wen=when; whr=where; ppl=people; gud=good; alot=a lot;"
-        "gonna=going to; wanna=want to; gotta=have to; gimme=give me; lemme=let me; cud=could; shud=should;"
-        "wud=would; hru=how are you; addr=address; qty=quantity; helo=hello; hallo=hello; hii=hi; helloo=hello;"
-        "cna=can; teh=the; hte=the; adn=and; yuo=you; waht=what; taht=that; yea=yes; yep=yes; w/=with;"
-        "ok=OK; tv=TV;"
-        "dont=don't; cant=can't; wont=won't; didnt=didn't; doesnt=doesn't; isnt=isn't; arent=aren't; wasnt=wasn't;"
-        "havent=haven't; hasnt=hasn't; couldnt=couldn't; wouldnt=wouldn't; shouldnt=shouldn't; im=I'm; ive=I've;"
-        "i'm=I'm; i've=I've; i'll=I'll; i'd=I'd; thats=that's; whats=what's; youre=you're; theyre=they're");
+    static const QHash<QString, QString> table = tableOf(
+        u"you: u, yu, yuo; your: ur; are: r; I: i; why: y; and: n, nd, adn; see you: cya; please: pls, plz, plss, "
+        u"plez, "
+        "pleas; thanks: thx, tnx, thnx, thanx, tks; thank you: ty; thank you so much: tysm; no problem: np; "
+        "as soon as possible: asap; by the way: btw; let me know: lmk; I don't know: idk; never mind: nvm; "
+        "on my way: omw; right now: rn; how are you: hru; tomorrow: tmrw, tmr, tmw, tom, 2moro, 2morrow, tomoro; "
+        "today: 2day, tday; tonight: 2nite, tonite; before: b4; great: gr8; later: l8r; late: l8; wait: w8; "
+        "message: msg; messages: msgs; about: abt; because: bcz, bcoz, becoz, bc, cuz, coz, cos; have: hv, hav; "
+        "what: wat, wht, wut, waht; when: wen; where: whr, wer; with: wid, wth; want: wnt; people: ppl; good: gud; "
+        "a lot: alot; a bit: abit; how: hw; going to: gonna; want to: wanna; have to: gotta; give me: gimme; let me: "
+        "lemme; could: cud; "
+        "should: shud; would: wud; can: cn, cna; address: addr; quantity: qty; hello: helo, hallo, helloo, hlo, hllo; "
+        "hi: hii, hiii; the: teh, hte, da; that: taht, tht; this: ths, dis; from: frm; for: fr; though: tho; "
+        "birthday: bday; yes: yea, yep, ya, yup; sorry: sry, srry; okay: okey; OK: ok, k, okk; "
+        "TV: tv; don't: dont; can't: cant; won't: wont; didn't: didnt; doesn't: doesnt; isn't: isnt, aint; "
+        "aren't: arent; wasn't: wasnt; weren't: werent; haven't: havent; hasn't: hasnt; hadn't: hadnt; "
+        "couldn't: couldnt; wouldn't: wouldnt; shouldn't: shouldnt; I'm: im, i'm; I've: ive, i've; I'll: i'll; "
+        "I'd: i'd; that's: thats; what's: whats; who's: whos; where's: wheres; how's: hows; there's: theres; "
+        "he's: hes; she's: shes; you're: youre; you've: youve; you'll: youll; they're: theyre; we've: weve; "
+        "could have: couldve; should have: shouldve; would have: wouldve"_s);
     const auto found = table.constFind(word);
     return found == table.constEnd() ? std::nullopt : std::optional(*found);
 }
 
 bool isCommon(const QString &word) {
-    static const WordSet set = split(
-        "a able about accept account add address after again all already also am an and another answer any anything "
-        "are around arrive as ask at available away back bad be because been before best better big bill box bring "
-        "business busy but buy by call came can cancel card cash catalog change charge check choose city clear close "
-        "collect color come company confirm contact cost could customer customers date day days deal delay delayed "
-        "deliver delivery deposit details did different discount do does done door down each early email end enough "
-        "every exchange excuse expect expensive fast feel few find fine first for free friend from full get give go "
-        "going good got great had half happy has have he hello help her here him his hold home hope hour hours house "
-        "how if important in information interested into invoice is issue it item items just keep know large last "
-        "late later leave left let like line list little local location long look looking lot made make many may "
-        "maybe me meet meeting message messages mind minute minutes money month more morning most much must my name "
-        "need never new next nice night no not now number of off offer office ok on once one online only open option "
-        "or order orders other our out over own paid part pay payment people phone photo pick picture place please "
-        "possible price prices problem product products quality quantity question questions quick quickly quote ready "
-        "really reason receive received refund regarding reply request return right room sale same saturday say see "
-        "sell send sent service she ship shipping shop short should show size small some something soon sorry "
-        "start still stock stop store sure take talk tell than thank thanks that the their them then there these "
-        "they thing think this those time to today together tomorrow tonight too total try two under understand "
-        "until up update us use very visit wait want was way we week welcome well went were what when where which "
-        "while who why will with without work working would write wrong year yes yesterday yet you your");
-    return set.contains(word);
-}
-
-bool isGreeting(const QString &word) {
-    static const WordSet set = split("hi hello hey dear greetings");
-    return set.contains(word);
-}
-
-bool isRequestVerb(const QString &word) {
-    static const WordSet set = split("send give call tell let share check confirm bring come reply show deliver make "
-                                     "write ship pay update help forward email message book reserve cancel change "
-                                     "keep wait look explain provide arrange add");
-    return set.contains(word);
-}
-
-bool isAuxiliary(const QString &word) {
-    static const WordSet set = split("can could would will should may shall do have has had");
-    return set.contains(word) || opensOnlyQuestions(word);
-}
-
-bool opensOnlyQuestions(const QString &word) {
-    static const WordSet set = split("is are was were does did am isn't aren't doesn't didn't");
-    return set.contains(word);
-}
-
-bool isQuestionWord(const QString &word) {
-    static const WordSet set = split("what where when who why how which whose what's");
-    return set.contains(word);
-}
-
-bool startsSubject(const QString &word) {
-    static const WordSet set = split("i you he she it we they this that these those there the my your our his her "
-                                     "their any anyone someone");
-    return set.contains(word);
-}
-
-bool isFiller(const QString &word) {
-    static const WordSet set = split("just really very actually basically kindly simply literally");
+    static const QStringList list =
+        QString::fromLatin1(
+            "able about accept account add address after again all already also and another answer any anything "
+            "are around arrive arrived ask available away back bad because been before best better big birthday "
+            "boxes breakfast broken business busy but buy cake call came can cancel card change charge cheap "
+            "check choose close collect color come coming company confirm contact cost could customer customers "
+            "date day days deal delay delayed deliver delivered delivery deposit details did different dinner "
+            "discount does doing done door down driver each early email end enough evening every everyone "
+            "everything except exchange expect expensive fast find first for found free friday friend from "
+            "funny get gift give going good great guys had happy has have hello help her here home hope hour "
+            "hours house how important information interested into invoice issue item items just keep know "
+            "large last late later leave left let like list little location long looking make many may maybe "
+            "meant meet meeting message messages minute minutes monday money month more morning most much name "
+            "need never new next night not nothing now number off offer office one online only open order "
+            "ordered orders other others our out own packed paid pay paying payment people phone photo pick "
+            "picture place please possible price prices problem product products quality quantity question "
+            "questions quickly quote ready really reason receipt receive received refund regarding remember "
+            "reply request return right sale same saturday say see send sending sent service she ship shipping "
+            "short should show size small some something soon sorry still stock stop sunday sure take taken "
+            "talk talking tell than thank thanks that the their them then there these they think thinking this "
+            "those thursday time today together tomorrow tonight too total transfer try trying tuesday two "
+            "under understand until update urgent use very visit wait waiting want wanted was way wednesday "
+            "week weekend weeks welcome well went were what when where which while who whole why will with "
+            "without wonder work working would write wrong yes yesterday you your")
+            .split(u' ');
+    static const QSet<QString> set(list.begin(), list.end());
     return set.contains(word);
 }
 
