@@ -8,7 +8,7 @@
 
 namespace quillory::ui {
 
-/// The capsule that takes a suggestion. Dimmed and without effect while disabled.
+/// The capsule-shaped button that accepts a suggestion. While disabled it is dimmed and ignores clicks.
 class AcceptButton final : public QAbstractButton {
   public:
     explicit AcceptButton(QWidget *parent);

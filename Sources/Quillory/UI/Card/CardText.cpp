@@ -160,7 +160,7 @@ void CardText::mouseMoveEvent(QMouseEvent *event) {
     if (!m_selectable || !event->buttons().testFlag(Qt::LeftButton)) {
         return;
     }
-    // A hand that trembles while it double-clicks selects a word, not a letter.
+    // A small movement during a double click must not replace the word with a letter.
     const QPointF moved = event->position() - m_pressedAt;
     m_dragging = m_dragging || moved.manhattanLength() >= QGuiApplication::styleHints()->startDragDistance() / 2.0;
     if (m_dragging) {

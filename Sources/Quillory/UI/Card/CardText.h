@@ -11,26 +11,26 @@
 
 namespace quillory::ui {
 
-/// The text of a card. Plain text always: what a model writes is never taken for mark-up. It can be selected with the
-/// mouse although its window never has the focus: a selection becomes the desktop's primary selection at once, and
-/// the second mouse button asks for the copy menu. Given less height than its text needs it scrolls with the wheel.
+/// The text of a card. It is always plain: what a model writes is never taken for markup. The mouse selects in it
+/// although its window never has the focus: a selection becomes the desktop's primary selection at once, and the right
+/// button asks for the copy menu. Where the text needs more height than the view has, the wheel scrolls it.
 class CardText final : public QWidget {
   public:
     explicit CardText(QWidget *parent);
 
-    /// Gets the place of the menu, in this view's coordinates, and the text to copy.
+    /// Called for the copy menu, with its position in this view's coordinates and the text to copy.
     std::function<void(QPoint, const QString &)> onCopyMenu;
 
     void setStyle(const QFont &font, double lineSpacing, bool selectable);
-    /// Keeps a selection that the new text still holds.
+    /// Keeps the selection if the new text begins with everything up to its end.
     void setText(const QString &text);
-    /// The height that the whole text needs when laid out at this width, in points.
+    /// The height in points that the whole text needs at this width. Lays it out.
     [[nodiscard]] int heightForTextWidth(int width);
     [[nodiscard]] const QString &text() const { return m_lines.text(); }
     [[nodiscard]] QString selectedText() const;
     [[nodiscard]] int scrollOffset() const { return m_offset; }
 
-    /// To the right of the text, for the scroll bar. Part of the view's width.
+    /// The part of the view's width, in points, that is left free for the scroll bar at the right of the text.
     static constexpr int scrollMargin = 10;
 
   protected:

@@ -17,11 +17,11 @@ namespace quillory::ui {
 
 namespace {
 
-// Clicks outside of the panel cannot be seen from here, so an entry that nobody points at goes away by itself.
-constexpr std::chrono::seconds patience{4};
+// Clicks outside the panel do not reach us, so the menu hides after this long without the pointer on it.
+constexpr std::chrono::seconds hideDelay{4};
 constexpr double entryHorizontalPadding = 18;
 constexpr double entryVerticalPadding = 7;
-/// Between the menu and the edges of the panel, and between the menu's edge and its entry.
+/// From the menu to the edges of the panel, and from its own edge to the entry.
 constexpr int menuMargin = 4;
 constexpr double menuRadius = 8;
 constexpr double entryRadius = 5;
@@ -40,8 +40,8 @@ CopyMenu::CopyMenu(QWidget *parent) : QWidget(parent), m_hover(*this) {
     setFocusPolicy(Qt::NoFocus);
     setAccessibleName(label());
     resize(sizeHint());
-    m_forget.setSingleShot(true);
-    m_forget.callOnTimeout([this] { hide(); });
+    m_hideTimer.setSingleShot(true);
+    m_hideTimer.callOnTimeout([this] { hide(); });
     hide();
 }
 
@@ -76,12 +76,12 @@ void CopyMenu::paintEvent(QPaintEvent * /*event*/) {
 }
 
 void CopyMenu::enterEvent(QEnterEvent *event) {
-    m_forget.stop();
+    m_hideTimer.stop();
     QWidget::enterEvent(event);
 }
 
 void CopyMenu::leaveEvent(QEvent *event) {
-    m_forget.start(patience);
+    m_hideTimer.start(hideDelay);
     QWidget::leaveEvent(event);
 }
 
@@ -98,13 +98,13 @@ void CopyMenu::mouseReleaseEvent(QMouseEvent *event) {
 
 void CopyMenu::showEvent(QShowEvent *event) {
     qApp->installEventFilter(this);
-    m_forget.start(patience);
+    m_hideTimer.start(hideDelay);
     QWidget::showEvent(event);
 }
 
 void CopyMenu::hideEvent(QHideEvent *event) {
     qApp->removeEventFilter(this);
-    m_forget.stop();
+    m_hideTimer.stop();
     m_text.clear();
     QWidget::hideEvent(event);
 }

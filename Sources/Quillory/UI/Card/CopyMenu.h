@@ -9,12 +9,12 @@
 
 namespace quillory::ui {
 
-/// A menu of one entry, "Copy", inside the panel itself. A menu of the toolkit would grab the keyboard, and with it
-/// the keys that the user goes on typing into the other application.
+/// A menu with one entry, "Copy", inside the panel itself. A QMenu would grab the keyboard while the user goes on
+/// typing into the other application.
 class CopyMenu final : public QWidget {
   public:
     explicit CopyMenu(QWidget *parent);
-    /// Offers to copy a text; the place is in the parent's coordinates.
+    /// Offers to copy the text. place: where the menu appears, in the parent's coordinates.
     void popUp(QPoint place, const QString &text);
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -30,7 +30,7 @@ class CopyMenu final : public QWidget {
 
   private:
     Hover m_hover;
-    QTimer m_forget;
+    QTimer m_hideTimer;
     QString m_text;
 };
 

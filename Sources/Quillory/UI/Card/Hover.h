@@ -8,11 +8,12 @@ class QWidget;
 
 namespace quillory::ui {
 
-/// Whether the pointer is over a view, as a value that follows with an ease-out curve and repaints the view.
+/// Tells a view whether the pointer is over it, as a value that changes along an ease-out curve. Repaints the view
+/// meanwhile.
 class Hover final : public QObject {
   public:
     explicit Hover(QWidget &view);
-    /// 0 away from the view, 1 over it.
+    /// From 0 (away from the view) to 1 (over it).
     [[nodiscard]] double progress() const;
 
     bool eventFilter(QObject *watched, QEvent *event) override;

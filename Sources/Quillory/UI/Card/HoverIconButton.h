@@ -8,17 +8,16 @@
 
 namespace quillory::ui {
 
-/// A symbol that acts when clicked and stands out while the pointer is over it: from a faint one by itself, or, where
-/// it can have the keyboard focus, by a background. It takes clicks on all of its size hint, which is larger than the
-/// symbol in its centre.
+/// A symbol to click on. It is faint until the pointer is over it; a button that can have the keyboard focus gets a
+/// background instead. Its clickable area is larger than the symbol in its centre.
 class HoverIconButton final : public QAbstractButton {
   public:
-    /// name: what assistive tools call it.
+    /// systemName: the symbol. name: what screen readers say.
     HoverIconButton(const QString &systemName, const QString &name, QWidget *parent);
     [[nodiscard]] QSize sizeHint() const override;
     /// The side of the symbol itself, in points.
     [[nodiscard]] static int symbolExtent(double scale = 1);
-    /// How much larger than usual the symbol is; 1 at first.
+    /// Enlarges the symbol by this factor; 1 at first.
     void setScale(double scale);
 
   protected:

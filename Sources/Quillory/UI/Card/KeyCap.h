@@ -6,7 +6,7 @@
 
 namespace quillory::ui {
 
-/// The picture of a key.
+/// A key as it looks on a keyboard.
 class KeyCap final : public QWidget {
   public:
     KeyCap(const QString &label, QWidget *parent);
@@ -19,7 +19,7 @@ class KeyCap final : public QWidget {
     QString m_label;
 };
 
-/// What the two keys do: Tab accepts, Esc dismisses.
+/// "Tab accept, Esc dismiss".
 class KeyHints final : public QWidget {
   public:
     explicit KeyHints(QWidget *parent);
@@ -27,7 +27,6 @@ class KeyHints final : public QWidget {
 
   protected:
     void paintEvent(QPaintEvent *event) override;
-
     void changeEvent(QEvent *event) override;
 
   private:

@@ -30,12 +30,6 @@ QFont wordsFont() {
     return systemFont(13);
 }
 
-QEasingCurve easeInOut() {
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    curve.addCubicBezierSegment({0.42, 0}, {0.58, 1}, {1, 1});
-    return curve;
-}
-
 } // namespace
 
 RefiningIndicator::RefiningIndicator(QWidget *parent) : QWidget(parent) {
@@ -50,7 +44,7 @@ QSize RefiningIndicator::sizeHint() const {
 }
 
 double RefiningIndicator::opacityAt(qint64 milliseconds) {
-    static const QEasingCurve curve = easeInOut();
+    static const QEasingCurve curve(QEasingCurve::InOutSine);
     const qint64 phase = milliseconds % (2 * pulseMilliseconds);
     const qint64 rising = phase < pulseMilliseconds ? phase : 2 * pulseMilliseconds - phase;
     const double progress = static_cast<double>(rising) / static_cast<double>(pulseMilliseconds);

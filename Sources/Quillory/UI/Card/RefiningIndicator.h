@@ -8,13 +8,12 @@
 
 namespace quillory::ui {
 
-/// Shows that an answer is awaited: a spinner and a word that fades to and fro. Costs nothing while it is not on
-/// screen.
+/// Shows that the model has not answered yet: a spinner, and a word that fades in and out. Costs nothing while hidden.
 class RefiningIndicator final : public QWidget {
   public:
     explicit RefiningIndicator(QWidget *parent);
     [[nodiscard]] QSize sizeHint() const override;
-    /// The words' opacity so many milliseconds after the indicator was shown.
+    /// The opacity of "Refining…" this long after the indicator was shown.
     [[nodiscard]] static double opacityAt(qint64 milliseconds);
 
   protected:

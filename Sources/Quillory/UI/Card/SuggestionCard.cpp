@@ -22,9 +22,9 @@ namespace {
 constexpr int padding = 16;
 constexpr int rowGap = 11;
 constexpr double headerGap = 7;
-// The least between the button and the hints side by side: the row's own spacing on both sides of a least space.
+// The least distance between button and hints: the row's spacing on both sides of a flexible space of at least 8.
 constexpr int footerGap = 12 + 8 + 12;
-// Between them when the hints stand below the button.
+// The distance when the hints stand below the button.
 constexpr int footerRowGap = 8;
 constexpr double badgeGap = 3;
 constexpr double badgeHorizontalPadding = 6;
@@ -42,7 +42,7 @@ double badgeHeight() {
     return std::max(QFontMetricsF(badgeFont()).height(), symbolSide(8.5)) + 2 * badgeVerticalPadding;
 }
 
-// The same with and without a badge, so that a card does not jump when it is finished.
+// The same with and without a badge, so that the text does not jump when the badge appears.
 int headerHeight() {
     return static_cast<int>(std::ceil(std::max({symbolSide(13), QFontMetricsF(labelFont()).height(), badgeHeight(),
                                                 double(HoverIconButton::symbolExtent())})));
@@ -138,7 +138,7 @@ int SuggestionCard::footerHeight(int innerWidth) const {
     return footerFitsInOneRow(innerWidth) ? std::max(button, hints) : button + footerRowGap + hints;
 }
 
-// A wide typeface may leave too little room beside the button; the hints are never squeezed, so they go below it.
+// With a wide typeface the hints may not fit beside the button; they are never squeezed, so they go below it.
 void SuggestionCard::layOutFooter(int top, int innerWidth) {
     const QSize button = m_accept->sizeHint();
     const QSize hints = m_hints->sizeHint();

@@ -16,25 +16,25 @@ class HoverIconButton;
 class KeyHints;
 class RefiningIndicator;
 
-/// One suggestion: a header, the text or what stands in for it, and the footer with its button. Fed with new data it
-/// changes in place, so that hovering and selected text survive a stream of updates.
+/// One suggestion: a header, the text (or an indicator, or an error message), and a footer with the button. New data
+/// change it in place, so that hovering and selected text survive a stream of updates.
 class SuggestionCard final : public QWidget {
   public:
     explicit SuggestionCard(QWidget *parent);
 
     std::function<void()> onAccept;
     std::function<void()> onDismiss;
-    /// Gets the place of the menu, in this card's coordinates, and the text to copy.
+    /// Called for the copy menu, with its position in this card's coordinates and the text to copy.
     std::function<void(QPoint, const QString &)> onCopyMenu;
 
     void setData(const SuggestionCardData &card, bool showKeyHints);
-    /// The height of the text row and of everything else, at this width, in points. Only the text can do with less.
+    /// The heights of the text row and of everything else, in points. Only the text can be given less.
     struct Heights {
         int text = 0;
         int rest = 0;
     };
     [[nodiscard]] Heights heightsFor(int width);
-    /// Takes its size and arranges its rows, the text row this high.
+    /// Resizes the card to this width and these heights, and arranges its rows.
     void layOut(int width, Heights heights);
 
     static constexpr double cornerRadius = 16;

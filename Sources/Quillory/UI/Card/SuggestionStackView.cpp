@@ -15,10 +15,10 @@ namespace quillory::ui {
 namespace {
 
 constexpr int cardGap = 8;
-// What a text keeps however little room there is.
+// A text never gets less than this.
 constexpr int leastTextHeight = 60;
 
-/// The height at which to cut so that all of them together take no more than there is.
+/// The height to cut the texts at so that together they fit into what is available.
 int fairLimit(std::vector<int> heights, int available) {
     std::sort(heights.begin(), heights.end());
     int left = available;
@@ -42,7 +42,7 @@ SuggestionStackView::SuggestionStackView() : m_copyMenu(new CopyMenu(this)) {
 void SuggestionStackView::addCard() {
     auto *card = new SuggestionCard(this);
     const int index = static_cast<int>(m_cards.size());
-    // Copies, since what is called may well put other callbacks in their place.
+    // Call copies: the callee may replace the callbacks.
     card->onAccept = [this, index] {
         const auto accept = m_onAccept;
         accept(index);
@@ -63,7 +63,7 @@ void SuggestionStackView::setContent(const SuggestionCards &cards, std::function
     m_onAccept = std::move(onAccept);
     m_onDismiss = std::move(onDismiss);
     while (m_cards.size() > static_cast<std::size_t>(cards.size())) {
-        // Later: the click that makes a card go may have come from its own button.
+        // Not deleted at once: the click that removes a card may come from its own button.
         m_cards.back()->hide();
         m_cards.back()->deleteLater();
         m_cards.pop_back();

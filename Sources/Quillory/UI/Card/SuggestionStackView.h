@@ -19,9 +19,9 @@ class SuggestionStackView final : public QWidget {
   public:
     SuggestionStackView();
 
-    /// Shows these cards. onAccept gets the index of the card whose button was clicked.
+    /// Shows these cards. onAccept is called with the index of the card whose button was clicked.
     void setContent(const SuggestionCards &cards, std::function<void(int)> onAccept, std::function<void()> onDismiss);
-    /// Takes this width and the height that the cards need. Where that is more than a screen can show, the longest
+    /// Resizes the stack to this width and to the height that its cards need. Where that exceeds maxHeight, the longest
     /// texts get less and scroll.
     void layOut(int width, int maxHeight);
 

@@ -3,10 +3,11 @@
 #include "Quillory/UI/Card/TextLines.h"
 
 #include "Quillory/Text.h"
-#include "Quillory/UI/Card/EmojiRuns.h"
 
+#include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
@@ -41,6 +42,31 @@ std::optional<bool> isRightToLeft(QStringView text) {
     return std::nullopt;
 }
 
+/// Formats that draw emoji from a colour typeface, where one is installed. By itself Qt takes the first typeface that
+/// has the character, often as a pale outline. A colour typeface as second family won't do: it would also colour what
+/// is meant as text, such as a telephone or a heart without the emoji style.
+QList<QTextLayout::FormatRange> emojiFormats(const QString &text, const QFont &font) {
+    static const QString colourFamily = QStringLiteral("Noto Color Emoji");
+    static const bool isInstalled = QFontDatabase::hasFamily(colourFamily);
+    // What is an emoji by itself, by the style behind it or by a skin tone, with all that modifies or joins it.
+    static const QRegularExpression emoji(
+        QStringLiteral("(?:(?:\\p{EPres}|\\p{Emoji}(?=\\x{FE0F}|\\p{EMod}))"
+                       "(?:\\p{EMod}|[\\x{FE0F}\\x{20E3}\\x{E0020}-\\x{E007F}]|\\x{200D}\\p{Emoji})*+(?!\\x{FE0E}))+"));
+    QList<QTextLayout::FormatRange> formats;
+    if (!isInstalled) {
+        return formats;
+    }
+    QFont colour = font;
+    colour.setFamilies(QStringList{colourFamily} + font.families());
+    QTextCharFormat format;
+    format.setFont(colour);
+    for (auto found = emoji.globalMatch(text); found.hasNext();) {
+        const auto match = found.next();
+        formats.append({static_cast<int>(match.capturedStart()), static_cast<int>(match.capturedLength()), format});
+    }
+    return formats;
+}
+
 } // namespace
 
 void TextLines::setFont(const QFont &font, double lineSpacing) {
@@ -65,7 +91,7 @@ qsizetype TextLines::setText(const QString &text) {
     return common;
 }
 
-// The paragraph that the position is in or just behind goes too: it may grow.
+// Drops the paragraph that ends at the position as well: it may grow.
 void TextLines::dropParagraphsFrom(qsizetype position) {
     while (!m_paragraphs.empty() && m_paragraphs.back().start + m_paragraphs.back().length >= position) {
         m_paragraphs.pop_back();
@@ -108,7 +134,7 @@ void TextLines::breakLines(Paragraph &paragraph, double width) const {
     const QString text = m_text.mid(paragraph.start, paragraph.length);
     paragraph.layout = std::make_unique<QTextLayout>(text, m_font);
     paragraph.layout->setFormats(emojiFormats(text, m_font));
-    // Explicitly, since a layout by itself does not mirror.
+    // Explicitly: a QTextLayout by itself does not align to the right.
     QTextOption option(paragraph.rightToLeft ? Qt::AlignRight : Qt::AlignLeft);
     option.setTextDirection(paragraph.rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);

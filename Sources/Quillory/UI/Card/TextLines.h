@@ -22,17 +22,18 @@ struct TextRange {
     friend bool operator==(const TextRange &, const TextRange &) = default;
 };
 
-/// A plain text broken into lines at a width. Each paragraph is laid out by itself and in its own direction, so no
-/// control character reaches beyond its paragraph, and text that grows costs its last paragraph only.
+/// A plain text broken into lines. Each paragraph is laid out by itself and in its own direction, so a direction
+/// control character has no effect beyond its paragraph, and when text is appended only the last paragraph is laid out
+/// again.
 class TextLines {
   public:
     void setFont(const QFont &font, double lineSpacing);
-    /// Gives the length of what the new text has in common with the start of the old one.
+    /// Returns the length of the beginning that the old and the new text share.
     qsizetype setText(const QString &text);
     [[nodiscard]] const QString &text() const { return m_text; }
-    /// Breaks the text into lines; cheap when neither text nor width have changed.
+    /// Breaks the text into lines of this width in points. Cheap where neither text nor width has changed.
     void layOut(double width);
-    /// Of the text as laid out last, without line spacing after the last line.
+    /// Of the text as last laid out, in points, without line spacing after the last line.
     [[nodiscard]] double height() const { return m_height; }
 
     struct Paint {
@@ -40,12 +41,12 @@ class TextLines {
         TextRange selection;
         QBrush selectionBackground;
         QColor selectionColor;
-        /// What of the text is to be painted, in its own coordinates.
+        /// The part of the text to paint, in its own coordinates.
         QRectF visible;
     };
     void paint(QPainter &painter, const Paint &paint) const;
 
-    /// The position in the text that is closest to a point.
+    /// The position in the text that is nearest to a point.
     [[nodiscard]] qsizetype positionAt(QPointF point) const;
     [[nodiscard]] TextRange wordAt(qsizetype position) const;
     [[nodiscard]] TextRange paragraphAt(qsizetype position) const;
@@ -55,7 +56,7 @@ class TextLines {
         qsizetype start = 0;
         qsizetype length = 0;
         bool rightToLeft = false;
-        /// The width it is laid out at; negative when it is not.
+        /// The width it is laid out for; negative before that.
         double width = -1;
         double y = 0;
         double height = 0;
