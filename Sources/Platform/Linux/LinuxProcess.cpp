@@ -3,6 +3,7 @@
 #include "Platform/Linux/LinuxProcess.h"
 
 #include "Platform/Linux/Storage/SettingsDocument.h"
+#include "Platform/Linux/Updates/UserApplications.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -46,7 +47,7 @@ std::optional<QString> found(const std::map<QString, QString> &values, const QSt
 } // namespace
 
 QString LinuxProcess::besideTheProgram() {
-    return QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).path() + QStringLiteral("/Info.json");
+    return applications::runningBundle() + QStringLiteral("/Info.json");
 }
 
 LinuxProcess::LinuxProcess(const QString &informationFile, const QString &home)

@@ -38,6 +38,9 @@ inline constexpr auto information = "Info.json";
 /// normal form C, and neither long nor deep.
 [[nodiscard]] bool isSafePath(const QByteArray &path);
 
+/// A longer manifest is none.
+inline constexpr qint64 largestManifest = 4 << 20;
+
 /// The signed description of a bundle: who made it, and everything in it except for the manifest and its signature.
 struct Manifest {
     QString identifier;

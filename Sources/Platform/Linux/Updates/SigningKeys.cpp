@@ -6,8 +6,6 @@
 
 #include <sodium.h>
 
-#include <algorithm>
-
 namespace platform::desktop {
 
 namespace {
@@ -130,18 +128,14 @@ QByteArray TrustedKeys::line(const QString &team, const QByteArray &publicKey) {
     return team.toUtf8() + ' ' + algorithm + ' ' + publicKey.toBase64() + '\n';
 }
 
-bool TrustedKeys::verify(const QByteArray &message, const QByteArray &signature) const {
-    return std::ranges::any_of(
-        m_keys, [&](const auto &ownerAndKey) { return isSignedWith(ownerAndKey.second, message, signature); });
-}
-
-bool TrustedKeys::verify(const QString &team, const QByteArray &message, const QByteArray &signature) const {
-    for (const auto &[owner, key] : m_keys) {
-        if (owner == team && isSignedWith(key, message, signature)) {
-            return true;
+QStringList TrustedKeys::signers(const QByteArray &message, const QByteArray &signature) const {
+    QStringList teams;
+    for (const auto &[team, key] : m_keys) {
+        if (isSignedWith(key, message, signature)) {
+            teams += team;
         }
     }
-    return false;
+    return teams;
 }
 
 TrustedKeys TrustedKeys::after(const QByteArray &rotations) const {

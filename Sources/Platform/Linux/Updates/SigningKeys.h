@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <set>
@@ -42,10 +43,8 @@ class TrustedKeys {
     [[nodiscard]] bool contains(const QString &team, const QByteArray &publicKey) const {
         return m_keys.contains({team, publicKey});
     }
-    /// Whether a message was signed by anybody who is trusted: what can be known before it is read.
-    [[nodiscard]] bool verify(const QByteArray &message, const QByteArray &signature) const;
-    /// Whether a message was signed by the team.
-    [[nodiscard]] bool verify(const QString &team, const QByteArray &message, const QByteArray &signature) const;
+    /// The teams whose trusted keys a message was signed with; usually one or none.
+    [[nodiscard]] QStringList signers(const QByteArray &message, const QByteArray &signature) const;
     /// The keys after statements that replace one by another. A statement counts only if its old key is trusted at that
     /// point; from then on the old key no longer is.
     [[nodiscard]] TrustedKeys after(const QByteArray &rotations) const;

@@ -16,14 +16,13 @@ namespace platform::desktop::applications {
 namespace {
 const QString programFolder = QStringLiteral("/Applications/");
 constexpr auto bundleFolder = "Quillory.app";
-constexpr qint64 largestBundleManifest = 8 << 20;
 /// A healthy program answers in hundredths of a second, and it then starts faster, with its libraries in memory.
 constexpr auto startPatience = std::chrono::seconds(3);
 
 /// The version in the running bundle's manifest. The signature does not matter: its program is running already.
 QString ownVersion(const QString &bundle) {
     const FileDescriptor opened = fileTree::openFolder(bundle);
-    const auto text = fileTree::content(opened.get(), bundleName::manifest, largestBundleManifest);
+    const auto text = fileTree::content(opened.get(), bundleName::manifest, largestManifest);
     const auto manifest = text ? Manifest::parsed(*text) : std::nullopt;
     return manifest ? manifest->version : QString();
 }
@@ -37,8 +36,12 @@ QString resolved(const QString &path) {
     return path.startsWith(programFolder) ? folders::data() + path : path;
 }
 
+QString runningProgram() {
+    return QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
+}
+
 QString runningBundle() {
-    return QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).path();
+    return QFileInfo(runningProgram()).path();
 }
 
 QByteArray programToPrefer(const QString &running, const Precedence &takesPrecedence) {

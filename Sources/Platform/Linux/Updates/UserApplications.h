@@ -16,6 +16,8 @@ namespace platform::desktop::applications {
 [[nodiscard]] QString folder();
 /// The real path for one that may begin with "/Applications/".
 [[nodiscard]] QString resolved(const QString &path);
+/// The executable of the running program, without symbolic links. Ends with " (deleted)" once it has been replaced.
+[[nodiscard]] QString runningProgram();
 /// The folder of the running program, which is a bundle unless the program was just built.
 [[nodiscard]] QString runningBundle();
 
