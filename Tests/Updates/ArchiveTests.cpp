@@ -11,12 +11,11 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
-#include <sched.h>
-#include <sys/mount.h>
 
 namespace quillory::test {
 namespace {
 
+using namespace Qt::StringLiterals;
 using platform::desktop::UnpackError;
 using platform::desktop::unpackZip;
 using testing::ElementsAre;
@@ -27,16 +26,16 @@ class Archive : public testing::Test {
     std::string unpack(const QByteArray &zip) {
         QDir(work()).removeRecursively();
         QDir().mkpath(work());
-        writeFile(folder.filePath(QStringLiteral("a.zip")), zip);
+        writeFile(folder.filePath(u"a.zip"_s), zip);
         try {
-            unpackZip(folder.filePath(QStringLiteral("a.zip")), work(), {},
+            unpackZip(folder.filePath(u"a.zip"_s), work(), {},
                       {.mostBytes = 3 << 20, .mostEntries = 100, .largestRatio = 100});
             return {};
         } catch (const UnpackError &error) {
             return error.what();
         }
     }
-    [[nodiscard]] QString work() const { return folder.filePath(QStringLiteral("work/inside")); }
+    [[nodiscard]] QString work() const { return folder.filePath(u"work/inside"_s); }
     [[nodiscard]] static QByteArray zipOf(const std::vector<ZipWriter::Item> &items) {
         ZipWriter zip;
         for (const ZipWriter::Item &item : items) {
@@ -56,17 +55,17 @@ class Archive : public testing::Test {
 };
 
 TEST_F(Archive, GivesASignedBundleBackAsItWas) {
-    const QString bundle = folder.filePath(QStringLiteral("Quillory.app"));
+    const QString bundle = folder.filePath(u"Quillory.app"_s);
     makeSignedBundle(bundle, 2);
     ZipWriter zip;
     zip.addFolder(bundle, "Quillory.app");
     const mode_t old = umask(077);
     EXPECT_EQ(unpack(zip.bytes()), "");
     umask(old);
-    EXPECT_EQ(vouchedVersion(work() + QStringLiteral("/Quillory.app")), "2");
+    EXPECT_EQ(vouchedVersion(work() + u"/Quillory.app"_s), "2");
     for (const QByteArray &archive : {"MZ something before it" + zip.bytes(), zip.bytes() + "and after it"}) {
         EXPECT_EQ(unpack(archive), "");
-        EXPECT_EQ(vouchedVersion(work() + QStringLiteral("/Quillory.app")), "2") << "nothing else is unpacked";
+        EXPECT_EQ(vouchedVersion(work() + u"/Quillory.app"_s), "2") << "nothing else is unpacked";
     }
 }
 
@@ -115,17 +114,15 @@ TEST_F(Archive, IsRefusedWhenItCouldDoHarm) {
     };
     for (const auto &[attack, zip] : attacks) {
         EXPECT_NE(unpack(zip), "") << attack;
-        EXPECT_THAT(QDir(folder.filePath(QStringLiteral("work")))
-                        .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-                    ElementsAre(QStringLiteral("inside")))
+        EXPECT_THAT(QDir(folder.filePath(u"work"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                    ElementsAre(u"inside"_s))
             << attack;
     }
 }
 
 TEST_F(Archive, DoesNotUnpackWhatIsInAnArchiveInIt) {
     EXPECT_EQ(unpack(zipOf({{"inner.zip", zipOf({{"Quillory.app/quillory", "x"}})}})), "");
-    EXPECT_THAT(QDir(work()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
-                ElementsAre(QStringLiteral("inner.zip")));
+    EXPECT_THAT(QDir(work()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), ElementsAre(u"inner.zip"_s));
 }
 
 TEST_F(Archive, NeedsRoomForAllOfItBeforeAnythingIsWritten) {
@@ -133,13 +130,12 @@ TEST_F(Archive, NeedsRoomForAllOfItBeforeAnythingIsWritten) {
     constexpr int notAllowed = 3;
     const auto onSmallDisk = [&] {
         QDir().mkpath(work());
-        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("tmpfs", qPrintable(work()), "tmpfs", 0, "size=64k") != 0) {
+        if (!mountSmallDisk(qPrintable(work()), "size=64k")) {
             return notAllowed;
         }
-        writeFile(folder.filePath(QStringLiteral("a.zip")), zip);
+        writeFile(folder.filePath(u"a.zip"_s), zip);
         try {
-            unpackZip(folder.filePath(QStringLiteral("a.zip")), work(), {});
+            unpackZip(folder.filePath(u"a.zip"_s), work(), {});
         } catch (const UnpackError &error) {
             const bool saysSo =
                 std::string_view(error.what()) == "the archive unpacks to more than the disk has room for";
@@ -155,19 +151,18 @@ TEST_F(Archive, NeedsRoomForAllOfItBeforeAnythingIsWritten) {
 }
 
 TEST_F(Archive, StopsWhenAsked) {
-    writeFile(folder.filePath(QStringLiteral("a.zip")), zipOf({{"a", QByteArray(1 << 20, 'x')}}));
+    writeFile(folder.filePath(u"a.zip"_s), zipOf({{"a", QByteArray(1 << 20, 'x')}}));
     QDir().mkpath(work());
     std::stop_source stop;
     stop.request_stop();
-    EXPECT_THROW(unpackZip(folder.filePath(QStringLiteral("a.zip")), work(), stop.get_token()),
-                 platform::CancellationError);
+    EXPECT_THROW(unpackZip(folder.filePath(u"a.zip"_s), work(), stop.get_token()), platform::CancellationError);
 }
 
 TEST_F(Archive, IsNotTakenForUnpackedWhenTheDiskIsFullAtAnyWrite) {
-    const QString archive = folder.filePath(QStringLiteral("a.zip"));
-    makeSignedBundle(folder.filePath(QStringLiteral("Quillory.app")), 2);
+    const QString archive = folder.filePath(u"a.zip"_s);
+    makeSignedBundle(folder.filePath(u"Quillory.app"_s), 2);
     ZipWriter zip;
-    zip.addFolder(folder.filePath(QStringLiteral("Quillory.app")), "Quillory.app");
+    zip.addFolder(folder.filePath(u"Quillory.app"_s), "Quillory.app");
     writeFile(archive, zip.bytes());
     const auto unpacked = [&] {
         try {
@@ -185,7 +180,7 @@ TEST_F(Archive, IsNotTakenForUnpackedWhenTheDiskIsFullAtAnyWrite) {
         const int status = runTraced(
             unpacked, [&](const TracedCall &call) { return changesDisk(call) && ++count == at ? ENOSPC : goOn; });
         // The modes of folders are set once more at the end, when they are right already.
-        const bool isWhole = vouchedVersion(work() + QStringLiteral("/Quillory.app")) == "2";
+        const bool isWhole = vouchedVersion(work() + u"/Quillory.app"_s) == "2";
         EXPECT_EQ(status, isWhole ? 0 : 1) << "write " << at;
     }
     EXPECT_GT(count, 10);

@@ -20,6 +20,7 @@ using platform::desktop::TrustedKeys;
 namespace quillory::test {
 namespace {
 
+using namespace Qt::StringLiterals;
 class BundleSignature : public testing::Test {
   protected:
     BundleSignature() { makeSignedBundle(bundle, 2); }
@@ -32,11 +33,11 @@ class BundleSignature : public testing::Test {
     }
     void signWith(const SigningKey &key, const QString &architecture = LinuxCodeSigning::hostArchitecture(),
                   const QString &identifier = platform::desktop::applicationIdentifier) const {
-        platform::desktop::signBundle(bundle, QStringLiteral("2"), architecture, key, identifier);
+        platform::desktop::signBundle(bundle, u"2"_s, architecture, key, identifier);
     }
 
     QTemporaryDir folder{folderTemplate()};
-    QString bundle = folder.filePath(QStringLiteral("Quillory.app"));
+    QString bundle = folder.filePath(u"Quillory.app"_s);
 };
 
 TEST_F(BundleSignature, VouchesForExactlyWhatWasSigned) {
@@ -58,13 +59,13 @@ TEST_F(BundleSignature, VouchesForExactlyWhatWasSigned) {
         {"a mode turned executable", [&] { chmod(path("Info.json").constData(), 0755); }},
         {"a file that became a symbolic link to the same content",
          [&] {
-             QFile::rename(in("Info.json"), folder.filePath(QStringLiteral("outside")));
-             QFile::link(folder.filePath(QStringLiteral("outside")), in("Info.json"));
+             QFile::rename(in("Info.json"), folder.filePath(u"outside"_s));
+             QFile::link(folder.filePath(u"outside"_s), in("Info.json"));
          }},
         {"a folder that became a symbolic link to the same content",
          [&] {
-             QDir().rename(in("Resources"), folder.filePath(QStringLiteral("elsewhere")));
-             QFile::link(folder.filePath(QStringLiteral("elsewhere")), in("Resources"));
+             QDir().rename(in("Resources"), folder.filePath(u"elsewhere"_s));
+             QFile::link(folder.filePath(u"elsewhere"_s), in("Resources"));
          }},
         {"a hard link to a file out of the bundle",
          [&] { ::link(path("Info.json").constData(), (folder.path().toUtf8() + "/other").constData()); }},
@@ -86,9 +87,9 @@ TEST_F(BundleSignature, VouchesForExactlyWhatWasSigned) {
          [&] { rewriteManifest("folder 0755 Resources\n", "folder 0755 Resources\nfolder 0755 Resources\n"); }},
         {"the manifest of another bundle",
          [&] {
-             makeSignedBundle(folder.filePath(QStringLiteral("Other.app")), 3);
+             makeSignedBundle(folder.filePath(u"Other.app"_s), 3);
              for (const char *name : {"Manifest", "Manifest.signature"}) {
-                 writeFile(in(name), readFile(folder.filePath(QStringLiteral("Other.app/") + QLatin1StringView(name))));
+                 writeFile(in(name), readFile(folder.filePath(u"Other.app/"_s + QLatin1StringView(name))));
              }
          }},
         {"the key of nobody we know", [&] { signWith(SigningKey::generated(team)); }},
@@ -97,15 +98,14 @@ TEST_F(BundleSignature, VouchesForExactlyWhatWasSigned) {
              const QByteArray other = teamKey().written().replace(team.toUtf8(), "OTHERTEAM1");
              signWith(*SigningKey::parsed(other));
          }},
-        {"another application",
-         [&] { signWith(teamKey(), LinuxCodeSigning::hostArchitecture(), QStringLiteral("app.other")); }},
-        {"another kind of machine", [&] { signWith(teamKey(), QStringLiteral("sparc64")); }},
+        {"another application", [&] { signWith(teamKey(), LinuxCodeSigning::hostArchitecture(), u"app.other"_s); }},
+        {"another kind of machine", [&] { signWith(teamKey(), u"sparc64"_s); }},
         {"a manifest of 9 MB", [&] { writeFile(in("Manifest"), QByteArray(9 << 20, 'x')); }},
         {"no bundle at all", [&] { QDir(bundle).removeRecursively(); }},
         {"a symbolic link to a genuine bundle",
          [&] {
-             QDir().rename(bundle, folder.filePath(QStringLiteral("Genuine.app")));
-             QFile::link(folder.filePath(QStringLiteral("Genuine.app")), bundle);
+             QDir().rename(bundle, folder.filePath(u"Genuine.app"_s));
+             QFile::link(folder.filePath(u"Genuine.app"_s), bundle);
          }},
     };
     EXPECT_EQ(vouchedVersion(bundle), "2");

@@ -6,13 +6,12 @@
 
 #include <cerrno>
 #include <iostream>
-#include <sched.h>
 #include <set>
-#include <sys/mount.h>
 
 namespace quillory::test {
 namespace {
 
+using namespace Qt::StringLiterals;
 using platform::desktop::BundleInstaller;
 using testing::AnyOf;
 
@@ -40,7 +39,7 @@ TEST_F(Installing, StartsAndExchangesNothingThatWasNotApproved) {
 }
 
 TEST_F(Installing, BringsEverythingToTheDiskBeforeTheExchangeAndTheFolderBeforeTheOldOneGoes) {
-    QStringList wanted{applications + QStringLiteral("/.Quillory.app.new")};
+    QStringList wanted{applications + u"/.Quillory.app.new"_s};
     for (QDirIterator files(found, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
          files.hasNext();) {
         wanted += wanted.first() + files.next().sliced(found.size());
@@ -50,8 +49,7 @@ TEST_F(Installing, BringsEverythingToTheDiskBeforeTheExchangeAndTheFolderBeforeT
     runTraced([&] { return install(); },
               [&](const TracedCall &call) {
                   if (call.number == SYS_fsync) {
-                      synced += QFile::symLinkTarget(
-                          QStringLiteral("/proc/%1/fd/%2").arg(call.process).arg(call.arguments[0]));
+                      synced += QFile::symLinkTarget(u"/proc/%1/fd/%2"_s.arg(call.process).arg(call.arguments[0]));
                   } else if (isExchange(call)) {
                       EXPECT_THAT(synced, testing::UnorderedElementsAreArray(wanted));
                       isExchanged = true;
@@ -66,8 +64,8 @@ TEST_F(Installing, BringsEverythingToTheDiskBeforeTheExchangeAndTheFolderBeforeT
 /// What an install that was ended may have left, of versions 1 (the old one) and 2.
 class Interrupted : public Installing {
   protected:
-    QString staged = applications + QStringLiteral("/.Quillory.app.new");
-    QString previous = target + QStringLiteral(".previous");
+    QString staged = applications + u"/.Quillory.app.new"_s;
+    QString previous = target + u".previous"_s;
     struct State {
         const char *what;
         std::function<void()> make;
@@ -97,7 +95,7 @@ class Interrupted : public Installing {
         {"none of them is anybody's we know",
          [this] {
              makeBundle(staged, 3);
-             QFile::remove(target + QStringLiteral("/Manifest"));
+             QFile::remove(target + u"/Manifest"_s);
          },
          "none", false},
     };
@@ -150,52 +148,23 @@ TEST_F(Interrupted, MayBeInterruptedAgainAnywhere) {
 }
 
 TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
-    int calls = 0;
-    for (int at = 1;; ++at) {
-        reset();
-        const int status = runTraced([&] { return install(); },
-                                     [&](const TracedCall &call) { return call.count == at ? killed : goOn; });
-        if (status != killedStatus) {
-            EXPECT_EQ(status, 0);
-            break;
-        }
-        calls = at;
+    const int calls = killEverywhere(true, [&](int at) {
         expectStartable(target, at);
         BundleInstaller(applications, signing).recover(name);
         EXPECT_NE(vouchedVersion(target), "none") << "before call " << at;
-        EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "before call " << at;
-    }
+        EXPECT_FALSE(left().contains(u".Quillory.app.new"_s)) << "before call " << at;
+    });
     EXPECT_GT(calls, 200);
-    RecordProperty("points", calls);
-    std::cout << "killed before each of " << calls << " system calls\n";
 }
 
 TEST_F(Installing, LeavesOneOfTheTwoWhereNamesCannotBeExchanged) {
-    int calls = 0;
-    for (int at = 1;; ++at) {
-        reset();
-        bool counts = false;
-        int count = 0;
-        const int status = runTraced([&] { return install(); },
-                                     [&](const TracedCall &call) {
-                                         if (isExchange(call)) {
-                                             counts = true;
-                                             return EINVAL;
-                                         }
-                                         return counts && ++count == at ? killed : goOn;
-                                     });
-        if (status != killedStatus) {
-            EXPECT_EQ(status, 0);
-            break;
-        }
-        calls = at;
-        expectStartable(QFile::exists(target) ? target : target + QStringLiteral(".previous"), at);
+    const int calls = killEverywhere(false, [&](int at) {
+        expectStartable(QFile::exists(target) ? target : target + u".previous"_s, at);
         BundleInstaller(applications, signing).recover(name);
         expectStartable(target, at);
         expectClean();
-    }
+    });
     EXPECT_GT(calls, 50);
-    std::cout << "killed before each of " << calls << " system calls of the fall-back\n";
 }
 
 TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskFailsAtAnyWrite) {
@@ -228,7 +197,7 @@ TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskFailsAtAnyWrite) {
             }
             BundleInstaller(applications, signing).recover(name);
             expectStartable(target, at);
-            EXPECT_FALSE(left().contains(QStringLiteral(".Quillory.app.new"))) << "write " << at;
+            EXPECT_FALSE(left().contains(u".Quillory.app.new"_s)) << "write " << at;
         }
         EXPECT_GT(tried, 50);
         std::cout << "failed each of " << tried << (lasts ? " writes and all after it\n" : " writes\n");
@@ -242,14 +211,13 @@ TEST_F(Installing, ChangesNothingOnADiskThatIsReallyFull) {
         QDir(applications).removeRecursively();
         QDir().mkpath(applications);
         const std::string size = "mode=700,size=" + std::to_string(kilobytes) + "k";
-        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("tmpfs", qPrintable(applications), "tmpfs", 0, size.c_str()) != 0) {
+        if (!mountSmallDisk(qPrintable(applications), size.c_str())) {
             return notAllowed;
         }
         makeSignedBundle(target, 1);
         const int status = install();
         const bool isWhole = vouchedVersion(target) == (status == 0 ? "2" : "1");
-        return isWhole && !left().contains(QStringLiteral(".Quillory.app.new")) ? status : broken;
+        return isWhole && !left().contains(u".Quillory.app.new"_s) ? status : broken;
     };
     constexpr int largest = 160;
     int failures = 0;

@@ -12,11 +12,20 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <functional>
+#include <iostream>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+
+inline bool isExchange(const TracedCall &call) {
+    return call.number == SYS_renameat2 && call.arguments[4] == RENAME_EXCHANGE;
+}
 
 struct Refusal : std::runtime_error {
     using std::runtime_error::runtime_error;
@@ -61,9 +70,32 @@ class Installing : public testing::Test {
     [[nodiscard]] std::string failure() const {
         try {
             platform::desktop::BundleInstaller(applications, signing).install(found, name, approve, {});
-            return {};
         } catch (const platform::FileError &error) {
             return error.what();
+        }
+        return {};
+    }
+    /// Kills an install before each of its system calls or, where names cannot be exchanged, before each after the
+    /// refused exchange, and looks at what it left. Returns how many calls there were.
+    int killEverywhere(bool canExchange, const std::function<void(int)> &check) const {
+        for (int at = 1;; ++at) {
+            reset();
+            bool counts = canExchange;
+            int count = 0;
+            const int status = runTraced([&] { return install(); },
+                                         [&](const TracedCall &call) {
+                                             if (!canExchange && isExchange(call)) {
+                                                 counts = true;
+                                                 return EINVAL;
+                                             }
+                                             return counts && ++count == at ? killed : goOn;
+                                         });
+            if (status != killedStatus) {
+                EXPECT_EQ(status, 0);
+                std::cout << "killed before each of " << at - 1 << " system calls\n";
+                return at - 1;
+            }
+            check(at);
         }
     }
     [[nodiscard]] QStringList left() const {
@@ -75,19 +107,13 @@ class Installing : public testing::Test {
         EXPECT_THAT(version, testing::AnyOf("1", "2")) << "before call " << count;
         EXPECT_EQ(std::to_string(started(bundle)), version) << "before call " << count;
     }
-    void expectClean() const {
-        EXPECT_THAT(left(), testing::ElementsAre(QStringLiteral(".install.lock"), QStringLiteral("Quillory.app")));
-    }
+    void expectClean() const { EXPECT_THAT(left(), testing::ElementsAre(u".install.lock"_s, u"Quillory.app"_s)); }
 
     platform::desktop::LinuxCodeSigning signing = trustingTeam();
     QTemporaryDir folder{folderTemplate()};
-    QString applications = folder.filePath(QStringLiteral("Applications"));
-    QString target = applications + QStringLiteral("/Quillory.app");
-    QString found = folder.filePath(QStringLiteral("work/Quillory.app"));
+    QString applications = folder.filePath(u"Applications"_s);
+    QString target = applications + u"/Quillory.app"_s;
+    QString found = folder.filePath(u"work/Quillory.app"_s);
 };
-
-inline bool isExchange(const TracedCall &call) {
-    return call.number == SYS_renameat2 && call.arguments[4] == RENAME_EXCHANGE;
-}
 
 } // namespace quillory::test

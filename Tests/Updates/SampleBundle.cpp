@@ -15,6 +15,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 using platform::desktop::LinuxCodeSigning;
 using platform::desktop::SigningKey;
 using platform::desktop::TrustedKeys;
@@ -31,8 +33,8 @@ LinuxCodeSigning trustingTeam() {
 }
 
 QString folderTemplate() {
-    const QString memory = QStringLiteral("/dev/shm");
-    return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) + QStringLiteral("/quillory-XXXXXX");
+    const QString memory = u"/dev/shm"_s;
+    return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) + u"/quillory-XXXXXX"_s;
 }
 
 void writeFile(const QString &path, const QByteArray &bytes, unsigned mode) {
@@ -50,16 +52,16 @@ QByteArray readFile(const QString &path) {
 }
 
 void makeBundle(const QString &path, int version) {
-    const QString resources = path + QStringLiteral("/Resources/icons");
+    const QString resources = path + u"/Resources/icons"_s;
     QDir().mkpath(resources);
-    for (const QString &folder : {path, path + QStringLiteral("/Resources"), resources}) {
+    for (const QString &folder : {path, path + u"/Resources"_s, resources}) {
         ::chmod(QFile::encodeName(folder).constData(), 0755);
     }
     const QByteArray number = QByteArray::number(version);
-    writeFile(path + QStringLiteral("/quillory"), "#!/bin/sh\n[ \"$1\" = --version ] || exit " + number + '\n', 0755);
-    writeFile(path + QStringLiteral("/Info.json"), R"({"CFBundleShortVersionString": ")" + number + "\"}\n");
-    writeFile(path + QStringLiteral("/UpdateKeys"), TrustedKeys::line(team, teamKey().publicKey()));
-    writeFile(resources + QStringLiteral("/quillory.svg"), QByteArray(10'000, 'x'));
+    writeFile(path + u"/quillory"_s, "#!/bin/sh\n[ \"$1\" = --version ] || exit " + number + '\n', 0755);
+    writeFile(path + u"/Info.json"_s, R"({"CFBundleShortVersionString": ")" + number + "\"}\n");
+    writeFile(path + u"/UpdateKeys"_s, TrustedKeys::line(team, teamKey().publicKey()));
+    writeFile(resources + u"/quillory.svg"_s, QByteArray(10'000, 'x'));
 }
 
 void makeSignedBundle(const QString &path, int version, const SigningKey &key) {
@@ -73,7 +75,7 @@ std::string vouchedVersion(const QString &bundle) {
 }
 
 int started(const QString &bundle) {
-    const int status = std::system(QFile::encodeName(bundle + QStringLiteral("/quillory")).constData());
+    const int status = std::system(QFile::encodeName(bundle + u"/quillory"_s).constData());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

@@ -13,26 +13,23 @@
 namespace quillory::test {
 namespace {
 
+using namespace Qt::StringLiterals;
 using platform::URLRequest;
 using platform::desktop::CurlURLSession;
-
-void openssl(const QStringList &arguments) {
-    QProcess process;
-    process.start(QStringLiteral("openssl"), arguments);
-    if (!process.waitForFinished() || process.exitCode() != 0) {
-        throw std::runtime_error(process.readAllStandardError().toStdString());
-    }
-}
 
 /// A server on this computer with a certificate of its own.
 class SecureServer {
   public:
     SecureServer(const QTemporaryDir &folder, const QString &host) : m_certificate(folder.filePath(host)) {
-        const QString key = m_certificate + QStringLiteral(".key");
-        openssl({QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"), QStringLiteral("ed25519"),
-                 QStringLiteral("-nodes"), QStringLiteral("-keyout"), key, QStringLiteral("-out"), m_certificate,
-                 QStringLiteral("-subj"), QStringLiteral("/CN=Quillory test"), QStringLiteral("-addext"),
-                 QStringLiteral("subjectAltName=DNS:") + host});
+        const QString key = m_certificate + u".key"_s;
+        const int made = QProcess::execute(
+            u"openssl"_s,
+            u"req -x509 -newkey ed25519 -nodes -subj /CN=Test -addext subjectAltName=DNS:%1 -keyout %2 -out %3"_s
+                .arg(host, key, m_certificate)
+                .split(u' '));
+        if (made != 0) {
+            throw std::runtime_error("openssl made no certificate");
+        }
         m_server = std::make_unique<httplib::SSLServer>(qPrintable(m_certificate), qPrintable(key));
         m_server->Get("/page", [](const auto &, auto &answer) { answer.set_content("hello", "text/plain"); });
         m_server->Get("/to-http", [](const auto &, auto &answer) { answer.set_redirect("http://localhost:1/"); });
@@ -51,7 +48,7 @@ class SecureServer {
     /// The body, or what went wrong.
     [[nodiscard]] std::string answerTo(const char *path) const {
         URLRequest request;
-        request.url = QUrl(QStringLiteral("https://localhost:%1%2").arg(m_port).arg(QLatin1StringView(path)));
+        request.url = QUrl(u"https://localhost:%1%2"_s.arg(m_port).arg(QLatin1StringView(path)));
         request.followsRedirects = true;
         CurlURLSession session;
         try {
@@ -77,9 +74,9 @@ class SecureConnection : public testing::Test {
 const std::string notVerified = "The server's certificate could not be verified.";
 
 TEST_F(SecureConnection, IsMadeOnlyToWhomACertificateVouchesFor) {
-    const SecureServer server(folder, QStringLiteral("localhost"));
+    const SecureServer server(folder, u"localhost"_s);
     EXPECT_EQ(server.answerTo("/page"), notVerified) << "nobody we know signed it";
-    const SecureServer other(folder, QStringLiteral("elsewhere.example"));
+    const SecureServer other(folder, u"elsewhere.example"_s);
     qputenv("SSL_CERT_FILE", other.certificate());
     EXPECT_EQ(other.answerTo("/page"), notVerified) << "it is another host's";
     qputenv("SSL_CERT_FILE", server.certificate());
@@ -87,7 +84,7 @@ TEST_F(SecureConnection, IsMadeOnlyToWhomACertificateVouchesFor) {
 }
 
 TEST_F(SecureConnection, IsNeverLeftForAPlainOne) {
-    const SecureServer server(folder, QStringLiteral("localhost"));
+    const SecureServer server(folder, u"localhost"_s);
     qputenv("SSL_CERT_FILE", server.certificate());
     EXPECT_EQ(server.answerTo("/to-page"), "hello");
     EXPECT_EQ(server.answerTo("/to-http"), "The server points to an address that is not secure.");

@@ -8,8 +8,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <fcntl.h>
+#include <sched.h>
 #include <set>
 #include <stdexcept>
+#include <sys/mount.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
 #include <sys/user.h>
@@ -90,6 +92,11 @@ bool changesDisk(const TracedCall &call) {
     const bool isAt = call.number == SYS_openat;
     return changing.contains(call.number) ||
            ((isAt || call.number == SYS_open) && (call.arguments[isAt ? 2 : 1] & O_CREAT) != 0);
+}
+
+bool mountSmallDisk(const char *folder, const char *options) {
+    return unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("tmpfs", folder, "tmpfs", 0, options) == 0;
 }
 
 int runTraced(const std::function<int()> &work, const std::function<Verdict(const TracedCall &)> &before) {

@@ -31,4 +31,8 @@ inline constexpr Verdict killed = -1;
 inline constexpr int killedStatus = 200;
 int runTraced(const std::function<int()> &work, const std::function<Verdict(const TracedCall &)> &before);
 
+/// Mounts an empty file system of that size, such as "size=64k", over a folder, for the calling process alone. False
+/// where that is not allowed.
+[[nodiscard]] bool mountSmallDisk(const char *folder, const char *options);
+
 } // namespace quillory::test

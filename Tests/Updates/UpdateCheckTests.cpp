@@ -12,92 +12,71 @@
 namespace quillory::test {
 namespace {
 
+using namespace Qt::StringLiterals;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class UpdateCheck : public UpdateStory {};
 
 TEST(UpdateVersion, IsComparedNumberByNumber) {
-    const struct {
-        const char *version;
-        const char *other;
-        bool isNewer;
-    } cases[] = {{"1.10", "1.9", true},
-                 {"2.0", "2", false},
-                 {"2", "2.0", false},
-                 {"1.3", "1.2.9", true},
-                 {"1.2.1", "1.2", true},
-                 {"0.9", "1", false},
-                 {"1.2", "1.2.0", false},
-                 {"1..2", "1.1", true},
-                 {".1.", "0.9", true},
-                 {"1.3-beta", "1.0", false},
-                 {"1.+3", "1.2", true},
-                 {"1.-3", "1", false},
-                 {"1. 3", "1.1", false},
-                 {"1.3\n", "1.1", false},
-                 {"1.99999999999999999999", "1.1", false},
-                 {"1.9223372036854775807", "1.1", true},
-                 {"\u0662", "1", false},
-                 {"", "0", false},
-                 {"0.0.1", "", true}};
-    for (const auto &[version, other, isNewer] : cases) {
-        EXPECT_EQ(quillory::isNewer(QString::fromUtf8(version), QString::fromUtf8(other)), isNewer)
-            << version << " and " << other;
+    const std::pair<QString, QString> newer[]{
+        {u"1.10"_s, u"1.9"_s}, {u"1.3"_s, u"1.2.9"_s}, {u"1.2.1"_s, u"1.2"_s},
+        {u"1..2"_s, u"1.1"_s}, {u".1."_s, u"0.9"_s},   {u"1.9223372036854775807"_s, u"1.1"_s},
+        {u"1.+3"_s, u"1.2"_s}, {u"0.0.1"_s, u""_s},
+    };
+    const std::pair<QString, QString> notNewer[]{
+        {u"2.0"_s, u"2"_s},      {u"2"_s, u"2.0"_s},    {u"0.9"_s, u"1"_s},
+        {u"1.3-beta"_s, u"1"_s}, {u"1.-3"_s, u"1"_s},   {u"1. 3"_s, u"1.1"_s},
+        {u"1.3\n"_s, u"1.1"_s},  {u"\u0662"_s, u"1"_s}, {u"1.99999999999999999999"_s, u"1.1"_s},
+    };
+    for (const auto &[version, other] : newer) {
+        EXPECT_TRUE(isNewer(version, other)) << version.toStdString();
+        EXPECT_FALSE(isNewer(other, version)) << version.toStdString();
+    }
+    for (const auto &[version, other] : notNewer) {
+        EXPECT_FALSE(isNewer(version, other)) << version.toStdString();
     }
 }
 
 TEST_F(UpdateCheck, TellsTheUserWhoAsked) {
+    const QByteArray current = R"({"version": "1", "url": "https://a/b"})";
     const struct {
         const char *what;
         QByteArray answer;
-        QString log;
-        QString alert;
+        /// What is offered; empty for an alert that there is nothing.
+        QString version;
+        QString notes = QString();
     } cases[] = {
-        {"the same version", answerWith("200 OK", R"({"version": "1", "url": "https://a/b"})"),
-         QStringLiteral("update check: up to date (1)"),
-         QStringLiteral("You're up to date|Quillory 1 is the latest version.")},
+        {"the same version", answerWith("200 OK", current), {}},
         {"an older one, with a status that does not count",
          answerWith("404 Not Found", R"({"version": "0.9", "url": "https://a/b", "more": [1]})"),
-         QStringLiteral("update check: up to date (1)"),
-         QStringLiteral("You're up to date|Quillory 1 is the latest version.")},
-        {"a newer one without notes", answerWith("200 OK", R"({"version": "1.1", "url": "https://a/b"})"),
-         QStringLiteral("update available: 1.1 (running 1)"),
-         QStringLiteral("Quillory 1.1 is available|Install now and relaunch?|Install & Relaunch|Later")},
-        {"a newer one with notes",
-         answerWith("200 OK", R"({"version": "1.1", "url": "https://a/b", "notes": "Faster.\nBetter."})"),
-         QStringLiteral("update available: 1.1 (running 1)"),
-         QStringLiteral(
-             "Quillory 1.1 is available|Faster.\nBetter.\n\nInstall now and relaunch?|Install & Relaunch|Later")},
+         {}},
+        {"a redirect to nowhere", answerWith("302 Found", current), {}},
+        {"a redirect", "HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n", {}},
+        {"no notes", answerWith("200 OK", R"({"version": "1.1", "url": "https://a/b"})"), u"1.1"_s},
+        {"notes", answerWith("200 OK", R"({"version": "1.1", "url": "https://a/b", "notes": "Fast.\nGood."})"),
+         u"1.1"_s, u"Fast.\nGood."_s},
         {"notes that are no text", answerWith("200 OK", R"({"version": "1.1", "url": "https://a/b", "notes": 7})"),
-         QStringLiteral("update available: 1.1 (running 1)"),
-         QStringLiteral("Quillory 1.1 is available|Install now and relaunch?|Install & Relaunch|Later")},
+         u"1.1"_s},
         {"a version that would write a line of the log",
-         answerWith("200 OK", R"({"version": "2.\n12:00 x", "url": "https://a/b"})"),
-         QStringLiteral("update available: 2. 12:00 x (running 1)"),
-         QStringLiteral("Quillory 2. 12:00 x is available|Install now and relaunch?|Install & Relaunch|Later")},
+         answerWith("200 OK", R"({"version": "2.\n12:00 x", "url": "https://a/b"})"), u"2. 12:00 x"_s},
         {"more than anybody reads",
          answerWith("200 OK", R"({"version": "2.)" + QByteArray(1000, '0') + R"(", "url": "https://a/b", "notes": ")" +
                                   QByteArray(900'000, 'n') + "\"}"),
-         QStringLiteral("update available: 2.") + QString(62, u'0') + QStringLiteral(" (running 1)"),
-         QStringLiteral("Quillory 2.") + QString(62, u'0') + QStringLiteral(" is available|") + QString(4000, u'n') +
-             QStringLiteral("…\n\nInstall now and relaunch?|Install & Relaunch|Later")},
-        {"a redirect to nowhere", answerWith("302 Found", R"({"version": "1", "url": "https://a/b"})"),
-         QStringLiteral("update check: up to date (1)"),
-         QStringLiteral("You're up to date|Quillory 1 is the latest version.")},
-        {"a redirect", "HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n",
-         QStringLiteral("update check: up to date (1)"),
-         QStringLiteral("You're up to date|Quillory 1 is the latest version.")},
+         u"2."_s + QString(62, u'0'), QString(4000, u'n') + u'…'},
     };
-    answers["/elsewhere"] = answerWith("200 OK", R"({"version": "1", "url": "https://a/b"})");
-    for (const auto &[what, answer, log, alert] : cases) {
+    answers["/elsewhere"] = answerWith("200 OK", current);
+    for (const auto &[what, answer, version, notes] : cases) {
         answers["/version.json"] = answer;
         application().alerts.clear();
         checker.check(true);
         ASSERT_TRUE(awaitAlerts(1)) << what;
-        EXPECT_THAT(application().shown(), ElementsAre(alert)) << what;
-        EXPECT_EQ(desktop.log().last(), log) << what;
-        if (application().alerts.front().buttons.size() > 1) {
+        const QString offer = u"Quillory %1 is available|%2Install now and relaunch?|Install & Relaunch|Later"_s.arg(
+            version, notes.isEmpty() ? notes : notes + u"\n\n"_s);
+        const QString alert = u"You're up to date|Quillory 1 is the latest version."_s;
+        EXPECT_THAT(application().shown(), ElementsAre(version.isEmpty() ? alert : offer)) << what;
+        EXPECT_EQ(desktop.log().last(), version.isEmpty() ? u"update check: up to date (1)"_s
+                                                          : u"update available: %1 (running 1)"_s.arg(version));
+        if (!version.isEmpty()) {
             application().answer(1);
         }
     }
@@ -105,16 +84,16 @@ TEST_F(UpdateCheck, TellsTheUserWhoAsked) {
 }
 
 TEST_F(UpdateCheck, SaysWhatWentWrong) {
-    const QByteArray plain = "HTTP/1.1 302 Found\r\nContent-Length: 0\r\nLocation: ";
-    const QString format = QStringLiteral("The version feed is not in the correct format.");
-    const QString bad = QStringLiteral("bad version feed");
+    const QByteArray redirect = "HTTP/1.1 302 Found\r\nContent-Length: 0\r\nLocation: ";
+    const QString format = u"The version feed is not in the correct format."_s;
+    const QString bad = u"bad version feed"_s;
+    const QString tooLong = u"The answer is too long."_s;
     const struct {
         const char *what;
         QByteArray answer;
         QString description;
     } cases[] = {
         {"no JSON", answerWith("404 Not Found", "<html>"), format},
-        {"nothing", answerWith("200 OK", ""), format},
         {"deep JSON", answerWith("200 OK", QByteArray(500'000, '[')), format},
         {"deep JSON that ends",
          answerWith("200 OK", R"({"version": "2", "url": "https://a", "x": )" + QByteArray(5000, '[') +
@@ -122,28 +101,26 @@ TEST_F(UpdateCheck, SaysWhatWentWrong) {
          format},
         {"an array", answerWith("200 OK", "[]"), bad},
         {"no address", answerWith("200 OK", R"({"version": "2"})"), bad},
-        {"an empty address", answerWith("200 OK", R"({"version": "2", "url": ""})"), bad},
         {"an address that is none", answerWith("200 OK", R"({"version": "2", "url": "https://a b:x"})"), bad},
         {"a version that is a number", answerWith("200 OK", R"({"version": 2, "url": "https://a/b"})"), bad},
-        {"an address that is null", answerWith("200 OK", R"({"version": "2", "url": null})"), bad},
-        {"10 MB", answerWith("200 OK", QByteArray(10 << 20, ' ')), QStringLiteral("The answer is too long.")},
-        {"a body without end", plain + "/endless\r\n\r\n", QStringLiteral("The answer is too long.")},
+        {"10 MB", answerWith("200 OK", QByteArray(10 << 20, ' ')), tooLong},
+        {"a body without end", redirect + "/endless\r\n\r\n", tooLong},
         {"less than announced", "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{",
-         QStringLiteral("The connection to the server was lost.")},
-        {"a redirect to http", plain + "http://192.0.2.1/version.json\r\n\r\n",
-         QStringLiteral("The address is not secure: it must begin with https://.")},
-        {"a redirect to a file", plain + "file:///etc/passwd\r\n\r\n",
-         QStringLiteral("The server points to an address that is not secure.")},
-        {"a redirect to itself", plain + "/version.json\r\n\r\n",
-         QStringLiteral("The server points from one address to the next without end.")},
+         u"The connection to the server was lost."_s},
+        {"a redirect to http", redirect + "http://192.0.2.1/version.json\r\n\r\n",
+         u"The address is not secure: it must begin with https://."_s},
+        {"a redirect to a file", redirect + "file:///etc/passwd\r\n\r\n",
+         u"The server points to an address that is not secure."_s},
+        {"a redirect to itself", redirect + "/version.json\r\n\r\n",
+         u"The server points from one address to the next without end."_s},
     };
     for (const auto &[what, answer, description] : cases) {
         answers["/version.json"] = answer;
         application().alerts.clear();
         checker.check(true);
         ASSERT_TRUE(awaitAlerts(1)) << what;
-        EXPECT_THAT(application().shown(), ElementsAre(QStringLiteral("Update check failed|") + description)) << what;
-        EXPECT_EQ(desktop.log().last(), QStringLiteral("update check failed: ") + description) << what;
+        EXPECT_THAT(application().shown(), ElementsAre(u"Update check failed|"_s + description)) << what;
+        EXPECT_EQ(desktop.log().last(), u"update check failed: "_s + description) << what;
     }
     EXPECT_EQ(desktop.log().size(), std::size(cases));
 }
@@ -156,44 +133,44 @@ TEST_F(UpdateCheck, IsMadeAtLaunchAndEverySixHoursAndIsSilentUnlessThereIsSometh
     EXPECT_EQ(desktop.log().size(), 1);
     desktop.advance(1000);
     ASSERT_TRUE(awaitAlerts(1));
-    EXPECT_THAT(desktop.log(),
-                ElementsAre(QStringLiteral("update check failed: The version feed is not in the correct format."),
-                            QStringLiteral("update available: 2 (running 1)")));
+    EXPECT_THAT(desktop.log(), ElementsAre(u"update check failed: The version feed is not in the correct format."_s,
+                                           u"update available: 2 (running 1)"_s));
     desktop.advance(21'600'000);
     ASSERT_TRUE(awaitLog(3));
     desktop.advance(0);
-    EXPECT_EQ(application().alerts.size(), 1U) << "the first offer still stands";
+    EXPECT_EQ(application().alerts.size(), 1U) << "the first offer is still open";
     application().answer(1);
     desktop.advance(21'600'000);
     EXPECT_TRUE(awaitAlerts(2)) << "what was put off comes again";
 }
 
 TEST_F(UpdateCheck, ClearsAwayWhatAnInterruptedInstallLeft) {
-    const QString temporary = folder.filePath(QStringLiteral("tmp/"));
-    const std::array<timespec, 2> longAgo{timespec{1000, 0}, timespec{1000, 0}};
+    const QString temporary = folder.filePath(u"tmp/"_s);
+    const auto makeOld = [](const QString &path) {
+        const std::array<timespec, 2> longAgo{timespec{1000, 0}, timespec{1000, 0}};
+        utimensat(AT_FDCWD, qPrintable(path), longAgo.data(), 0);
+    };
     for (const char *name : {"QuilloryUpdate-OLD", "QuilloryUpdate-NEW", "quillory-download-old", "another-old"}) {
         const QString path = temporary + QLatin1StringView(name);
         QDir().mkpath(path);
-        writeFile(path + QStringLiteral("/file"), "x", 0444);
-        if (!path.endsWith(QStringLiteral("NEW"))) {
-            utimensat(AT_FDCWD, qPrintable(path), longAgo.data(), 0);
+        writeFile(path + u"/file"_s, "x", 0444);
+        if (!path.endsWith(u"NEW"_s)) {
+            makeOld(path);
         }
     }
-    // Another process installs since before the computer was put to sleep.
+    // Another process has been installing since before the computer was put to sleep.
     const platform::desktop::LinuxCodeSigning signing = trustingTeam();
     platform::desktop::LinuxFileSystem other(signing);
-    const QString download = temporary + QStringLiteral("quillory-download-LIVING");
-    writeFile(download, "x");
-    other.hold(download);
-    utimensat(AT_FDCWD, qPrintable(download), longAgo.data(), 0);
-    other.createDirectory(temporary + QStringLiteral("QuilloryUpdate-LIVING"));
-    utimensat(AT_FDCWD, qPrintable(temporary + QStringLiteral("QuilloryUpdate-LIVING")), longAgo.data(), 0);
+    writeFile(temporary + u"quillory-download-LIVING"_s, "x");
+    other.hold(temporary + u"quillory-download-LIVING"_s);
+    other.createDirectory(temporary + u"QuilloryUpdate-LIVING"_s);
+    makeOld(temporary + u"quillory-download-LIVING"_s);
+    makeOld(temporary + u"QuilloryUpdate-LIVING"_s);
     checker.check(false);
     ASSERT_TRUE(awaitLog(1));
     EXPECT_THAT(temporaryFiles(),
-                testing::UnorderedElementsAre(QStringLiteral("quillory-download-LIVING"),
-                                              QStringLiteral("QuilloryUpdate-LIVING"),
-                                              QStringLiteral("QuilloryUpdate-NEW"), QStringLiteral("another-old")));
+                testing::UnorderedElementsAre(u"quillory-download-LIVING"_s, u"QuilloryUpdate-LIVING"_s,
+                                              u"QuilloryUpdate-NEW"_s, u"another-old"_s));
 }
 
 TEST_F(UpdateCheck, CountsAsVersion0WithoutABundle) {
@@ -201,15 +178,14 @@ TEST_F(UpdateCheck, CountsAsVersion0WithoutABundle) {
     announce(R"({"version": "0.0.1", "url": "https://a/b"})");
     checker.check(false);
     ASSERT_TRUE(awaitAlerts(1));
-    EXPECT_THAT(desktop.log(), ElementsAre(QStringLiteral("update available: 0.0.1 (running 0)")));
+    EXPECT_THAT(desktop.log(), ElementsAre(u"update available: 0.0.1 (running 0)"_s));
 }
 
 TEST_F(UpdateCheck, AsksNoAddressThatIsNotSafe) {
-    desktop.process.variables[QStringLiteral("QUILLORY_UPDATE_FEED")] = QStringLiteral("http://192.0.2.1/");
+    desktop.process.variables[u"QUILLORY_UPDATE_FEED"_s] = u"http://192.0.2.1/"_s;
     checker.check(true);
     ASSERT_TRUE(awaitAlerts(1));
-    EXPECT_THAT(application().alerts.front().body,
-                testing::Property(&QString::toStdString, testing::HasSubstr("must begin with https://")));
+    EXPECT_TRUE(application().alerts.front().body.contains(u"must begin with https://"_s));
 }
 
 } // namespace

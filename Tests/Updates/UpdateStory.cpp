@@ -8,15 +8,17 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 UpdateStory::UpdateStory() {
-    const QString temporary = folder.filePath(QStringLiteral("tmp"));
+    const QString temporary = folder.filePath(u"tmp"_s);
     QDir().mkpath(temporary);
-    qputenv("XDG_DATA_HOME", folder.filePath(QStringLiteral("data")).toUtf8());
+    qputenv("XDG_DATA_HOME", folder.filePath(u"data"_s).toUtf8());
     qputenv("TMPDIR", temporary.toUtf8());
     m_fileSystem.createDirectory(target);
     makeSignedBundle(target, 1);
-    desktop.process.information[QStringLiteral("CFBundleShortVersionString")] = QStringLiteral("1");
-    desktop.process.variables[QStringLiteral("QUILLORY_UPDATE_FEED")] = url({}).toString();
+    desktop.process.information[u"CFBundleShortVersionString"_s] = u"1"_s;
+    desktop.process.variables[u"QUILLORY_UPDATE_FEED"_s] = url({}).toString();
 }
 
 UpdateStory::~UpdateStory() {
@@ -42,7 +44,7 @@ QUrl UpdateStory::url(const QString &path) const {
 }
 
 QByteArray UpdateStory::archiveOf(int version) const {
-    const QString bundle = folder.filePath(QStringLiteral("new/Quillory.app"));
+    const QString bundle = folder.filePath(u"new/Quillory.app"_s);
     QDir(bundle).removeRecursively();
     makeSignedBundle(bundle, version);
     ZipWriter zip;
@@ -68,8 +70,7 @@ void UpdateStory::installFrom(const QString &path) {
 }
 
 QStringList UpdateStory::temporaryFiles() const {
-    return QDir(folder.filePath(QStringLiteral("tmp")))
-        .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    return QDir(folder.filePath(u"tmp"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }
 
 } // namespace quillory::test

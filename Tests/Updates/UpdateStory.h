@@ -16,6 +16,8 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 /// The real tools, except that a relaunch is only noted.
 class NotingTools final : public platform::SystemTools {
   public:
@@ -56,7 +58,7 @@ class UpdateStory : public testing::Test {
     QTemporaryDir folder{folderTemplate()};
     SimulatedDesktop desktop;
     NotingTools tools;
-    QString target = folder.filePath(QStringLiteral("data/quillory/Applications/Quillory.app"));
+    QString target = folder.filePath(u"data/quillory/Applications/Quillory.app"_s);
 
   private:
     void answer(LoopbackConnection &connection);

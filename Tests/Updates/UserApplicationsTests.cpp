@@ -22,6 +22,7 @@
 namespace quillory::test {
 namespace {
 
+using namespace Qt::StringLiterals;
 using platform::FileError;
 using platform::desktop::LinuxFileSystem;
 using platform::desktop::LinuxSystemTools;
@@ -48,16 +49,15 @@ class UserApplications : public testing::Test {
     /// Version 3, signed.
     void makeWithProgram(const QByteArray &script) const {
         makeBundle(own, 3);
-        writeFile(own + QStringLiteral("/quillory"), "#!/bin/sh\n" + script + '\n', 0755);
-        platform::desktop::signBundle(own, QStringLiteral("3"), platform::desktop::LinuxCodeSigning::hostArchitecture(),
-                                      teamKey());
+        writeFile(own + u"/quillory"_s, "#!/bin/sh\n" + script + '\n', 0755);
+        platform::desktop::signBundle(own, u"3"_s, platform::desktop::LinuxCodeSigning::hostArchitecture(), teamKey());
     }
 
     platform::desktop::LinuxCodeSigning signing = trustingTeam();
     LinuxFileSystem files{signing};
     QTemporaryDir folder{folderTemplate()};
-    QString own = folder.filePath(QStringLiteral("quillory/Applications/Quillory.app"));
-    QString installed = folder.filePath(QStringLiteral("usr/lib/quillory/Quillory.app"));
+    QString own = folder.filePath(u"quillory/Applications/Quillory.app"_s);
+    QString installed = folder.filePath(u"usr/lib/quillory/Quillory.app"_s);
 };
 
 TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
@@ -75,7 +75,7 @@ TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
         {"changed since",
          [&] {
              makeSignedBundle(own, 3);
-             writeFile(own + QStringLiteral("/quillory"), "#!/bin/sh", 0755);
+             writeFile(own + u"/quillory"_s, "#!/bin/sh", 0755);
          },
          false},
         {"slow to start", [&] { makeWithProgram("sleep 0.4"); }, true},
@@ -88,8 +88,7 @@ TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
              chmod(qPrintable(own), 0777);
          },
          false},
-        {"left half way where names cannot be exchanged",
-         [&] { makeSignedBundle(own + QStringLiteral(".previous"), 3); }, true},
+        {"left half way where names cannot be exchanged", [&] { makeSignedBundle(own + u".previous"_s, 3); }, true},
         {"none", [] {}, false},
     };
     for (const auto &[what, change, isPreferred] : cases) {
@@ -99,32 +98,32 @@ TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
     }
     makeSignedBundle(own, 3);
     EXPECT_EQ(preferred(own), "") << "it runs already";
-    QFile::remove(installed + QStringLiteral("/Manifest"));
+    QFile::remove(installed + u"/Manifest"_s);
     EXPECT_EQ(preferred(installed), "") << "a program that was just built runs itself";
 }
 
 TEST_F(UserApplications, AreMadeInFreshFoldersOnly) {
-    const QString path = folder.filePath(QStringLiteral("work"));
+    const QString path = folder.filePath(u"work"_s);
     QDir().mkpath(path);
     EXPECT_THROW(files.createDirectory(path), FileError) << "that another user may have made";
-    QFile::link(folder.path(), folder.filePath(QStringLiteral("link")));
-    EXPECT_THROW(files.createDirectory(folder.filePath(QStringLiteral("link"))), FileError);
-    files.createDirectory(folder.filePath(QStringLiteral("fresh")));
-    EXPECT_EQ(QFile::permissions(folder.filePath(QStringLiteral("fresh"))) &
+    QFile::link(folder.path(), folder.filePath(u"link"_s));
+    EXPECT_THROW(files.createDirectory(folder.filePath(u"link"_s)), FileError);
+    files.createDirectory(folder.filePath(u"fresh"_s));
+    EXPECT_EQ(QFile::permissions(folder.filePath(u"fresh"_s)) &
                   (QFile::ReadGroup | QFile::ReadOther | QFile::ExeGroup | QFile::ExeOther),
               QFile::Permissions());
 }
 
 TEST_F(UserApplications, AreOpenedDetachedFromWhatEnds) {
-    const QString seen = folder.filePath(QStringLiteral("seen"));
+    const QString seen = folder.filePath(u"seen"_s);
     const QByteArray script = "#!/bin/sh\n(readlink /proc/$$/fd/*; cut -d' ' -f4,6 /proc/$$/stat) >" + seen.toUtf8() +
                               ".new; mv " + seen.toUtf8() + ".new " + seen.toUtf8() + '\n';
     makeBundle(own, 3);
-    writeFile(own + QStringLiteral("/quillory"), script, 0755);
+    writeFile(own + u"/quillory"_s, script, 0755);
     const pid_t program = fork();
     if (program == 0) {
-        (void)open(qPrintable(own + QStringLiteral("/Info.json")), O_RDONLY); // inherited, unless somebody sees to it
-        LinuxSystemTools().relaunchAfterExit(QStringLiteral("/Applications/Quillory.app"));
+        (void)open(qPrintable(own + u"/Info.json"_s), O_RDONLY); // inherited, unless somebody sees to it
+        LinuxSystemTools().relaunchAfterExit(u"/Applications/Quillory.app"_s);
         _exit(0);
     }
     int status = 0;
@@ -146,7 +145,7 @@ TEST_F(UserApplications, AreNotTakenForOpenedWhereThereIsNoShell) {
         }
         qputenv("XDG_DATA_HOME", "/");
         try {
-            LinuxSystemTools().relaunchAfterExit(QStringLiteral("/Applications/Quillory.app"));
+            LinuxSystemTools().relaunchAfterExit(u"/Applications/Quillory.app"_s);
         } catch (const FileError &error) {
             _exit(std::string_view(error.what()) == "/bin/sh could not be started: No such file or directory." ? 0 : 1);
         }
