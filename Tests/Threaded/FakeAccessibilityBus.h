@@ -87,56 +87,45 @@ struct FakeElement {
     std::map<std::string, std::string> attributes = {};
 };
 
-/// A bus of its own with a registry and one application on it, which behaves as the test says: the session bus and the
-/// accessibility bus in one. Elements are named "/1", "/2" ...; the application itself is the usual root path.
+/// A private bus with a registry and one application on it, which behaves as the test says: session bus and
+/// accessibility bus in one. Elements are named "/1", "/2" ...; the application itself has the usual root path.
 class FakeAccessibilityBus {
   public:
     static constexpr const char *root = "/org/a11y/atspi/accessible/root";
     /// How the application answers a search for its texts: not at all, with all of them, or with something else.
     enum class Search { none, whole, wrong };
-    /// A chance to answer a call in the test's own way: true when it did.
+    /// Answers a call in the test's own way; false leaves it to the fake.
     using Answer = std::function<bool(const std::string &path, const std::string &member, sd_bus_message *reply)>;
 
     FakeAccessibilityBus() {
         m_address =
             startAndListen(m_daemon, {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address="});
         m_elements[root] = FakeElement{.role = 75, .name = "fake"};
-        m_service = std::jthread([this](const std::stop_token &stop) {
-            const auto onCall = [](sd_bus_message *call, void *self, sd_bus_error *) {
-                return static_cast<FakeAccessibilityBus *>(self)->answerAsService(call);
-            };
-            const auto begin = [](sd_bus *bus) {
-                sd_bus_request_name(bus, "org.a11y.Bus", 0);
-                sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
-            };
-            serve(onCall, stop, begin, [this](sd_bus *bus) { workAsService(bus); });
-        });
-        m_application = std::jthread([this](const std::stop_token &stop) {
-            const auto onCall = [](sd_bus_message *call, void *self, sd_bus_error *) {
-                return static_cast<FakeAccessibilityBus *>(self)->answerAsApplication(call);
-            };
-            const auto begin = [this](sd_bus *bus) {
-                const Lock lock(m_mutex);
-                m_name = nameOf(bus);
-            };
-            serve(onCall, stop, begin, [this](sd_bus *bus) { workAsApplication(bus); });
-            const Lock lock(m_mutex);
-            m_name.clear();
-        });
-        waitUntil([this] { return m_ready == 2; });
+        m_service = connectTo(m_address);
+        m_application = connectTo(m_address);
+        m_name = nameOf(m_application);
+        sd_bus_add_filter(m_service, nullptr, answering<&FakeAccessibilityBus::answerAsService>, this);
+        sd_bus_add_filter(m_application, nullptr, answering<&FakeAccessibilityBus::answerAsApplication>, this);
+        sd_bus_request_name(m_service, "org.a11y.Bus", 0);
+        sd_bus_request_name(m_service, registry, 0);
+        m_thread = std::jthread([this](const std::stop_token &stop) { serve(stop); });
     }
-    ~FakeAccessibilityBus() { sd_bus_close_unref(m_hung); }
+    ~FakeAccessibilityBus() {
+        m_thread.request_stop();
+        m_thread.join();
+        for (sd_bus *bus : {m_service, m_application, m_hung}) {
+            sd_bus_flush_close_unref(bus);
+        }
+    }
     FakeAccessibilityBus(const FakeAccessibilityBus &) = delete;
     FakeAccessibilityBus &operator=(const FakeAccessibilityBus &) = delete;
 
     std::atomic<Search> search = Search::none;
     std::atomic<const char *> toolkit = "Fake";
-    /// While set nothing is answered; then all that has piled up is.
+    /// While set the application answers nothing; afterwards it answers all that has piled up.
     std::atomic<bool> hangs = false;
-    /// The registry starts anew and knows of no registration.
+    /// Makes the registry start anew; it then knows of no registration.
     std::atomic<bool> registryMustRestart = false;
-    /// Where a caret was set last.
-    std::atomic<int> caret = -1;
 
     [[nodiscard]] const std::string &address() const { return m_address; }
     /// Adds an element below another and returns its path.
@@ -161,13 +150,12 @@ class FakeAccessibilityBus {
         std::erase(m_elements[m_elements[path].parent].children, path);
         m_elements.erase(path);
     }
-    /// Lists another application before the others, one that never answers.
+    /// Lists an application that never answers before the other one.
     void addHungApplication() {
-        m_hung = connectTo(m_address);
         const Lock lock(m_mutex);
-        m_hungName = nameOf(m_hung);
+        m_hung = connectTo(m_address);
     }
-    /// Gives an element the focus, with or without telling anybody.
+    /// Gives an element the focus, with or without an event.
     void focus(const std::string &path, bool isTold = true) {
         constexpr unsigned focused = 12;
         const Lock lock(m_mutex);
@@ -179,8 +167,7 @@ class FakeAccessibilityBus {
             m_pendingSignals.push_back({path, "StateChanged", "focused"});
         }
     }
-    /// Tells that something about an element has changed, as the application's event of this name, if anybody has
-    /// registered for it.
+    /// Sends the event of this name about an element, if anybody has registered for it.
     void tell(const std::string &path, const std::string &event) {
         const Lock lock(m_mutex);
         m_pendingSignals.push_back({path, event, event == "PropertyChange" ? "accessible-name" : "add"});
@@ -200,14 +187,14 @@ class FakeAccessibilityBus {
     }
     /// The application leaves the bus.
     void quit() {
-        m_application.request_stop();
-        m_application.join();
+        const Lock lock(m_mutex);
+        m_application = sd_bus_flush_close_unref(m_application);
+        m_name.clear();
     }
     [[nodiscard]] int callsOf(const std::string &member) {
         const Lock lock(m_mutex);
         return m_calls[member];
     }
-    /// All of them together.
     [[nodiscard]] int calls() {
         const Lock lock(m_mutex);
         return std::accumulate(m_calls.begin(), m_calls.end(), 0,
@@ -215,55 +202,48 @@ class FakeAccessibilityBus {
     }
 
   private:
-    void serve(sd_bus_message_handler_t onCall, const std::stop_token &stop, const std::function<void(sd_bus *)> &begin,
-               const std::function<void(sd_bus *)> &work) {
-        sd_bus *bus = connectTo(m_address);
-        sd_bus_add_filter(bus, nullptr, onCall, this);
-        begin(bus);
-        ++m_ready;
+    static constexpr const char *registry = "org.a11y.atspi.Registry";
+
+    template <auto answer> static int answering(sd_bus_message *call, void *self, sd_bus_error *) {
+        return sd_bus_message_is_method_call(call, nullptr, nullptr) > 0
+                   ? (static_cast<FakeAccessibilityBus *>(self)->*answer)(call)
+                   : 0;
+    }
+    void serve(const std::stop_token &stop) {
         while (!stop.stop_requested()) {
-            work(bus);
-        }
-        sd_bus_flush_close_unref(bus);
-    }
-    // The session's accessibility service and the registry.
-    void workAsService(sd_bus *bus) {
-        if (m_mustTell.exchange(false)) {
-            sd_bus_emit_signal(bus, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "PropertiesChanged", "sa{sv}as",
-                               "org.a11y.Status", 1, "IsEnabled", "b", m_isEnabled ? 1 : 0, 0);
-        }
-        if (registryMustRestart.exchange(false)) {
-            sd_bus_release_name(bus, "org.a11y.atspi.Registry");
-            const Lock lock(m_mutex);
-            m_registered.clear();
-            sd_bus_request_name(bus, "org.a11y.atspi.Registry", 0);
-        }
-        if (sd_bus_process(bus, nullptr) == 0) {
-            sd_bus_wait(bus, 5'000);
-        }
-    }
-    void workAsApplication(sd_bus *bus) {
-        if (hangs) {
-            return sleepBriefly();
-        }
-        {
-            const Lock lock(m_mutex);
-            for (const auto &[path, member, detail] : std::exchange(m_pendingSignals, {})) {
-                if (isRegistered(m_registered, member)) {
-                    sd_bus_emit_signal(bus, path.c_str(), "org.a11y.atspi.Event.Object", member.c_str(), "siiva{sv}",
-                                       detail, 1, 0, "i", 0, 0);
-                }
+            if (!workAsService() && !workAsApplication()) {
+                std::this_thread::sleep_for(std::chrono::microseconds(200));
             }
         }
-        if (sd_bus_process(bus, nullptr) == 0) {
-            sd_bus_wait(bus, 5'000);
+    }
+    // The session's accessibility service and the registry. Whether there was something to do.
+    bool workAsService() {
+        const Lock lock(m_mutex);
+        if (m_mustTell.exchange(false)) {
+            sd_bus_emit_signal(m_service, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "PropertiesChanged",
+                               "sa{sv}as", "org.a11y.Status", 1, "IsEnabled", "b", m_isEnabled ? 1 : 0, 0);
         }
+        if (registryMustRestart.exchange(false)) {
+            sd_bus_release_name(m_service, registry);
+            m_registered.clear();
+            sd_bus_request_name(m_service, registry, 0);
+        }
+        return sd_bus_process(m_service, nullptr) > 0;
+    }
+    bool workAsApplication() {
+        const Lock lock(m_mutex);
+        if (hangs || m_application == nullptr) {
+            return false;
+        }
+        for (const auto &[path, member, detail] : std::exchange(m_pendingSignals, {})) {
+            if (isRegistered(m_registered, member)) {
+                sd_bus_emit_signal(m_application, path.c_str(), "org.a11y.atspi.Event.Object", member.c_str(),
+                                   "siiva{sv}", detail, 1, 0, "i", 0, 0);
+            }
+        }
+        return sd_bus_process(m_application, nullptr) > 0;
     }
     int answerAsService(sd_bus_message *call) {
-        if (sd_bus_message_is_method_call(call, nullptr, nullptr) <= 0) {
-            return 0;
-        }
-        const Lock lock(m_mutex);
         const std::string_view member = sd_bus_message_get_member(call);
         if (const char *event = nullptr; member == "RegisterEvent" && sd_bus_message_read(call, "s", &event) > 0) {
             m_registered.insert(event);
@@ -271,8 +251,8 @@ class FakeAccessibilityBus {
             m_registered.erase(event);
         } else if (member == "GetAddress") {
             return sd_bus_reply_method_return(call, "s", m_address.c_str());
-        } else if (member == "GetChildren" && !m_hungName.empty()) {
-            return sd_bus_reply_method_return(call, "a(so)", 2, m_hungName.c_str(), root, m_name.c_str(), root);
+        } else if (member == "GetChildren" && m_hung != nullptr) {
+            return sd_bus_reply_method_return(call, "a(so)", 2, nameOf(m_hung).c_str(), root, m_name.c_str(), root);
         } else if (member == "GetChildren" && !m_name.empty()) {
             return sd_bus_reply_method_return(call, "a(so)", 1, m_name.c_str(), root);
         } else if (member == "Set") {
@@ -283,11 +263,9 @@ class FakeAccessibilityBus {
         return sd_bus_reply_method_return(call, nullptr);
     }
     int answerAsApplication(sd_bus_message *call) {
-        if (sd_bus_message_is_method_call(call, nullptr, nullptr) <= 0 ||
-            sd_bus_message_is_method_call(call, "org.freedesktop.DBus.Peer", nullptr) > 0) {
+        if (sd_bus_message_is_method_call(call, "org.freedesktop.DBus.Peer", nullptr) > 0) {
             return 0;
         }
-        const Lock lock(m_mutex);
         const std::string member = sd_bus_message_get_member(call);
         ++m_calls[member];
         sd_bus_message *reply = nullptr;
@@ -318,7 +296,7 @@ class FakeAccessibilityBus {
         if (found == m_elements.end()) {
             return false;
         }
-        FakeElement &element = found->second;
+        const FakeElement &element = found->second;
         const std::map<std::string_view, std::function<bool()>> answers{
             {"GetRole", [&] { return say("u", element.role); }},
             {"GetState", [&] { return appendStates(reply, element.states); }},
@@ -330,20 +308,6 @@ class FakeAccessibilityBus {
             {"GetAttributes", [&] { return appendAttributes(reply, element.attributes); }},
             {"GetText", [&] { return say("s", element.text.c_str()); }},
             {"GetExtents", [&] { return say("(iiii)", 10, 20, 100, 30); }},
-            {"SetTextContents",
-             [&] {
-                 const char *text = nullptr;
-                 sd_bus_message_read(call, "s", &text);
-                 element.text = text;
-                 return say("b", 1);
-             }},
-            {"SetCaretOffset",
-             [&] {
-                 int offset = 0;
-                 sd_bus_message_read(call, "i", &offset);
-                 caret = offset;
-                 return say("b", 1);
-             }},
             {"Get", [&] { return answerProperty(call, element, reply); }}};
         const auto known = answers.find(member);
         return known != answers.end() && known->second();
@@ -395,7 +359,8 @@ class FakeAccessibilityBus {
     std::recursive_mutex m_mutex;
     std::map<std::string, FakeElement> m_elements;
     std::string m_name;
-    std::string m_hungName;
+    sd_bus *m_service = nullptr;
+    sd_bus *m_application = nullptr;
     sd_bus *m_hung = nullptr;
     /// The kinds of events that somebody has registered for.
     std::set<std::string> m_registered;
@@ -405,9 +370,7 @@ class FakeAccessibilityBus {
     int m_next = 1;
     std::atomic<bool> m_isEnabled = true;
     std::atomic<bool> m_mustTell = false;
-    std::atomic<int> m_ready = 0;
-    std::jthread m_service;
-    std::jthread m_application;
+    std::jthread m_thread;
 };
 
 } // namespace quillory::test
