@@ -62,7 +62,7 @@ void readText(AtspiText *text, bool isFolded, Walked &walked) {
     g_free(content);
 }
 
-// The roles, texts and frames that the program needs, each asked for when it is needed.
+// The roles, texts and frames that the program needs, each read when it is needed.
 void walk(AtspiAccessible *element, int depth, bool isFolded, Walked &walked) {
     if (walked.nodes >= limits.maxNodes || depth > limits.maxDepth) {
         return;

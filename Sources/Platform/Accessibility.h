@@ -45,7 +45,7 @@ enum class AXAttribute {
     window,
 };
 
-/// The role names that this program tells apart; every other role is passed on under a name of the same style.
+/// The role names that this program tells apart; other roles have names of the same style.
 namespace axRole {
 inline constexpr QLatin1StringView comboBox{"AXComboBox"};
 inline constexpr QLatin1StringView searchField{"AXSearchField"};
@@ -64,13 +64,13 @@ struct AXSubtreeLimits {
     friend bool operator==(const AXSubtreeLimits &, const AXSubtreeLimits &) = default;
 };
 
-/// How old the outcome of a bulk read may be. What decides where words are written asks for now(); who gets no answer
-/// may ask again with the same value, and then gets what was read since it was made.
+/// How old the outcome of a bulk read may be. Whatever decides where words are written asks for now(); a caller that
+/// gets no answer may ask again with the same value, and then gets what was read since it was made.
 struct AXFreshness {
-    /// Absent: as the desktop last saw it, a moment ago and usually kept up to date since.
+    /// Absent: a copy of a moment ago will do, which is usually kept up to date.
     std::optional<std::chrono::steady_clock::time_point> notBefore;
 
-    /// Read from this moment on, which takes longer and may fail.
+    /// Read after this moment, which takes longer and may fail.
     static AXFreshness now() { return {std::chrono::steady_clock::now()}; }
 };
 
@@ -83,9 +83,9 @@ struct AXSubtreeNode {
     std::optional<Rect> frame;
 };
 
-/// What a desktop gives behind an element handle. Every operation is called on the main thread, may ask another
-/// process, waits for a bounded time only, and answers "absent" or false for whatever goes wrong: a hung or
-/// vanished application, an attribute that is not supported, a value that cannot be read.
+/// The desktop's side of an element handle. Every operation is called on the main thread, may ask another process,
+/// waits for a bounded time only, and answers "absent" or false for whatever goes wrong: a hung or vanished
+/// application, an attribute that is not supported, a value that cannot be read.
 class AXElementBackend {
   public:
     virtual ~AXElementBackend() = default;
@@ -105,8 +105,8 @@ class AXElementBackend {
     /// a recent one may be there a moment later.
     [[nodiscard]] virtual std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits,
                                                                  AXFreshness freshness) const = 0;
-    /// Says that a recent copySubtree() will be asked for soon, for which nothing will do that is older than this, if
-    /// it is known to have changed. Never waits.
+    /// Announces a copySubtree() of a recent outcome. If the subtree is known to have changed, a copy older than the
+    /// freshness given will not do for it. Never waits.
     virtual void prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness) const = 0;
 };
 
@@ -154,7 +154,7 @@ class Accessibility {
     [[nodiscard]] virtual bool isProcessTrusted() = 0;
     /// The same, and asks the user to allow it when it is not so. Returns at once, without waiting for the user.
     virtual bool isProcessTrustedWithPrompt() = 0;
-    /// Shows, as the user asked for it, where to allow it: the desktop's accessibility settings or what stands in for
+    /// Shows where to allow it, because the user asked: the desktop's accessibility settings or what stands in for
     /// them. Returns at once.
     virtual void showSettings() = 0;
     /// The element through which the focused element of the whole desktop is read.

@@ -100,7 +100,7 @@ TEST_F(DesktopAccessibility, WritesIntoAQtProgram) {
     ASSERT_TRUE(box.setAttributeValue(AXAttribute::value, text));
     EXPECT_EQ(read<QString>(box, AXAttribute::value), text);
     EXPECT_EQ(read<double>(box, AXAttribute::numberOfCharacters), text.size());
-    // On a busy machine what the main thread may wait for in one second can be used up.
+    // On a busy machine the main thread's waits in one second may be used up.
     EXPECT_TRUE(waitUntil([&] {
         return box.setAttributeValue(AXAttribute::selectedTextRange, AXRange{text.size(), 0});
     }));

@@ -34,7 +34,7 @@ template <class T> std::optional<T> read(const std::optional<AXUIElement> &eleme
     return found != nullptr ? std::optional(*found) : std::nullopt;
 }
 
-/// A program that is about to look at a chat, and the chat on its bus.
+/// A chat on a private bus, and the program's side of it, which start() makes.
 struct AtspiAccessibility : testing::Test {
     FakeAccessibilityBus bus;
     std::string window = bus.add(bus.root, {.role = frameRole, .name = "Chat", .states = {active, 25, 30}});
@@ -47,7 +47,7 @@ struct AtspiAccessibility : testing::Test {
     std::unique_ptr<desktop::AtspiAccessibility> accessibility;
     std::optional<desktop::ActiveWindow> activeWindow;
 
-    // The application lives in this process: another process is named as the one not to be asked.
+    // The fake application lives in this process, so another process is given as our own.
     void start(qint32 ownPid = 1) {
         accessibility = std::make_unique<desktop::AtspiAccessibility>(
             queue, desktop::AtspiAccessibility::Options{.activeWindow = [this] { return activeWindow; },

@@ -45,7 +45,7 @@ TEST_F(AtspiAccessibility, AnswersATickFromOneRoundTrip) {
     EXPECT_LE(accessibility->traffic().roundTrips - before.roundTrips, ticks);
 }
 
-TEST_F(AtspiAccessibility, LeavesATextAloneThatBecameAPassword) {
+TEST_F(AtspiAccessibility, StopsReadingAFieldThatBecameAPassword) {
     bus.focus(field);
     start();
     ASSERT_TRUE(waitForValue("helo"));
@@ -56,8 +56,8 @@ TEST_F(AtspiAccessibility, LeavesATextAloneThatBecameAPassword) {
     EXPECT_EQ(bus.callsOf("GetText"), asked);
 }
 
-// The application says all the time that its window is active, or nothing at all.
-TEST_F(AtspiAccessibility, NamesNothingInAWindowThatTheDesktopCallsInactive) {
+// The application says throughout that its window is active, or it says nothing at all.
+TEST_F(AtspiAccessibility, GivesOutNothingInAWindowThatTheDesktopCallsInactive) {
     bus.focus(field);
     start();
     const qint32 inSandbox = 3;
@@ -149,7 +149,7 @@ TEST_F(AtspiAccessibility, QuitsAtOnceWhateverHangs) {
     close(mute);
 }
 
-TEST_F(AtspiAccessibility, ForgetsWhatIsGone) {
+TEST_F(AtspiAccessibility, ForgetsElementsThatAreGone) {
     const auto other = bus.add(window, {.role = entryRole, .text = "other", .states = {editable, focusable, 25, 30}});
     bus.focus(other);
     start();
@@ -169,7 +169,7 @@ TEST_F(AtspiAccessibility, ForgetsWhatIsGone) {
     EXPECT_THAT(element.copySubtree({21, 2500}, AXFreshness::now()), IsEmpty());
 }
 
-TEST_F(AtspiAccessibility, TakesAnswersOfWrongTypesForNone) {
+TEST_F(AtspiAccessibility, TreatsAnswersOfWrongTypesAsAbsent) {
     bus.focus(field);
     start();
     ASSERT_TRUE(waitForValue("helo"));
@@ -178,7 +178,7 @@ TEST_F(AtspiAccessibility, TakesAnswersOfWrongTypesForNone) {
     });
     EXPECT_TRUE(waitUntil([&] { return !focusedValue(); }));
     EXPECT_THAT(answersOf(*focused(), {AXAttribute::value, AXAttribute::position, AXAttribute::children}), Each(false));
-    // A reading that misses its time is empty.
+    // A read that runs out of time gives nothing.
     EXPECT_TRUE(waitUntil([&] { return focused()->copySubtree({21, 2500}, AXFreshness::now()).size() == 1; }));
 }
 

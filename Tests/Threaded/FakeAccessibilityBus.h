@@ -4,15 +4,15 @@
 
 #include "RealDesktop/ChildProcess.h"
 
+#include <QString>
+
 #include <systemd/sd-bus.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <functional>
 #include <map>
 #include <mutex>
-#include <numeric>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -62,10 +62,6 @@ inline bool asksForTexts(sd_bus_message *call) {
     sd_bus_message_skip(call, "aiia{ss}i");
     sd_bus_message_read_array(call, 'i', &words, &size);
     return size == 4 * sizeof(std::uint32_t) && static_cast<const std::uint32_t *>(words)[3] != 0;
-}
-
-inline int characters(const std::string &utf8) {
-    return static_cast<int>(std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
 inline bool isRegistered(const std::set<std::string> &registered, const std::string &event) {
@@ -164,13 +160,13 @@ class FakeAccessibilityBus {
         }
         m_elements[path].states.push_back(focused);
         if (isTold) {
-            m_pendingSignals.push_back({path, "StateChanged", "focused"});
+            m_pendingSignals.emplace_back(path, "StateChanged", "focused");
         }
     }
     /// Sends the event of this name about an element, if anybody has registered for it.
     void tell(const std::string &path, const std::string &event) {
         const Lock lock(m_mutex);
-        m_pendingSignals.push_back({path, event, event == "PropertyChange" ? "accessible-name" : "add"});
+        m_pendingSignals.emplace_back(path, event, event == "PropertyChange" ? "accessible-name" : "add");
     }
     /// Whether an event of this name would be sent.
     [[nodiscard]] bool hearsOf(const std::string &event) {
@@ -191,14 +187,10 @@ class FakeAccessibilityBus {
         m_application = sd_bus_flush_close_unref(m_application);
         m_name.clear();
     }
-    [[nodiscard]] int callsOf(const std::string &member) {
+    /// How often a method of the application was called; without a name, any method.
+    [[nodiscard]] int callsOf(const std::string &member = {}) {
         const Lock lock(m_mutex);
         return m_calls[member];
-    }
-    [[nodiscard]] int calls() {
-        const Lock lock(m_mutex);
-        return std::accumulate(m_calls.begin(), m_calls.end(), 0,
-                               [](int sum, const auto &of) { return sum + of.second; });
     }
 
   private:
@@ -268,6 +260,7 @@ class FakeAccessibilityBus {
         }
         const std::string member = sd_bus_message_get_member(call);
         ++m_calls[member];
+        ++m_calls[{}];
         sd_bus_message *reply = nullptr;
         sd_bus_message_new_method_return(call, &reply);
         if ((m_answer && m_answer(sd_bus_message_get_path(call), member, reply)) || answer(call, reply)) {
@@ -326,9 +319,9 @@ class FakeAccessibilityBus {
             return sd_bus_message_append(reply, "v", "s", property == "Name" ? element.name.c_str() : toolkit.load()) >=
                    0;
         }
-        const auto count =
-            property == "ChildCount" ? static_cast<int>(element.children.size()) : characters(element.text);
-        return sd_bus_message_append(reply, "v", "i", count) >= 0;
+        const auto count = property == "ChildCount" ? std::ssize(element.children)
+                                                    : QString::fromStdString(element.text).toUcs4().size();
+        return sd_bus_message_append(reply, "v", "i", static_cast<int>(count)) >= 0;
     }
     bool appendReferences(sd_bus_message *reply, const std::vector<std::string> &paths) const {
         sd_bus_message_open_container(reply, 'a', "(so)");
@@ -348,12 +341,6 @@ class FakeAccessibilityBus {
         }
     }
 
-    struct Event {
-        std::string path;
-        std::string member;
-        const char *detail;
-    };
-
     ChildProcess m_daemon;
     std::string m_address;
     std::recursive_mutex m_mutex;
@@ -364,7 +351,8 @@ class FakeAccessibilityBus {
     sd_bus *m_hung = nullptr;
     /// The kinds of events that somebody has registered for.
     std::set<std::string> m_registered;
-    std::vector<Event> m_pendingSignals;
+    /// Path, event and detail of each.
+    std::vector<std::tuple<std::string, std::string, const char *>> m_pendingSignals;
     Answer m_answer;
     std::map<std::string, int> m_calls;
     int m_next = 1;

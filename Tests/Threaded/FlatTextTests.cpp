@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/Linux/Accessibility/Bus/Roles.h"
 #include "Platform/Linux/Accessibility/Text/FlatText.h"
 #include "Platform/Linux/Accessibility/Text/TextRuns.h"
 
@@ -43,19 +42,7 @@ TEST(FlatText, IsWhatTheUserSees) {
     }
 }
 
-TEST(FlatText, CountsInCodePointsAndInUnits) {
-    const QString text = u"a\U0001F600b\U0001F44D\U0001F3FD"_s;
-    for (const auto &[codePoints, units] :
-         std::vector<std::pair<int, int>>{{0, 0}, {1, 1}, {2, 3}, {3, 4}, {4, 6}, {5, 8}}) {
-        EXPECT_EQ(utf16Offset(text, codePoints), units);
-        EXPECT_EQ(codePointOffset(text, units), codePoints);
-    }
-    EXPECT_EQ(utf16Offset(text, 99), text.size());
-    EXPECT_EQ(utf16Offset(text, -1), 0);
-    EXPECT_EQ(cleanText(u"\U0001F600\uFEFF x\uFEFF"_s), u"\U0001F600 x\uFEFF"_s);
-}
-
-// Each style is given by where it ends and by its size; what comes out is one line for each run, with its ranges.
+// Each style is given by its end and its font size; the outcome is one line for each run, with its ranges.
 TEST(FoldedText, ComesApartIntoLines) {
     using Styles = std::vector<std::pair<int, std::string>>;
     const struct {
@@ -100,44 +87,6 @@ TEST(FoldedText, ComesApartIntoLines) {
         letters.addStyle(*letters.unknownStyle() + 1, std::to_string(asked));
     }
     EXPECT_LT(asked, 30) << "a text painted letter by letter is asked about without end";
-}
-
-TEST(Roles, HaveTheProgramsNames) {
-    const auto all = [](std::initializer_list<State> states) {
-        std::uint64_t bits = 0;
-        for (const auto state : states) {
-            bits |= std::uint64_t(1) << static_cast<unsigned>(state);
-        }
-        return States(bits);
-    };
-    const auto box = all({State::editable, State::focusable, State::multiLine});
-    const auto line = all({State::editable, State::focusable, State::singleLine});
-    const auto inner = all({State::editable});
-    const struct {
-        Kind kind;
-        const char *name;
-    } cases[] = {
-        {{Role::entry, box, {}}, "AXTextArea"},
-        {{Role::entry, line, {}}, "AXTextField"},
-        {{Role::entry, line, {{"text-input-type", "search"}}}, "AXSearchField"},
-        {{Role::entry, box, {{"xml-roles", "searchbox"}}}, "AXSearchField"},
-        {{Role::passwordText, line, {}}, "AXSecureTextField"},
-        {{Role::comboBox, line, {}}, "AXComboBox"},
-        {{Role::comboBox, {}, {}}, "AXPopUpButton"},
-        {{Role::text, line, {}}, "AXTextField"},
-        {{Role::text, {}, {}}, "AXStaticText"},
-        {{Role::staticText, {}, {}}, "AXStaticText"},
-        {{Role::staticText, {}, {}, true}, "AXGroup"},
-        {{Role::documentWeb, box, {}}, "AXWebArea"},
-        {{Role::frame, {}, {}}, "AXWindow"},
-        {{static_cast<Role>(85), box, {}}, "AXTextArea"},
-        {{static_cast<Role>(85), inner, {}}, "AXGroup"},
-        {{static_cast<Role>(43), {}, {}}, "AXButton"},
-        {{static_cast<Role>(9999), {}, {}}, "AXGroup"},
-    };
-    for (const auto &test : cases) {
-        EXPECT_EQ(axRoleName(test.kind), QLatin1String(test.name));
-    }
 }
 
 } // namespace

@@ -12,7 +12,7 @@ using namespace quillory::test::atspi;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Trees for the bulk read, and what a plain walk would meet in them.
+// Random trees, and what a plain walk would meet in them.
 struct BulkRead : AtspiAccessibility {
     std::string page = bus.add(window, {.role = pageRole});
     std::mt19937 random{7};
@@ -52,7 +52,7 @@ struct BulkRead : AtspiAccessibility {
         walk(page, 0, limits, expected);
         EXPECT_EQ(readPage(limits, freshness), expected) << "limits " << limits.maxDepth << " " << limits.maxNodes;
     }
-    // The application tells of no change here, so the page itself is asked unless it is said otherwise.
+    // The application reports no change here, so the page itself is asked by default.
     std::vector<std::string> readPage(AXSubtreeLimits limits, AXFreshness freshness = AXFreshness::now()) {
         bus.focus(page);
         std::vector<AXSubtreeNode> nodes;
@@ -70,7 +70,7 @@ struct BulkRead : AtspiAccessibility {
     }
 };
 
-TEST_F(BulkRead, GivesWhatAWalkWouldMeetHoweverItFetches) {
+TEST_F(BulkRead, GivesWhatAPlainWalkWouldMeet) {
     using Search = FakeAccessibilityBus::Search;
     for (int i = 0; i < 12; ++i) {
         grow(page, 1);
@@ -127,8 +127,8 @@ TEST_F(BulkRead, EndsOnCyclesAndOnAbsurdNumbersOfChildren) {
     EXPECT_LT(bus.callsOf("GetChildren"), 5'000) << "far more was fetched than the limits let through";
 }
 
-// A whole climb and a whole read take longer than is waited for in one go.
-TEST_F(BulkRead, GoesOnWhereASlowApplicationMadeItStop) {
+// A whole climb and a whole read take longer than anybody waits in one go.
+TEST_F(BulkRead, GoesOnAfterASlowApplicationMadeItStop) {
     for (int i = 0; i < 25; ++i) {
         page = bus.add(page, {.role = panelRole});
     }
@@ -154,7 +154,7 @@ TEST_F(BulkRead, TakesFoldedTextApart) {
     bus.add(row, {.role = 88, .text = "link"});
     const auto secret = bus.add(page, {.role = passwordRole, .text = "secret"});
     std::atomic<bool> isTold = false;
-    // Where a text stands is not known when it is asked for the first time.
+    // The place of a text is not known the first few times.
     std::map<std::string, int> asked;
     bus.setAnswer([&](const std::string &path, const std::string &member, sd_bus_message *reply) {
         isTold = isTold || (path == secret && member == "GetText");
@@ -173,7 +173,7 @@ TEST_F(BulkRead, TakesFoldedTextApart) {
     }));
 }
 
-// A chat whose last message is looked at.
+// A chat and its last message.
 struct PageMirror : AtspiAccessibility {
     std::string page = bus.add(window, {.role = pageRole});
     std::string message = bus.add(page, {.role = staticRole, .text = "first"});
@@ -203,17 +203,17 @@ struct PageMirror : AtspiAccessibility {
 };
 
 TEST_F(PageMirror, AnswersForAnUnchangedPage) {
-    const int before = bus.calls();
+    const int before = bus.callsOf();
     for (int i = 0; i < 50; ++i) {
         EXPECT_EQ(ask(), "first");
     }
-    EXPECT_EQ(bus.calls(), before) << "an unchanged page was asked";
+    EXPECT_EQ(bus.callsOf(), before) << "an unchanged page was asked";
     say("changed unheard");
     EXPECT_EQ(ask(AXFreshness::now()), "changed unheard");
 }
 
-TEST_F(PageMirror, FollowsWhatItIsToldAndFindsTheRest) {
-    // Of a part of the application that is not in the page nothing is to be known.
+TEST_F(PageMirror, FollowsReportedChangesAndFindsTheOthers) {
+    // Changes outside the page do not count.
     say("second");
     bus.tell(field, "TextChanged");
     EXPECT_EQ(readsWhile(300, [&] { EXPECT_EQ(ask(), "first"); }), 0);
@@ -246,7 +246,7 @@ TEST_F(PageMirror, ReadsAPageThatChangesAllTheTimeAtABoundedRate) {
     EXPECT_EQ(answered, asked);
 }
 
-TEST_F(PageMirror, OfAHungApplicationIsKnownOnlyForAMoment) {
+TEST_F(PageMirror, DropsThePageOfAHungApplication) {
     bus.hangs = true;
     EXPECT_EQ(ask(AXFreshness::now()), "-");
     EXPECT_TRUE(waitUntil([&] { return ask() == "-"; }, 5'000));

@@ -10,7 +10,7 @@ namespace platform::desktop::atspi {
 
 namespace {
 using namespace std::chrono_literals;
-// A frame of a display; what does not come in this time may come with the next tick.
+// A display's frame; what does not come in this time may come with the next tick.
 constexpr auto tickWait = 16ms;
 constexpr auto questionWait = 60ms;
 constexpr auto writeWait = 150ms;
@@ -22,7 +22,8 @@ constexpr auto oldestFrame = 5s;
 // An element that was not given out the last time must have confirmed its focus this recently.
 constexpr auto oldestConfirmation = 300ms;
 constexpr auto wantedFor = 1s;
-// After this time the chain above the focused element is asked anew, after the longer one it is waited for.
+// After this time the chain above the focused element is asked for again; after the longer one the answer is waited
+// for.
 constexpr auto ancestryLifetime = 1s;
 constexpr auto oldestAncestry = 4s;
 
@@ -77,7 +78,7 @@ class RootElement final : public AXElementBackend {
         const auto *root = dynamic_cast<const RootElement *>(&other);
         return root != nullptr && root->m_pid == m_pid;
     }
-    /// Absent: a read starts at a window or a page.
+    /// Empty: a read starts at a window or a page.
     [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits, AXFreshness) const override { return {}; }
     void prepareSubtree(AXSubtreeLimits, AXFreshness) const override {}
 
@@ -260,8 +261,8 @@ const ElementReading *AccessibilityCore::levelOf(const ElementRef &ref) {
     return ancestry != nullptr ? ancestry->find(ref) : nullptr;
 }
 
-// A field has hardly moved while its application is a little late. Without its frame nobody knows who wrote what
-// around it.
+// A field has hardly moved while its application is a little late, and without its frame the program cannot tell who
+// wrote what around it.
 const ElementReading *AccessibilityCore::lastTold(const ElementRef &ref) const {
     const bool isKnown = isTold(ref) && m_told.reading != nullptr;
     return isKnown && Clock::now() - m_told.reading->takenAt < oldestFrame ? m_told.reading.get() : nullptr;
@@ -385,7 +386,7 @@ void AccessibilityCore::prepareSubtree(const Handle &element, AXSubtreeLimits li
 }
 
 std::optional<AXValue> AccessibilityCore::focusedWindow(qint32 pid) {
-    // The window of the focused element is known; it is asked for whenever the focus has moved.
+    // The program asks whenever the focus has moved; the focused element's window is known already.
     if (m_told.ancestry != nullptr && m_told.element && m_told.element->pid == pid) {
         if (auto window = wrapKnown(m_told.ancestry->window())) {
             return window;

@@ -83,9 +83,8 @@ std::optional<AXRange> selectedRange(Session &session, const Handle &element) {
     std::optional<std::tuple<int, int>> selection;
     std::optional<QString> text;
     Questions questions;
-    questions.fetch(calls::property(element.ref, textInterface, "CaretOffset"), caret);
-    questions.ask(calls::method(element.ref, textInterface, "GetSelection", 0),
-                  [&](const Reply &reply) { selection = reply.as<int, int>(); });
+    questions.fetch(calls::caretOffset(element.ref), caret);
+    questions.ask(calls::selection(element.ref, 0), [&](const Reply &reply) { selection = reply.as<int, int>(); });
     questions.fetch(calls::text(element.ref), text);
     questions.run(*session.connection(), soon());
     if (!caret || !text) {

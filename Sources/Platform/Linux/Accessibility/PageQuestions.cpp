@@ -9,12 +9,12 @@ namespace platform::desktop::atspi {
 namespace {
 using namespace std::chrono_literals;
 constexpr auto subtreeWait = 200ms;
-// What is left of a frame when a page has changed since it was read last.
+// What is left of a display's frame when a page has changed since it was last read.
 constexpr auto pageWait = 10ms;
 constexpr auto oldestCopy = 3s;
 } // namespace
 
-// A page that has not changed is answered for by its mirror; one that has is waited for, but not for long.
+// For a page that has not changed the mirror answers; one that has changed is waited for, but not for long.
 std::shared_ptr<const PageCopy> PageQuestions::copy(const PageName &page, AXFreshness freshness) {
     const auto askedAt = Clock::now();
     auto mirrored = m_reader.board().page();
@@ -29,7 +29,7 @@ std::shared_ptr<const PageCopy> PageQuestions::copy(const PageName &page, AXFres
     return mirrored.wasReadSince(page, oldest) ? mirrored.copy : nullptr;
 }
 
-// A fresh copy will do however old it is.
+// A fresh copy will do, however old it is.
 Clock::time_point PageQuestions::oldestUseful(const PageName &page, const MirroredPage &mirrored,
                                               Clock::time_point askedAt) const {
     if (mirrored.isFresh(page, askedAt)) {
@@ -46,7 +46,8 @@ void PageQuestions::prepare(const PageName &page, AXFreshness freshness) {
     request(page, {});
 }
 
-// Also tells the mirror that the page is wanted. One request at a time is enough, except for who wants it anew.
+// Also tells the mirror that the page is wanted. One request at a time is enough, except when the page must be read
+// anew.
 PageQuestions::Job PageQuestions::request(const PageName &page, Clock::time_point notBefore) {
     const bool isAskedFor = m_request != nullptr && !m_request->isFinished() && m_requested == page;
     if (!isAskedFor || notBefore != Clock::time_point()) {

@@ -7,8 +7,8 @@
 
 namespace platform::desktop::atspi {
 
-/// The main thread's questions about whole pages: answered from the mirror while that is fresh, else read by the
-/// reader, which is waited for, but not for long. Main thread only.
+/// The main thread's questions about whole pages: answered from the mirror while that is fresh; else the reader reads
+/// the page and is waited for, but not for long. Main thread only.
 class PageQuestions {
   public:
     explicit PageQuestions(Reader &reader) : m_reader(reader) {}
@@ -28,7 +28,7 @@ class PageQuestions {
     /// The latest request, which the reader may not have finished yet.
     PageName m_requested;
     Job m_request;
-    /// Since when a page that was announced must have been read, if it is known to have changed.
+    /// The announced page, and since when it must have been read if it is known to have changed.
     PageName m_prepared;
     Clock::time_point m_preparedAt;
 };

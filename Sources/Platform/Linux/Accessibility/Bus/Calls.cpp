@@ -93,8 +93,8 @@ Call busId() {
     return method({busName, "/org/freedesktop/DBus"}, busInterface, "GetId");
 }
 
-Call processOf(const std::string &name) {
-    return method({busName, "/org/freedesktop/DBus"}, busInterface, "GetConnectionUnixProcessID", name);
+Call processOf(const std::string &connection) {
+    return method({busName, "/org/freedesktop/DBus"}, busInterface, "GetConnectionUnixProcessID", connection);
 }
 
 } // namespace platform::desktop::atspi::calls

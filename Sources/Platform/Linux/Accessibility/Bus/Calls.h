@@ -15,48 +15,50 @@ template <class... Arguments>
                 return std::min({0, append(message, arguments)...});
             }};
 }
-[[nodiscard]] inline Call property(ElementRef target, const char *interface, const char *name) {
+[[nodiscard]] inline Call property(ElementRef target, const char *interface, const char *property) {
     return method(std::move(target), "org.freedesktop.DBus.Properties", "Get", std::string(interface),
-                  std::string(name));
+                  std::string(property));
 }
-[[nodiscard]] inline Call role(const ElementRef &target) {
-    return method(target, accessibleInterface, "GetRole");
-}
-[[nodiscard]] inline Call states(const ElementRef &target) {
-    return method(target, accessibleInterface, "GetState");
-}
-[[nodiscard]] inline Call children(const ElementRef &target) {
-    return method(target, accessibleInterface, "GetChildren");
-}
-[[nodiscard]] inline Call childCount(const ElementRef &target) {
-    return property(target, accessibleInterface, "ChildCount");
-}
-[[nodiscard]] inline Call attributes(const ElementRef &target) {
-    return method(target, accessibleInterface, "GetAttributes");
-}
-[[nodiscard]] inline Call interfaces(const ElementRef &target) {
-    return method(target, accessibleInterface, "GetInterfaces");
-}
-[[nodiscard]] inline Call name(const ElementRef &target) {
-    return property(target, accessibleInterface, "Name");
-}
-[[nodiscard]] inline Call parent(const ElementRef &target) {
-    return property(target, accessibleInterface, "Parent");
-}
-/// The text between two offsets, in code points; to the end where the second is -1.
-[[nodiscard]] inline Call text(const ElementRef &target, int from = 0, int to = -1) {
-    return method(target, textInterface, "GetText", from, to);
+
+/// A method of the protocol, which makes a call of an element and the arguments.
+struct Method {
+    const char *interface;
+    const char *member;
+    template <class... Arguments> [[nodiscard]] Call operator()(ElementRef target, Arguments... arguments) const {
+        return method(std::move(target), interface, member, std::move(arguments)...);
+    }
+};
+/// A property of the protocol, likewise.
+struct Property {
+    const char *interface;
+    const char *member;
+    [[nodiscard]] Call operator()(ElementRef target) const { return property(std::move(target), interface, member); }
+};
+
+inline constexpr Method role{accessibleInterface, "GetRole"};
+inline constexpr Method states{accessibleInterface, "GetState"};
+inline constexpr Method attributes{accessibleInterface, "GetAttributes"};
+inline constexpr Method interfaces{accessibleInterface, "GetInterfaces"};
+inline constexpr Method children{accessibleInterface, "GetChildren"};
+inline constexpr Property childCount{accessibleInterface, "ChildCount"};
+inline constexpr Property name{accessibleInterface, "Name"};
+inline constexpr Property parent{accessibleInterface, "Parent"};
+inline constexpr Property characterCount{textInterface, "CharacterCount"};
+inline constexpr Property caretOffset{textInterface, "CaretOffset"};
+/// A selection by its number, as two offsets.
+inline constexpr Method selection{textInterface, "GetSelection"};
+
+/// An element's whole text.
+[[nodiscard]] inline Call text(const ElementRef &target) {
+    return method(target, textInterface, "GetText", 0, -1);
 }
 /// The style of a character, as far as it differs from the document's, and where it begins and ends.
 [[nodiscard]] inline Call attributeRun(const ElementRef &target, int offset) {
     return method(target, textInterface, "GetAttributeRun", offset, false);
 }
-[[nodiscard]] inline Call characterCount(const ElementRef &target) {
-    return property(target, textInterface, "CharacterCount");
-}
 /// A document's attribute, such as its address.
-[[nodiscard]] inline Call documentAttribute(const ElementRef &target, const char *name) {
-    return method(target, documentInterface, "GetAttributeValue", std::string(name));
+[[nodiscard]] inline Call documentAttribute(const ElementRef &target, const char *attribute) {
+    return method(target, documentInterface, "GetAttributeValue", std::string(attribute));
 }
 /// In coordinates of the screen.
 [[nodiscard]] Call extents(const ElementRef &target);
@@ -78,6 +80,6 @@ template <class... Arguments>
 /// A question that the bus itself answers, so that it shows whether the connection works.
 [[nodiscard]] Call busId();
 /// The process behind a name on the bus.
-[[nodiscard]] Call processOf(const std::string &name);
+[[nodiscard]] Call processOf(const std::string &connection);
 
 } // namespace platform::desktop::atspi::calls

@@ -107,7 +107,7 @@ using Attributes = std::map<std::string, std::string, std::less<>>;
 /// The bus itself.
 inline constexpr const char *busName = "org.freedesktop.DBus";
 inline constexpr const char *registryName = "org.a11y.atspi.Registry";
-/// The signal that the registry has been started. It remembers nothing of what was registered before.
+/// The signal that the registry has been started. A new registry knows nothing of earlier registrations.
 inline constexpr const char *registryStarted = "type='signal',sender='org.freedesktop.DBus',member='NameOwnerChanged',"
                                                "arg0='org.a11y.atspi.Registry',arg1=''";
 inline constexpr const char *rootPath = "/org/a11y/atspi/accessible/root";

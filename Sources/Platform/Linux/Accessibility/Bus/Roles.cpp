@@ -114,7 +114,7 @@ bool isBlock(Role role) {
     constexpr std::array inlineRoles{Role::label, Role::link,        Role::staticText,      Role::subscript,
                                      Role::text,  Role::superscript, Role::contentDeletion, Role::contentInsertion,
                                      Role::mark,  Role::suggestion};
-    // Images and other small things stand in the line of text, too.
+    // Images and buttons stand in a line of text, too.
     constexpr std::array<std::uint32_t, 4> inlineNumbers{26, 27, 43, 103};
     return std::find(inlineRoles.begin(), inlineRoles.end(), role) == inlineRoles.end() &&
            std::find(inlineNumbers.begin(), inlineNumbers.end(), static_cast<std::uint32_t>(role)) ==

@@ -8,7 +8,7 @@
 
 namespace platform::desktop::atspi {
 
-/// What an element says of its kind. Only some kinds of element need the states and the attributes to be told apart.
+/// What an element says of its kind. The states and the attributes matter for some roles only.
 struct Kind {
     Role role = Role::unknown;
     States states;
@@ -19,12 +19,12 @@ struct Kind {
 /// The one translation of the bus's roles into the program's role names.
 [[nodiscard]] QString axRoleName(const Kind &kind);
 
-/// Nobody reads passwords, nor the leaves that stand for one's characters.
+/// Passwords are not read, nor the leaves that stand for a password's characters.
 [[nodiscard]] inline bool isSecret(const Kind &kind) {
     return kind.role == Role::passwordText;
 }
 
-/// Whether an element's text stands in a line of its own in what surrounds it.
+/// Whether an element's text stands on lines of its own in its parent's text.
 [[nodiscard]] bool isBlock(Role role);
 
 } // namespace platform::desktop::atspi

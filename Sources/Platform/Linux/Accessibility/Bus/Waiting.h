@@ -9,7 +9,7 @@
 
 namespace platform::desktop::atspi {
 
-/// Ends a thread's waits at once and for good: a flag to look at, and a descriptor to wait on beside others.
+/// Ends a thread's waits at once and for good: a flag, and a descriptor to wait on beside others.
 class StopSignal {
   public:
     StopSignal();

@@ -8,7 +8,7 @@ namespace platform::desktop::atspi {
 
 namespace {
 using namespace std::chrono_literals;
-// For each step of its own: what a hung application uses up is not taken from the others.
+// For each step separately: the time that a hung application uses up is not taken from the others.
 constexpr auto stepTime = 120ms;
 constexpr auto searchTime = 200ms;
 // Enough for the window of any program that cannot search itself; browsers can.

@@ -6,8 +6,8 @@
 
 namespace platform::desktop::atspi {
 
-/// Finds the active window and its focused element by asking, for all that no event told of: what had the focus before
-/// this program started, focus that a script set, events that were lost.
+/// Finds the active window and its focused element by asking, where no event came: for what had the focus before this
+/// program started, for focus that a script set, for events that were lost.
 class FocusSearch {
   public:
     /// ownPid: the process whose windows are never asked anything.

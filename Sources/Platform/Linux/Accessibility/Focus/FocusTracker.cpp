@@ -17,10 +17,10 @@ constexpr auto climbTime = 300ms;
 constexpr auto climbLifetime = 5s;
 constexpr auto firstAdoptPause = 100ms;
 constexpr int mostAttempts = 5;
-// A window that lends the keyboard away for a moment (a key grab, a popup closing) gets it back within this time.
+// A window that loses the keyboard for a moment (a key grab, a popup closing) gets it back within this time.
 constexpr auto grace = 150ms;
 constexpr auto firstPause = 150ms;
-// How soon to look whether events were lost: while one of our own windows has the focus, and at a new element.
+// How soon to check for lost events: while one of our own windows has the focus, and after a new element got it.
 constexpr auto otherWindowPause = 1000ms;
 constexpr auto newElementPause = 2000ms;
 constexpr auto ancestryLifetime = 1s;

@@ -28,9 +28,9 @@ class FocusTracker {
     /// ownPid: our own process, whose elements are never asked anything, because its main thread would have to answer.
     FocusTracker(Connection &connection, qint32 ownPid, Publish publish);
 
-    /// Acts on the events that came, and looks for the focus when it is time to.
+    /// Acts on the events that came, and looks for the focus when that is due.
     void settle();
-    /// When settle() wants to be called at the latest.
+    /// When settle() must be called again.
     [[nodiscard]] Clock::time_point nextLook() const;
     /// Reads the focused element anew and finds out whether it still has the focus.
     const Focus &refresh(TextWanted wanted);
@@ -48,7 +48,7 @@ class FocusTracker {
     void forgetVanished();
     void noteActivation(const ElementRef &window);
 
-    /// An element that is said to have the focus, and how often it was tried to read its surroundings.
+    /// An element that is said to have the focus, and how often reading its surroundings was tried.
     struct Candidate {
         ElementRef ref;
         int attempts = 0;
@@ -78,7 +78,7 @@ class FocusTracker {
     std::unique_ptr<FieldReader> m_reader;
     Candidate m_candidate;
     std::optional<Climb> m_climb;
-    /// The window that was activated last, by its application's word.
+    /// The window that was activated last, as its application said.
     ElementRef m_window;
     std::map<std::string, ElementRef, std::less<>> m_windows;
     std::vector<std::string> m_vanished;

@@ -9,20 +9,20 @@ namespace platform::desktop::atspi {
 
 namespace {
 using namespace std::chrono_literals;
-// Long enough for one question that a page of thousands of messages takes a quarter of a second for.
+// A page of thousands of messages takes a quarter of a second for a single question.
 constexpr auto pageTime = 600ms;
-// How long a page is kept up to date that nobody asks for, and how much longer changes are listened to.
+// How long a page is kept up to date after the last question, and how much longer changes are listened to.
 constexpr auto wantedFor = 2s;
 constexpr auto listenFor = 10s;
-// A page changes in several places at once: read when nothing more comes, but do not wait for that for ever.
+// A page changes in several places at once: wait until no more signals come, but not for ever.
 constexpr auto quiet = 40ms;
 constexpr auto longestUnrest = 100ms;
-// A page that changes all the time is read no more often than it is asked for, this long before the next question.
+// A page that changes all the time is read only as often as it is asked for, this long before the next question.
 constexpr auto ahead = 150ms;
-// The least pause after a read; after a whole one twice the time that the application was busy with it, up to the most.
+// The pause after a read: the shortest, or, after a whole read, twice the time it took, but not more than the longest.
 constexpr auto shortestRest = 100ms;
 constexpr auto longestRest = 500ms;
-// A change that nobody told of is seen after this time. The answer holds until the read is done.
+// A change that was not reported is seen after this time. The old copy holds a little longer, until the read is done.
 constexpr auto copyLifetime = 3s;
 constexpr auto lateness = 500ms;
 
@@ -31,8 +31,8 @@ struct Event {
     const char *member;
     const char *argument = "";
 };
-// What Chromium and Firefox tell when a message comes or goes or its text changes, and when the box is typed into.
-// Neither tells of scrolling, nor that an element has moved.
+// What Chromium and Firefox report when a message comes or goes or its text changes, and when the box is typed into.
+// Neither reports scrolling, nor that an element has moved.
 constexpr std::array events{
     Event{"object:children-changed", "ChildrenChanged"}, Event{"object:text-changed", "TextChanged"},
     Event{"object:property-change:accessible-name", "PropertyChange", ",arg0='accessible-name'"}};
@@ -116,14 +116,14 @@ void PageMirror::read(bool mayGoOn) {
         return;
     }
     m_readyAt = end + std::clamp<Clock::duration>(2 * (end - begin), shortestRest, longestRest);
-    // What was told meanwhile may have come too late for this read.
+    // A change reported meanwhile may have come too late for this read.
     m_isStale = m_isStale || (changedBefore && m_lastChangeAt >= outcome.begunAt);
     m_copy = std::make_shared<const PageCopy>(PageCopy{m_page, std::move(outcome.items), outcome.begunAt});
     publish();
 }
 
 void PageMirror::onChange(const ElementRef &source) {
-    // Of the rest of the application, its tabs and its other windows, much is told as well.
+    // The application's other tabs and windows report changes as well.
     if (source.bus == m_page.root.bus && (m_isReading || m_reader.knows(source))) {
         noteChange();
     }
@@ -154,14 +154,14 @@ void PageMirror::listen() {
     sendRegistrations(true);
 }
 
-// A conversation is kept no longer than it is of use.
+// A conversation is kept only as long as it is of use.
 void PageMirror::forget() {
     m_copy.reset();
     m_reader = {};
     publish();
 }
 
-// Every application sends what anybody has registered for, so that ends when it is not needed.
+// Every application sends what anybody has registered for, so the registration ends when it is not needed.
 void PageMirror::stopListening() {
     if (!m_subscriptions.empty()) {
         m_subscriptions.clear();

@@ -16,14 +16,14 @@ struct PageName {
     friend bool operator==(const PageName &, const PageName &) = default;
 };
 
-/// A whole read of a page, never changed once it was given out.
+/// A whole read of a page; never changed once it is given out.
 struct PageCopy {
     PageName page;
     std::vector<SubtreeItem> items;
     Clock::time_point begunAt;
 };
 
-/// The last copy of the mirrored page, and whether something changed since it was begun, as far as anybody told.
+/// The last copy of the mirrored page, and whether a change since it was begun has been reported.
 struct MirroredPage {
     std::shared_ptr<const PageCopy> copy;
     bool isStale = false;
@@ -32,26 +32,26 @@ struct MirroredPage {
     [[nodiscard]] bool wasReadSince(const PageName &page, Clock::time_point begin) const {
         return shows(page) && copy->begunAt >= begin;
     }
-    /// Whether it answers for now. Nobody tells of everything, so the answer holds for a few seconds.
+    /// Whether it still holds. Not every change is reported, so a copy holds for a few seconds at most.
     [[nodiscard]] bool isFresh(const PageName &page, Clock::time_point now) const;
 };
 
-/// Keeps a copy of one page while somebody asks for it: after its application told of a change it is read anew for the
-/// next question, at a bounded rate, and every few seconds, as no application tells of everything. An unchanged page
-/// costs no question in between. Belongs to the reader's thread.
+/// Keeps a copy of one page while somebody asks for it. After its application has reported a change, the page is read
+/// anew before the next question, at a bounded rate; also every few seconds, because no application reports everything.
+/// An unchanged page costs no question in between. Belongs to the reader's thread.
 class PageMirror {
   public:
     using Publish = std::function<void(const MirroredPage &)>;
 
-    /// giveWay: called in the course of a read, lets those have their turn who cannot wait for its end.
+    /// giveWay: called during a read, to do what cannot wait for its end.
     PageMirror(Connection &connection, std::function<void()> giveWay, Publish publish);
 
-    /// Somebody asks for this page and may do so again. Reads it now, unless the copy is fresh and was not begun
-    /// before. If any copy will do, the application gets its pause first.
+    /// Notes that the page is asked for, and reads it now unless the copy is fresh and not older than notBefore. Where
+    /// any age will do (a default value), the application gets its pause first.
     void refresh(const PageName &page, Clock::time_point notBefore);
-    /// Does what is due. field: where the focused field stands; when it moves, so has the page's content.
+    /// Does what is due. field: where the focused field stands; when it has moved, so has the page's content.
     void settle(const std::optional<PixelRect> &field);
-    /// When settle() wants to be called at the latest.
+    /// When settle() must be called again.
     [[nodiscard]] Clock::time_point nextLook() const;
 
   private:
@@ -73,12 +73,12 @@ class PageMirror {
     SubtreeReader m_reader;
     PageName m_page;
     Clock::time_point m_wantedUntil;
-    /// When it was asked for last, and how long after the time before.
+    /// When it was last asked for, and how long after the time before.
     Clock::time_point m_askedAt;
     Clock::duration m_askedEvery{};
     std::shared_ptr<const PageCopy> m_copy;
     bool m_isReading = false;
-    /// The changes since the copy was begun.
+    /// The changes reported since the copy was begun.
     bool m_isStale = false;
     Clock::time_point m_firstChangeAt;
     Clock::time_point m_lastChangeAt;

@@ -18,7 +18,7 @@ struct PageElement {
     bool hasKnownChildren = false;
     bool hasKnownDetails = false;
     bool isGone = false;
-    /// Named as a text by the application's own search; taken for one without children until it turns out to have some.
+    /// The application's own search named it as a text; it counts as childless until it turns out to have children.
     bool isTakenForLeaf = false;
     Kind kind = {};
     std::vector<ElementRef> children = {};

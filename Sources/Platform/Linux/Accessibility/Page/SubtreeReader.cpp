@@ -10,9 +10,9 @@ namespace platform::desktop::atspi {
 
 namespace {
 using namespace std::chrono_literals;
-// Even what seems unchanged is read anew after this time.
+// Even a page that seems unchanged is walked anew after this time.
 constexpr auto knownLifetime = 10s;
-// How soon after it was left a read goes on without asking again what it knows.
+// How soon another read may go on where an unfinished one stopped.
 constexpr auto patience = 1s;
 
 QString expectedText(const PageTree &tree, const PageElement &element) {
@@ -34,8 +34,7 @@ void forgetTexts(PageTree &tree, const PageElement &element) {
     }
 }
 
-// Several text leaves of one element stand together in its own text: one question tells whether they are what they
-// were.
+// The text leaves of one element stand together in its own text, so one question tells whether they have changed.
 void doubtTexts(const Asking &asking, PageTree &tree) {
     Questions questions;
     for (const auto &entry : tree) {
@@ -57,7 +56,7 @@ void doubtTexts(const Asking &asking, PageTree &tree) {
     questions.run(asking);
 }
 
-// What is still there keeps its role; a leaf that has children now shows it by what lies between the leaves.
+// An element that is still there keeps its role; a leaf that has got children is found by what lies between the leaves.
 void doubtChildren(const PageRequest &request, PageTree &tree) {
     std::unordered_set<ElementRef, ElementRefHash> listed(request.listing.all.begin(), request.listing.all.end());
     listed.insert(request.root);
@@ -67,8 +66,8 @@ void doubtChildren(const PageRequest &request, PageTree &tree) {
     }
 }
 
-// Where texts are folded a child stands in its parent's text, so an unchanged text without children has none. Roles
-// are believed, except where a password may be typed; styles are those of the text.
+// Where texts are folded a child stands in its parent's text, so an unchanged text without children still has none.
+// Roles are trusted, except where a password may be typed; an unchanged text keeps its styles.
 void doubtAll(const Asking &asking, const PageRequest &request, PageTree &tree) {
     std::vector<ElementRef> all;
     for (auto &[ref, element] : tree) {
@@ -84,8 +83,8 @@ void doubtAll(const Asking &asking, const PageRequest &request, PageTree &tree) 
     askElements(asking, request, tree, all);
 }
 
-// A text that was named but not met lies below one that was taken for a leaf: the one that was met before it. (Or it
-// lies beyond the limits; then that one turns out to be a leaf indeed.)
+// A text that the search named but the walk did not meet lies below the element taken for a leaf that was met just
+// before it. (Or it lies beyond the limits; then that element turns out to be a leaf indeed.)
 std::vector<ElementRef> doubtfulLeaves(const PageTree &tree, const PageWalk &walk,
                                        const std::vector<ElementRef> &texts) {
     std::vector<ElementRef> doubtful;
@@ -106,7 +105,7 @@ std::vector<ElementRef> doubtfulLeaves(const PageTree &tree, const PageWalk &wal
     return doubtful;
 }
 
-// What was taken for a leaf but has a stand-in for a child in its text.
+// Elements that were taken for leaves but have a stand-in for a child in their text.
 std::vector<ElementRef> leavesWithChildren(const PageTree &tree, const std::vector<PageWalk::Step> &steps) {
     std::vector<ElementRef> found;
     for (const auto &step : steps) {
@@ -179,8 +178,8 @@ QString SubtreeReader::toolkit(const Asking &asking, const std::string &bus) {
     return m_toolkit;
 }
 
-// A search goes through the whole page, even a long one; the second is spared where the first finds what it found
-// before.
+// A search goes through the whole page, even a long one. The second one is skipped when the first one's outcome has not
+// changed.
 PageListing SubtreeReader::list(const Asking &asking, const PageRequest &request) {
     const int limit = request.limits.maxNodes;
     const auto search = [&](const Call &call) {
@@ -222,14 +221,12 @@ PageTree SubtreeReader::begin(const Asking &asking, const PageRequest &request, 
     } else {
         m_known.walkedAt = m_known.begunAt;
     }
-    // Most elements of a page are text leaves. That the application names them spares two questions about each.
+    // Most elements of a page are text leaves; naming them in one search saves two questions about each.
     for (const auto &ref : request.listing.texts) {
-        auto &info = tree[ref];
-        if (!info.isKnown) {
-            info.isKnown = true;
-            info.hasKnownChildren = true;
-            info.isTakenForLeaf = true;
-            info.kind.role = Role::staticText;
+        auto &element = tree[ref];
+        if (!element.isKnown) {
+            element.isKnown = element.hasKnownChildren = element.isTakenForLeaf = true;
+            element.kind.role = Role::staticText;
         }
     }
     return tree;

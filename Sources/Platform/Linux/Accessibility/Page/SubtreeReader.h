@@ -8,23 +8,23 @@ namespace platform::desktop::atspi {
 
 /// Reads whole subtrees in few round trips and few questions. It refines a walk of the tree: every round asks, all at
 /// once, about those elements among the first ones of the walk that are not known yet, until none is left. So it never
-/// asks about much more than the limits let through, and what it gives is what the walk would have met.
+/// asks about much more than the limits let through, and its outcome is what the walk would have met.
 class SubtreeReader {
   public:
     struct Outcome {
         std::vector<SubtreeItem> items;
-        /// When the first of the questions was asked that it rests on.
+        /// When the first question that it rests on was asked.
         Clock::time_point begunAt = {};
     };
-    /// Without items when it could not all be read in time. What was read is kept, and the next read goes on from
-    /// there if it may.
+    /// Without items when not everything could be read in time. What was read is kept, and the next read goes on from
+    /// there if mayGoOn allows it.
     Outcome read(const Asking &asking, const ElementRef &root, AXSubtreeLimits limits, bool mayGoOn = true);
     /// Whether the last read met an element.
     [[nodiscard]] bool knows(const ElementRef &ref) const { return m_known.tree.contains(ref); }
 
   private:
-    /// The last read: whether it came to its end, when it began, and when it was left. What it did not ask about goes
-    /// back to the last walk.
+    /// The last read: whether it came to its end, when it began, and when it ended. What it did not ask about comes
+    /// from the last walk.
     struct Known {
         PageRequest request;
         bool isWhole = false;

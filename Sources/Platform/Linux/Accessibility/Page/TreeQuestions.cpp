@@ -110,7 +110,7 @@ void askTexts(const Asking &asking, PageTree &tree, const std::vector<PageWalk::
         }
     }
     texts.run(asking);
-    // The labels of some toolkits have a name alone.
+    // In some toolkits labels have only a name.
     for (const auto &step : steps) {
         auto &element = tree[step.ref];
         if (element.text && element.text->isEmpty()) {

@@ -13,7 +13,7 @@ namespace platform::desktop::atspi {
 /// Bounds the sum of the main thread's waits for answers within about a second, whatever hangs.
 class WaitBudget {
   public:
-    /// How long a wait may last now.
+    /// How long a wait may last at present.
     [[nodiscard]] std::chrono::microseconds left();
     void spend(Clock::time_point from, Clock::time_point to);
 

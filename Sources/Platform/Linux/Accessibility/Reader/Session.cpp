@@ -67,7 +67,7 @@ void Session::connect() {
     m_retryAt = Clock::now() + retryPause;
 }
 
-// Another bus hands out the same names again: nothing that is known by them may outlive this one.
+// A new bus hands out the same names again, so everything known by name goes with this one.
 void Session::loseAccessibility() {
     m_focus.reset();
     m_mirror.reset();

@@ -54,7 +54,7 @@ class Session {
     void process();
     /// When process() must be called again, unless the connections have something to do before.
     [[nodiscard]] Clock::time_point nextWake() const;
-    /// The open connections, for waiting on.
+    /// The open connections, to wait for their activity.
     [[nodiscard]] std::vector<sd_bus *> buses() const;
 
     /// All are null while there is no accessibility bus.
@@ -83,7 +83,7 @@ class Session {
     std::unique_ptr<FocusTracker> m_focus;
     std::unique_ptr<PageMirror> m_mirror;
     Clock::time_point m_retryAt;
-    /// When the bus may be asked to start the service, again.
+    /// When the session bus may be asked again to start the service.
     Clock::time_point m_startAt;
     bool m_isEnabled = false;
     bool m_mustReadEnabled = true;

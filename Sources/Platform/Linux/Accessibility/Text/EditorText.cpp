@@ -86,7 +86,7 @@ void EditorText::askChildren(Questions &questions, const ElementRef &ref) {
 }
 
 bool EditorText::isInlined(const ElementRef &ref) const {
-    // A text leaf's words stand in the text of what is around it; it has no stand-in there.
+    // A text leaf's words are written out in its parent's text, without a stand-in.
     const auto found = m_nodes.find(ref);
     return found != m_nodes.end() && found->second.knowledge != Knowledge::nothing && ref != m_root &&
            found->second.role == Role::staticText && found->second.children.empty();
@@ -188,7 +188,7 @@ std::vector<ElementRef> EditorText::embeddedChildren(const Node &node) const {
 std::optional<TextPiece> EditorText::piece(const ElementRef &ref, int depth) const {
     const auto found = m_nodes.find(ref);
     if (found == m_nodes.end() || depth > maxDepth || found->second.knowledge != Knowledge::complete) {
-        // A leaf whose words stand around it is never asked for them.
+        // A leaf whose words stand in its parent's text is not asked for them.
         return isInlined(ref) ? std::optional<TextPiece>(TextPiece{}) : std::nullopt;
     }
     const auto &node = found->second;

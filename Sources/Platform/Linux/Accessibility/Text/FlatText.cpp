@@ -85,7 +85,7 @@ QString flatText(const TextPiece &piece) {
 }
 
 QString cleanText(const QString &text) {
-    // Firefox lets a byte order mark follow every character beyond the basic plane.
+    // Firefox writes a byte order mark after every character beyond the basic plane.
     constexpr QChar filler(0xFEFF);
     if (!text.contains(filler)) {
         return text;

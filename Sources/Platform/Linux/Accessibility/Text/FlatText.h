@@ -21,7 +21,7 @@ struct TextPiece {
 /// break that an editor only keeps to give a last or an empty line its height.
 [[nodiscard]] QString flatText(const TextPiece &piece);
 
-/// A toolkit's text without what it puts in only to keep its offsets right.
+/// A text without the fillers that Firefox puts in to keep its offsets right.
 [[nodiscard]] QString cleanText(const QString &text);
 
 /// The bus counts characters in code points, the program in UTF-16 units. Out-of-range offsets give the nearest end.

@@ -11,7 +11,7 @@ namespace platform::desktop::atspi {
 namespace {
 
 constexpr char32_t standIn = 0xFFFC;
-// Firefox lets one follow every character beyond the basic plane.
+// Firefox writes one after every character beyond the basic plane.
 constexpr char32_t filler = 0xFEFF;
 // Bounds the questions about a text that is coloured letter by letter, or mixes directions word by word.
 constexpr int mostStyles = 24;
@@ -115,8 +115,8 @@ void FoldedText::finishRun(int to) {
     m_runFrom = to;
 }
 
-// A range that ends with the filler has the frame of its first character alone, one that ends with a space before a
-// child has the child's as well.
+// For a range that ends with the filler Firefox gives the frame of the first character alone; for one that ends with a
+// space before a child it includes the child's frame.
 CodePointRange FoldedText::trimmed(CodePointRange range) const {
     const auto isBlankAt = [&](int offset) { return isBlankCharacter(m_characters[static_cast<std::size_t>(offset)]); };
     while (range.to > range.from && isBlankAt(range.to - 1)) {

@@ -26,10 +26,10 @@ struct TextRun {
     std::vector<CodePointRange> measured;
 };
 
-/// A block's text into which the text leaves of a page were folded, as Firefox does it; taken apart again they are the
-/// static texts that other browsers give. A U+FFFC stands for each child element and parts the text, and so does a
-/// change of style that looks like the end of a block: the sender, the message and its time have sizes of their own.
-/// A word in bold stays in its line.
+/// A block's text into which Firefox has folded the text leaves of a page. This takes it apart into the static texts
+/// that other browsers give: at each U+FFFC, which stands for a child element, and at each change of style that looks
+/// like the end of a block, because the sender, the message and its time have sizes of their own. A word in bold stays
+/// in its line.
 class FoldedText {
   public:
     explicit FoldedText(const QString &text);
