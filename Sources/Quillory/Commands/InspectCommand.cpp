@@ -3,7 +3,7 @@
 #include "Quillory/Commands/InspectCommand.h"
 
 #include "Quillory/Commands/Inspection.h"
-#include "Quillory/Field/AXText.h"
+#include "Quillory/Field/KnownPrograms.h"
 #include "Quillory/RewriteError.h"
 #include "Quillory/Settings/AppSettings.h"
 #include "Quillory/Text.h"
@@ -110,7 +110,7 @@ QString placeOf(const std::optional<platform::Rect> &frame) {
 }
 
 bool isPastedInto(const InspectedElement &focus) {
-    return !focus.canWriteValue || AXText::isBrowserIdentifier(focus.bundleIdentifier);
+    return !focus.canWriteValue || isBrowser(focus.bundleIdentifier);
 }
 
 void writeFocus(std::ostream &output, const InspectedElement &focus) {

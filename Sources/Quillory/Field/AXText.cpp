@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Field/AXText.h"
 
+#include "Quillory/Field/KnownPrograms.h"
 #include "Quillory/Field/PasteQueue.h"
 #include "Quillory/Records/FileLog.h"
 #include "Quillory/Text.h"
@@ -19,18 +20,6 @@ namespace axRole = platform::axRole;
 namespace {
 
 constexpr std::array textRoles{axRole::textField, axRole::textArea, axRole::comboBox, axRole::searchField};
-
-constexpr std::array browserPrefixes{
-    QLatin1StringView("com.apple.Safari"),
-    QLatin1StringView("com.google.Chrome"),
-    QLatin1StringView("org.chromium"),
-    QLatin1StringView("com.microsoft.edgemac"),
-    QLatin1StringView("com.brave.Browser"),
-    QLatin1StringView("company.thebrowser.Browser"),
-    QLatin1StringView("org.mozilla.firefox"),
-    QLatin1StringView("com.vivaldi.Vivaldi"),
-    QLatin1StringView("com.operasoftware.Opera"),
-};
 
 // Pages nest deeply, but a field so far below its page's root was never seen; each step costs two questions.
 constexpr int ancestorLimit = 30;
@@ -93,14 +82,9 @@ std::optional<QString> AXText::bundleIdentifier(const AXUIElement &element) cons
     return shownBy ? shownBy->bundleIdentifier : std::nullopt;
 }
 
-bool AXText::isBrowserIdentifier(const QString &identifier) {
-    return std::any_of(browserPrefixes.begin(), browserPrefixes.end(),
-                       [&](QLatin1StringView prefix) { return identifier.startsWith(prefix); });
-}
-
 bool AXText::isBrowserApp(const AXUIElement &element) const {
     const auto identifier = bundleIdentifier(element);
-    return identifier && isBrowserIdentifier(*identifier);
+    return identifier && isBrowser(*identifier);
 }
 
 bool AXText::isBrowserUIField(const AXUIElement &element) const {

@@ -43,8 +43,6 @@ class AXText {
     [[nodiscard]] static bool isTextElement(const platform::AXUIElement &element);
     /// Whether a role is that of a text field, whatever else is known of the element.
     [[nodiscard]] static bool isTextRole(const QString &role);
-    /// Whether a bundle identifier is that of a web browser.
-    [[nodiscard]] static bool isBrowserIdentifier(const QString &identifier);
     /// Whether an element belongs to a web browser, by its application's bundle identifier.
     [[nodiscard]] bool isBrowserApp(const platform::AXUIElement &element) const;
     /// Whether an element is part of a browser's own interface (address bar, toolbar search) rather than of a page.

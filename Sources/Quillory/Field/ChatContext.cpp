@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Field/ChatContext.h"
 
+#include "Quillory/Field/KnownPrograms.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -128,8 +130,7 @@ void prepare(const AXUIElement &element, platform::AXFreshness freshness) {
 
 Recognition recognise(const AXText &ax, const AXUIElement &element) {
     const QString identifier = ax.bundleIdentifier(element).value_or(QString());
-    if (std::any_of(chatBundlePrefixes.begin(), chatBundlePrefixes.end(),
-                    [&](QLatin1StringView prefix) { return identifier.startsWith(prefix); })) {
+    if (programKind(identifier) == ProgramKind::chat) {
         return {Recognition::Evidence::chatProgram, true, identifier};
     }
     return ax.isBrowserApp(element) ? recognisePage(ax, element)

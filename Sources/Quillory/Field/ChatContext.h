@@ -10,7 +10,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <array>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -19,9 +18,6 @@
 /// Reads the conversation that is visible around a message box from the application's accessibility tree. No state;
 /// main thread only where an element is taken. What cannot be read counts as absent.
 namespace quillory::ChatContext {
-
-/// Bundle identifiers of chat programs begin with one of these.
-inline constexpr std::array chatBundlePrefixes{QLatin1StringView("net.whatsapp")};
 
 /// The visible conversation, oldest line first, each line marked with who said it where that is known.
 struct Conversation {

@@ -4,6 +4,7 @@
 
 #include "Quillory/Field/AXText.h"
 #include "Quillory/Field/ChatContext.h"
+#include "Quillory/Field/KnownPrograms.h"
 
 #include <algorithm>
 #include <iterator>
@@ -31,7 +32,7 @@ QString startForX11(const ApplicationFacts *application) {
     if (application == nullptr) {
         return chromium + QStringLiteral("  or  ") + firefox;
     }
-    return application->bundleIdentifier.startsWith(QStringLiteral("org.mozilla.")) ? firefox : chromium;
+    return programKind(application->bundleIdentifier) == ProgramKind::firefox ? firefox : chromium;
 }
 
 Finding aboutSession(const DesktopFacts &desktop) {
@@ -114,9 +115,7 @@ Finding aboutAccessibilityLater(const DesktopFacts &desktop) {
 }
 
 bool isChatProgram(const ApplicationFacts &application) {
-    return std::ranges::any_of(ChatContext::chatBundlePrefixes, [&](QLatin1StringView prefix) {
-        return application.bundleIdentifier.startsWith(prefix);
-    });
+    return programKind(application.bundleIdentifier) == ProgramKind::chat;
 }
 
 /// A chat page also has search fields, at its top; the message box is below the conversation.
@@ -189,7 +188,7 @@ Finding aboutBrowser(const ApplicationFacts &application, const DesktopFacts &de
 std::vector<Finding> aboutBrowsers(const DesktopFacts &desktop) {
     std::vector<Finding> findings;
     for (const ApplicationFacts &application : desktop.applications) {
-        if (isChatProgram(application) || AXText::isBrowserIdentifier(application.bundleIdentifier)) {
+        if (isChatProgram(application) || isBrowser(application.bundleIdentifier)) {
             findings.push_back(aboutBrowser(application, desktop));
         }
     }
