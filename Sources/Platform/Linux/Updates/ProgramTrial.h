@@ -18,7 +18,7 @@ enum class ProgramTrial {
 };
 
 /// Runs a bundle's program with --version, its output discarded and all its libraries bound. Blocks until it ends, for
-/// at most the patience. Throws FileError when no process can be started at all, and CancellationError.
+/// at most the patience. Throws CancellationError.
 [[nodiscard]] ProgramTrial tryProgram(const QString &bundle, std::chrono::milliseconds patience,
                                       const std::stop_token &stop = {});
 
