@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Platform/Linux/Network/CurlURLSession.h"
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 #include "Platform/Linux/X11/Panel/QtPanelWindow.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Screens.h"

@@ -6,7 +6,7 @@
 #include "Quillory/UI/Settings/SettingsWindow.h"
 
 #include "ClockTime.h"
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 #include "Platform/Linux/Storage/FileUserDefaults.h"
 #include "Platform/Replacing.h"
 #include "Quillory/Settings/AppSettings.h"

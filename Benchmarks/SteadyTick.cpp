@@ -5,7 +5,7 @@
 #include "BrowserPage.h"
 #include "ClockTime.h"
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 #include "RealDesktop/RealDesktop.h"
 
 #include <QCoreApplication>

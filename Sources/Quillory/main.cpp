@@ -5,16 +5,17 @@
 #include "Platform/Linux/Doctor/LinuxExamination.h"
 #include "Platform/Linux/Doctor/LinuxRepair.h"
 #include "Platform/Linux/Folders.h"
-#include "Platform/Linux/HiddenInput.h"
 #include "Platform/Linux/LinuxPlatform.h"
-#include "Platform/Linux/LinuxProcess.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Process/HiddenInput.h"
+#include "Platform/Linux/Process/LinuxProcess.h"
+#include "Platform/Linux/Process/SingleInstance.h"
+#include "Platform/Linux/Process/TerminationSignals.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 #include "Platform/Linux/Storage/SecretUserDefaults.h"
-#include "Platform/Linux/TerminationSignals.h"
 #include "Platform/Linux/Updates/UserApplications.h"
 #include "Platform/Linux/X11/X11Connection.h"
-#include "Platform/Linux/X11/X11Instance.h"
+#include "Platform/Linux/X11/X11Windows.h"
 #include "Quillory/Commands/CommandLine.h"
 #include "Quillory/Records/FileLog.h"
 #include "Quillory/UI/Setup/SetupWindow.h"
@@ -101,7 +102,7 @@ struct SetupServices {
 };
 
 int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> opened,
-             std::unique_ptr<desktop::X11Instance> claim, const SetupServices &services) {
+             std::unique_ptr<desktop::SingleInstance> claim, const SetupServices &services) {
     preferX11();
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillory"));
@@ -109,7 +110,8 @@ int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> ope
     const auto connection = std::move(opened); // ends before the application does
     const auto instance = std::move(claim);
     connection->watch();
-    desktop::LinuxWorkspace workspace(connection->get());
+    desktop::X11Windows windows(*connection);
+    desktop::LinuxWorkspace workspace(&windows);
     const auto keys = installCommandPlatform(&workspace);
     quillory::ui::SetupWindow window({services.examination, services.repair, *keys});
     if (instance) { // else the display has another, which does not answer
@@ -123,13 +125,13 @@ int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> ope
 /// The exit status of the set-up window, once it is closed; absent when there is no display for it. A display has one:
 /// a second one brings it to the front and ends.
 std::optional<int> setUpInWindow(int &argc, char **argv, const SetupServices &services) {
-    using desktop::X11Instance;
+    using desktop::SingleInstance;
     auto connection = desktop::X11Connection::open();
     if (!connection) {
         return std::nullopt;
     }
-    auto instance = X11Instance::become(*connection, X11Instance::Kind::setup);
-    if (!instance && X11Instance::summon(*connection, std::chrono::seconds(5), X11Instance::Kind::setup)) {
+    auto instance = SingleInstance::become(SingleInstance::Kind::setup);
+    if (!instance && SingleInstance::summon(std::chrono::seconds(5), SingleInstance::Kind::setup)) {
         return quillory::exitStatus::success;
     }
     return runSetup(argc, argv, std::move(connection), std::move(instance), services);
@@ -165,32 +167,30 @@ std::optional<int> runCommand(int &argc, char **argv) {
 /// The set-up in a process of its own: this one never writes the key.
 class LaunchedSetup {
   public:
-    explicit LaunchedSetup(desktop::X11Connection &display) : m_display(display) {}
     void launch() {
         QProcess::startDetached(QCoreApplication::applicationFilePath(), {QStringLiteral("setup")}, {}, &m_pid);
     }
     /// Whether there is one, be it an earlier one that came to the front; no longer when it failed or was closed.
     [[nodiscard]] bool isThere() const {
         return desktop::processes::fingerprint(static_cast<qint32>(m_pid)) ||
-               desktop::X11Instance::isThere(m_display, desktop::X11Instance::Kind::setup);
+               desktop::SingleInstance::isThere(desktop::SingleInstance::Kind::setup);
     }
 
   private:
-    desktop::X11Connection &m_display;
     qint64 m_pid = 0;
 };
 
 int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection,
-               std::unique_ptr<desktop::X11Instance> claim) {
+               std::unique_ptr<desktop::SingleInstance> claim) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillory"));
     QApplication::setDesktopFileName(QStringLiteral("quillory"));
     QApplication::setQuitOnLastWindowClosed(false);
-    LaunchedSetup setup(*connection);
+    LaunchedSetup setup;
     const desktop::LinuxPlatform linuxPlatform(std::move(connection), [&] { return setup.isThere(); });
     const platform::Installation installation(linuxPlatform.services());
     quillory::FileLog::open(linuxPlatform.services().process.homeDirectory());
-    const auto instance = std::move(claim); // ends before the connection does
+    const auto instance = std::move(claim); // listens while the application is there
     const platform::Platform &services = linuxPlatform.services();
     quillory::UpdateChecker updates({services.application, services.codeSigning, services.fileSystem,
                                      services.mainQueue, services.process, services.systemTools, services.urlSession});
@@ -239,12 +239,12 @@ int main(int argc, char **argv) {
         std::cerr << "quillory: no X display can be reached; start it in a desktop session, or set DISPLAY\n";
         return 1;
     }
-    auto instance = desktop::X11Instance::become(*connection);
-    if (!instance && desktop::X11Instance::summon(*connection, std::chrono::seconds(5))) {
+    auto instance = desktop::SingleInstance::become();
+    if (!instance && desktop::SingleInstance::summon(std::chrono::seconds(5))) {
         return 0;
     }
     if (!instance) {
-        instance = desktop::X11Instance::become(*connection); // the other one may just have ended
+        instance = desktop::SingleInstance::become(); // the other one may just have ended
     }
     if (!instance) {
         std::cerr << "quillory: it is running already, but does not answer\n";

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 
 #include <algorithm>
 

@@ -29,6 +29,8 @@ class Assistant {
     [[nodiscard]] static QStringList choices();
     [[nodiscard]] pid_t pid() const { return m_process.pid(); }
     [[nodiscard]] bool isRunning() { return m_process.isRunning(); }
+    /// Asks it to end, unless it has, and returns its exit status.
+    int end() { return m_process.end(); }
 
   private:
     ChildProcess m_process;

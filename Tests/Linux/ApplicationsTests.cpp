@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Linux/XClient.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
-#include "Platform/Linux/LinuxProcess.h"
-#include "Platform/Linux/X11/X11ActiveWindow.h"
+#include "Platform/Linux/Process/LinuxProcess.h"
+#include "Platform/Linux/X11/X11Windows.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,8 +26,8 @@ using platform::desktop::DesktopEntries;
 using platform::desktop::LinuxProcess;
 using platform::desktop::LinuxWorkspace;
 using platform::desktop::nameInDesktopEntry;
-using platform::desktop::X11ActiveWindow;
 using platform::desktop::X11Connection;
+using platform::desktop::X11Windows;
 
 namespace {
 QString put(const QTemporaryDir &folder, const QString &name, const QByteArray &content) {
@@ -177,17 +177,17 @@ TEST(Applications, DesktopEntriesAreReadInTheUsersLanguage) {
 TEST(Applications, ActivationBringsTheProcessToTheFront) {
     XClient client;
     const auto connection = X11Connection::open();
-    X11ActiveWindow activeWindow(*connection);
+    X11Windows windows(*connection);
     const auto isInFront = [&](qint32 pid) {
-        return waitUntil([&] { return activeWindow.ask().value_or(platform::desktop::ActiveWindow{}).pid == pid; });
+        return waitUntil([&] { return windows.active().value_or(platform::desktop::ActiveWindow{}).pid == pid; });
     };
     for (const qint32 pid : {111, 222}) {
         client.setNumbers(client.open({0, 0, 200, 100}), "_NET_WM_PID", {static_cast<std::uint32_t>(pid)});
         ASSERT_TRUE(isInFront(pid));
     }
-    LinuxWorkspace workspace(client.connection().get());
+    LinuxWorkspace workspace(&windows);
     workspace.activate(333);
-    EXPECT_EQ(activeWindow.ask()->pid, 222);
+    EXPECT_EQ(windows.active()->pid, 222);
     workspace.activate(111);
     EXPECT_TRUE(isInFront(111));
 }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 #include "RealDesktop/RealDesktop.h"
 
 #include <QApplication>

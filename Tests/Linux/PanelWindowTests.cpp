@@ -20,6 +20,7 @@ using platform::Rect;
 class PanelWindow : public testing::Test {
   protected:
     void SetUp() override {
+        connection->watch();
         other.setGeometry(100, 150, 800, 600);
         other.setPlaceholderText(u"Type a message"_s);
         other.show();

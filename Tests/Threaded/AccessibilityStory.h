@@ -4,7 +4,7 @@
 
 #include "FakeAccessibilityBus.h"
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 
 #include <gmock/gmock.h>
 

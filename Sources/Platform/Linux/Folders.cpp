@@ -73,6 +73,13 @@ QString data() {
     return base("XDG_DATA_HOME", "/.local/share") + QStringLiteral("/quillory");
 }
 
+QString runtime() {
+    const QString path = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const QFileInfo folder(path);
+    return QDir::isAbsolutePath(path) && folder.isDir() && folder.isWritable() ? path + QStringLiteral("/quillory")
+                                                                               : data();
+}
+
 bool make(const QString &path) {
     const QByteArray name = QFile::encodeName(path);
     if (::mkdir(name.constData(), S_IRWXU) != 0 && errno == ENOENT && make(QFileInfo(path).path())) {

@@ -11,6 +11,8 @@ namespace platform::desktop::folders {
 [[nodiscard]] QString configuration();
 /// "quillory" in $XDG_DATA_HOME, by default in ~/.local/share.
 [[nodiscard]] QString data();
+/// "quillory" in $XDG_RUNTIME_DIR, which lasts as long as the user is logged in; without one the folder of the data.
+[[nodiscard]] QString runtime();
 /// Makes a folder and what is missing above it, for their owner alone. False when there is no such folder afterwards.
 bool make(const QString &path);
 /// The folder for files of no lasting worth. Throws FileError unless its place is safe, as below.

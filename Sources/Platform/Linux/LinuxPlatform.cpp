@@ -4,10 +4,10 @@
 
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
-#include "Platform/Linux/LinuxProcess.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
-#include "Platform/Linux/QtApplication.h"
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Process/LinuxProcess.h"
+#include "Platform/Linux/Qt/QtApplication.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 #include "Platform/Linux/StatusBar/LinuxStatusBar.h"
 #include "Platform/Linux/Storage/SecretUserDefaults.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
@@ -19,9 +19,10 @@
 #include "Platform/Linux/X11/Keys/X11KeyPoster.h"
 #include "Platform/Linux/X11/Keys/X11Keyboard.h"
 #include "Platform/Linux/X11/Panel/QtPanelWindow.h"
-#include "Platform/Linux/X11/X11ActiveWindow.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "Platform/Linux/X11/X11Screens.h"
+#include "Platform/Linux/X11/X11SelectionWatch.h"
+#include "Platform/Linux/X11/X11Windows.h"
 
 namespace platform::desktop {
 
@@ -36,7 +37,7 @@ struct LinuxPlatform::Private {
         AtspiAccessibility::Options options;
         options.inPoints = [this](const Rect &pixels) { return screens.accessibilityRect(pixels); };
         options.isOfferedElsewhere = isTrustOfferedElsewhere;
-        options.activeWindow = [this] { return activeWindow.ask(); };
+        options.activeWindow = [this] { return windows.active(); };
         return options;
     }
 
@@ -52,10 +53,12 @@ struct LinuxPlatform::Private {
     QtApplication application{[this] { workspace.activate(process.identifier()); }};
     std::unique_ptr<X11Connection> connection;
     X11Screens screens{*connection};
-    X11ActiveWindow activeWindow{*connection};
-    LinuxStatusBar statusBar{mainQueue, *connection};
+    X11Windows windows{*connection};
+    X11SelectionWatch tray{*connection, connection->ofScreen("_NET_SYSTEM_TRAY_S"),
+                           [this](const auto &change) { statusBar.embeddingTrayChanged(change.owner != XCB_NONE); }};
+    LinuxStatusBar statusBar{mainQueue, tray.isOwned()};
     AtspiAccessibility accessibility{mainQueue, accessibilityOptions()};
-    LinuxWorkspace workspace{connection->get()};
+    LinuxWorkspace workspace{&windows};
     X11Keyboard keyboard{*connection};
     X11EventTaps eventTaps{*connection, keyboard};
     X11KeyPoster keyPoster{*connection, keyboard, eventTaps};

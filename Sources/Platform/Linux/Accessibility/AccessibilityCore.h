@@ -4,7 +4,7 @@
 
 #include "Platform/Accessibility.h"
 #include "Platform/Linux/Accessibility/PageQuestions.h"
-#include "Platform/Linux/ActiveWindow.h"
+#include "Platform/Linux/Applications/DesktopWindows.h"
 
 namespace platform::desktop::atspi {
 

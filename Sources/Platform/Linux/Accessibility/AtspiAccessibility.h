@@ -4,7 +4,7 @@
 
 #include "Platform/Accessibility.h"
 #include "Platform/LifeToken.h"
-#include "Platform/Linux/ActiveWindow.h"
+#include "Platform/Linux/Applications/DesktopWindows.h"
 #include "Platform/MainQueue.h"
 
 #include <functional>

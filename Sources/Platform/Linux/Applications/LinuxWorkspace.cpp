@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 
-#include "Platform/Linux/Applications/WindowActivation.h"
 
 namespace platform::desktop {
 
@@ -14,8 +13,8 @@ constexpr qsizetype mostKnown = 256;
 constexpr std::chrono::seconds strangersAreKept{1};
 } // namespace
 
-LinuxWorkspace::LinuxWorkspace(xcb_connection_t *connection, ApplicationCatalogue catalogue, DesktopEntries entries)
-    : m_connection(connection), m_catalogue(std::move(catalogue)), m_entries(std::move(entries)) {}
+LinuxWorkspace::LinuxWorkspace(DesktopWindows *windows, ApplicationCatalogue catalogue, DesktopEntries entries)
+    : m_windows(windows), m_catalogue(std::move(catalogue)), m_entries(std::move(entries)) {}
 
 std::optional<RunningApplication> LinuxWorkspace::runningApplication(qint32 pid) {
     const std::optional<processes::Fingerprint> process = processes::fingerprint(pid);
@@ -59,8 +58,8 @@ RunningApplication LinuxWorkspace::recognise(qint32 pid, const processes::Finger
 }
 
 void LinuxWorkspace::activate(qint32 pid) {
-    if (m_connection != nullptr) {
-        activateWindowOf(m_connection, pid);
+    if (m_windows != nullptr) {
+        m_windows->activate(pid);
     }
 }
 

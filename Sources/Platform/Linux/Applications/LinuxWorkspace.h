@@ -4,12 +4,11 @@
 
 #include "Platform/Linux/Applications/ApplicationCatalogue.h"
 #include "Platform/Linux/Applications/DesktopEntries.h"
+#include "Platform/Linux/Applications/DesktopWindows.h"
 #include "Platform/Linux/Applications/ProcessInspection.h"
 #include "Platform/Workspace.h"
 
 #include <chrono>
-
-struct xcb_connection_t;
 
 namespace platform::desktop {
 
@@ -18,8 +17,8 @@ namespace platform::desktop {
 /// as long as the process lives and stays the same program, so that asking ten times a second costs two small reads.
 class LinuxWorkspace final : public Workspace {
   public:
-    /// connection: to the X server whose windows activate() brings up, outliving this; null for none.
-    explicit LinuxWorkspace(xcb_connection_t *connection, ApplicationCatalogue catalogue = ApplicationCatalogue(),
+    /// windows: what activate() works with, outliving this; null where there is no desktop.
+    explicit LinuxWorkspace(DesktopWindows *windows, ApplicationCatalogue catalogue = ApplicationCatalogue(),
                             DesktopEntries entries = DesktopEntries());
 
     [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
@@ -33,7 +32,7 @@ class LinuxWorkspace final : public Workspace {
     };
     [[nodiscard]] RunningApplication recognise(qint32 pid, const processes::Fingerprint &process);
 
-    xcb_connection_t *m_connection;
+    DesktopWindows *m_windows;
     ApplicationCatalogue m_catalogue;
     DesktopEntries m_entries;
     QHash<qint32, Known> m_known;

@@ -2,34 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Doctor/X11Examination.h"
 
+#include "Platform/Linux/Process/SingleInstance.h"
 #include "Platform/Linux/X11/Keys/X11Keyboard.h"
-#include "Platform/Linux/X11/X11Instance.h"
 
 namespace platform::desktop {
 
 namespace {
 
-/// Trays and compositors own a selection that is named after their screen.
-QByteArray withScreenNumber(const char *name, X11Connection &connection) {
-    int number = 0;
-    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection.get())); screens.rem > 0;
-         xcb_screen_next(&screens), ++number) {
-        if (screens.data->root == connection.root()) {
-            break;
-        }
-    }
-    return QByteArray(name) + QByteArray::number(number);
-}
-
-bool isOwned(X11Connection &connection, const QByteArray &selection) {
-    const auto asked = xcb_get_selection_owner(connection.get(), connection.atom(selection));
-    const auto answer = connection.reply(xcb_get_selection_owner_reply, asked);
-    return answer && answer->owner != XCB_NONE;
-}
-
 QString windowManager(X11Connection &connection) {
-    const auto window =
-        connection.values(connection.askValues(connection.root(), connection.atom("_NET_SUPPORTING_WM_CHECK")));
+    const auto window = connection.values(connection.root(), "_NET_SUPPORTING_WM_CHECK");
     if (window.empty()) {
         return {};
     }
@@ -68,10 +49,13 @@ void examineX11(DesktopFacts &facts) {
     }
     const X11Keyboard keyboard(*connection);
     facts.windowManager = windowManager(*connection);
-    facts.hasTray = isOwned(*connection, withScreenNumber("_NET_SYSTEM_TRAY_S", *connection));
-    facts.hasCompositor = isOwned(*connection, withScreenNumber("_NET_WM_CM_S", *connection));
-    facts.hasClipboardManager = isOwned(*connection, "CLIPBOARD_MANAGER");
-    facts.isRunning = X11Instance::isThere(*connection);
+    const auto isOwned = [&connection](const QByteArray &selection) {
+        return connection->ownerOf(connection->atom(selection)) != XCB_NONE;
+    };
+    facts.hasTray = isOwned(connection->ofScreen("_NET_SYSTEM_TRAY_S"));
+    facts.hasCompositor = isOwned(connection->ofScreen("_NET_WM_CM_S"));
+    facts.hasClipboardManager = isOwned("CLIPBOARD_MANAGER");
+    facts.isRunning = SingleInstance::isThere();
     facts.canGrabTab = canGrab(*connection, keyboard, keyCode::tab);
     facts.canGrabEscape = canGrab(*connection, keyboard, keyCode::escape);
 }
@@ -82,10 +66,9 @@ std::set<qint32> processesWithWindows() {
         return {};
     }
     std::set<qint32> processes;
-    const auto windows =
-        connection->values(connection->askValues(connection->root(), connection->atom("_NET_CLIENT_LIST")));
+    const auto windows = connection->values(connection->root(), "_NET_CLIENT_LIST");
     for (const std::uint32_t window : windows) {
-        for (const auto pid : connection->values(connection->askValues(window, connection->atom("_NET_WM_PID")))) {
+        for (const auto pid : connection->values(window, "_NET_WM_PID")) {
             processes.insert(static_cast<qint32>(pid));
         }
     }
@@ -93,8 +76,7 @@ std::set<qint32> processesWithWindows() {
 }
 
 bool isProgramRunning() {
-    const auto connection = X11Connection::open();
-    return connection && X11Instance::isThere(*connection);
+    return SingleInstance::isThere();
 }
 
 } // namespace platform::desktop

@@ -10,8 +10,6 @@
 #include <QDBusVariant>
 #include <QTimer>
 
-#include <xcb/xfixes.h>
-
 #include <utility>
 
 namespace platform::desktop {
@@ -42,9 +40,8 @@ class LinuxStatusBar::Listening final : public Registration {
     std::weak_ptr<bool> m_life;
 };
 
-LinuxStatusBar::LinuxStatusBar(MainQueue &mainQueue, X11Connection &connection)
-    : m_mainQueue(mainQueue), m_connection(connection) {
-    watchTray();
+LinuxStatusBar::LinuxStatusBar(MainQueue &mainQueue, bool hasEmbeddingTray)
+    : m_mainQueue(mainQueue), m_hasTray(hasEmbeddingTray) {
     watchNotifiers();
     update();
 }
@@ -85,7 +82,7 @@ void LinuxStatusBar::watchNotifiers() {
     askForNotifiers();
 }
 
-// The toolkit asks the same when the first icon is made, and keeps to the older kind of tray when the answer is no.
+// Qt asks the same when the first icon is made, and keeps to the older kind of tray when the answer is no.
 void LinuxStatusBar::askForNotifiers() {
     QDBusMessage question = QDBusMessage::createMethodCall(
         watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
@@ -105,35 +102,10 @@ void LinuxStatusBar::askForNotifiers() {
     });
 }
 
-void LinuxStatusBar::watchTray() {
-    m_trayAtom = m_connection.atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_connection.screenNumber()));
-    m_selectionEvent = static_cast<std::uint8_t>(m_connection.firstEvent(&xcb_xfixes_id) + XCB_XFIXES_SELECTION_NOTIFY);
-    if (m_connection.has(&xcb_xfixes_id)) {
-        const auto version = xcb_xfixes_query_version(m_connection.get(), 1, 0);
-        (void)m_connection.reply(xcb_xfixes_query_version_reply, version);
-        xcb_xfixes_select_selection_input(m_connection.get(), m_connection.root(), m_trayAtom,
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-        m_events = m_connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
-    }
-    m_hasTray = hasTray();
-}
-
-bool LinuxStatusBar::hasTray() const {
-    const auto found =
-        m_connection.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(m_connection.get(), m_trayAtom));
-    return found && found->owner != XCB_NONE;
-}
-
-void LinuxStatusBar::handle(const xcb_generic_event_t &event) {
-    if (eventType(event) != m_selectionEvent ||
-        eventAs<xcb_xfixes_selection_notify_event_t>(event).selection != m_trayAtom) {
-        return;
-    }
-    m_mainQueue.postAfter(settling, [this, life = std::weak_ptr(m_life)] {
+void LinuxStatusBar::embeddingTrayChanged(bool isThere) {
+    m_mainQueue.postAfter(settling, [this, isThere, life = std::weak_ptr(m_life)] {
         if (!life.expired()) {
-            m_hasTray = hasTray();
+            m_hasTray = isThere;
             update();
         }
     });

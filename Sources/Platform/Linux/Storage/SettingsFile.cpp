@@ -33,36 +33,6 @@ FileDescriptor opened(const QString &path, int flags) {
     return FileDescriptor(::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC, ownerOnly));
 }
 
-std::optional<QByteArray> readWhole(const FileDescriptor &file, off_t size) {
-    // One byte more than expected shows a file that grows while it is read.
-    QByteArray bytes(size + 1, Qt::Uninitialized);
-    qsizetype filled = 0;
-    while (filled < bytes.size()) {
-        const ssize_t count =
-            ::read(file.get(), bytes.data() + filled, static_cast<std::size_t>(bytes.size() - filled));
-        if (count < 0 && errno != EINTR) {
-            return std::nullopt;
-        }
-        if (count == 0) {
-            break;
-        }
-        filled += std::max<ssize_t>(count, 0);
-    }
-    bytes.truncate(filled);
-    return bytes;
-}
-
-bool writeWhole(const FileDescriptor &file, QByteArrayView bytes) {
-    while (!bytes.isEmpty()) {
-        const ssize_t count = ::write(file.get(), bytes.data(), static_cast<std::size_t>(bytes.size()));
-        if (count < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes = bytes.sliced(std::max<ssize_t>(count, 0));
-    }
-    return ::fsync(file.get()) == 0;
-}
-
 /// Where a chain of symbolic links ends, whether there is a file or not; absent for a loop.
 std::optional<QString> linkTarget(QString path) {
     constexpr int mostLinks = 40; // as the kernel has it
@@ -110,9 +80,11 @@ SettingsFile::Content SettingsFile::read() const {
     if ((status.st_mode & othersToo) != 0) {
         ::fchmod(file.get(), status.st_mode & ownersAll); // the key may be in it
     }
-    std::optional<QByteArray> bytes = readWhole(file, status.st_size);
-    return bytes ? Content{Content::State::readable, *std::move(bytes), stampOf(status)}
-                 : Content{Content::State::unreadable, {}, stampOf(status)};
+    QFile reader;
+    const bool isOpen = reader.open(file.get(), QIODevice::ReadOnly | QIODevice::Unbuffered);
+    const QByteArray bytes = isOpen ? reader.read(status.st_size + 1) : QByteArray(); // one more if it is growing
+    const bool isRead = isOpen && reader.error() == QFileDevice::NoError;
+    return {isRead ? Content::State::readable : Content::State::unreadable, bytes, stampOf(status)};
 }
 
 SettingsFile::Lock::Lock(const SettingsFile &file, std::chrono::milliseconds longestWait) {
@@ -136,14 +108,16 @@ std::optional<FileStamp> SettingsFile::replace(const QByteArray &bytes, const Lo
     if (!target || isReadOnly() || bytes.size() > largestFile) {
         return std::nullopt;
     }
-    const QByteArray temporary = QFile::encodeName(*target + QStringLiteral(".new"));
-    ::unlink(temporary.constData()); // what a writer left that was killed
-    const FileDescriptor file(
-        ::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownerOnly));
+    // Not with QSaveFile: that one leaves the key in a file of a random name when it is killed, makes its file readable
+    // for others before it narrows that down, and takes a failed fsync for success.
+    QFile file(*target + QStringLiteral(".new"));
+    file.remove(); // what a writer left that was killed
     struct stat status {};
-    if (!file || !writeWhole(file, bytes) || ::fstat(file.get(), &status) != 0 ||
-        ::rename(temporary.constData(), QFile::encodeName(*target).constData()) != 0) {
-        ::unlink(temporary.constData());
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner) ||
+        file.write(bytes) != bytes.size() || !file.flush() || ::fsync(file.handle()) != 0 ||
+        ::fstat(file.handle(), &status) != 0 ||
+        ::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(*target).constData()) != 0) {
+        QFile::remove(file.fileName()); // not file.remove(), which gives up when closing fails
         return std::nullopt;
     }
     if (const FileDescriptor folder = opened(QFileInfo(*target).path(), O_RDONLY | O_DIRECTORY)) {

@@ -173,6 +173,11 @@ std::vector<std::uint32_t> X11Connection::values(xcb_get_property_cookie_t cooki
     return {first, first + answer->value_len};
 }
 
+xcb_window_t X11Connection::ownerOf(xcb_atom_t selection) const {
+    const auto found = reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(m_connection, selection));
+    return found ? found->owner : static_cast<xcb_window_t>(XCB_NONE);
+}
+
 void X11Connection::sync() const {
     (void)reply(xcb_get_input_focus_reply, xcb_get_input_focus(m_connection));
 }

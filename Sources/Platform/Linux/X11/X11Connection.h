@@ -48,8 +48,8 @@ class X11Connection {
 
     [[nodiscard]] xcb_connection_t *get() const { return m_connection; }
     [[nodiscard]] const xcb_screen_t &screen() const { return *m_screen; }
-    /// The number of the screen, as in DISPLAY.
-    [[nodiscard]] int screenNumber() const { return m_screenNumber; }
+    /// The name of a selection that each screen has one of: the prefix and the number of the screen, as in DISPLAY.
+    [[nodiscard]] QByteArray ofScreen(const char *prefix) const { return prefix + QByteArray::number(m_screenNumber); }
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
     /// A window of our own that is never shown.
     [[nodiscard]] xcb_window_t window() const { return m_window; }
@@ -82,8 +82,15 @@ class X11Connection {
     /// handler is dropped unheard when the answer outlives this connection.
     void whenReplied(xcb_get_property_cookie_t cookie, PropertyHandler handler);
     /// All 32-bit values of a window's property; empty when it is absent or of another format.
+    [[nodiscard]] std::vector<std::uint32_t> values(xcb_window_t window, const QByteArray &property) {
+        return values(askValues(window, atom(property)));
+    }
+    /// The same in two steps, so that several questions can be on their way at once.
     [[nodiscard]] std::vector<std::uint32_t> values(xcb_get_property_cookie_t cookie) const;
     [[nodiscard]] xcb_get_property_cookie_t askValues(xcb_window_t window, xcb_atom_t property) const;
+
+    /// The window that owns a selection; XCB_NONE when nobody does.
+    [[nodiscard]] xcb_window_t ownerOf(xcb_atom_t selection) const;
 
     void flush() { xcb_flush(m_connection); }
     /// Waits until the server has carried out every request so far.

@@ -151,8 +151,7 @@ void X11Screens::readMonitors() {
 }
 
 std::vector<X11Screens::Strut> X11Screens::readStruts() {
-    const auto windows =
-        m_connection.values(m_connection.askValues(m_connection.root(), m_connection.atom("_NET_CLIENT_LIST")));
+    const auto windows = m_connection.values(m_connection.root(), "_NET_CLIENT_LIST");
     const xcb_atom_t partial = m_connection.atom("_NET_WM_STRUT_PARTIAL");
     const xcb_atom_t whole = m_connection.atom("_NET_WM_STRUT");
     std::vector<xcb_get_property_cookie_t> questions;
@@ -209,9 +208,7 @@ void X11Screens::cut(Monitor &monitor, const Strut &s, const QRect &all) {
 /// Without windows that reserve edges the desktop's bars may be drawn by the window manager itself, which then says
 /// what it leaves: GNOME for each monitor, others one rectangle for the whole desktop.
 void X11Screens::reserveByWorkAreas() {
-    const auto ask = [this](const QByteArray &name) {
-        return m_connection.values(m_connection.askValues(m_connection.root(), m_connection.atom(name)));
-    };
+    const auto ask = [this](const QByteArray &name) { return m_connection.values(m_connection.root(), name); };
     const auto desktops = ask("_NET_CURRENT_DESKTOP");
     const std::size_t desktop = desktops.empty() ? 0 : desktops.front();
     const auto perMonitor = ask("_GTK_WORKAREAS_D" + QByteArray::number(static_cast<qulonglong>(desktop)));
@@ -234,8 +231,7 @@ void X11Screens::findMain() {
         return;
     }
     m_main = 0;
-    const auto active =
-        m_connection.values(m_connection.askValues(m_connection.root(), m_connection.atom("_NET_ACTIVE_WINDOW")));
+    const auto active = m_connection.values(m_connection.root(), "_NET_ACTIVE_WINDOW");
     m_activeWindow = active.empty() ? static_cast<xcb_window_t>(XCB_NONE) : active.front();
     if (m_activeWindow == XCB_NONE) {
         m_activeWindowEvents.reset();

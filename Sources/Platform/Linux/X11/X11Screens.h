@@ -24,6 +24,8 @@ class X11Screens final : public Screens {
     /// The application object must exist: scales are what Qt draws with.
     explicit X11Screens(X11Connection &connection);
 
+    [[nodiscard]] X11Connection &connection() const { return m_connection; }
+
     [[nodiscard]] std::vector<Screen> screens() override;
     [[nodiscard]] std::optional<Screen> mainScreen() override;
 

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/X11/Clipboard/X11Pasteboard.h"
 
-#include <xcb/xfixes.h>
-
 #include <algorithm>
 #include <array>
 
@@ -36,18 +34,9 @@ std::optional<QString> stringIn(const PasteboardItems &items) {
 } // namespace
 
 X11Pasteboard::X11Pasteboard(X11Connection &connection)
-    : m_connection(connection), m_clipboard(connection.atom("CLIPBOARD")), m_owner(connection, m_clipboard),
-      m_firstFixesEvent(connection.firstEvent(&xcb_xfixes_id)) {
-    if (m_firstFixesEvent != 0) {
-        const auto version = xcb_xfixes_query_version(connection.get(), 1, 0);
-        (void)connection.reply(xcb_xfixes_query_version_reply, version);
-        xcb_xfixes_select_selection_input(connection.get(), connection.window(), m_clipboard,
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    }
-    m_events = connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
-}
+    : m_connection(connection),
+      m_watch(connection, "CLIPBOARD", [this](const X11SelectionWatch::Change &change) { ownerChanged(change); }),
+      m_owner(connection, m_watch.selection()) {}
 
 X11Pasteboard::~X11Pasteboard() {
     if (m_holdsUserContent) {
@@ -55,19 +44,7 @@ X11Pasteboard::~X11Pasteboard() {
     }
 }
 
-void X11Pasteboard::handle(const xcb_generic_event_t &event) {
-    if (isOwnerChange(event)) {
-        ownerChanged(event);
-    }
-}
-
-bool X11Pasteboard::isOwnerChange(const xcb_generic_event_t &event) const {
-    return m_firstFixesEvent != 0 && eventType(event) == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY &&
-           eventAs<xcb_xfixes_selection_notify_event_t>(event).selection == m_clipboard;
-}
-
-void X11Pasteboard::ownerChanged(const xcb_generic_event_t &event) {
-    const auto &change = eventAs<xcb_xfixes_selection_notify_event_t>(event);
+void X11Pasteboard::ownerChanged(const X11SelectionWatch::Change &change) {
     // What this program does is counted when it does it.
     const bool isOurs = change.owner == m_connection.window() ||
                         (change.owner == XCB_NONE && change.selection_timestamp == m_givenUpAt);
@@ -87,14 +64,8 @@ void X11Pasteboard::ownerChanged(const xcb_generic_event_t &event) {
 qint64 X11Pasteboard::changeCount() {
     // Asked before something of the user's would be overwritten, so it must not lag behind the server.
     m_connection.sync();
-    takeOwnerChanges();
+    m_watch.takeChanges();
     return m_changeCount;
-}
-
-void X11Pasteboard::takeOwnerChanges() {
-    for (const X11Event &event : m_connection.takeEvents([this](const auto &one) { return isOwnerChange(one); })) {
-        ownerChanged(*event);
-    }
 }
 
 void X11Pasteboard::copyItems(std::function<void(std::optional<PasteboardItems>)> done) {
@@ -109,7 +80,7 @@ void X11Pasteboard::copyItems(std::function<void(std::optional<PasteboardItems>)
     Reading &reading = m_readings.back();
     auto self = std::make_shared<const X11SelectionReader *>(nullptr);
     reading.reader = std::make_unique<X11SelectionReader>(
-        m_connection, m_clipboard, [this, self](const std::optional<std::vector<X11SelectionValue>> &values) {
+        m_connection, m_watch.selection(), [this, self](const std::optional<std::vector<X11SelectionValue>> &values) {
             // Later, since the reader is in the midst of its work, and goes away then.
             QMetaObject::invokeMethod(
                 &m_context, [this, self, values] { finishReading(*self, values); }, Qt::QueuedConnection);
@@ -210,7 +181,7 @@ void X11Pasteboard::write(std::vector<X11SelectionValue> values) {
     m_isCleared = false;
     const bool isOurs = m_owner.claim();
     // Changes by others that came before are still to be heard of, and must not be taken for a loss of what is new.
-    takeOwnerChanges();
+    m_watch.takeChanges();
     if (isOurs) {
         m_owner.hold(std::move(values));
     }

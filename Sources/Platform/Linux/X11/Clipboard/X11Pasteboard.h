@@ -3,6 +3,8 @@
 #pragma once
 
 #include "Platform/Linux/X11/Clipboard/X11SelectionOwner.h"
+#include "Platform/Linux/X11/Clipboard/X11SelectionReader.h"
+#include "Platform/Linux/X11/X11SelectionWatch.h"
 #include "Platform/Pasteboard.h"
 
 namespace platform::desktop {
@@ -34,10 +36,7 @@ class X11Pasteboard final : public Pasteboard {
         std::function<void(std::optional<PasteboardItems>)> done;
     };
 
-    void handle(const xcb_generic_event_t &event);
-    void takeOwnerChanges();
-    void ownerChanged(const xcb_generic_event_t &event);
-    [[nodiscard]] bool isOwnerChange(const xcb_generic_event_t &event) const;
+    void ownerChanged(const X11SelectionWatch::Change &change);
     void write(std::vector<X11SelectionValue> values);
     void giveUpIfStillCleared();
     void finishReading(const X11SelectionReader *reader, const std::optional<std::vector<X11SelectionValue>> &values);
@@ -45,7 +44,7 @@ class X11Pasteboard final : public Pasteboard {
     [[nodiscard]] X11SelectionValue valueFrom(const QString &type, const QByteArray &data);
 
     X11Connection &m_connection;
-    xcb_atom_t m_clipboard;
+    X11SelectionWatch m_watch;
     X11SelectionOwner m_owner;
     std::vector<Reading> m_readings;
     /// How each type came when it was read last, so that it can be given back in the same form.
@@ -54,8 +53,6 @@ class X11Pasteboard final : public Pasteboard {
     bool m_holdsUserContent = false;
     qint64 m_changeCount = 0;
     xcb_timestamp_t m_givenUpAt = XCB_CURRENT_TIME;
-    std::uint8_t m_firstFixesEvent = 0;
-    RegistrationHandle m_events;
     QObject m_context;
 };
 

@@ -32,9 +32,7 @@ X11SelectionOwner::X11SelectionOwner(X11Connection &connection, xcb_atom_t selec
 bool X11SelectionOwner::claim() {
     m_since = m_connection.serverTime();
     xcb_set_selection_owner(m_connection.get(), m_connection.window(), m_selection, m_since);
-    const auto owner =
-        m_connection.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(m_connection.get(), m_selection));
-    return owner && owner->owner == m_connection.window();
+    return m_connection.ownerOf(m_selection) == m_connection.window();
 }
 
 void X11SelectionOwner::hold(std::vector<X11SelectionValue> values) {
@@ -55,9 +53,7 @@ void X11SelectionOwner::giveUp(xcb_timestamp_t time) {
 
 void X11SelectionOwner::handOver(std::chrono::milliseconds longestWait) {
     const xcb_atom_t manager = m_connection.atom("CLIPBOARD_MANAGER");
-    const auto found =
-        m_connection.reply(xcb_get_selection_owner_reply, xcb_get_selection_owner(m_connection.get(), manager));
-    if (!m_isOwner || m_values.empty() || !found || found->owner == XCB_NONE) {
+    if (!m_isOwner || m_values.empty() || m_connection.ownerOf(manager) == XCB_NONE) {
         return;
     }
     bool answered = false;

@@ -2,15 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/X11/Panel/PanelFrame.h"
 
-#include "Platform/Linux/X11/QtConnection.h"
 #include "Platform/PanelWindow.h"
 
+#include <QGuiApplication>
 #include <QPaintEvent>
 #include <QPainter>
 
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
-#include <xcb/xfixes.h>
 
 #include <algorithm>
 #include <cmath>
@@ -25,6 +24,13 @@ constexpr double shadowOpacity = 0.42;
 constexpr double shadowOpacityOnDark = 0.8;
 const QColor outlineOnLight(188, 188, 194);
 const QColor outlineOnDark(88, 89, 95);
+
+/// Qt's own connection, which made the window: requests on another one could overtake Qt's. Null where Qt does not draw
+/// on X11.
+xcb_connection_t *qtConnection() {
+    const auto *native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return native != nullptr ? native->connection() : nullptr;
+}
 
 // Asks picom and its kin for no shadow of theirs: we draw our own, and theirs would be that of the whole rectangle.
 void refuseForeignShadow(xcb_connection_t *connection, xcb_window_t window) {

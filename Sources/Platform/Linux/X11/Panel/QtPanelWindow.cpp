@@ -35,11 +35,9 @@ double between(double from, double to, double progress) {
 } // namespace
 
 QtPanelWindow::QtPanelWindow(X11Screens &screens)
-    : m_screens(screens), m_compositor([this] {
-          m_window.setComposited(m_compositor.isRunning());
-          applyAlpha();
-      }) {
-    m_window.setComposited(m_compositor.isRunning());
+    : m_screens(screens), m_compositor(screens.connection(), screens.connection().ofScreen("_NET_WM_CM_S"),
+                                       [this](const auto &change) { setComposited(change.owner != XCB_NONE); }) {
+    setComposited(m_compositor.isOwned());
     m_apply.setSingleShot(true);
     m_apply.setInterval(0);
     m_apply.callOnTimeout([this] { applyGeometry(); });
@@ -48,6 +46,12 @@ QtPanelWindow::QtPanelWindow(X11Screens &screens)
     m_animation.setEasingCurve(easeOut());
     QObject::connect(&m_animation, &QVariantAnimation::valueChanged, &m_window,
                      [this](const QVariant &value) { animateTo(value.toDouble()); });
+}
+
+void QtPanelWindow::setComposited(bool composited) {
+    m_isComposited = composited;
+    m_window.setComposited(composited);
+    applyAlpha();
 }
 
 void QtPanelWindow::setContentView(QObject *view) {
@@ -126,7 +130,7 @@ void QtPanelWindow::applyGeometry() {
 }
 
 void QtPanelWindow::applyAlpha() {
-    m_window.setWindowOpacity(m_compositor.isRunning() ? m_alpha : 1);
+    m_window.setWindowOpacity(m_isComposited ? m_alpha : 1);
 }
 
 std::unique_ptr<PanelWindow> QtPanelWindows::create() {

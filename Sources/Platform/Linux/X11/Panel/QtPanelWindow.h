@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/Linux/X11/Panel/Compositor.h"
 #include "Platform/Linux/X11/Panel/PanelFrame.h"
 #include "Platform/Linux/X11/X11Screens.h"
+#include "Platform/Linux/X11/X11SelectionWatch.h"
 #include "Platform/PanelWindow.h"
 
 #include <QTimer>
@@ -33,6 +33,7 @@ class QtPanelWindow final : public PanelWindow {
     [[nodiscard]] PanelFrame &window() { return m_window; }
 
   private:
+    void setComposited(bool composited);
     void animateTo(double progress);
     void applyLater();
     void applyGeometry();
@@ -40,7 +41,9 @@ class QtPanelWindow final : public PanelWindow {
 
     X11Screens &m_screens;
     PanelFrame m_window;
-    Compositor m_compositor;
+    /// A compositing manager, which is what makes windows translucent, owns a selection while it runs.
+    X11SelectionWatch m_compositor;
+    bool m_isComposited = false;
     Rect m_frame;
     double m_alpha = 1;
     QTimer m_apply;

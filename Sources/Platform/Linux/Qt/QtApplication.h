@@ -7,12 +7,12 @@
 #include <deque>
 #include <utility>
 
-class QDialog;
+class QMessageBox;
 
 namespace platform::desktop {
 
-/// Alerts and progress in windows of the toolkit. An alert blocks the program's other windows, but runs no event loop
-/// of its own: the tick and what it started go on as ever.
+/// Alerts and progress in Qt's own dialogs. An alert blocks the program's other windows, but runs no event loop of its
+/// own: the monitor's tick and all that it started go on.
 class QtApplication final : public Application {
   public:
     /// bringForward: asks the window manager, on the user's behalf, for this program's windows to come to the front.
@@ -31,7 +31,7 @@ class QtApplication final : public Application {
 
     std::function<void()> m_bringForward;
     std::deque<std::pair<Alert, std::function<void(int)>>> m_waiting;
-    std::unique_ptr<QDialog> m_open;
+    std::unique_ptr<QMessageBox> m_open;
 };
 
 } // namespace platform::desktop

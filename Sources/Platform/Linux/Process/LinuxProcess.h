@@ -5,16 +5,17 @@
 #include "Platform/Linux/Folders.h"
 #include "Platform/Process.h"
 
-#include <map>
+#include <QJsonObject>
+#include <QProcessEnvironment>
 
 namespace platform::desktop {
 
-/// The running program on Linux. Its bundle's information is "Info.json" beside the executable, an object with string
-/// members such as "EmbeddedAPIKey"; a file that is missing or broken has none. The environment and the information
-/// are those of the start, so that any thread may ask.
+/// The running program on Linux. Its bundle's information is "Info.json" beside the executable, a JSON object with string
+/// members such as "EmbeddedAPIKey"; a missing or broken file counts as an empty one. Environment and information are
+/// those of the start, so that any thread may ask.
 class LinuxProcess final : public Process {
   public:
-    /// The home folder and the standard folders in it are made for their owner alone.
+    /// Makes the home folder and the standard folders in it, for their owner alone.
     explicit LinuxProcess(const QString &informationFile = besideTheProgram(), const QString &home = folders::data());
 
     [[nodiscard]] std::optional<QString> infoDictionaryString(const QString &key) const override;
@@ -25,8 +26,8 @@ class LinuxProcess final : public Process {
   private:
     [[nodiscard]] static QString besideTheProgram();
 
-    std::map<QString, QString> m_information;
-    std::map<QString, QString> m_environment;
+    const QJsonObject m_information;
+    const QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
     QString m_home;
 };
 

@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/Linux/QtMainQueue.h"
+#include "Platform/Linux/Qt/QtMainQueue.h"
 
 #include <QTimer>
 

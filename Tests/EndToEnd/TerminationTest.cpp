@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: 2026 The Quillory developers
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "EndToEnd/ChatStory.h"
+#include "Platform/Linux/X11/Clipboard/X11Pasteboard.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <array>
+#include <csignal>
+#include <cstring>
+
+namespace quillory::test {
+
+using namespace Qt::StringLiterals;
+using namespace platform::desktop;
+
+namespace {
+
+/// The desktop's clipboard manager: takes over the content of a program that ends.
+class ClipboardManager {
+  public:
+    ClipboardManager() {
+        m_connection->watch();
+        m_events = m_connection->onEvent([this](const xcb_generic_event_t &event) {
+            if (eventType(event) == XCB_SELECTION_REQUEST) {
+                takeOver(eventAs<xcb_selection_request_event_t>(event));
+            }
+        });
+        // On a window of its own: the connection's is the one that owns the clipboard.
+        const xcb_window_t window = xcb_generate_id(m_connection->get());
+        xcb_create_window(m_connection->get(), XCB_COPY_FROM_PARENT, window, m_connection->root(), -1, -1, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_set_selection_owner(m_connection->get(), window, m_manager, XCB_CURRENT_TIME);
+        m_connection->sync();
+    }
+    X11Connection &connection() { return *m_connection; }
+
+  private:
+    void takeOver(const xcb_selection_request_event_t &request) {
+        if (request.selection != m_manager || request.target != m_connection->atom("SAVE_TARGETS")) {
+            return;
+        }
+        m_pasteboard.copyItems([this, request](const auto &items) {
+            m_pasteboard.writeObjects(items.value_or(platform::PasteboardItems()));
+            xcb_selection_notify_event_t notify{};
+            notify.response_type = XCB_SELECTION_NOTIFY;
+            notify.requestor = request.requestor;
+            notify.selection = request.selection;
+            notify.target = request.target;
+            notify.property = request.property;
+            std::array<char, 32> event{};
+            std::memcpy(event.data(), &notify, sizeof notify);
+            xcb_send_event(m_connection->get(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT, event.data());
+            m_connection->flush();
+        });
+    }
+
+    std::unique_ptr<X11Connection> m_connection = X11Connection::open();
+    xcb_atom_t m_manager = m_connection->atom("CLIPBOARD_MANAGER");
+    X11Pasteboard m_pasteboard{*m_connection};
+    platform::RegistrationHandle m_events;
+};
+
+bool isAnyKeyDown(X11Connection &connection) {
+    const auto keys = connection.reply(xcb_query_keymap_reply, xcb_query_keymap(connection.get()));
+    return std::ranges::any_of(keys->keys, [](std::uint8_t eight) { return eight != 0; });
+}
+
+class Termination : public ChatStory {
+  protected:
+    /// Waits while this process serves the clipboard.
+    template <typename Condition> static bool serveUntil(Condition condition) {
+        return waitUntil([&] {
+            QCoreApplication::processEvents();
+            return condition();
+        });
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(In, Termination, chromiumAlone, testing::PrintToStringParamName());
+
+TEST_P(Termination, InTheSecondOfAPasteGivesClipboardAndKeysBack) {
+    const QString draft = u"helo can u send me the price list"_s;
+    const QString answer = u"Hello, can you please send me the price list?"_s;
+    m_settings = {{u"assistantMode"_s, u"false"_s}};
+    m_model.willAnswer(answer, Manner::answersAtOnce);
+    ClipboardManager manager;
+    ASSERT_NO_FATAL_FAILURE(openChat());
+    const struct {
+        const char *name;
+        std::function<bool()> isReached;
+    } moments[] = {
+        {"before the keys", [&] { return keyboard::clipboard("UTF8_STRING") == answer.toUtf8(); }},
+        {"before the clipboard is given back", [&] { return m_page.text() == answer; }},
+    };
+    for (const auto &[moment, isReached] : moments) {
+        SCOPED_TRACE(moment);
+        m_assistant.reset();
+        QFile::remove(qEnvironmentVariable("XDG_DATA_HOME") + u"/quillory/Library/Logs/Quillory.log"_s);
+        startAssistant();
+        ASSERT_TRUE(clickBox() && logged(u", chat app"_s));
+        keyboard::tap("ctrl+a");
+        keyboard::type(draft);
+        const QByteArray copied = QByteArray("copied ") + moment;
+        keyboard::copy(copied, "UTF8_STRING");
+        ASSERT_TRUE(waitUntil(
+            [] {
+                const QString log = Assistant::log();
+                return log.lastIndexOf(u" complete ("_s) > log.lastIndexOf(u"prefetch started ("_s) && panelIsUp();
+            },
+            20'000));
+        keyboard::tap("Tab");
+        ASSERT_TRUE(waitUntil(isReached));
+        kill(m_assistant->pid(), SIGTERM);
+        EXPECT_TRUE(serveUntil([&] { return !m_assistant->isRunning(); }));
+        EXPECT_EQ(m_assistant->end(), 0);
+        QByteArray found;
+        EXPECT_TRUE(serveUntil([&] {
+            QProcess reader;
+            reader.start(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-t"_s, u"UTF8_STRING"_s, u"-o"_s});
+            serveUntil([&] { return reader.state() == QProcess::NotRunning; });
+            return (found = reader.readAllStandardOutput()) == copied;
+        })) << found.data();
+        EXPECT_FALSE(isAnyKeyDown(manager.connection()));
+    }
+    EXPECT_EQ(m_page.text(), answer);
+    keyboard::tap("Tab");
+    keyboard::tap("Escape");
+    EXPECT_TRUE(waitUntil([&] { return keyReached(u"Tab"_s) && keyReached(u"Escape"_s); })) << "the keys are free";
+}
+
+} // namespace
+} // namespace quillory::test
