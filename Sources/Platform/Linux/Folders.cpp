@@ -26,7 +26,7 @@ QString userHome() {
     return user == nullptr ? QStringLiteral("/nonexistent") : QFile::decodeName(user->pw_dir);
 }
 
-/// A relative path in one of these variables counts as none, as everywhere on the desktop.
+/// A relative path in one of these variables is ignored, as the XDG standard asks.
 QString base(const char *variable, const char *standard) {
     const QString path = qEnvironmentVariable(variable);
     return QDir::cleanPath(QDir::isAbsolutePath(path) ? path : userHome() + QLatin1StringView(standard));
@@ -44,11 +44,11 @@ struct stat statusOf(const QString &folder) {
     return status;
 }
 
-/// Whether what the group of a folder may do is for the user alone: by the custom of many systems a group that is
-/// called like its user has nobody else in it. With an access control list those bits are not about the group.
+/// Whether the user is alone in a folder's group: on many systems the group that is named after a user has no other
+/// members. With an access control list the group's bits mean something else.
 bool isPrivateGroup(const QString &folder) {
     const bool hasList = ::getxattr(QFile::encodeName(folder).constData(), "system.posix_acl_access", nullptr, 0) > 0;
-    // Names are asked for last: they may have to come from a server.
+    // Names last: they may have to come from a server.
     return !hasList && QFileInfo(folder).group() == QFileInfo(folder).owner();
 }
 
@@ -95,7 +95,7 @@ QString temporary() {
 }
 
 void checkPlace(const QString &folder) {
-    // As it is named and as it is: who can change a link on the way can lead elsewhere.
+    // Both as it is named and as it resolves: changing a link on the way would lead elsewhere.
     for (QString path : {QFileInfo(folder).absoluteFilePath(), QFileInfo(folder).canonicalFilePath()}) {
         for (; !path.isEmpty() && path != QStringLiteral("/"); path = QFileInfo(path).path()) {
             if (canOthersReplaceIn(path)) {

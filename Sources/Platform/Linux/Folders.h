@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// Where this program's files belong on a Linux desktop, as absolute paths. None of the folders need exist.
+/// Where this program's files belong on a Linux desktop, as absolute paths. The folders need not exist.
 namespace platform::desktop::folders {
 
 /// "quillory" in $XDG_CONFIG_HOME, by default in ~/.config.
@@ -13,14 +13,14 @@ namespace platform::desktop::folders {
 [[nodiscard]] QString data();
 /// "quillory" in $XDG_RUNTIME_DIR, which lasts as long as the user is logged in; without one the folder of the data.
 [[nodiscard]] QString runtime();
-/// Makes a folder and what is missing above it, for their owner alone. False when there is no such folder afterwards.
+/// Makes a folder and the missing ones above it, for their owner alone. False when there is no such folder afterwards.
 bool make(const QString &path);
-/// The folder for files of no lasting worth. Throws FileError unless its place is safe, as below.
+/// The folder for temporary files. Throws FileError unless checkPlace() accepts it.
 [[nodiscard]] QString temporary();
-/// Throws FileError if somebody but this user and root could put something else in the place of what is in a folder: by
-/// the owner or the mode of the folder or of one above it. In a sticky folder, as /tmp is one, nobody can.
+/// Throws FileError if anybody but this user and root could replace what is in the folder, judging by the owners and
+/// modes of the folder and of those above it. In a sticky folder such as /tmp nobody can.
 void checkPlace(const QString &folder);
-/// The same, and nobody else may add anything to the folder, which must be this user's.
+/// The same; besides, the folder must be this user's and nobody else may add anything to it.
 void checkOwn(const QString &folder);
 
 } // namespace platform::desktop::folders

@@ -26,7 +26,7 @@
 
 namespace platform::desktop {
 
-/// In the order in which they need each other.
+/// In the order in which they depend on each other.
 struct LinuxPlatform::Private {
     Private(std::unique_ptr<X11Connection> opened, std::function<bool()> isTrustOffered)
         : isTrustOfferedElsewhere(std::move(isTrustOffered)), connection(std::move(opened)) {

@@ -14,7 +14,7 @@ class X11Connection;
 /// The services of a Linux desktop with an X server. Made after the QApplication and destroyed before it.
 class LinuxPlatform {
   public:
-    /// isTrustOfferedElsewhere: whether another window offers to switch accessibility on already.
+    /// isTrustOfferedElsewhere: whether another window already offers to switch accessibility on.
     explicit LinuxPlatform(
         std::unique_ptr<X11Connection> connection,
         std::function<bool()> isTrustOfferedElsewhere = [] { return false; });

@@ -12,23 +12,22 @@
 
 namespace platform::desktop {
 
-/// The lines "program = bundle.identifier" of a text; '#' begins a comment line.
+/// The lines "program = bundle.identifier" of a text. A line that begins with '#' is a comment.
 struct ApplicationLines {
     QHash<QString, QString> identifiers;
-    /// The numbers of the lines, from 1, that are neither entry nor comment.
+    /// The numbers, from 1, of the lines that are neither entry nor comment.
     QList<int> badLines;
 };
 [[nodiscard]] ApplicationLines parseApplicationLines(QByteArrayView text);
 
-/// Says by which bundle identifier a program is known, from the lines that come with this program and, before them,
-/// the user's own. Immutable.
+/// Knows the bundle identifiers of programs, from the user's own lines and after them the ones built in. Immutable.
 class ApplicationCatalogue {
   public:
-    /// Reads the user's file; bad lines in it are named on standard error and left out.
+    /// Reads the user's file; bad lines are reported on standard error and left out.
     explicit ApplicationCatalogue(const QString &userFile = folders::configuration() +
                                                             QStringLiteral("/applications.conf"));
 
-    /// The identifier for the first of a program's names that is known, the user's lines before all others.
+    /// The identifier for the first of a program's names that is known; the user's lines come first.
     [[nodiscard]] std::optional<QString> bundleIdentifier(const QStringList &names) const;
 
   private:

@@ -6,10 +6,10 @@
 namespace platform::desktop {
 
 namespace {
-/// A page process is a few steps below the program it serves: its sandbox and the sandbox's launcher lie between.
+/// A page process is a few steps below the program it serves: its sandbox and the sandbox's launcher are in between.
 constexpr int longestHelperChain = 5;
 constexpr qsizetype mostKnown = 256;
-/// A program that just started may not have its arguments yet, so a stranger is looked at again.
+/// A program that has just started may not have its arguments yet, so unknown ones are looked at again.
 constexpr std::chrono::seconds strangersAreKept{1};
 } // namespace
 

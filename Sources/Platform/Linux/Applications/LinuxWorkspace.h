@@ -13,11 +13,12 @@
 namespace platform::desktop {
 
 /// The applications of a Linux desktop. A process is recognised by its Flatpak or Snap name, its executable, the name
-/// it was started as or its desktop entry, a helper process by the program that it serves. What was found is kept for
-/// as long as the process lives and stays the same program, so that asking ten times a second costs two small reads.
+/// it was started under or its desktop entry, and a helper process by the program that it serves. The result is kept
+/// for as long as the process lives and stays the same program, so that asking ten times a second costs two small
+/// reads.
 class LinuxWorkspace final : public Workspace {
   public:
-    /// windows: what activate() works with, outliving this; null where there is no desktop.
+    /// windows: activate() works through it; outlives this. Null where there is no desktop.
     explicit LinuxWorkspace(DesktopWindows *windows, ApplicationCatalogue catalogue = ApplicationCatalogue(),
                             DesktopEntries entries = DesktopEntries());
 

@@ -6,8 +6,8 @@
 
 namespace platform::desktop {
 
-/// Makes a program that is about to be started a stranger to this one: it gets this one's environment without the API
-/// key and this program's other variables, and nothing to read from or to write to.
+/// Keeps a program that is about to be started away from this one: it gets the environment without the API key and
+/// Quillory's own variables, and its standard input and output go nowhere.
 void keepApart(QProcess &program);
 
 } // namespace platform::desktop

@@ -18,7 +18,7 @@ namespace platform::desktop::processes {
 namespace {
 constexpr qint64 longestFile = 1 << 18;
 
-/// A process may have put what it likes into a root of its own; a pipe that nobody writes to must not be waited for.
+/// A process can put anything into a root folder of its own; a pipe that nobody writes to must not be waited for.
 QByteArray contentOf(qint32 pid, const char *name) {
     const QByteArray path = "/proc/" + QByteArray::number(pid) + '/' + name;
     constexpr int withoutWaiting = O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
@@ -30,7 +30,7 @@ QByteArray contentOf(qint32 pid, const char *name) {
     return isOpen ? file.read(longestFile) : QByteArray();
 }
 
-/// Without the room that the other files may need: this one is read again and again.
+/// With a small buffer, unlike the other files: this one is read again and again.
 QByteArray statusOf(qint32 pid) {
     std::array<char, 1024> status;
     const QByteArray path = "/proc/" + QByteArray::number(pid) + "/stat";
@@ -86,7 +86,7 @@ bool isInterpreter(const QString &executable) {
 }
 
 /// The program that an interpreter runs: its first argument that is no option, or the module after Python's "-m". A
-/// packed application has the name of the folder it lies in.
+/// packed application is named after the folder it lies in.
 QString scriptName(const QStringList &arguments) {
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         if (arguments[i] == QStringLiteral("-m")) {
@@ -105,7 +105,7 @@ QString scriptName(const QStringList &arguments) {
     return {};
 }
 
-/// The desktop entry that started the process; a variable that was inherited speaks of another process.
+/// The desktop entry that the process was started from; an inherited variable is about another process.
 QString desktopEntry(qint32 pid) {
     QString entry;
     QString entryPid;
@@ -148,7 +148,7 @@ QString fileName(const QString &path) {
 QStringList names(qint32 pid, const Fingerprint &process) {
     const QString executable = withoutDeletedMark(process.executable);
     const QStringList arguments = decoded(contentOf(pid, "cmdline"));
-    // Browsers write all arguments of their page processes into the first.
+    // Browsers write all arguments of their page processes into the first one.
     const QString startedAs = arguments.value(0).section(QStringLiteral(" --"), 0, 0);
     QStringList names{flatpakName(pid), snapName(executable), executable, fileName(executable), fileName(startedAs)};
     if (isInterpreter(executable)) {

@@ -7,12 +7,11 @@
 
 #include <optional>
 
-/// What the kernel tells about processes. Nothing here waits; a process that is gone or belongs to someone else gives
-/// absent or empty answers.
+/// What the kernel says about processes. Nothing here waits; for a process that is gone or belongs to another user the
+/// answers are absent or empty.
 namespace platform::desktop::processes {
 
-/// What tells a process from a later one with the same identifier, and from what it was before it became another
-/// program.
+/// Tells a process from a later one with the same identifier, and from itself before it became another program.
 struct Fingerprint {
     /// Clock ticks since the machine started.
     quint64 startTime = 0;
@@ -23,15 +22,16 @@ struct Fingerprint {
 };
 [[nodiscard]] std::optional<Fingerprint> fingerprint(qint32 pid);
 
-/// A path of an executable without the mark that the kernel puts on one that was replaced by an update.
+/// The path of an executable without the mark that the kernel adds when an update has replaced the file.
 [[nodiscard]] QString withoutDeletedMark(const QString &path);
 [[nodiscard]] QString fileName(const QString &path);
 
-/// The names that a program may be known by, the surest first: Flatpak and Snap names, the path and the name of its
-/// executable, the name it was started as, the script that an interpreter runs, the desktop entry it was started from.
+/// The names that a program may be known by, the most reliable first: Flatpak and Snap names, the path and the name of
+/// its executable, the name it was started as, the script that an interpreter runs, the desktop entry it was started
+/// from.
 [[nodiscard]] QStringList names(qint32 pid, const Fingerprint &process);
 
-/// Whether an executable only serves another program, its parent: the page processes of web views, sandboxes.
+/// Whether an executable only serves its parent: the page processes of web views, and sandboxes.
 [[nodiscard]] bool isHelper(const QString &executable);
 
 } // namespace platform::desktop::processes

@@ -34,7 +34,7 @@ QString sentenceFor(CURLcode code) {
     case CURLE_UNSUPPORTED_PROTOCOL:
         return QStringLiteral("The address is not a web address.");
     default:
-        // The library's own words for the code; they never hold anything of the request.
+        // Curl's own words for the code, which never contain anything of the request.
         return QStringLiteral("The request failed: %1.").arg(QString::fromUtf8(curl_easy_strerror(code)));
     }
 }

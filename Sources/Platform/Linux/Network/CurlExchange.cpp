@@ -7,9 +7,9 @@
 namespace platform::desktop {
 
 namespace {
-/// The whole head, interim answers and trailers included.
+/// For the whole head, including interim answers and trailers.
 constexpr qsizetype maxHead = 256 * 1024;
-/// More than that is not read to the end just to save a connection.
+/// No more than this is read just to keep a connection.
 constexpr qsizetype maxDrained = 64 * 1024;
 
 QString headTooLong() {
@@ -47,10 +47,10 @@ void CurlExchange::setRequest() {
         set(CURLOPT_POSTFIELDS, request.body.constData());
     }
     for (const auto &[name, value] : request.headers) {
-        // Curl's way to send a header without a value.
+        // Curl's way of sending a header without a value.
         addHeader(value.isEmpty() ? name + ';' : name + ": " + value);
     }
-    // Otherwise a long body waits for an interim answer first.
+    // Otherwise curl sends a long body only after an interim answer.
     addHeader("Expect:");
     set(CURLOPT_HTTPHEADER, m_headers.get());
     if (isLoopback(request.url)) {
@@ -60,7 +60,7 @@ void CurlExchange::setRequest() {
 
 void CurlExchange::setLimits() {
     set(CURLOPT_PROTOCOLS_STR, "http,https");
-    // As elsewhere: for a network whose owner vouches for every server with a certificate of their own.
+    // The usual variable, for a network whose owner signs every server's certificate.
     if (const QByteArray trusted = qgetenv("SSL_CERT_FILE"); !trusted.isEmpty()) {
         set(CURLOPT_CAINFO, trusted.constData());
         set(CURLOPT_CAPATH, static_cast<const char *>(nullptr));
@@ -68,9 +68,9 @@ void CurlExchange::setLimits() {
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     set(CURLOPT_NOSIGNAL, 1L);
-    // A cancelled name look-up is left to end by itself, or the worker would wait for it and everybody else with it.
+    // A cancelled name look-up ends by itself; otherwise the worker, and so all other exchanges, would wait for it.
     set(CURLOPT_QUICK_EXIT, 1L);
-    // The worker's own deadline decides; this makes curl leave time for the other addresses of a host.
+    // The worker's own deadline decides; this one makes curl leave time for a host's other addresses.
     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(transfer->request().timeout.count()));
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(transfer->request().longestTime.count()));
 }
@@ -96,7 +96,7 @@ void CurlExchange::addHeader(const QByteArray &header) {
     m_headers.reset(longer);
 }
 
-/// One line of the head, its break included; the empty one ends it. An interim answer has a head of its own.
+/// One line of the head with its break; the empty line ends the head. An interim answer has a head of its own.
 std::size_t CurlExchange::headLine(QByteArrayView line) {
     lastData = std::chrono::steady_clock::now();
     m_headSize += line.size();
@@ -113,7 +113,7 @@ std::size_t CurlExchange::headLine(QByteArrayView line) {
     return static_cast<std::size_t>(line.size());
 }
 
-/// False when the answer says that it is too long to be read.
+/// False when the announced body is too long.
 bool CurlExchange::headEnd(long status) {
     m_hasHead = true;
     curl_off_t length = -1;
@@ -156,17 +156,17 @@ std::optional<QString> CurlExchange::outcome(CURLcode result) {
         if (redirect != nullptr) {
             transfer->pointTo(QUrl(QString::fromUtf8(redirect)));
         }
-        // Curl is content with a head that breaks off.
+        // Curl accepts a head that breaks off.
         return m_hasHead ? std::nullopt : std::optional(sentenceFor(CURLE_RECV_ERROR));
     }
     if (failure) {
         return failure;
     }
     if (result == CURLE_OUT_OF_MEMORY && !m_hasHead) {
-        // Curl's word for a single header beyond its own bound.
+        // Curl's code for a single header beyond its own limit.
         return headTooLong();
     }
-    // What came is not an HTTP head. (The scheme was checked before, so the protocol is not ours.)
+    // The answer is not HTTP. (The scheme of the request was checked before.)
     const bool isNotHTTP = result == CURLE_UNSUPPORTED_PROTOCOL || result == CURLE_WEIRD_SERVER_REPLY;
     if (isNotHTTP && !m_hasHead) {
         transfer->headArrived({});

@@ -20,12 +20,12 @@ class CurlExchange {
     [[nodiscard]] std::optional<QString> outcome(CURLcode result);
 
     const std::shared_ptr<Transfer> transfer;
-    /// When the server was last heard of; at first the start.
+    /// When data last came from the server; at first the start of the exchange.
     std::chrono::steady_clock::time_point lastData = std::chrono::steady_clock::now();
     bool isPaused = false;
-    /// The body is dropped as it comes.
+    /// Whether the rest of the body is dropped as it comes.
     bool isDraining = false;
-    /// Why one of the functions below made curl give up.
+    /// Why one of the callbacks below made curl give up.
     std::optional<QString> failure;
 
   private:

@@ -27,7 +27,7 @@ QString temporaryFolder() {
     }
 }
 
-/// A line break in a header would end it and begin another one of the writer's choice.
+/// A line break in a header would end it and begin another one.
 bool canBeSent(QByteArrayView text) {
     return std::ranges::none_of(text, [](char byte) { return byte == '\r' || byte == '\n' || byte == '\0'; });
 }
@@ -47,8 +47,8 @@ void check(const URLRequest &request) {
 
 } // namespace
 
-/// The reader's end of one exchange. Ends it when destroyed: at once after a cancellation, otherwise so that its
-/// connection may be kept.
+/// The reader's end of one exchange. Destroying it ends the exchange: at once after a cancellation, otherwise so that
+/// the connection can be kept.
 class BodyReader {
   public:
     BodyReader(std::shared_ptr<WorkerMailbox> mailbox, const URLRequest &request, std::stop_token stop)
@@ -69,9 +69,9 @@ class BodyReader {
     BodyReader(const BodyReader &) = delete;
     BodyReader &operator=(const BodyReader &) = delete;
 
-    /// At once when it is in.
+    /// Waits for the head; returns at once if it is there.
     [[nodiscard]] Transfer::Head awaitHead() { return m_transfer->awaitHead(); }
-    /// Where to go instead, if that is wanted. Reads the answer to its end then.
+    /// Where to go instead, if the request follows redirects. Reads the answer to its end in that case.
     [[nodiscard]] std::optional<QUrl> redirect() {
         constexpr std::array redirects{301, 302, 303, 307, 308};
         constexpr qsizetype longestExcuse = 64 * 1024;
@@ -161,7 +161,7 @@ std::unique_ptr<URLByteStream> CurlURLSession::bytes(const URLRequest &request, 
     return std::make_unique<LineStream>(mailbox(), request, std::move(stop));
 }
 
-/// Sends a request, goes where the answers point to, and hands the last one to a function once its head is in.
+/// Sends a request, follows redirects, and calls the function with the last answer once its head is there.
 void CurlURLSession::exchange(URLRequest request, const std::stop_token &stop, const Receive &receive) {
     for (int redirects = 0; redirects <= mostRedirects; ++redirects) {
         check(request);
@@ -200,7 +200,7 @@ QString CurlURLSession::download(const URLRequest &request, const DownloadProgre
     if (!file.open()) {
         failed();
     }
-    (void)::flock(file.handle(), LOCK_EX | LOCK_NB); // so that nobody takes it for one that was left behind
+    (void)::flock(file.handle(), LOCK_EX | LOCK_NB); // marks it as in use for those who clear up left-overs
     exchange(request, stop, [&](BodyReader &reader) {
         qint64 received = 0;
         while (const auto bytes = reader.awaitBytes()) {

@@ -9,14 +9,14 @@ namespace platform::desktop {
 
 class BodyReader;
 
-/// HTTP and HTTPS (1.1 and 2) on libcurl. Certificates are verified, redirects followed on request only, compression
-/// not asked for. The usual proxy variables of the environment hold, except for this computer itself. Bounds: a line of
-/// a stream 1 MB, a head 256 kB, a body what the request says; beyond them URLError. The network thread starts with the
-/// first request.
+/// HTTP and HTTPS (1.1 and 2) on libcurl. Certificates are verified, redirects are followed only on request,
+/// compression is not asked for. The usual proxy variables apply, except to this computer itself. Limits: 1 MB for a
+/// line of a stream, 256 kB for a head, for a body what the request says; an answer beyond them is a URLError. The
+/// network thread starts with the first request.
 class CurlURLSession final : public URLSession {
   public:
     CurlURLSession() = default;
-    /// Ends what still runs with URLError; streams may outlive the session.
+    /// Ends running exchanges with URLError; streams may outlive the session.
     ~CurlURLSession() override = default;
 
     [[nodiscard]] std::unique_ptr<URLByteStream> bytes(const URLRequest &request, std::stop_token stop) override;

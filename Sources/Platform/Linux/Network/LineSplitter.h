@@ -16,10 +16,10 @@ class LineSplitter {
     void feed(const QByteArray &bytes);
     /// Takes the end of the body.
     void end() { m_ended = true; }
-    /// The next line without its break; after the end also what follows the last break, unless that is nothing.
-    /// Absent: more is needed, or all is out.
+    /// The next line without its break; after the end also the text behind the last break, if there is any. Absent when
+    /// more of the body is needed, or nothing is left.
     [[nodiscard]] std::optional<QByteArray> next();
-    /// How many bytes wait for their line break, once next() is absent.
+    /// How many bytes wait for their line break, after next() was absent.
     [[nodiscard]] qsizetype pending() const { return m_bytes.size() - m_start; }
 
   private:
@@ -28,7 +28,7 @@ class LineSplitter {
 
     QByteArray m_bytes;
     qsizetype m_start = 0;
-    /// Up to here there is no break: a long line that comes in small pieces is searched once, not once per piece.
+    /// Searched up to here: a long line that comes in small pieces is searched once, not once per piece.
     qsizetype m_searched = 0;
     bool m_atBeginning = true;
     bool m_skipLF = false;

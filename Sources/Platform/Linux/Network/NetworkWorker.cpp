@@ -12,11 +12,11 @@ using namespace std::chrono_literals;
 namespace platform::desktop {
 
 namespace {
-/// Long enough for the end of an answer whose last event was read, short enough for one that never ends.
+/// Long enough for the rest of an answer whose last event was read, short enough for one that never ends.
 constexpr auto drainTime = 1s;
 constexpr long keptConnections = 8;
 
-/// Signals are the main thread's business; and a TLS write to a closed connection would raise SIGPIPE.
+/// Signals are for the main thread; and a TLS write to a closed connection would raise SIGPIPE.
 void blockSignals() {
     sigset_t all;
     sigfillset(&all);
@@ -81,7 +81,7 @@ void NetworkWorker::run() {
         curl_multi_poll(m_multi, nullptr, 0, pollTimeout(), nullptr);
     }
     m_mailbox->connect(nullptr);
-    // What was asked for between the last look and the disconnection starts too, only to be ended below.
+    // Requests that came after the last look are started too, only to be ended below.
     (void)handleMessages();
     while (!m_exchanges.empty()) {
         end(*m_exchanges.begin()->second, QStringLiteral("The program is shutting down."));
@@ -163,7 +163,7 @@ void NetworkWorker::endOverdue() {
     }
 }
 
-/// Milliseconds until the next exchange is overdue. Curl itself shortens this to its own needs.
+/// Milliseconds until the next exchange is overdue. Curl shortens this to its own needs.
 int NetworkWorker::pollTimeout() const {
     std::chrono::milliseconds shortest = 1h;
     const auto now = Clock::now();
@@ -175,7 +175,7 @@ int NetworkWorker::pollTimeout() const {
     return static_cast<int>(std::max(shortest, 0ms).count());
 }
 
-/// Destroys the exchange. A transfer that is not over yet has its connection closed.
+/// Destroys the exchange. If the transfer is not complete its connection is closed.
 void NetworkWorker::end(Exchange &exchange, const std::optional<QString> &failure) {
     const std::shared_ptr<Transfer> transfer = exchange.transfer;
     curl_multi_remove_handle(m_multi, exchange.handle());

@@ -11,23 +11,23 @@
 
 namespace platform::desktop {
 
-/// What is asked of the network worker, from any thread, at no more cost than a lock held for an instant. Outlives the
-/// worker, for those who still hold a transfer then.
+/// Requests to the network worker, from any thread, at the cost of a lock held for an instant. Outlives the worker, for
+/// readers that still hold a transfer.
 class WorkerMailbox {
   public:
     enum class Ask {
         start,
-        /// There is room again.
+        /// The reader's buffer has room again.
         resume,
-        /// Close at once.
+        /// Closes the connection at once.
         abort,
-        /// Nobody reads on. What is nearly over may run out, so that its connection can serve again.
+        /// Nobody reads on. An answer that is nearly complete may run out, so that its connection can be used again.
         drain,
         quit,
     };
     using Message = std::pair<Ask, std::shared_ptr<Transfer>>;
 
-    /// False when there is no worker any more.
+    /// False when the worker has ended.
     bool post(Ask ask, std::shared_ptr<Transfer> transfer);
     [[nodiscard]] std::vector<Message> take();
     /// The handle to wake; null once the worker has ended.

@@ -21,32 +21,32 @@ class Transfer {
 
     enum class Taken { yes, noRoom, tooMuch };
     struct Head {
-        /// Without one the answer is not HTTP.
+        /// Absent when the answer is not HTTP.
         std::optional<int> status;
-        /// What it announced.
+        /// The announced length of the body.
         std::optional<qint64> length;
-        /// Whether it names another address.
+        /// Whether it has a Location header.
         bool hasLocation = false;
     };
     void headArrived(const Head &head);
-    /// The answer points elsewhere. Before the exchange is finished.
+    /// The answer is a redirect to this address. To be called before finish().
     void pointTo(const QUrl &url);
-    /// Takes the next bytes of the body whole, or none of them.
+    /// Takes all of the next bytes of the body, or none.
     [[nodiscard]] Taken take(QByteArrayView bytes);
-    /// The exchange is over, with a sentence about the failure if it failed.
+    /// The exchange has ended, with a sentence about the failure if it failed.
     void finish(const std::optional<QString> &failure);
 
     // The reader's side.
 
-    /// Ends all waiting with CancellationError, now and later. From any thread, never waits for the network.
+    /// Ends every wait, current and later, with CancellationError. Any thread; never waits for the network.
     void cancel();
     /// Waits for the head.
     [[nodiscard]] Head awaitHead();
-    /// Where the answer points to, once it has been read to its end.
+    /// Where the answer redirects to, once it has been read to its end.
     [[nodiscard]] std::optional<QUrl> redirect() const;
     struct More {
         QByteArray bytes;
-        /// The worker stopped for lack of room and must be told that there is some.
+        /// Whether the worker paused because the buffer was full, and must be told that there is room.
         bool wasFull = false;
     };
     /// Waits for more of the body; absent at its end.

@@ -44,12 +44,12 @@ bool readUnlessSignalled(QByteArray &typed, const SignalPipe &signals) {
     constexpr int noLimit = -1;
     constexpr qsizetype longest = 64 * 1024;
     const Hidden hidden;
-    std::array<char, 4096> piece; // of which a terminal fills one line at a time
+    std::array<char, 4096> piece; // a terminal gives one line at a time
     while (typed.size() < longest) {
         std::array<pollfd, 2> watched{{{STDIN_FILENO, POLLIN, 0}, {signals.descriptor(), POLLIN, 0}}};
         const int ready = ::poll(watched.data(), watched.size(), typed.isEmpty() ? noLimit : pasteTime);
         if (ready < 0 && errno == EINTR) {
-            continue; // and sees why
+            continue;
         }
         if (watched[1].revents != 0) {
             return false;
@@ -70,7 +70,7 @@ QString readHidden() {
         SignalPipe signals({SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGTSTP}); // what ends or stops the program
         QByteArray typed;
         const bool isRead = readUnlessSignalled(typed, signals);
-        signals.letThrough(); // the terminal is as it was by now
+        signals.letThrough(); // the terminal has been given back
         if (isRead) {
             return QString::fromUtf8(typed);
         }

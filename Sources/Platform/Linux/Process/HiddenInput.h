@@ -6,8 +6,9 @@
 
 namespace platform::desktop {
 
-/// Reads a line from the terminal on standard input without showing it, and what was pasted together with it: a text
-/// with line breaks in it comes as a whole. Empty when the input ended.
+/// Reads a line from the terminal on standard input without showing it, together with whatever was pasted with it: a
+/// text with line breaks comes as a whole. Empty when the input has ended. The terminal shows keys again before any
+/// signal ends or stops the program.
 [[nodiscard]] QString readHidden();
 
 } // namespace platform::desktop

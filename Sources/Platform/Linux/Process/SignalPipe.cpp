@@ -14,7 +14,7 @@ int writeEnd = -1;
 
 /// A signal handler may do next to nothing; writing into a pipe is allowed.
 void note(int number) {
-    const int before = errno; // what the signal interrupts may be about to look at it
+    const int before = errno; // the interrupted code may be about to read it
     const auto byte = static_cast<unsigned char>(number);
     [[maybe_unused]] const ssize_t ignored = ::write(writeEnd, &byte, 1);
     errno = before;

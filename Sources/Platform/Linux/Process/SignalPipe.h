@@ -10,8 +10,8 @@
 
 namespace platform::desktop {
 
-/// Keeps signals from doing what they do and makes a descriptor readable instead, whichever thread they arrive on.
-/// Signals that the program ignores stay ignored. With its end they do again what they did before. One at a time.
+/// While it lives, these signals make a descriptor readable instead of ending or stopping the program, on whichever
+/// thread they arrive. Signals that the program ignores stay ignored. One at a time.
 class SignalPipe {
   public:
     explicit SignalPipe(const std::vector<int> &signals);
@@ -19,10 +19,9 @@ class SignalPipe {
     SignalPipe(const SignalPipe &) = delete;
     SignalPipe &operator=(const SignalPipe &) = delete;
 
-    /// Can be read from once a signal has come, but is not to be read by others; -1 when there was no pipe to be had,
-    /// and signals do what they did.
+    /// Readable once a signal has come; only to be polled. -1 when no pipe could be made; signals then act as before.
     [[nodiscard]] int descriptor() const { return m_arrived.get(); }
-    /// Ends this early and sends the signals that came once more, which the program may not survive.
+    /// Ends this early and raises the signals that have come, which the program may not survive.
     void letThrough();
 
   private:

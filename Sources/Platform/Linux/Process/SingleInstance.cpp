@@ -20,11 +20,11 @@ namespace platform::desktop {
 
 namespace {
 
-/// Sticky, which keeps those who tidy up the folder away from it.
+/// Sticky, so that a service which clears up the run-time folder leaves the files alone.
 constexpr mode_t ownerOnly = S_IRUSR | S_IWUSR | S_ISVTX;
 constexpr char comes = 1;
 
-/// The display without the number of its screen. The program runs through XWayland where there is both.
+/// The display without the number of its screen. Where there are both kinds, the program runs through XWayland.
 QString display() {
     const QString name = qEnvironmentVariable(qEnvironmentVariableIsEmpty("DISPLAY") ? "WAYLAND_DISPLAY" : "DISPLAY")
                              .replace(u'/', u'_');
@@ -42,7 +42,7 @@ FileDescriptor lockFile(SingleInstance::Kind kind, int flags) {
         ::open(pathOf(kind, ".lock").constData(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | flags, ownerOnly));
 }
 
-/// A lock of the open file, not of the process, as it would be without OFD: closing another descriptor keeps it.
+/// To be used with the commands for open file descriptions (OFD), whose locks last until the file itself is closed.
 struct flock wholeFile() {
     struct flock lock {};
     lock.l_type = F_WRLCK;
@@ -98,7 +98,7 @@ void SingleInstance::listen(const QByteArray &path) {
     if (!m_lock || !socket || !address) {
         return;
     }
-    ::unlink(path.constData()); // what one left that was killed
+    ::unlink(path.constData()); // left by one that was killed
     constexpr int mostWaiting = 8;
     if (::bind(socket.get(), reinterpret_cast<const sockaddr *>(&*address), sizeof *address) == 0 &&
         ::chmod(path.constData(), ownerOnly) == 0 && ::listen(socket.get(), mostWaiting) == 0) {

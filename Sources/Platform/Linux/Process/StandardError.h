@@ -6,7 +6,7 @@
 
 namespace platform::desktop {
 
-/// Tells whoever started the program something, as one line with the program's name before it. Any thread.
+/// Writes a line with the program's name before it to standard error. Any thread.
 void sayOnStandardError(const QString &sentence);
 
 } // namespace platform::desktop

@@ -56,7 +56,7 @@ std::unique_ptr<QMessageBox> messageBox(const Alert &alert) {
 }
 
 void comeToFront(QDialog &dialog, const std::function<void()> &bringForward) {
-    // A window manager may take a new window for an intruder, which a second request mends.
+    // A window manager may refuse the focus to a new window; a second request gets it.
     constexpr std::chrono::milliseconds untilManaged{300};
     dialog.show();
     dialog.raise();
@@ -117,7 +117,7 @@ void QtApplication::showNext() {
     m_open = messageBox(alert);
     QObject::connect(m_open.get(), &QDialog::finished, m_open.get(), [this, answered = std::move(answered)] {
         QMessageBox *const box = m_open.release();
-        box->deleteLater(); // it is still among those that run
+        box->deleteLater(); // its code is still running
         const auto buttons = box->buttons();
         const auto clicked = buttons.indexOf(box->clickedButton()); // none when the window was closed
         answered(static_cast<int>(clicked < 0 ? buttons.size() - 1 : clicked));

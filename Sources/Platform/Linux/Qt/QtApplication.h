@@ -15,7 +15,7 @@ namespace platform::desktop {
 /// own: the monitor's tick and all that it started go on.
 class QtApplication final : public Application {
   public:
-    /// bringForward: asks the window manager, on the user's behalf, for this program's windows to come to the front.
+    /// bringForward: asks the window manager to bring this program's windows to the front on the user's behalf.
     explicit QtApplication(std::function<void()> bringForward = [] {});
     ~QtApplication() override;
     QtApplication(const QtApplication &) = delete;

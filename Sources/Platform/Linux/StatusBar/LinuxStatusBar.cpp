@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
 constexpr int longestAnswer = 5000;
-/// How far apart a panel's two kinds of tray may start.
+/// How long after each other a panel's two kinds of tray may start.
 constexpr auto settling = 1s;
 } // namespace
 

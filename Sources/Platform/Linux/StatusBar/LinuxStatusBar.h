@@ -36,18 +36,18 @@ class LinuxStatusBar final : public StatusBar {
 
     MainQueue &m_mainQueue;
     bool m_isAvailable = false;
-    /// Whether the session bus has said what there is, or there is no session bus.
+    /// Whether the session bus has answered, or there is none.
     bool m_busHasAnswered = false;
     bool m_hasNotifiers = false;
     bool m_hasTray;
-    /// Which of the two Qt has chosen, once it could.
+    /// Which of the two Qt uses; absent until there was one.
     std::optional<bool> m_usesNotifiers;
     std::function<void()> m_changed;
     std::unique_ptr<QDBusServiceWatcher> m_watcher;
-    /// Started by the bus's signals, which call slots only.
+    /// Started by signals of the bus, which can only call slots.
     std::unique_ptr<QTimer> m_ask;
     int m_timesAsked = 0;
-    /// Gone with this, so that what was put off knows.
+    /// Gone with this object; postponed work checks it.
     std::shared_ptr<bool> m_life = std::make_shared<bool>();
 };
 

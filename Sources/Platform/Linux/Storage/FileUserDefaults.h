@@ -10,11 +10,11 @@
 namespace platform::desktop {
 
 /// Settings in a file of the program's own, "settings.json". Any number of processes may read and write it at once: a
-/// write changes its own key on top of what is on disk at that moment, and a read sees what others wrote, since it
-/// looks at the file's stamp first (2 microseconds). What cannot be saved holds in memory and is saved with the
-/// next write that succeeds. A file that is no settings document is renamed, with a line on standard error, and never
+/// write changes its own key on top of what is on disk at that moment, and a read sees what others have written, since
+/// it compares the file's stamp first (2 microseconds). What cannot be saved is kept in memory and saved with the next
+/// write that succeeds. A file that is not a settings document is renamed, with a line on standard error, and never
 /// overwritten. The running program saves in the background, so that neither a read nor a write waits; a command, whose
-/// exit status tells whether a value was saved, does so at once.
+/// exit status says whether a value was saved, saves at once.
 class FileUserDefaults final : public UserDefaults {
   public:
     /// Reads the file in this folder at once; the folder is made with the first write.

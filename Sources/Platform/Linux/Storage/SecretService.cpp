@@ -26,16 +26,15 @@ const SecretSchema *schema() {
 }
 constexpr const char *serviceAttribute = "openrouter";
 
-/// Called with what cancels it, and with where to put an error. The errors are not passed on: nothing has happened, and
-/// that is all that they say.
+/// Takes a cancellable and a place for an error. Errors are not passed on: they only say that nothing has happened.
 template <typename Result> using Operation = std::function<Result(GCancellable *, GError **)>;
 
 struct Unref {
     void operator()(GCancellable *cancellable) const { g_object_unref(cancellable); }
 };
 
-/// An operation under way, on a thread of its own: the library may go on waiting for a service that died, even after it
-/// was cancelled. A thread that never comes back is left to itself, with everything that it needs.
+/// An operation on a thread of its own: libsecret may go on waiting for a service that died, even after it was
+/// cancelled. A thread that never returns is abandoned together with everything that it needs.
 template <typename Result> struct UnderWay {
     std::mutex mutex;
     std::condition_variable_any changed;
@@ -53,12 +52,12 @@ template <typename Result> struct UnderWay {
 };
 
 std::chrono::milliseconds patience() {
-    // Without a display nobody can be asked for the store's password, only waited for.
+    // Without a display nobody can be asked for the store's password.
     const bool canAsk = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     return canAsk ? 2min : 5s;
 }
 
-/// What came of an operation; a default value when nothing came in time.
+/// The result of an operation; a default value if there was none in time.
 template <typename Result> Result outcome(const Operation<Result> &operation, const std::stop_token &stop) {
     const auto underWay = std::make_shared<UnderWay<Result>>();
     std::thread([underWay, operation] { underWay->run(operation); }).detach();
@@ -77,7 +76,7 @@ struct FreeItems {
 };
 using Items = std::unique_ptr<GList, FreeItems>;
 
-/// What there is, locked items too. Nobody is asked to unlock anything.
+/// The matching items, locked ones too. Never asks the user to unlock anything.
 Items search(SecretSearchFlags flags, GCancellable *cancellable, GError **error) {
     return Items(
         secret_password_search_sync(schema(), flags, cancellable, error, "service", serviceAttribute, nullptr));
@@ -120,7 +119,7 @@ std::optional<QString> SecretService::lookUp(Unlocking unlocking, const std::sto
 }
 
 bool SecretService::clear(const std::stop_token &stop) {
-    // The answer to the clearing is the same for a store that has nothing and for one that stayed locked.
+    // Clearing gives the same answer for an empty store and for one that stayed locked.
     const auto operation = [](GCancellable *cancellable, GError **error) {
         secret_password_clear_sync(schema(), cancellable, error, "service", serviceAttribute, nullptr);
         return *error == nullptr && !search(SECRET_SEARCH_ALL, cancellable, error) && *error == nullptr;

@@ -13,13 +13,13 @@ namespace platform::desktop {
 enum class Unlocking { asks, never };
 
 /// Keeps one secret of the program's own. Any thread. Each operation may wait for the user to unlock the store, until
-/// the token asks to stop; whatever goes wrong is false or absent.
+/// the token asks to stop; failures are false or absent.
 class SecretStore {
   public:
     virtual ~SecretStore() = default;
     virtual bool store(const QString &secret, const std::stop_token &stop) = 0;
     [[nodiscard]] virtual std::optional<QString> lookUp(Unlocking unlocking, const std::stop_token &stop) = 0;
-    /// True when the store holds the secret no more.
+    /// True when the store does not hold the secret any more.
     virtual bool clear(const std::stop_token &stop) = 0;
 };
 

@@ -13,8 +13,8 @@ using namespace std::chrono_literals;
 const QString keySetting = QStringLiteral("openRouterAPIKey");
 const QString markSetting = QStringLiteral("openRouterAPIKeyInPasswordStore");
 constexpr auto longestLookUp = 2s;
-/// After a look-up that found nothing, for example because the user did not unlock the store. The next ones do not ask
-/// for that: a question that was turned down must not come back by itself.
+/// After a look-up that found nothing, for example because the user did not unlock the store. Later ones do not ask the
+/// user: a dialog that was dismissed must not come back by itself.
 constexpr auto untilNextLookUp = 10s;
 } // namespace
 
@@ -47,7 +47,7 @@ std::optional<QString> SecretUserDefaults::string(const QString &key) const {
     return m_mark == *mark ? m_secret : std::nullopt;
 }
 
-/// With the mutex held. An earlier look-up has ended by then, but for its last steps.
+/// With the mutex held. An earlier look-up has ended by then, except for its last steps.
 void SecretUserDefaults::startLookUp(const QString &mark) const {
     const bool isNew = std::exchange(m_mark, mark) != mark;
     const bool asks = std::exchange(m_mayAsk, false) || isNew;
@@ -90,7 +90,7 @@ std::optional<QByteArray> SecretUserDefaults::data(const QString &key) const {
 }
 
 bool SecretUserDefaults::set(const QString &key, const DefaultsValue &value) {
-    // Where the old key stays in the password store, it does no harm to the new one, which comes first.
+    // If the old key stays in the password store it does no harm: the new one comes first.
     const bool isForgotten = key != keySetting || forgetSecret();
     return m_file.set(key, value) && (isForgotten || m_file.isKept(key));
 }
@@ -100,7 +100,7 @@ bool SecretUserDefaults::remove(const QString &key) {
     return m_file.remove(key) && isForgotten;
 }
 
-/// The mark stays for as long as the password store may have a key: without it nobody would ever clear that.
+/// The mark stays for as long as the password store may have a key: without it that key would never be cleared.
 bool SecretUserDefaults::forgetSecret() {
     return !m_file.string(markSetting) || (m_secrets.clear({}) && m_file.remove(markSetting));
 }
@@ -113,7 +113,7 @@ KeyPlace SecretUserDefaults::storeKey(const QString &key, const std::stop_token 
     if (stop.stop_requested()) {
         return KeyPlace::nowhere;
     }
-    if (isStored) { // else who has just turned the password store down would be asked again
+    if (isStored) { // otherwise a user who has just dismissed the password store would be asked again
         forgetSecret();
     }
     return m_file.set(keySetting, key) ? KeyPlace::settingsFile : KeyPlace::nowhere;

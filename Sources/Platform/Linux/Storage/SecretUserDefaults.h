@@ -12,8 +12,8 @@
 
 namespace platform::desktop {
 
-/// Settings in the file, but for the API key, which may be in the desktop's password store instead. The file then holds
-/// a mark that changes with every new key, so that a running program notices, and a program whose user never used the
+/// Settings in the file, except that the API key may be in the desktop's password store instead. The file then holds a
+/// mark that changes with every new key: a running program notices a new key, and a program whose user never used the
 /// password store never asks it. A key in the file comes first.
 class SecretUserDefaults final : public UserDefaults, public KeyStorage {
   public:
@@ -23,14 +23,14 @@ class SecretUserDefaults final : public UserDefaults, public KeyStorage {
     ~SecretUserDefaults() override;
 
     void registerDefaults(const std::map<QString, DefaultsValue> &defaults) override;
-    /// For the key: waits a moment for a password store that has to be unlocked, and answers "absent" until it is.
+    /// For the key: waits a moment for a locked password store, and is absent until it has been unlocked.
     [[nodiscard]] std::optional<QString> string(const QString &key) const override;
     [[nodiscard]] bool isKept(const QString &key) const override;
     [[nodiscard]] bool boolean(const QString &key) const override;
     [[nodiscard]] qint64 integer(const QString &key) const override;
     [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
     bool set(const QString &key, const DefaultsValue &value) override;
-    /// Of the key: false as well when the password store still has it, or may have it.
+    /// For the key: also false when the password store still has it, or may have it.
     bool remove(const QString &key) override;
     void askAgain() override;
     [[nodiscard]] bool isFailingToSave() const override { return m_file.isFailingToSave(); }
@@ -44,11 +44,11 @@ class SecretUserDefaults final : public UserDefaults, public KeyStorage {
     mutable FileUserDefaults m_file;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_found;
-    /// What was found last, and the mark that it was found under; absent when nothing was.
+    /// The key that was found last, if any, and the mark that belongs to it.
     mutable std::optional<QString> m_secret;
     mutable QString m_mark;
     mutable bool m_isLookingUp = false;
-    /// Whether the user may be asked to unlock the store: once, until something new happens.
+    /// Whether the user may be asked to unlock the store: once, until there is a new reason.
     mutable bool m_mayAsk = true;
     mutable std::chrono::steady_clock::time_point m_nextTry;
     /// Last, so that it ends first.

@@ -62,7 +62,7 @@ struct ToJson {
     Json operator()(const QByteArray &value) const { return {{dataMember, value.toBase64().toStdString()}}; }
 };
 
-/// A value of another type was written by hand, or by a version to come: it is put aside, not overwritten.
+/// A value of another type was written by hand, or by a later version: it is put aside, not overwritten.
 void keepOtherType(Json &document, const std::string &key, const DefaultsValue &replacement) {
     const auto member = document.find(key);
     if (member == document.end()) {

@@ -12,11 +12,11 @@ using Values = std::map<QString, DefaultsValue>;
 /// Keys to set, or to remove where there is no value.
 using Changes = std::map<QString, std::optional<DefaultsValue>>;
 
-/// The values of a document, without members of any other form; absent when it is no such document at all.
+/// The values of a document, without members of any other form; absent when it is not such a document at all.
 [[nodiscard]] std::optional<Values> values(const QByteArray &json);
-/// The document with these changes and everything else as it was, members that values() leaves out included; what a
-/// change of another type takes the place of is kept as "<key>.replaced". The document must be one that values() can
-/// read; an empty one counts as such.
+/// The document with these changes and everything else as it was, including members that values() leaves out. A value
+/// that is replaced by one of another type is kept as "<key>.replaced". The document must be one that values() can
+/// read, or empty.
 [[nodiscard]] QByteArray merged(const QByteArray &json, const Changes &changes);
 
 } // namespace platform::desktop::settingsDocument

@@ -64,7 +64,7 @@ bool SettingsFile::isReadOnly() const {
 }
 
 SettingsFile::Content SettingsFile::read() const {
-    // Not waiting for a writer, should it be a pipe.
+    // Does not wait for a writer, should it be a pipe.
     const FileDescriptor file = opened(m_path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     if (!file) {
         const bool isAbsent = errno == ENOENT || errno == ENOTDIR;

@@ -13,7 +13,7 @@
 
 namespace platform::desktop {
 
-/// What tells one state of a file from the next without reading it.
+/// Tells one state of a file from the next without reading it.
 struct FileStamp {
     dev_t device = 0;
     ino_t inode = 0;
@@ -23,8 +23,8 @@ struct FileStamp {
     friend bool operator==(const FileStamp &, const FileStamp &) = default;
 };
 
-/// The file that settings live in, as bytes: read whole, replaced as a whole. It, its temporary file and its lock are
-/// their owner's alone. Holds no state but its paths; any thread.
+/// The settings file as bytes: read whole, replaced as a whole. The file, its temporary file and its lock can be read
+/// by their owner alone. Has no state but its paths; any thread.
 class SettingsFile {
   public:
     /// The folder is made when it is first locked.
@@ -33,7 +33,7 @@ class SettingsFile {
     [[nodiscard]] const QString &path() const { return m_path; }
     /// What the file looks like now, links followed; absent when there is none.
     [[nodiscard]] std::optional<FileStamp> stamp() const;
-    /// Whether its owner took the right to write it away. It is left alone then, though it could be replaced.
+    /// Whether its owner has made it read-only. It is then left alone, though it could be replaced.
     [[nodiscard]] bool isReadOnly() const;
 
     struct Content {
@@ -51,20 +51,20 @@ class SettingsFile {
     };
     [[nodiscard]] Content read() const;
 
-    /// Keeps other writers out while it lives; made for reading, changing and replacing the file as one step.
+    /// Keeps other writers out while it lives, so that reading, changing and replacing the file is one step.
     class Lock {
       public:
-        /// Waits so long for another writer; false when the lock can't be had.
+        /// Waits for another writer, at most this long; false when the lock can't be had.
         Lock(const SettingsFile &file, std::chrono::milliseconds longestWait);
         explicit operator bool() const { return static_cast<bool>(m_descriptor); }
 
       private:
         FileDescriptor m_descriptor;
     };
-    /// Replaces the content, so that any reader, also after a crash, finds the old or the new one whole. A symbolic
-    /// link stays, and what it points to is replaced. Absent when that failed; the old content then stands.
+    /// Replaces the content so that every reader, even after a crash, finds the whole old or the whole new one. A
+    /// symbolic link stays, and its target is replaced. Absent on failure; the old content then stays.
     [[nodiscard]] std::optional<FileStamp> replace(const QByteArray &bytes, const Lock &lock) const;
-    /// Renames the file to "<name>.broken-<time>"; absent when that failed, else the new path.
+    /// Renames the file to "<name>.broken-<time>" and returns the new path; absent on failure.
     [[nodiscard]] std::optional<QString> moveAside(const Lock &lock) const;
 
   private:

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 /// File times move in steps of some milliseconds: two states within one step can look the same.
 constexpr auto coarsestFileTime = 50ms;
-/// An editor may write a file in several pieces; for so long a broken one may still become whole.
+/// An editor may write a file in several pieces; a broken one may become whole within this time.
 constexpr auto longestPartialWrite = 2s;
 constexpr auto longestWaitOfAWrite = 200ms;
 constexpr auto pauseBetweenTries = 5s;
@@ -26,7 +26,7 @@ std::chrono::nanoseconds age(const FileStamp &stamp) {
                             std::chrono::nanoseconds(stamp.modified));
 }
 
-/// The values of a file; none for a file that is not there, absent for one that can't be taken for settings.
+/// The values of a file; none if there is no file, absent if it is not a settings document.
 std::optional<settingsDocument::Values> valuesOf(const Content &content) {
     switch (content.state) {
     case Content::State::absent:
@@ -38,7 +38,7 @@ std::optional<settingsDocument::Values> valuesOf(const Content &content) {
     }
 }
 
-/// What a file holds after changes on top of its content; absent when that failed.
+/// Saves changes on top of a file's content and returns the new content; absent on failure.
 std::optional<Content> written(const SettingsFile &file, const Content &content,
                                const settingsDocument::Changes &changes, const SettingsFile::Lock &lock) {
     if (changes.empty()) {
@@ -52,14 +52,15 @@ std::optional<Content> written(const SettingsFile &file, const Content &content,
     return stamp ? std::optional(Content{Content::State::readable, merged, stamp}) : std::nullopt;
 }
 
-/// The changes, and with them as "<key>.replaced" what nobody knew of who made them: it could not be read then.
+/// The changes, and as "<key>.replaced" the values that their author could not have known, since the file was
+/// unreadable.
 settingsDocument::Changes keepingReplaced(settingsDocument::Changes changes, const settingsDocument::Changes &basis,
                                           const Content &content) {
     const auto values = valuesOf(content).value_or(settingsDocument::Values());
     for (const auto &[key, known] : basis) {
         const auto found = values.find(key);
         const auto change = changes.find(key);
-        const bool isWanted = change != changes.end() && change->second; // a removal is meant as one
+        const bool isWanted = change != changes.end() && change->second; // removing is not replacing
         if (found != values.end() && isWanted && known != found->second && change->second != found->second) {
             changes.insert_or_assign(key + QStringLiteral(".replaced"), found->second);
         }
@@ -113,11 +114,11 @@ bool StoredSettings::change(const QString &key, const std::optional<DefaultsValu
 void StoredSettings::load() {
     const Content content = m_file.read();
     if (m_hadContent && content.state == Content::State::readable && qHash(content.bytes) == m_hash) {
-        remember(content.stamp); // taking a long file to pieces again would cost milliseconds
+        remember(content.stamp); // parsing a long file again would cost milliseconds
     } else if (auto values = valuesOf(content)) {
         adopt(*std::move(values), content);
     } else if (content.state == Content::State::unreadable) {
-        m_isBroken = m_isBroken || !m_isUncertain || content.stamp != m_stamp; // to be told once
+        m_isBroken = m_isBroken || !m_isUncertain || content.stamp != m_stamp; // reported once
         holdOn(content.stamp);
     } else if (mayBecomeWhole(content)) {
         m_stampIsFresh = true;
@@ -147,7 +148,7 @@ void StoredSettings::remember(const std::optional<FileStamp> &stamp) {
     m_isFailing = m_isFailing && !m_unsaved.empty();
 }
 
-/// Lets the defaults hold for as long as the file looks like this.
+/// Lets the defaults apply for as long as the file looks like this.
 void StoredSettings::forget(const std::optional<FileStamp> &stamp) {
     m_onDisk.clear();
     m_stamp = stamp;
@@ -156,7 +157,7 @@ void StoredSettings::forget(const std::optional<FileStamp> &stamp) {
     m_isUncertain = stamp.has_value();
 }
 
-/// Lets what was last known hold until the file can be read again. That need not show in its stamp.
+/// Keeps what was read last until the file can be read again, which its stamp need not show.
 void StoredSettings::holdOn(const std::optional<FileStamp> &stamp) {
     m_stamp = stamp;
     m_stampIsFresh = true;
@@ -177,7 +178,7 @@ bool StoredSettings::save() {
     return false;
 }
 
-/// Saves all that is unsaved on top of what is on disk now, after a broken file has been got out of the way.
+/// Saves everything unsaved on top of what is on disk now, after moving a broken file out of the way.
 bool StoredSettings::trySave() {
     settingsDocument::Changes changes;
     settingsDocument::Changes basis;
@@ -200,7 +201,7 @@ bool StoredSettings::trySave() {
     }
     auto values = valuesOf(*saved).value_or(settingsDocument::Values());
     const std::scoped_lock lock(m_mutex);
-    std::erase_if(m_unsaved, [&changes](const auto &unsaved) { // what came meanwhile is still to be saved
+    std::erase_if(m_unsaved, [&changes](const auto &unsaved) { // newer changes are still to be saved
         const auto done = changes.find(unsaved.first);
         return done != changes.end() && done->second == unsaved.second;
     });
@@ -209,8 +210,8 @@ bool StoredSettings::trySave() {
     return true;
 }
 
-/// Gets a file out of the way that can't be taken for settings, and lets the defaults hold; what was last known, where
-/// it can't be read at all. False when it stays: it must not be written to then.
+/// Moves a file that is not a settings document out of the way and lets the defaults apply, or what was read last if
+/// the file can't be read at all. False when the file stays: it must not be written to then.
 bool StoredSettings::moveAside(const Content &content, const SettingsFile::Lock &fileLock) {
     {
         const std::scoped_lock lock(m_mutex);

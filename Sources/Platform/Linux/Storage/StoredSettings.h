@@ -13,23 +13,24 @@
 namespace platform::desktop {
 
 enum class Saving {
-    /// Whoever changes a setting waits, and hears whether it was saved.
+    /// A change waits until it is saved, and says whether it was.
     atOnce,
-    /// Nobody waits: a thread of the store's own saves, at the latest when the store is destroyed. A failure is said on
-    /// standard error, and shows in what is asked later.
+    /// Nobody waits: a thread of the store's own saves, at the latest when the store is destroyed. A failure is
+    /// reported
+    /// on standard error, and by isFailingToSave().
     inBackground,
 };
 
-/// The content of a settings file, kept up to date with what other processes write. Changes hold in memory at once;
+/// The content of a settings file, kept up to date with what other processes write. Changes apply in memory at once;
 /// those that can't be saved are tried again later. Any thread.
 class StoredSettings {
   public:
     /// Reads the file at once.
     StoredSettings(const QString &folder, Saving saving);
 
-    /// The value of a key as it was written last, by any process; absent where there is none.
+    /// The value of a key as any process wrote it last; absent if there is none.
     [[nodiscard]] std::optional<DefaultsValue> value(const QString &key);
-    /// Takes a change (absent: the key is removed); false when it is known not to have been saved.
+    /// Sets a value (absent: removes the key); false when it is known not to have been saved.
     bool change(const QString &key, const std::optional<DefaultsValue> &value);
     /// Whether the last save failed, and there is still something to save.
     [[nodiscard]] bool isFailingToSave() const { return m_isFailing; }
@@ -42,7 +43,7 @@ class StoredSettings {
     void forget(const std::optional<FileStamp> &stamp);
     void holdOn(const std::optional<FileStamp> &stamp);
     [[nodiscard]] bool mayBecomeWhole(const SettingsFile::Content &content) const;
-    // Without it: these wait for the disk and for other writers.
+    // Not under the mutex: these wait for the disk and for other writers.
     bool save();
     bool trySave();
     bool moveAside(const SettingsFile::Content &content, const SettingsFile::Lock &fileLock);
@@ -54,28 +55,28 @@ class StoredSettings {
     std::mutex m_mutex;
     settingsDocument::Values m_onDisk;
     settingsDocument::Changes m_unsaved;
-    /// For what was changed while the file could not be read: what it was taken to hold.
+    /// For keys that were changed while the file could not be read: the value that each was thought to have.
     settingsDocument::Changes m_basis;
     /// Of the content in m_onDisk.
     std::size_t m_hash = 0;
     std::optional<FileStamp> m_stamp;
-    /// Whether m_stamp may also be that of a later content.
+    /// Whether later content may have the same stamp.
     bool m_stampIsFresh = false;
     bool m_hadContent = false;
-    /// Whether the file has to be got out of the way.
+    /// Whether the file has to be moved out of the way.
     bool m_isBroken = false;
-    /// Whether m_onDisk is only what was last known, or nothing, while there is a file.
+    /// Whether there is a file that could not be read, so that m_onDisk is out of date or empty.
     bool m_isUncertain = false;
 
     std::atomic<bool> m_isFailing = false;
     /// One save at a time. Locked before m_mutex.
     std::mutex m_saveMutex;
-    /// Whether the file was last found to be broken and had to be left, and which one that was.
+    /// Whether a broken file had to be left in place, and which one was reported last.
     bool m_hasComplained = false;
     std::optional<FileStamp> m_complainedOf;
 
     std::condition_variable_any m_work;
-    /// Last, so that its last save finds everything else alive.
+    /// Last member, so that its final save finds the others alive.
     std::jthread m_saver;
 };
 

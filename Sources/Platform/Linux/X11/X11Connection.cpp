@@ -15,7 +15,7 @@ namespace platform::desktop {
 
 namespace {
 
-/// Properties that hold one value per window or atom are far smaller; more is nonsense from a broken program.
+/// Lists of windows or atoms are far shorter; more is nonsense from a broken program.
 constexpr std::uint32_t maximumValues = 65'536;
 
 const xcb_screen_t *screenOf(xcb_connection_t *connection, int number) {
@@ -33,7 +33,7 @@ class HandlerRegistration final : public Registration {
         : m_handlers(handlers), m_handler(std::move(handler)) {}
     ~HandlerRegistration() override {
         std::erase(m_handlers, m_handler);
-        // An event is being handed out perhaps, from a copy of the list.
+        // Perhaps an event is being handed out, from a copy of the list.
         *m_handler = nullptr;
     }
 
@@ -91,7 +91,7 @@ X11Connection::~X11Connection() {
 void X11Connection::watch() {
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &m_context, [this] { dispatch(); });
-    // The library reads events while it waits for an answer; the socket then stays silent about them.
+    // xcb reads events while it waits for an answer; the socket is silent about those.
     QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &m_context, [this] {
         readQueued();
         handOut();
@@ -152,7 +152,7 @@ void X11Connection::sendEventMask(xcb_window_t window) {
     std::uint32_t mask = XCB_EVENT_MASK_NO_EVENT;
     const auto [first, last] = m_eventMasks.equal_range(window);
     std::for_each(first, last, [&mask](const auto &selected) { mask |= selected.second; });
-    // Should the window be gone by now, the error goes unheard.
+    // If the window is gone by now, the error is ignored.
     xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
 }
 
@@ -183,7 +183,7 @@ void X11Connection::sync() const {
 }
 
 xcb_timestamp_t X11Connection::serverTime() {
-    // Appending nothing to a property changes nothing, yet is told with the time.
+    // Appending nothing to a property changes nothing, yet causes an event that carries the time.
     xcb_change_property(m_connection, XCB_PROP_MODE_APPEND, m_window, m_timeProperty, XCB_ATOM_INTEGER, 32, 0, nullptr);
     sync();
     const auto told = takeEvents([this](const xcb_generic_event_t &event) {
@@ -246,8 +246,8 @@ void X11Connection::handOut() {
     flush();
 }
 
-/// A piece of a selection is announced by an event right behind the answer to the question before it, so answers go
-/// first.
+/// The event that announces a portion of a selection comes right after the answer to the previous question, so answers
+/// go first.
 bool X11Connection::handOutReply() {
     if (m_replies.empty()) {
         return false;
@@ -268,7 +268,7 @@ void X11Connection::lose() {
     if (!m_notifier || !m_notifier->isEnabled()) {
         return;
     }
-    // A closed socket is readable for ever.
+    // A closed socket stays readable for ever.
     m_notifier->setEnabled(false);
     QMetaObject::invokeMethod(
         QCoreApplication::instance(), [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);

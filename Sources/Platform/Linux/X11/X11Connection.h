@@ -28,8 +28,8 @@ struct FreeDeleter {
 template <typename T> using X11Reply = std::unique_ptr<T, FreeDeleter>;
 using X11Event = X11Reply<xcb_generic_event_t>;
 
-/// The program's own connection to the X server, beside the toolkit's: grabs and selections are bound to a connection,
-/// and on this one nobody else takes an event away. Main thread only.
+/// The program's own connection to the X server, beside Qt's: grabs and selections belong to a connection, and on this
+/// one nobody else takes events away. Main thread only.
 class X11Connection {
   public:
     using EventHandler = std::function<void(const xcb_generic_event_t &)>;
@@ -42,8 +42,8 @@ class X11Connection {
     X11Connection(const X11Connection &) = delete;
     X11Connection &operator=(const X11Connection &) = delete;
 
-    /// Starts handing out events from the event loop; the application object must exist. When the server goes away
-    /// later the application is asked to end with status 1.
+    /// Starts handing out events from the event loop; the application object must exist. If the server goes away later,
+    /// the application is asked to end with status 1.
     void watch();
 
     [[nodiscard]] xcb_connection_t *get() const { return m_connection; }
@@ -57,7 +57,7 @@ class X11Connection {
 
     /// The atom of a name, asked for once.
     [[nodiscard]] xcb_atom_t atom(const QByteArray &name);
-    /// The names of atoms, all asked for at once; empty for one that does not exist.
+    /// The names of atoms, in one round trip; empty for an atom that does not exist.
     [[nodiscard]] std::vector<QString> atomNames(const std::vector<xcb_atom_t> &atoms);
     /// Whether the server offers an extension.
     [[nodiscard]] bool has(xcb_extension_t *extension) const;
@@ -66,8 +66,8 @@ class X11Connection {
 
     /// Calls the handler with every event until the handle is destroyed.
     [[nodiscard]] RegistrationHandle onEvent(EventHandler handler);
-    /// Has the server tell of these events of a window until the handle is destroyed. The server keeps one mask for
-    /// each window and connection, so that masks which were set elsewhere would undo each other.
+    /// Has the server send these events of a window until the handle is destroyed. The server keeps one mask per window
+    /// and connection, so a mask that is set in any other way would undo this one.
     [[nodiscard]] RegistrationHandle selectEvents(xcb_window_t window, std::uint32_t mask);
     /// Waits for the X server's answer to a request. Null on an error. Events that arrive meanwhile are kept.
     template <typename Answer, typename Cookie>
@@ -78,14 +78,14 @@ class X11Connection {
         std::free(error);
         return answer;
     }
-    /// Hands over the answer when it comes (null on an error), before any event that the server sent after it. The
-    /// handler is dropped unheard when the answer outlives this connection.
+    /// Calls the handler with the answer when it comes (null on an error), before any event that the server sent after
+    /// it. Not called any more once this connection is destroyed.
     void whenReplied(xcb_get_property_cookie_t cookie, PropertyHandler handler);
     /// All 32-bit values of a window's property; empty when it is absent or of another format.
     [[nodiscard]] std::vector<std::uint32_t> values(xcb_window_t window, const QByteArray &property) {
         return values(askValues(window, atom(property)));
     }
-    /// The same in two steps, so that several questions can be on their way at once.
+    /// The same in two steps, so that several questions can be under way at once.
     [[nodiscard]] std::vector<std::uint32_t> values(xcb_get_property_cookie_t cookie) const;
     [[nodiscard]] xcb_get_property_cookie_t askValues(xcb_window_t window, xcb_atom_t property) const;
 
@@ -95,13 +95,13 @@ class X11Connection {
     void flush() { xcb_flush(m_connection); }
     /// Waits until the server has carried out every request so far.
     void sync() const;
-    /// The server's present time, for requests that must not be confused with older ones.
+    /// The server's current time, for requests that must not be mistaken for older ones.
     [[nodiscard]] xcb_timestamp_t serverTime();
-    /// Takes the events for which the predicate holds out of what has arrived and was not handed out yet.
+    /// Removes and returns the events that match the predicate, of those that have arrived and were not handed out yet.
     [[nodiscard]] std::vector<X11Event> takeEvents(const std::function<bool(const xcb_generic_event_t &)> &predicate);
-    /// Hands out what has arrived.
+    /// Hands out the events that have arrived.
     void dispatch();
-    /// Waits for new input from the server and hands it out.
+    /// Waits for new events from the server, at most this long, and hands them out.
     void dispatchWithin(int milliseconds);
 
   private:
@@ -134,7 +134,7 @@ class X11Connection {
     QObject m_context;
 };
 
-/// The kind of an event, without the mark of events that another client sent.
+/// The type of an event, without the bit that marks events sent by another client.
 [[nodiscard]] inline int eventType(const xcb_generic_event_t &event) {
     return event.response_type & ~0x80;
 }

@@ -14,7 +14,7 @@ namespace platform::desktop {
 
 namespace {
 
-/// No screen reaches further. What programs write into properties may be anything, and is reckoned with.
+/// No screen reaches further. Programs may write anything into their properties, and these numbers are added up.
 constexpr int largestCoordinate = 0xFFFF;
 
 double distance(const QRect &rectangle, Point point) {
@@ -30,7 +30,7 @@ QRect rectFrom(const std::vector<std::uint32_t> &values, std::size_t index) {
     return {at(0), at(1), at(2), at(3)};
 }
 
-/// The edges, and along each the whole length where there are no ranges behind them.
+/// The edges with their ranges; where there are no ranges, the whole length of each edge.
 std::array<int, 12> strutFrom(const std::vector<std::uint32_t> &values, std::ptrdiff_t count) {
     constexpr int all = largestCoordinate;
     std::array<int, 12> strut{0, 0, 0, 0, 0, all, 0, all, 0, all, 0, all};
@@ -39,7 +39,7 @@ std::array<int, 12> strutFrom(const std::vector<std::uint32_t> &values, std::ptr
     return strut;
 }
 
-/// What Qt draws with on the monitor that begins at this pixel. Qt keeps the corners of its screens where they are.
+/// The scale that Qt draws with on the monitor whose corner is at this pixel. Qt does not move its screens' corners.
 double scaleOf(QPoint corner) {
     for (const QScreen *screen : QGuiApplication::screens()) {
         if (screen->geometry().topLeft() == corner) {
@@ -78,7 +78,7 @@ X11Screens::X11Screens(X11Connection &connection)
                                    XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
     }
     m_events = connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
-    // Qt hears of changes on a connection of its own, before or after this one.
+    // Qt learns of changes on its own connection, before or after this one.
     const auto stale = [this] { m_isStale = true; };
     QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &m_context, stale);
     QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, &m_context, stale);
@@ -172,7 +172,7 @@ std::vector<X11Screens::Strut> X11Screens::readStruts() {
     return struts;
 }
 
-/// Struts are measured from the edges of all monitors together, so each belongs to the monitor in which it ends.
+/// Struts are measured from the edges of all monitors together, so each applies to the monitor in which it ends.
 void X11Screens::reserve(const std::vector<Strut> &struts) {
     QRect all;
     for (const Monitor &monitor : m_monitors) {
@@ -205,8 +205,8 @@ void X11Screens::cut(Monitor &monitor, const Strut &s, const QRect &all) {
     }
 }
 
-/// Without windows that reserve edges the desktop's bars may be drawn by the window manager itself, which then says
-/// what it leaves: GNOME for each monitor, others one rectangle for the whole desktop.
+/// Where no window reserves an edge, the window manager may draw the desktop's bars itself. It then publishes what they
+/// leave free: GNOME for each monitor, others as one rectangle for the whole desktop.
 void X11Screens::reserveByWorkAreas() {
     const auto ask = [this](const QByteArray &name) { return m_connection.values(m_connection.root(), name); };
     const auto desktops = ask("_NET_CURRENT_DESKTOP");
@@ -237,7 +237,8 @@ void X11Screens::findMain() {
         m_activeWindowEvents.reset();
         return;
     }
-    // To hear of its moves. A window that is gone by now answers with errors, which is no main screen.
+    // Its moves change the main screen. If the window is gone by now, the answers are errors, and the primary one
+    // counts.
     m_activeWindowEvents = m_connection.selectEvents(m_activeWindow, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     const auto sizeQuestion = xcb_get_geometry(m_connection.get(), m_activeWindow);
     const auto placeQuestion = xcb_translate_coordinates(m_connection.get(), m_activeWindow, m_connection.root(), 0, 0);

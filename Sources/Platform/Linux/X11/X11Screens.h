@@ -12,16 +12,16 @@
 
 namespace platform::desktop {
 
-/// The monitors of the X screen, and the one place where the kinds of coordinates meet:
-/// - pixels: of the root window, from the top left, y downwards; what X11 and the accessibility bus speak;
-/// - Qt's: device-independent; each monitor's top left corner stands where it stands in pixels, and distances from
-///   there are divided by the monitor's scale;
+/// The monitors of the X screen, and the one place that converts between kinds of coordinates:
+/// - pixels: of the root window, from the top left, y downwards; used by X11 and the accessibility bus;
+/// - Qt's: device-independent; each monitor's top left corner is where it is in pixels, and distances from there are
+///   divided by the monitor's scale;
 /// - accessibility coordinates: Qt's, counted from the top left of the primary monitor;
 /// - screen coordinates: the same, y upwards from the primary monitor's bottom left.
 /// Kept up to date by events; asking waits for the X server only after something has changed. Main thread only.
 class X11Screens final : public Screens {
   public:
-    /// The application object must exist: scales are what Qt draws with.
+    /// The application object must exist: a monitor's scale is the one that Qt draws with.
     explicit X11Screens(X11Connection &connection);
 
     [[nodiscard]] X11Connection &connection() const { return m_connection; }
@@ -29,11 +29,11 @@ class X11Screens final : public Screens {
     [[nodiscard]] std::vector<Screen> screens() override;
     [[nodiscard]] std::optional<Screen> mainScreen() override;
 
-    /// Device pixels per point on the monitor that holds this pixel, or that is nearest to it.
+    /// Device pixels per point on the monitor that contains this pixel, or is nearest to it.
     [[nodiscard]] double scaleAt(Point pixel);
-    /// A rectangle of pixels in accessibility coordinates. It goes by the monitor that holds its centre.
+    /// A rectangle of pixels in accessibility coordinates, by the monitor that contains its centre.
     [[nodiscard]] Rect accessibilityRect(const Rect &pixels);
-    /// Where Qt has to place the top left corner of a window that is to stand at this rectangle of screen coordinates.
+    /// Where Qt has to put the top left corner of a window that is to cover this rectangle of screen coordinates.
     [[nodiscard]] QPoint qtPosition(const Rect &screenRect);
     /// The screen coordinates of a window's geometry in Qt.
     [[nodiscard]] Rect screenRect(const QRect &qtGeometry);
@@ -47,8 +47,7 @@ class X11Screens final : public Screens {
         Rect frame;
         Rect visibleFrame;
     };
-    /// The edges that a panel of the desktop keeps free, as its window says: left, right, top, bottom, and the range of
-    /// each along its edge.
+    /// The edges that a panel of the desktop reserves: left, right, top, bottom, and the range of each along its edge.
     using Strut = std::array<int, 12>;
 
     void handle(const xcb_generic_event_t &event);

@@ -8,8 +8,8 @@
 
 namespace platform::desktop {
 
-/// Follows who owns a selection: the clipboard's content, or one of those that trays and compositors own to show that
-/// they run. Without the XFixes extension the owner can be asked for and no change is heard of. Main thread only.
+/// Follows who owns a selection: the clipboard, or one of those that trays and compositors own to show that they run.
+/// Without the XFixes extension the owner can only be asked for; no change is reported. Main thread only.
 class X11SelectionWatch {
   public:
     using Change = xcb_xfixes_selection_notify_event_t;
@@ -21,7 +21,7 @@ class X11SelectionWatch {
     [[nodiscard]] xcb_atom_t selection() const { return m_selection; }
     /// Whether somebody owns it now. Waits for the X server.
     [[nodiscard]] bool isOwned() const { return m_connection.ownerOf(m_selection) != XCB_NONE; }
-    /// Calls the handler with the changes that have arrived and were not handed out yet, ahead of all other events.
+    /// Calls the handler at once for changes that have arrived and were not handed out yet, ahead of all other events.
     void takeChanges();
 
   private:

@@ -9,15 +9,15 @@ namespace platform::desktop {
 
 namespace {
 
-/// How long the program's end may wait for a clipboard manager.
+/// How long the program's exit may wait for a clipboard manager.
 constexpr std::chrono::milliseconds longestHandOver{200};
 
-/// The targets under which plain text stands as UTF-8.
+/// The targets that give plain text as UTF-8.
 constexpr std::array<QLatin1StringView, 4> utf8Targets{QLatin1StringView("UTF8_STRING"),
                                                        QLatin1StringView("text/plain;charset=utf-8"),
                                                        QLatin1StringView("text/plain"), QLatin1StringView("TEXT")};
 
-/// Marks content that nobody is to keep, with the value "secret".
+/// With the value "secret" it marks content that clipboard histories leave out.
 constexpr auto secretHint = "x-kde-passwordManagerHint";
 
 std::optional<QString> stringIn(const PasteboardItems &items) {
@@ -45,7 +45,7 @@ X11Pasteboard::~X11Pasteboard() {
 }
 
 void X11Pasteboard::ownerChanged(const X11SelectionWatch::Change &change) {
-    // What this program does is counted when it does it.
+    // This program's own changes are counted when they are made.
     const bool isOurs = change.owner == m_connection.window() ||
                         (change.owner == XCB_NONE && change.selection_timestamp == m_givenUpAt);
     if (isOurs) {
@@ -62,14 +62,14 @@ void X11Pasteboard::ownerChanged(const X11SelectionWatch::Change &change) {
 }
 
 qint64 X11Pasteboard::changeCount() {
-    // Asked before something of the user's would be overwritten, so it must not lag behind the server.
+    // Decides whether the user's content may be overwritten, so it must not lag behind the server.
     m_connection.sync();
     m_watch.takeChanges();
     return m_changeCount;
 }
 
 void X11Pasteboard::copyItems(std::function<void(std::optional<PasteboardItems>)> done) {
-    (void)changeCount(); // hears of an owner that came just now
+    (void)changeCount(); // takes note of an owner that came just now
     if (m_isCleared || m_owner.isOwner()) {
         auto items = m_isCleared ? PasteboardItems() : itemsFrom(m_owner.values());
         QMetaObject::invokeMethod(
@@ -81,7 +81,7 @@ void X11Pasteboard::copyItems(std::function<void(std::optional<PasteboardItems>)
     auto self = std::make_shared<const X11SelectionReader *>(nullptr);
     reading.reader = std::make_unique<X11SelectionReader>(
         m_connection, m_watch.selection(), [this, self](const std::optional<std::vector<X11SelectionValue>> &values) {
-            // Later, since the reader is in the midst of its work, and goes away then.
+            // Later, since that destroys the reader, which is still at work.
             QMetaObject::invokeMethod(
                 &m_context, [this, self, values] { finishReading(*self, values); }, Qt::QueuedConnection);
         });
@@ -130,7 +130,7 @@ void X11Pasteboard::clearContents() {
     m_holdsUserContent = false;
     m_owner.forget();
     m_givenUpAt = m_connection.serverTime();
-    // Not at once: clipboard managers fill an empty clipboard again, and would so overwrite what is written next.
+    // Not at once: clipboard managers refill an empty clipboard, and would overwrite what is written next.
     QMetaObject::invokeMethod(
         &m_context, [this] { giveUpIfStillCleared(); }, Qt::QueuedConnection);
 }
@@ -180,7 +180,7 @@ void X11Pasteboard::write(std::vector<X11SelectionValue> values) {
     ++m_changeCount;
     m_isCleared = false;
     const bool isOurs = m_owner.claim();
-    // Changes by others that came before are still to be heard of, and must not be taken for a loss of what is new.
+    // Earlier changes by other programs may still be queued, and must not be taken for the loss of the new content.
     m_watch.takeChanges();
     if (isOurs) {
         m_owner.hold(std::move(values));

@@ -9,11 +9,11 @@
 
 namespace platform::desktop {
 
-/// The clipboard selection. X11 has one item: reading gives one, writing joins several. See README.md beside.
+/// The CLIPBOARD selection, which holds one item: reading gives one, writing joins several. See ../README.md.
 class X11Pasteboard final : public Pasteboard {
   public:
     explicit X11Pasteboard(X11Connection &connection);
-    /// Hands the user's own content, if it is here and no secret, to the desktop's clipboard manager.
+    /// Hands the user's own content to the desktop's clipboard manager, if this program has it and it is no secret.
     ~X11Pasteboard() override;
     X11Pasteboard(const X11Pasteboard &) = delete;
     X11Pasteboard &operator=(const X11Pasteboard &) = delete;
@@ -47,7 +47,7 @@ class X11Pasteboard final : public Pasteboard {
     X11SelectionWatch m_watch;
     X11SelectionOwner m_owner;
     std::vector<Reading> m_readings;
-    /// How each type came when it was read last, so that it can be given back in the same form.
+    /// The form in which each type last came, so that it can be given back in the same form.
     std::map<QString, Form> m_forms;
     bool m_isCleared = false;
     bool m_holdsUserContent = false;

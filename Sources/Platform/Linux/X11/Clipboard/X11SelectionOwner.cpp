@@ -10,14 +10,14 @@ namespace platform::desktop {
 
 namespace {
 
-/// Content up to this size goes in one piece, larger content in portions of it: small enough that a portion never
-/// holds the main thread up, large enough that a picture needs few of them. A multiple of 4.
+/// Content up to this size goes out in one piece, larger content in portions of this size: small enough not to hold up
+/// the main thread, large enough for a picture to need few of them. A multiple of 4.
 constexpr qsizetype portionBytes = 256LL * 1024;
 /// A requestor that has not fetched its portion for this long has hung or lost interest.
 constexpr std::chrono::milliseconds longestStall{5000};
-/// Pairs of target and property in one request; real ones hold a handful.
+/// Pairs of target and property in one request; real requests have a handful.
 constexpr std::uint32_t maximumPairs = 256;
-/// Large contents that are on their way at once; real requestors fetch a handful.
+/// Large contents under way at once; real requestors fetch a handful.
 constexpr std::size_t maximumSendings = 64;
 
 } // namespace
@@ -84,7 +84,7 @@ void X11SelectionOwner::handle(const xcb_generic_event_t &event) {
     case XCB_SELECTION_CLEAR:
         if (const auto &clear = eventAs<xcb_selection_clear_event_t>(event);
             clear.selection == m_selection && clear.time > m_since) {
-            lose(); // an older one is about an ownership that was renewed since
+            lose(); // an older event is about an ownership that has been renewed since
         }
         break;
     case XCB_PROPERTY_NOTIFY:
@@ -107,7 +107,7 @@ void X11SelectionOwner::serve(const xcb_selection_request_event_t &request) {
     } else if (request.target == m_connection.atom("MULTIPLE")) {
         serveMultiple(request);
     } else {
-        // Requestors older than the present convention leave the property to the owner.
+        // Requestors that follow an old convention leave the choice of the property to the owner.
         const xcb_atom_t property = request.property == XCB_NONE ? request.target : request.property;
         const bool converted = convert(request.requestor, request.target, property);
         answer(request, converted ? property : static_cast<xcb_atom_t>(XCB_NONE));
@@ -151,7 +151,7 @@ void X11SelectionOwner::answer(const xcb_selection_request_event_t &request, xcb
     notify.selection = request.selection;
     notify.target = request.target;
     notify.property = property;
-    // The library sends the 32 bytes of an event, whatever the size of this one's type.
+    // xcb sends 32 bytes, more than this type has.
     std::array<char, 32> event{};
     std::memcpy(event.data(), &notify, sizeof notify);
     xcb_send_event(m_connection.get(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT, event.data());

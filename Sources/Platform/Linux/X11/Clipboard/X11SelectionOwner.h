@@ -8,24 +8,24 @@
 
 namespace platform::desktop {
 
-/// Owns a selection and serves its content to whoever asks, large content in portions and to several at once.
+/// Owns a selection and serves its content to all who ask, large content in portions and to several at once.
 class X11SelectionOwner {
   public:
     X11SelectionOwner(X11Connection &connection, xcb_atom_t selection);
 
-    /// Asks the server for the selection; false when it went to somebody else.
+    /// Claims the selection; false when another program got it.
     [[nodiscard]] bool claim();
     /// Serves this content, once the selection is claimed.
     void hold(std::vector<X11SelectionValue> values);
-    /// Serves nothing any more; the selection itself is not given up.
+    /// Stops serving content, without giving the selection up.
     void forget() { m_values.clear(); }
-    /// Somebody else owns the selection now.
+    /// To be called when another program owns the selection.
     void lose();
     /// Leaves the selection without an owner, unless somebody took it after this server time.
     void giveUp(xcb_timestamp_t time);
     [[nodiscard]] bool isOwner() const { return m_isOwner; }
     [[nodiscard]] const std::vector<X11SelectionValue> &values() const { return m_values; }
-    /// How often anybody was given some of the content.
+    /// How often some of the content was given to another program.
     [[nodiscard]] qint64 timesServed() const { return m_timesServed; }
     /// Asks the desktop's clipboard manager, if there is one, to keep the content, and waits for it at most this long.
     void handOver(std::chrono::milliseconds longestWait);

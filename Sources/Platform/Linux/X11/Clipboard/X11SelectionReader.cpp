@@ -9,30 +9,30 @@ namespace platform::desktop {
 
 namespace {
 
-/// The longest silence of the owner, and the longest reading in all: a person who pressed a key waits for it. Large
+/// The longest silence of the owner, and the longest reading overall: the user has pressed a key and waits. Large
 /// content that keeps coming gets more time, since what is not read is lost.
 constexpr std::chrono::milliseconds longestSilence{750};
 constexpr std::chrono::milliseconds longestReading{1500};
 constexpr std::chrono::milliseconds longestLargeReading{4000};
-/// A type that would take the content beyond this is left out.
+/// A type that would make the content larger than this is left out.
 constexpr qsizetype maximumBytes = 256LL * 1024 * 1024;
-/// The most that is made room for on an owner's word; what is larger grows as it comes.
+/// The most memory that is reserved on an owner's word; larger content grows as it comes.
 constexpr qsizetype largestReservation = 32LL * 1024 * 1024;
-/// Programs offer a dozen types, some toolkits forty image formats, along with some that are no content.
+/// Programs offer a dozen types, some of them forty image formats, and a few targets that are no content.
 constexpr std::size_t maximumTypes = 128;
 constexpr std::uint32_t maximumOffers = 256;
-/// Read in pieces, so that no single answer keeps the main thread for long.
+/// Content is read in pieces, so that no single answer holds up the main thread.
 constexpr std::uint32_t pieceBytes = 256 * 1024;
-/// A clipboard that changes hands more often than this while it is read is not worth chasing.
+/// A clipboard that changes hands more often than this during one reading is not chased further.
 constexpr int maximumAttempts = 3;
 
-/// Targets that are questions or orders to the owner rather than content.
+/// Targets that are questions or orders to the owner, not content.
 constexpr std::array<QLatin1StringView, 7> notContent{
     QLatin1StringView("TARGETS"),        QLatin1StringView("TIMESTAMP"), QLatin1StringView("MULTIPLE"),
     QLatin1StringView("SAVE_TARGETS"),   QLatin1StringView("DELETE"),    QLatin1StringView("INSERT_SELECTION"),
     QLatin1StringView("INSERT_PROPERTY")};
 
-/// The room to make before portions arrive. Growing bit by bit would move what is there again and again.
+/// How much to reserve before portions arrive. Growing bit by bit would copy the content again and again.
 qsizetype announcedSize(const xcb_get_property_reply_t &announcement) {
     const bool isSizeSaid = announcement.format == 32 && announcement.value_len == 1;
     const qsizetype said = isSizeSaid ? *static_cast<const std::uint32_t *>(xcb_get_property_value(&announcement)) : 0;
@@ -69,7 +69,7 @@ void X11SelectionReader::start() {
     if (m_window != XCB_NONE) {
         xcb_destroy_window(m_connection.get(), m_window);
     }
-    // A window of its own for each reading: whatever an owner delivers too late goes nowhere.
+    // Each attempt has its own window, so that late deliveries go nowhere.
     m_window = xcb_generate_id(m_connection.get());
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(m_connection.get(), XCB_COPY_FROM_PARENT, m_window, m_connection.root(), -1, -1, 1, 1, 0,
@@ -80,7 +80,7 @@ void X11SelectionReader::start() {
 }
 
 void X11SelectionReader::askFor(xcb_atom_t target) {
-    // Each type arrives in the property of its own name, so all can be under way at once.
+    // Each type arrives in a property of its own name, so all can be under way at once.
     xcb_convert_selection(m_connection.get(), m_window, m_selection, target, target, XCB_CURRENT_TIME);
 }
 
@@ -120,7 +120,7 @@ void X11SelectionReader::handleNotify(const xcb_selection_notify_event_t &notify
         }
     } else if (notify.target == m_connection.atom("TARGETS") && m_transfers.empty()) {
         if (notify.property == XCB_NONE) {
-            // Nobody owns the selection, or a program too old to say what it offers: try plain text.
+            // There is no owner, or one too old to say what it offers: try plain text.
             askForAll({m_connection.atom("UTF8_STRING"), XCB_ATOM_STRING});
             return;
         }
@@ -164,7 +164,7 @@ X11SelectionReader::Transfer *X11SelectionReader::transfer(xcb_atom_t target) {
 
 void X11SelectionReader::fetch(const Transfer &transfer) {
     const xcb_atom_t target = transfer.value.target;
-    // The property goes away with its last piece, which asks the owner for the next portion.
+    // Reading the last piece deletes the property, which makes the owner send the next portion.
     const auto cookie = xcb_get_property(m_connection.get(), 1, m_window, target, XCB_GET_PROPERTY_TYPE_ANY,
                                          transfer.offset / 4, pieceBytes / 4);
     m_connection.whenReplied(cookie, [this, target, attempt = std::weak_ptr(m_attempt)](auto answer) {
@@ -177,7 +177,7 @@ void X11SelectionReader::fetch(const Transfer &transfer) {
     });
 }
 
-/// Believes the owner within limits: many types may be announced large at once.
+/// Trusts the owner's figure within limits: many types may be announced as large at once.
 void X11SelectionReader::makeRoom(QByteArray &data, qsizetype wanted) {
     const qsizetype room = std::min({wanted, largestReservation, maximumBytes - m_reserved});
     m_reserved += room;
@@ -192,7 +192,7 @@ void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
         return;
     }
     if (answer.type == XCB_NONE) {
-        // In the midst of portions: announced twice and read already.
+        // While portions come: this one was announced twice and has been read.
         if (transfer.stage == Stage::asked) {
             settle(transfer, Stage::absent);
         }

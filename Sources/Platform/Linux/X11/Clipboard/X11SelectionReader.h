@@ -18,21 +18,21 @@ struct X11SelectionValue {
     QByteArray data;
 };
 
-/// Reads a selection with all its types from the program that owns it, without waiting. One reader reads once.
+/// Reads a selection with all its types from the program that owns it, once, without waiting.
 class X11SelectionReader {
   public:
-    /// What was read in time, in the order in which the owner offers it; absent when there is an owner that gave
+    /// What was read in time, in the order in which the owner offers it; absent when there is an owner but it delivered
     /// nothing, or nothing small enough.
     using Done = std::function<void(std::optional<std::vector<X11SelectionValue>>)>;
 
-    /// Starts reading. The handler is called once, from the event loop; destroying the reader drops it unheard.
+    /// Starts reading. The handler is called once, from the event loop, unless the reader is destroyed before.
     X11SelectionReader(X11Connection &connection, xcb_atom_t selection, Done done);
     ~X11SelectionReader();
     X11SelectionReader(const X11SelectionReader &) = delete;
     X11SelectionReader &operator=(const X11SelectionReader &) = delete;
 
-    /// To be told when the selection changes hands: reads the new owner's content, or makes do with what is complete
-    /// when there is none.
+    /// To be called when the selection changes hands: reads the new owner's content, or settles for what is complete if
+    /// there is no owner.
     void ownerChanged(xcb_window_t owner);
 
   private:
@@ -56,7 +56,7 @@ class X11SelectionReader {
     void receive(Transfer &transfer, const xcb_get_property_reply_t &answer);
     void settle(Transfer &transfer, Stage stage);
     void handleDeadline();
-    /// isAnswered: whether the owner said all it has to say.
+    /// isAnswered: whether the owner has answered everything.
     void finish(bool isAnswered);
 
     X11Connection &m_connection;
@@ -65,13 +65,13 @@ class X11SelectionReader {
     xcb_window_t m_window = XCB_NONE;
     std::vector<Transfer> m_transfers;
     qsizetype m_total = 0;
-    /// The room that was made for what is still to come.
+    /// The memory reserved for what is still to come, in bytes.
     qsizetype m_reserved = 0;
     int m_attempts = 0;
     bool m_isExtended = false;
     QTimer m_stall;
     QTimer m_deadline;
-    /// Answers to questions of a reading that was given up must not reach this object.
+    /// Gone with the attempt, whose late answers must not reach this object.
     std::shared_ptr<int> m_attempt;
     RegistrationHandle m_events;
 };

@@ -116,10 +116,10 @@ void X11EventTaps::handle(const xcb_generic_event_t &event) {
     }
 }
 
-/// The keyboard stands still until this has allowed it to go on, so every path must.
+/// The keyboard stands still until allow() is called, so every path must call it.
 void X11EventTaps::handlePress(const xcb_key_press_event_t &press) {
     if (m_swallowed == press.detail && m_releasedAt.value_or(press.time) == press.time) {
-        // The held key repeats: still one press.
+        // The held key repeats: still the same press.
         m_releasedAt.reset();
         allow(XCB_ALLOW_SYNC_KEYBOARD, press.time);
         return;
@@ -130,8 +130,8 @@ void X11EventTaps::handlePress(const xcb_key_press_event_t &press) {
     if (key && ask(*key, X11Keyboard::flags(press.state)) == TapVerdict::swallow) {
         m_swallowed = m_lastSwallowed = press.detail;
         m_releasedAt.reset();
-        // Stops again at the next key, whichever it is: until the swallowed key comes up all keys come here, and what
-        // the user types on meanwhile has to be passed on.
+        // Holds back the next key too, whichever it is: until the swallowed key comes up all keys come here, and what
+        // the user types meanwhile has to be passed on.
         allow(XCB_ALLOW_SYNC_KEYBOARD, press.time);
     } else {
         allow(XCB_ALLOW_REPLAY_KEYBOARD, press.time);
@@ -143,8 +143,8 @@ void X11EventTaps::handleRelease(const xcb_key_release_event_t &release) {
         allow(XCB_ALLOW_SYNC_KEYBOARD, release.time);
         return;
     }
-    // Either the end of the grab, which lets the keyboard go on by itself, or the first half of a repeat: the server
-    // makes it up for the press of the same moment, and it is that press which is to be answered.
+    // Either the end of the grab, after which the keyboard goes on by itself, or the first half of a repeat, whose
+    // press, with the same time, is the one to answer.
     m_releasedAt = release.time;
 }
 
@@ -160,7 +160,7 @@ TapVerdict X11EventTaps::ask(KeyCode key, EventFlags flags) {
 }
 
 void X11EventTaps::allow(std::uint8_t mode, xcb_timestamp_t time) {
-    // With its event's time an answer that comes late cannot let go of the next press, which has a grab of its own.
+    // With its event's time a late answer cannot release the next press, which has a grab of its own.
     xcb_allow_events(m_connection.get(), mode, time);
     m_connection.flush();
 }

@@ -6,7 +6,7 @@
 
 namespace platform::desktop {
 
-/// Key taps as synchronous grabs of the keys on the root window. Outlives the taps it made. See README.md beside.
+/// Key taps as synchronous grabs of the keys on the root window. Outlives the taps it made. See ../README.md.
 class X11EventTaps final : public EventTaps {
   public:
     X11EventTaps(X11Connection &connection, X11Keyboard &keyboard);
@@ -16,9 +16,9 @@ class X11EventTaps final : public EventTaps {
 
     [[nodiscard]] std::unique_ptr<EventTap> create(TapCallback callback) override;
 
-    /// The key that was swallowed last; whether it is still down the server knows.
+    /// The last key that was swallowed. It may be up again.
     [[nodiscard]] std::optional<xcb_keycode_t> lastSwallowedKey() const { return m_lastSwallowed; }
-    /// Lets keys reach the focused window again, also while a swallowed one is still down.
+    /// Lets keys reach the focused window again, even while a swallowed key is still down.
     void releaseKeyboard();
 
   private:
@@ -38,12 +38,12 @@ class X11EventTaps final : public EventTaps {
     X11Connection &m_connection;
     X11Keyboard &m_keyboard;
     std::vector<Tap *> m_armed;
-    /// What is grabbed now, to be given back even when the mapping has changed since.
+    /// The grabbed key codes, to be given back even if the mapping has changed since.
     std::vector<xcb_keycode_t> m_grabbed;
     /// The key whose press was swallowed and whose repeats and release still have to be.
     std::optional<xcb_keycode_t> m_swallowed;
     std::optional<xcb_keycode_t> m_lastSwallowed;
-    /// When the swallowed key was said to come up; a press at the very same time is a repeat.
+    /// The time of the swallowed key's release; a press with the very same time is a repeat.
     std::optional<xcb_timestamp_t> m_releasedAt;
     RegistrationHandle m_events;
     RegistrationHandle m_mappingChanges;

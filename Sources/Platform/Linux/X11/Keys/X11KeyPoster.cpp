@@ -12,8 +12,8 @@ namespace platform::desktop {
 
 namespace {
 
-/// Keeps every other client from acting, so that neither the focus nor a key can change between a press and its
-/// release. Fingers are not kept.
+/// Keeps all other clients from acting, so that neither the focus nor a key can change between a press and its release.
+/// It does not stop the user's fingers.
 class ServerGrab {
   public:
     explicit ServerGrab(X11Connection &connection) : m_connection(connection) { xcb_grab_server(connection.get()); }
@@ -108,8 +108,8 @@ KeysDown X11KeyPoster::modifiersToLift(EventFlags flags, const KeysDown &down) c
     return lifted;
 }
 
-/// A key for a modifier. Not the one that the user holds already: he may let go of it at any moment, and what follows
-/// would be typed as a letter.
+/// A key for a modifier, if possible not the one that the user holds: that one may come up at any moment, and the rest
+/// would be typed as plain letters.
 xcb_keycode_t X11KeyPoster::unheldKey(int modifier, const KeysDown &down) const {
     const auto &keys = m_keyboard.modifierKeys(modifier);
     const auto unheld = std::ranges::find_if(keys, [&](xcb_keycode_t code) { return !down[code]; });
@@ -119,8 +119,8 @@ xcb_keycode_t X11KeyPoster::unheldKey(int modifier, const KeysDown &down) const 
     return keys.empty() ? xcb_keycode_t{0} : keys.front();
 }
 
-/// Presses again what was lifted, but only what is surely still held: a key that came up in the meantime would
-/// otherwise be stuck until it is pressed the next time.
+/// Presses the lifted keys again, but only those that are certainly still held: a key that came up in the meantime
+/// would be stuck until its next press.
 void X11KeyPoster::giveBack(const KeysDown &lifted, const Holders &before) {
     if (lifted.none()) {
         return;
@@ -159,8 +159,8 @@ X11KeyPoster::Holders X11KeyPoster::holders() const {
 }
 
 void X11KeyPoster::press(xcb_keycode_t code) {
-    // The server drops a press of a modifier that its test keyboard still holds: what was given back once is held
-    // there even after the fingers have let go.
+    // The server drops a press of a modifier that its XTest keyboard still holds, and a key that was given back stays
+    // down there even after the fingers have let go.
     release(code);
     send(XCB_KEY_PRESS, code);
 }

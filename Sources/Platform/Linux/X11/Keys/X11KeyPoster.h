@@ -6,8 +6,8 @@
 
 namespace platform::desktop {
 
-/// Types keys by way of the server's test extension, so that they come as from a keyboard. See README.md beside for
-/// how held modifiers are treated.
+/// Types keys through the XTest extension, so that they look like those of a keyboard. ../README.md says how held
+/// modifiers are treated.
 class X11KeyPoster final : public KeyPoster {
   public:
     X11KeyPoster(X11Connection &connection, X11Keyboard &keyboard, X11EventTaps &taps);
@@ -16,8 +16,7 @@ class X11KeyPoster final : public KeyPoster {
     bool postKey(KeyCode key, EventFlags flags) override;
 
   private:
-    /// Who holds keys: somebody's fingers, or programs (an on-screen keyboard, a remote desktop) by way of the server's
-    /// test extension.
+    /// The keys that are held by fingers, and by programs (an on-screen keyboard, a remote desktop) through XTest.
     struct Holders {
         KeysDown fingers;
         KeysDown programs;

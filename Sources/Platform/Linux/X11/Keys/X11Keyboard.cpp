@@ -13,7 +13,7 @@ struct KeyPosition {
     KeyCode key;
     /// Where the key is on every keyboard of an X server with evdev codes (those of the kernel plus 8).
     xcb_keycode_t position;
-    /// The meaning by which the key is found when the user has moved it; letters are positions and nothing else.
+    /// The meaning by which the key is found if the user has moved it; letters are found by position alone.
     xcb_keysym_t meaning;
 };
 constexpr std::array keyPositions{
@@ -27,7 +27,7 @@ struct FlagModifier {
     EventFlags flag;
     int modifier;
 };
-/// Programs of this desktop select all and paste with Control, so that is "command"; what remains takes the others.
+/// Programs of this desktop select all and paste with Control, so that is "command"; the rest share the others.
 constexpr std::array flagModifiers{
     FlagModifier{eventFlag::shift, XCB_MAP_INDEX_SHIFT},
     FlagModifier{eventFlag::command, XCB_MAP_INDEX_CONTROL},
@@ -59,7 +59,7 @@ X11Keyboard::X11Keyboard(X11Connection &connection) : m_connection(connection) {
 }
 
 RegistrationHandle X11Keyboard::onChange(std::function<void()> handler) {
-    // Called in the order of registration, so the new mapping has been read.
+    // Handlers are called in the order of registration, so the new mapping has been read by then.
     return m_connection.onEvent([handler = std::move(handler)](const xcb_generic_event_t &event) {
         if (eventType(event) == XCB_MAPPING_NOTIFY) {
             handler();

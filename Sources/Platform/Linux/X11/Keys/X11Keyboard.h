@@ -23,11 +23,11 @@ class X11Keyboard {
     /// Calls the handler after the keyboard's mapping changed, until the handle is destroyed.
     [[nodiscard]] RegistrationHandle onChange(std::function<void()> handler);
 
-    /// The X key codes that act as this key under the present mapping. Never empty for a key of namespace keyCode.
+    /// The X key codes that act as this key under the current mapping. Never empty for a key of namespace keyCode.
     [[nodiscard]] std::vector<xcb_keycode_t> keyCodes(KeyCode key) const;
-    /// The key at an X key code, or absent when it is none of the namespace keyCode.
+    /// The key at an X key code; absent when namespace keyCode does not have it.
     [[nodiscard]] std::optional<KeyCode> key(xcb_keycode_t code) const;
-    /// Every combination of lock modifiers (Caps Lock, Num Lock, Scroll Lock), none included, as X modifier masks.
+    /// Every combination of lock modifiers (Caps Lock, Num Lock, Scroll Lock), the empty one too, as X modifier masks.
     [[nodiscard]] std::vector<std::uint16_t> lockCombinations() const;
     /// The modifiers of an event's state, locks and layout left out.
     [[nodiscard]] static EventFlags flags(std::uint16_t state);
@@ -37,7 +37,7 @@ class X11Keyboard {
     [[nodiscard]] const std::vector<xcb_keycode_t> &modifierKeys(int modifier) const;
     /// The X key codes of all modifiers that work by being held: not the locks.
     [[nodiscard]] const KeysDown &heldModifierKeys() const { return m_heldModifierKeys; }
-    /// The keys that are down now, whoever presses them. Waits for the X server.
+    /// The keys that are down now, no matter who presses them. Waits for the X server.
     [[nodiscard]] KeysDown keysDown() const;
 
   private:

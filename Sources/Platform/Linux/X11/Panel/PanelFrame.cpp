@@ -32,7 +32,7 @@ xcb_connection_t *qtConnection() {
     return native != nullptr ? native->connection() : nullptr;
 }
 
-// Asks picom and its kin for no shadow of theirs: we draw our own, and theirs would be that of the whole rectangle.
+// Tells picom and similar compositors to draw no shadow: ours follows the cards, theirs the whole rectangle.
 void refuseForeignShadow(xcb_connection_t *connection, xcb_window_t window) {
     const QByteArray name = "_COMPTON_SHADOW";
     const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.constData());
@@ -60,7 +60,7 @@ void setShape(xcb_window_t window, xcb_shape_kind_t kind, const QRegion &region)
                          static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
 }
 
-/// The whole pixels of a rounded rectangle, row by row: outlines of polygons come out with flat corners.
+/// The pixels of a rounded rectangle, row by row: a polygon's region has flattened corners.
 QRegion roundedRegion(const QRect &rect, double radius) {
     const int rows = std::min(static_cast<int>(std::ceil(radius)), rect.height() / 2);
     std::vector<QRect> bands{rect.adjusted(0, rows, 0, -rows)};

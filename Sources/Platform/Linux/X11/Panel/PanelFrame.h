@@ -10,9 +10,8 @@
 namespace platform::desktop {
 
 /// The native window of a panel: an override-redirect window, which no window manager focuses, moves, decorates or
-/// keeps on one workspace. Around its content it holds a margin for the shadow while a compositor runs; the pointer
-/// falls through the margin and the gaps. Without a compositor it is opaque, cut to the content's shape, and has a line
-/// around it.
+/// keeps on one workspace. While a compositor runs it has a margin around its content for the shadow; clicks go through
+/// the margin and the gaps. Without a compositor it is opaque, cut to the content's shape, with a line around it.
 class PanelFrame final : public QWidget {
   public:
     PanelFrame();
@@ -29,7 +28,7 @@ class PanelFrame final : public QWidget {
     void paintEvent(QPaintEvent *event) override;
 
   private:
-    /// A line that sets the opaque look off from what lies behind it, in points.
+    /// The line that sets an opaque panel off from what lies behind it, in points.
     static constexpr int outlineWidth = 1;
     [[nodiscard]] int margin() const { return m_composited ? PanelShadow::extent : outlineWidth; }
     [[nodiscard]] QList<QRectF> shape() const;

@@ -23,7 +23,7 @@ struct Layer {
 // A close one that sets the edge off, and a wide one that lifts the card.
 constexpr std::array layers{Layer{1.2, 0.5, 0.30}, Layer{10, 6, 0.75}};
 
-// What the corner pieces cover: the shadow outside, the corner, and where the wide layer still curves inside.
+// The size of a corner piece: the shadow outside, the corner, and as far inside as the wide layer still curves.
 int cornerExtent(double cornerRadius) {
     return PanelShadow::extent + static_cast<int>(std::ceil(cornerRadius)) + 22;
 }
@@ -40,7 +40,7 @@ double shadowAt(QPointF point, const QRectF &rect, double cornerRadius) {
         const double distance = distanceOutside(point, rect.translated(0, layer.offset), cornerRadius + layer.sigma);
         light *= 1 - layer.strength * 0.5 * std::erfc(distance / (layer.sigma * std::numbers::sqrt2));
     }
-    // Let it end at nothing, not with an edge.
+    // Fades out to nothing instead of ending in an edge.
     const double reach = distanceOutside(point, rect, cornerRadius);
     return (1 - light) * std::clamp((PanelShadow::extent - reach) / 8, 0.0, 1.0);
 }
@@ -87,7 +87,7 @@ void PanelShadow::paint(QPainter &painter, const QRectF &rect, double cornerRadi
     painter.setOpacity(1);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-    // A little smaller than what covers it, whose corners may be of a finer curve than a circle's.
+    // A little smaller than the card, whose corners may be rounder than a circle.
     QPainterPath inside;
     inside.addRoundedRect(rect.adjusted(1, 1, -1, -1), cornerRadius, cornerRadius);
     painter.fillPath(inside, Qt::black);

@@ -15,7 +15,7 @@ class PanelShadow {
     /// How far it reaches beyond its rectangle, in points.
     static constexpr int extent = 34;
 
-    /// Paints the shadow of a rectangle, and nothing where the rectangle itself is. Pictures are made for one radius
+    /// Paints the shadow of a rectangle, and nothing where the rectangle itself is. The picture is kept for one radius
     /// and scale at a time.
     void paint(QPainter &painter, const QRectF &rect, double cornerRadius, double opacity);
 

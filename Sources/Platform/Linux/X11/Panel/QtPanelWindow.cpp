@@ -115,7 +115,7 @@ void QtPanelWindow::animateTo(double progress) {
     }
 }
 
-// A new size is followed by a new place in most cases: seen together they are one step, without flicker.
+// A new size is mostly followed by a new place: applied together they do not flicker.
 void QtPanelWindow::applyLater() {
     m_apply.start();
 }

@@ -12,9 +12,8 @@
 
 namespace platform::desktop {
 
-/// A panel window on X11. Where no compositor runs it cannot be translucent: it then only moves where it would fade.
-/// It is raised when told to and not whenever something covers it: what comes up over it, a menu or the lock screen,
-/// does so rightly.
+/// A panel window on X11. Without a compositor it cannot be translucent and only moves where it would fade. It is
+/// raised when told to, not whenever it is covered: a menu or the lock screen belongs above it.
 class QtPanelWindow final : public PanelWindow {
   public:
     explicit QtPanelWindow(X11Screens &screens);
@@ -61,7 +60,7 @@ class QtPanelWindow final : public PanelWindow {
 
 class QtPanelWindows final : public PanelWindows {
   public:
-    /// The screens say where on the desktop a place in screen coordinates is.
+    /// screens: converts screen coordinates to Qt's; outlives this and the panels.
     explicit QtPanelWindows(X11Screens &screens) : m_screens(screens) {}
     [[nodiscard]] std::unique_ptr<PanelWindow> create() override;
 
