@@ -5,7 +5,6 @@
 #include "Platform/Linux/X11/Keys/X11Keyboard.h"
 #include "RealDesktop/RealDesktop.h"
 
-#include <QClipboard>
 #include <QFile>
 #include <QGuiApplication>
 #include <QTemporaryDir>
@@ -69,11 +68,7 @@ class X11Clipboard : public testing::Test {
         EXPECT_TRUE(spinUntil([&] { return pasteboard->changeCount() != before; }));
         return other;
     }
-    xcb_window_t owner() {
-        XClient &other = client();
-        const auto question = xcb_get_selection_owner(other.connection().get(), other.connection().atom("CLIPBOARD"));
-        return other.connection().reply(xcb_get_selection_owner_reply, question)->owner;
-    }
+    xcb_window_t owner() { return client().connection().ownerOf(client().connection().atom("CLIPBOARD")); }
     XClient &client() {
         if (!m_client) {
             m_client = std::make_unique<XClient>();
@@ -204,19 +199,6 @@ TEST_F(X11Clipboard, KeepsTheTypesThatCameWhenOneNeverDoes) {
     const unsigned int before = xcb_no_operation(connection->get()).sequence;
     EXPECT_EQ(copy(), (Items{{{{u"text/good"_s, "fine"}}}}));
     EXPECT_LT(xcb_no_operation(connection->get()).sequence - before, 1000U) << "requests, which take the main thread";
-}
-
-TEST_F(X11Clipboard, WorksWithTheToolkitsOwnClipboard) {
-    pasteboard->setString(u"to Qt"_s);
-    // Qt waits for the answer in its own loop, so it is asked from another process.
-    EXPECT_EQ(readByOther("UTF8_STRING"), "to Qt");
-    const qint64 ours = pasteboard->changeCount();
-    QGuiApplication::clipboard()->setText(u"from Qt"_s);
-    EXPECT_TRUE(spinUntil([&] { return pasteboard->changeCount() != ours; }));
-    const Items items = copy().value_or(Items{});
-    ASSERT_EQ(items.size(), 1U);
-    EXPECT_THAT(items.front().representations,
-                testing::Contains(testing::Pair(u"UTF8_STRING"_s, QByteArray("from Qt"))));
 }
 
 TEST_F(X11Clipboard, HandsTheUsersContentToAClipboardManagerAtTheEnd) {

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 
-
 namespace platform::desktop {
 
 namespace {

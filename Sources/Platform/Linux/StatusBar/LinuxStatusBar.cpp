@@ -26,18 +26,13 @@ constexpr auto settling = 1s;
 
 class LinuxStatusBar::Listening final : public Registration {
   public:
-    explicit Listening(LinuxStatusBar &bar) : m_bar(bar), m_life(bar.m_life) {}
-    ~Listening() override {
-        if (!m_life.expired()) {
-            m_bar.m_changed = nullptr;
-        }
-    }
+    explicit Listening(LinuxStatusBar &bar) : m_end(bar.m_life.whileAlive([&bar] { bar.m_changed = nullptr; })) {}
+    ~Listening() override { m_end(); }
     Listening(const Listening &) = delete;
     Listening &operator=(const Listening &) = delete;
 
   private:
-    LinuxStatusBar &m_bar;
-    std::weak_ptr<bool> m_life;
+    std::function<void()> m_end;
 };
 
 LinuxStatusBar::LinuxStatusBar(MainQueue &mainQueue, bool hasEmbeddingTray)
@@ -103,12 +98,10 @@ void LinuxStatusBar::askForNotifiers() {
 }
 
 void LinuxStatusBar::embeddingTrayChanged(bool isThere) {
-    m_mainQueue.postAfter(settling, [this, isThere, life = std::weak_ptr(m_life)] {
-        if (!life.expired()) {
-            m_hasTray = isThere;
-            update();
-        }
-    });
+    m_mainQueue.postAfter(settling, m_life.whileAlive([this, isThere] {
+        m_hasTray = isThere;
+        update();
+    }));
 }
 
 void LinuxStatusBar::update() {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/LifeToken.h"
 #include "Platform/StatusBar.h"
 
 #include <memory>
@@ -47,8 +48,7 @@ class LinuxStatusBar final : public StatusBar {
     /// Started by signals of the bus, which can only call slots.
     std::unique_ptr<QTimer> m_ask;
     int m_timesAsked = 0;
-    /// Gone with this object; postponed work checks it.
-    std::shared_ptr<bool> m_life = std::make_shared<bool>();
+    LifeToken m_life;
 };
 
 } // namespace platform::desktop
