@@ -6,8 +6,6 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
-#include <xcb/xcbext.h>
-
 #include <algorithm>
 #include <poll.h>
 
@@ -156,10 +154,6 @@ void X11Connection::sendEventMask(xcb_window_t window) {
     xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &mask);
 }
 
-void X11Connection::whenReplied(xcb_get_property_cookie_t cookie, PropertyHandler handler) {
-    m_replies.push_back({cookie.sequence, std::move(handler)});
-}
-
 xcb_get_property_cookie_t X11Connection::askValues(xcb_window_t window, xcb_atom_t property) const {
     return xcb_get_property(m_connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, maximumValues);
 }
@@ -229,10 +223,7 @@ void X11Connection::readQueued() {
 }
 
 void X11Connection::handOut() {
-    while (handOutReply() || !m_events.empty()) {
-        if (m_events.empty()) {
-            continue;
-        }
+    while (!m_events.empty()) {
         const X11Event event = std::move(m_events.front());
         m_events.pop_front();
         const auto handlers = m_handlers;
@@ -244,24 +235,6 @@ void X11Connection::handOut() {
         readQueued();
     }
     flush();
-}
-
-/// The event that announces a portion of a selection comes right after the answer to the previous question, so answers
-/// go first.
-bool X11Connection::handOutReply() {
-    if (m_replies.empty()) {
-        return false;
-    }
-    void *answer = nullptr;
-    xcb_generic_error_t *error = nullptr;
-    if (xcb_poll_for_reply(m_connection, m_replies.front().sequence, &answer, &error) == 0) {
-        return false;
-    }
-    std::free(error);
-    const PropertyHandler handler = std::move(m_replies.front().handler);
-    m_replies.pop_front();
-    handler(X11Reply<xcb_get_property_reply_t>(static_cast<xcb_get_property_reply_t *>(answer)));
-    return true;
 }
 
 void X11Connection::lose() {

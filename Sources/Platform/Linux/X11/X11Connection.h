@@ -33,7 +33,6 @@ using X11Event = X11Reply<xcb_generic_event_t>;
 class X11Connection {
   public:
     using EventHandler = std::function<void(const xcb_generic_event_t &)>;
-    using PropertyHandler = std::function<void(X11Reply<xcb_get_property_reply_t>)>;
 
     /// Connects to a display, by default the one in DISPLAY. Null when it cannot be reached. Needs no application
     /// object yet.
@@ -78,9 +77,6 @@ class X11Connection {
         std::free(error);
         return answer;
     }
-    /// Calls the handler with the answer when it comes (null on an error), before any event that the server sent after
-    /// it. Not called any more once this connection is destroyed.
-    void whenReplied(xcb_get_property_cookie_t cookie, PropertyHandler handler);
     /// All 32-bit values of a window's property; empty when it is absent or of another format.
     [[nodiscard]] std::vector<std::uint32_t> values(xcb_window_t window, const QByteArray &property) {
         return values(askValues(window, atom(property)));
@@ -105,18 +101,12 @@ class X11Connection {
     void dispatchWithin(int milliseconds);
 
   private:
-    struct PendingReply {
-        unsigned int sequence;
-        PropertyHandler handler;
-    };
-
     class EventSelection;
 
     X11Connection(xcb_connection_t *connection, int screenNumber);
     void sendEventMask(xcb_window_t window);
     void readQueued();
     void handOut();
-    bool handOutReply();
     void lose();
 
     xcb_connection_t *m_connection;
@@ -128,7 +118,6 @@ class X11Connection {
     std::map<xcb_atom_t, QString> m_atomNames;
     std::multimap<xcb_window_t, std::uint32_t> m_eventMasks;
     std::deque<X11Event> m_events;
-    std::deque<PendingReply> m_replies;
     std::vector<std::shared_ptr<EventHandler>> m_handlers;
     std::unique_ptr<QSocketNotifier> m_notifier;
     QObject m_context;

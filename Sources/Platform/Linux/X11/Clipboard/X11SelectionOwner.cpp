@@ -119,28 +119,22 @@ void X11SelectionOwner::serveMultiple(const xcb_selection_request_event_t &reque
         answer(request, XCB_NONE);
         return;
     }
-    const auto cookie = xcb_get_property(m_connection.get(), 0, request.requestor, request.property,
-                                         XCB_GET_PROPERTY_TYPE_ANY, 0, maximumPairs * 2);
-    m_connection.whenReplied(
-        cookie, [this, request, alive = std::weak_ptr(m_alive)](X11Reply<xcb_get_property_reply_t> wanted) {
-            if (alive.expired()) {
-                return;
-            }
-            if (!wanted || wanted->format != 32) {
-                answer(request, XCB_NONE);
-                return;
-            }
-            auto *atoms = static_cast<xcb_atom_t *>(xcb_get_property_value(wanted.get()));
-            for (std::uint32_t i = 0; i + 1 < wanted->value_len; i += 2) {
-                if (!convert(request.requestor, atoms[i], atoms[i + 1])) {
-                    atoms[i + 1] = XCB_NONE;
-                }
-            }
-            xcb_change_property(m_connection.get(), XCB_PROP_MODE_REPLACE, request.requestor, request.property,
-                                wanted->type, 32, wanted->value_len, atoms);
-            answer(request, request.property);
-        });
-    m_connection.flush();
+    const auto question = xcb_get_property(m_connection.get(), 0, request.requestor, request.property,
+                                           XCB_GET_PROPERTY_TYPE_ANY, 0, maximumPairs * 2);
+    const auto wanted = m_connection.reply(xcb_get_property_reply, question);
+    if (!wanted || wanted->format != 32) {
+        answer(request, XCB_NONE);
+        return;
+    }
+    auto *atoms = static_cast<xcb_atom_t *>(xcb_get_property_value(wanted.get()));
+    for (std::uint32_t i = 0; i + 1 < wanted->value_len; i += 2) {
+        if (!convert(request.requestor, atoms[i], atoms[i + 1])) {
+            atoms[i + 1] = XCB_NONE;
+        }
+    }
+    xcb_change_property(m_connection.get(), XCB_PROP_MODE_REPLACE, request.requestor, request.property, wanted->type,
+                        32, wanted->value_len, atoms);
+    answer(request, request.property);
 }
 
 void X11SelectionOwner::answer(const xcb_selection_request_event_t &request, xcb_atom_t property) {

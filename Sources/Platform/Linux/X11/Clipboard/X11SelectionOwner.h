@@ -62,7 +62,6 @@ class X11SelectionOwner {
     qint64 m_timesServed = 0;
     xcb_timestamp_t m_since = XCB_CURRENT_TIME;
     QTimer m_reaper;
-    std::shared_ptr<int> m_alive = std::make_shared<int>();
     RegistrationHandle m_events;
 };
 

@@ -63,7 +63,6 @@ X11SelectionReader::~X11SelectionReader() {
 
 void X11SelectionReader::start() {
     ++m_attempts;
-    m_attempt = std::make_shared<int>(m_attempts);
     m_transfers.clear();
     m_total = m_reserved = 0;
     if (m_window != XCB_NONE) {
@@ -124,17 +123,14 @@ void X11SelectionReader::handleNotify(const xcb_selection_notify_event_t &notify
             askForAll({m_connection.atom("UTF8_STRING"), XCB_ATOM_STRING});
             return;
         }
-        const auto cookie = xcb_get_property(m_connection.get(), 1, m_window, notify.property,
-                                             XCB_GET_PROPERTY_TYPE_ANY, 0, maximumOffers);
-        m_connection.whenReplied(cookie, [this, attempt = std::weak_ptr(m_attempt)](auto answer) {
-            if (!attempt.expired()) {
-                handleTargets(std::move(answer));
-            }
-        });
+        handleTargets(notify.property);
     }
 }
 
-void X11SelectionReader::handleTargets(X11Reply<xcb_get_property_reply_t> answer) {
+void X11SelectionReader::handleTargets(xcb_atom_t property) {
+    const auto question =
+        xcb_get_property(m_connection.get(), 1, m_window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, maximumOffers);
+    const auto answer = m_connection.reply(xcb_get_property_reply, question);
     if (!answer || answer->format != 32) {
         finish(false);
         return;
@@ -162,19 +158,19 @@ X11SelectionReader::Transfer *X11SelectionReader::transfer(xcb_atom_t target) {
     return found == m_transfers.end() ? nullptr : &*found;
 }
 
-void X11SelectionReader::fetch(const Transfer &transfer) {
-    const xcb_atom_t target = transfer.value.target;
-    // Reading the last piece deletes the property, which makes the owner send the next portion.
-    const auto cookie = xcb_get_property(m_connection.get(), 1, m_window, target, XCB_GET_PROPERTY_TYPE_ANY,
-                                         transfer.offset / 4, pieceBytes / 4);
-    m_connection.whenReplied(cookie, [this, target, attempt = std::weak_ptr(m_attempt)](auto answer) {
-        Transfer *found = attempt.expired() ? nullptr : this->transfer(target);
-        if (found != nullptr && answer) {
-            receive(*found, *answer);
-        } else if (found != nullptr) {
-            settle(*found, Stage::absent);
+/// Reads what the property of a transfer holds. The server has it, so this does not wait for the owner.
+void X11SelectionReader::fetch(Transfer &transfer) {
+    for (bool isMore = true; isMore;) {
+        // Reading the last piece deletes the property, which makes the owner send the next portion.
+        const auto question = xcb_get_property(m_connection.get(), 1, m_window, transfer.value.target,
+                                               XCB_GET_PROPERTY_TYPE_ANY, transfer.offset / 4, pieceBytes / 4);
+        const auto answer = m_connection.reply(xcb_get_property_reply, question);
+        if (!answer) {
+            settle(transfer, Stage::absent);
+            return;
         }
-    });
+        isMore = receive(transfer, *answer);
+    }
 }
 
 /// Trusts the owner's figure within limits: many types may be announced as large at once.
@@ -184,19 +180,20 @@ void X11SelectionReader::makeRoom(QByteArray &data, qsizetype wanted) {
     data.reserve(room);
 }
 
-void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_reply_t &answer) {
+/// Whether the property holds more. After the last piece the transfer may be gone.
+bool X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_reply_t &answer) {
     X11SelectionValue &value = transfer.value;
     if (transfer.stage == Stage::asked && answer.type == m_connection.atom("INCR")) {
         transfer.stage = Stage::incremental;
         makeRoom(value.data, announcedSize(answer));
-        return;
+        return false;
     }
     if (answer.type == XCB_NONE) {
         // While portions come: this one was announced twice and has been read.
         if (transfer.stage == Stage::asked) {
             settle(transfer, Stage::absent);
         }
-        return;
+        return false;
     }
     m_stall.start(longestSilence);
     const int length = xcb_get_property_value_length(&answer);
@@ -205,7 +202,7 @@ void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
         m_total -= value.data.size() + length;
         value.data.clear();
         settle(transfer, Stage::tooLarge);
-        return;
+        return false;
     }
     value.type = answer.type;
     value.format = answer.format;
@@ -215,11 +212,10 @@ void X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
     value.data.append(static_cast<const char *>(xcb_get_property_value(&answer)), length);
     const bool isEnd = length == 0 && transfer.offset == 0;
     transfer.offset = answer.bytes_after > 0 ? transfer.offset + static_cast<std::uint32_t>(length) : 0;
-    if (answer.bytes_after > 0) {
-        fetch(transfer);
-    } else if (transfer.stage == Stage::asked || isEnd) {
+    if (answer.bytes_after == 0 && (transfer.stage == Stage::asked || isEnd)) {
         settle(transfer, Stage::complete);
     }
+    return answer.bytes_after > 0;
 }
 
 void X11SelectionReader::settle(Transfer &transfer, Stage stage) {
@@ -244,7 +240,6 @@ void X11SelectionReader::handleDeadline() {
 void X11SelectionReader::finish(bool isAnswered) {
     m_stall.stop();
     m_deadline.stop();
-    m_attempt.reset();
     std::vector<X11SelectionValue> values;
     for (Transfer &transfer : m_transfers) {
         if (transfer.stage == Stage::complete) {

@@ -48,12 +48,12 @@ class X11SelectionReader {
     void askFor(xcb_atom_t target);
     void handle(const xcb_generic_event_t &event);
     void handleNotify(const xcb_selection_notify_event_t &notify);
-    void handleTargets(X11Reply<xcb_get_property_reply_t> answer);
+    void handleTargets(xcb_atom_t property);
     void askForAll(const std::vector<xcb_atom_t> &targets);
     [[nodiscard]] Transfer *transfer(xcb_atom_t target);
-    void fetch(const Transfer &transfer);
+    void fetch(Transfer &transfer);
     void makeRoom(QByteArray &data, qsizetype wanted);
-    void receive(Transfer &transfer, const xcb_get_property_reply_t &answer);
+    [[nodiscard]] bool receive(Transfer &transfer, const xcb_get_property_reply_t &answer);
     void settle(Transfer &transfer, Stage stage);
     void handleDeadline();
     /// isAnswered: whether the owner has answered everything.
@@ -71,8 +71,6 @@ class X11SelectionReader {
     bool m_isExtended = false;
     QTimer m_stall;
     QTimer m_deadline;
-    /// Gone with the attempt, whose late answers must not reach this object.
-    std::shared_ptr<int> m_attempt;
     RegistrationHandle m_events;
 };
 
