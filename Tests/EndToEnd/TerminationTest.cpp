@@ -6,9 +6,7 @@
 #include <QCoreApplication>
 #include <QFile>
 
-#include <array>
 #include <csignal>
-#include <cstring>
 
 namespace quillory::test {
 
@@ -22,43 +20,32 @@ class ClipboardManager {
   public:
     ClipboardManager() {
         m_connection->watch();
+        m_content->watch();
         m_events = m_connection->onEvent([this](const xcb_generic_event_t &event) {
             if (eventType(event) == XCB_SELECTION_REQUEST) {
                 takeOver(eventAs<xcb_selection_request_event_t>(event));
             }
         });
-        // On a window of its own: the connection's is the one that owns the clipboard.
-        const xcb_window_t window = xcb_generate_id(m_connection->get());
-        xcb_create_window(m_connection->get(), XCB_COPY_FROM_PARENT, window, m_connection->root(), -1, -1, 1, 1, 0,
-                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-        xcb_set_selection_owner(m_connection->get(), window, m_manager, XCB_CURRENT_TIME);
+        xcb_set_selection_owner(m_connection->get(), m_connection->window(), m_manager, XCB_CURRENT_TIME);
         m_connection->sync();
     }
     X11Connection &connection() { return *m_connection; }
 
   private:
     void takeOver(const xcb_selection_request_event_t &request) {
-        if (request.selection != m_manager || request.target != m_connection->atom("SAVE_TARGETS")) {
+        if (request.selection != m_manager) {
             return;
         }
-        m_pasteboard.copyItems([this, request](const auto &items) {
-            m_pasteboard.writeObjects(items.value_or(platform::PasteboardItems()));
-            xcb_selection_notify_event_t notify{};
-            notify.response_type = XCB_SELECTION_NOTIFY;
-            notify.requestor = request.requestor;
-            notify.selection = request.selection;
-            notify.target = request.target;
-            notify.property = request.property;
-            std::array<char, 32> event{};
-            std::memcpy(event.data(), &notify, sizeof notify);
-            xcb_send_event(m_connection->get(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT, event.data());
-            m_connection->flush();
-        });
+        // Without an answer the program serves its content for a moment, which is long enough.
+        m_pasteboard.copyItems(
+            [this](const auto &items) { m_pasteboard.writeObjects(items.value_or(platform::PasteboardItems())); });
     }
 
     std::unique_ptr<X11Connection> m_connection = X11Connection::open();
     xcb_atom_t m_manager = m_connection->atom("CLIPBOARD_MANAGER");
-    X11Pasteboard m_pasteboard{*m_connection};
+    /// Another one, since a pasteboard turns down what it is asked for about other selections.
+    std::unique_ptr<X11Connection> m_content = X11Connection::open();
+    X11Pasteboard m_pasteboard{*m_content};
     platform::RegistrationHandle m_events;
 };
 

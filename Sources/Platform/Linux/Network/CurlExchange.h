@@ -8,6 +8,9 @@
 
 namespace platform::desktop {
 
+/// What went wrong, as a sentence for users.
+[[nodiscard]] QString sentenceFor(CURLcode code);
+
 /// A transfer in curl's terms. Worker thread only.
 class CurlExchange {
   public:

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Network/NetworkWorker.h"
 
-#include "Platform/Linux/Network/CurlErrors.h"
 #include "Platform/Linux/Network/CurlExchange.h"
 
 #include <csignal>
