@@ -4,7 +4,6 @@
 #include "Platform/Linux/X11/Clipboard/X11Pasteboard.h"
 
 #include <QCoreApplication>
-#include <QFile>
 
 #include <csignal>
 
@@ -63,33 +62,15 @@ class Termination : public ChatStory {
             return condition();
         });
     }
-};
 
-INSTANTIATE_TEST_SUITE_P(In, Termination, chromiumAlone, testing::PrintToStringParamName());
-
-TEST_P(Termination, InTheSecondOfAPasteGivesClipboardAndKeysBack) {
-    const QString draft = u"helo can u send me the price list"_s;
-    const QString answer = u"Hello, can you please send me the price list?"_s;
-    m_settings = {{u"assistantMode"_s, u"false"_s}};
-    m_model.willAnswer(answer, Manner::answersAtOnce);
-    ClipboardManager manager;
-    ASSERT_NO_FATAL_FAILURE(openChat());
-    const struct {
-        const char *name;
-        std::function<bool()> isReached;
-    } moments[] = {
-        {"before the keys", [&] { return keyboard::clipboard("UTF8_STRING") == answer.toUtf8(); }},
-        {"before the clipboard is given back", [&] { return m_page.text() == answer; }},
-    };
-    for (const auto &[moment, isReached] : moments) {
-        SCOPED_TRACE(moment);
-        m_assistant.reset();
-        QFile::remove(qEnvironmentVariable("XDG_DATA_HOME") + u"/quillory/Library/Logs/Quillory.log"_s);
-        startAssistant();
-        ASSERT_TRUE(clickBox() && logged(u", chat app"_s));
-        keyboard::tap("ctrl+a");
-        keyboard::type(draft);
-        const QByteArray copied = QByteArray("copied ") + moment;
+    /// Accepts a rewrite, asks the program to end at a moment of the paste, and looks at what it leaves behind.
+    void endWhen(const std::function<bool()> &isReached) {
+        const QByteArray copied = "what the user had copied";
+        m_settings = {{u"assistantMode"_s, u"false"_s}};
+        m_model.willAnswer(m_answer, Manner::answersAtOnce);
+        ClipboardManager manager;
+        ASSERT_NO_FATAL_FAILURE(openChat());
+        keyboard::type(m_draft);
         keyboard::copy(copied, "UTF8_STRING");
         ASSERT_TRUE(waitUntil(
             [] {
@@ -110,11 +91,23 @@ TEST_P(Termination, InTheSecondOfAPasteGivesClipboardAndKeysBack) {
             return (found = reader.readAllStandardOutput()) == copied;
         })) << found.data();
         EXPECT_FALSE(isAnyKeyDown(manager.connection()));
+        keyboard::tap("Tab");
+        EXPECT_TRUE(waitUntil([&] { return keyReached(u"Tab"_s); })) << "the key is free";
     }
-    EXPECT_EQ(m_page.text(), answer);
-    keyboard::tap("Tab");
-    keyboard::tap("Escape");
-    EXPECT_TRUE(waitUntil([&] { return keyReached(u"Tab"_s) && keyReached(u"Escape"_s); })) << "the keys are free";
+
+    const QString m_draft = u"helo can u send me the price list"_s;
+    const QString m_answer = u"Hello, can you please send me the price list?"_s;
+};
+
+INSTANTIATE_TEST_SUITE_P(In, Termination, chromiumAlone, testing::PrintToStringParamName());
+
+TEST_P(Termination, BeforeTheKeysOfAPasteGivesTheClipboardBack) {
+    endWhen([&] { return keyboard::clipboard("UTF8_STRING") == m_answer.toUtf8(); });
+}
+
+TEST_P(Termination, AfterTheKeysOfAPasteGivesTheClipboardBack) {
+    endWhen([&] { return m_page.text() == m_answer; });
+    EXPECT_EQ(m_page.text(), m_answer);
 }
 
 } // namespace

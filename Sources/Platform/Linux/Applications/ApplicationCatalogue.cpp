@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Applications/ApplicationCatalogue.h"
 
-#include "Platform/Linux/Process/StandardError.h"
+#include "Platform/Linux/StandardError.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Storage/StoredSettings.h"
 
-#include "Platform/Linux/Process/StandardError.h"
+#include "Platform/Linux/StandardError.h"
 
 #include <QHash>
 

@@ -3,7 +3,7 @@
 #include "Platform/Linux/Updates/LinuxSystemTools.h"
 
 #include "Platform/FileSystem.h"
-#include "Platform/Linux/Process/StandardError.h"
+#include "Platform/Linux/StandardError.h"
 #include "Platform/Linux/Updates/ArchiveUnpacker.h"
 #include "Platform/Linux/Updates/Manifest.h"
 #include "Platform/Linux/Updates/UserApplications.h"

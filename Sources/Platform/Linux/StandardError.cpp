@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/Linux/Process/StandardError.h"
+#include "Platform/Linux/StandardError.h"
 
 #include <cstdio>
 
