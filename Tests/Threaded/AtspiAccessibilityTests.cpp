@@ -43,6 +43,9 @@ TEST_F(AtspiAccessibility, AnswersATickFromOneRoundTrip) {
                     Each(true));
     }
     EXPECT_LE(accessibility->traffic().roundTrips - before.roundTrips, ticks);
+    const std::string longText(25'000, 'x'); // more than is copied along with every tick
+    bus.change(field, [&](FakeElement &element) { element.text = longText; });
+    EXPECT_TRUE(waitForValue(longText.c_str()));
 }
 
 TEST_F(AtspiAccessibility, StopsReadingAFieldThatBecameAPassword) {
