@@ -127,25 +127,22 @@ void measureFAQ() {
     }
     jumping.print("jumping to another place");
     const auto fields = business(window).widget()->findChildren<QPlainTextEdit *>();
-    QPlainTextEdit *field = fields.back();
+    QPlainTextEdit *field = fields.at(entries / 2);
+    business(window).ensureWidgetVisible(field);
     field->setFocus();
     manyEdits(field).print("typing a character into an answer");
 }
 
 void measureProfile() {
-    for (const bool isOneLine : {false, true}) {
-        const QString sentence = QStringLiteral("We sell dresses and deliver all over Bahrain.");
-        AppSettings::shared().store().set(
-            settingsKey::businessProfile,
-            (sentence + (isOneLine ? u' ' : u'\n')).repeated(1'000'000 / (sentence.size() + 1)));
-        SettingsWindow window;
-        opening(window);
-        Times tab{{timed([&] { window.findChild<QTabBar *>()->setCurrentIndex(1); })}};
-        tab.print(isOneLine ? "first look at a profile of 1 MB in one line" : "first look at a profile of 1 MB");
-        auto *field = business(window).widget()->findChild<QPlainTextEdit *>();
-        field->setFocus();
-        manyEdits(field).print("typing a character into it");
-    }
+    const QString line = QStringLiteral("We sell dresses and deliver all over Bahrain.\n");
+    AppSettings::shared().store().set(settingsKey::businessProfile, line.repeated(1'000'000 / line.size()));
+    SettingsWindow window;
+    opening(window);
+    Times tab{{timed([&] { window.findChild<QTabBar *>()->setCurrentIndex(1); })}};
+    tab.print("first look at a profile of 1 MB");
+    auto *field = business(window).widget()->findChild<QPlainTextEdit *>();
+    field->setFocus();
+    manyEdits(field).print("typing a character into it");
 }
 
 } // namespace

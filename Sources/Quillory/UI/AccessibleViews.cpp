@@ -6,7 +6,6 @@
 #include "Quillory/UI/Card/KeyCap.h"
 #include "Quillory/UI/Card/RefiningIndicator.h"
 #include "Quillory/UI/Card/SuggestionCard.h"
-#include "Quillory/UI/Form/ClampedText.h"
 #include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Settings/SettingsWindow.h"
 #include "Quillory/UI/Shell/MenuWindow.h"
@@ -20,7 +19,7 @@ namespace {
 // The views have no class names of their own, so this is asked for every plain widget.
 QAccessibleInterface *makeInterface(const QString & /*className*/, QObject *object) {
     if (dynamic_cast<CardText *>(object) != nullptr || dynamic_cast<KeyHints *>(object) != nullptr ||
-        dynamic_cast<RefiningIndicator *>(object) != nullptr || dynamic_cast<ClampedText *>(object) != nullptr) {
+        dynamic_cast<RefiningIndicator *>(object) != nullptr) {
         return new QAccessibleWidget(static_cast<QWidget *>(object), QAccessible::StaticText);
     }
     if (dynamic_cast<SuggestionCard *>(object) != nullptr || dynamic_cast<FormSection *>(object) != nullptr) {

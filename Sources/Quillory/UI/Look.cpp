@@ -32,13 +32,26 @@ QColor gradientColor(double red, double green, double blue, double brightness) {
 
 } // namespace
 
+bool isDark(const QPalette &palette) {
+    return palette.color(QPalette::Active, QPalette::Window).lightness() < 128;
+}
+
+const Look &lookOf(const QPalette &palette) {
+    return isDark(palette) ? darkLook : lightLook;
+}
+
 const Look &lookOf(const QWidget &widget) {
-    return widget.palette().color(QPalette::Active, QPalette::Window).lightness() < 128 ? darkLook : lightLook;
+    return lookOf(widget.palette());
 }
 
 QColor faded(QColor color, double opacity) {
     color.setAlphaF(color.alphaF() * static_cast<float>(opacity));
     return color;
+}
+
+QColor mixed(const QColor &from, const QColor &to, double share) {
+    const auto part = [share](int a, int b) { return qRound(a + (b - a) * share); };
+    return {part(from.red(), to.red()), part(from.green(), to.green()), part(from.blue(), to.blue())};
 }
 
 QFont systemFont(double points, QFont::Weight weight, FontDesign design) {

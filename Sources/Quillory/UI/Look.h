@@ -8,9 +8,10 @@
 #include <QLinearGradient>
 #include <QPainterPath>
 
+class QPalette;
 class QWidget;
 
-/// The colours, typefaces and shapes that the card views share. All sizes are points, and a point is a
+/// The colours, typefaces and shapes that the windows and the cards share. All sizes are points, and a point is a
 /// device-independent pixel, for fonts too: what the desktop sets as text scaling reaches us as the screen's scale.
 namespace quillory::ui {
 
@@ -22,11 +23,16 @@ struct Look {
     QColor material;
 };
 
-/// The look that goes with a widget's palette, and so with the desktop's theme.
+/// Whether texts are light on a dark background.
+[[nodiscard]] bool isDark(const QPalette &palette);
+/// The look that goes with a palette, and so with the desktop's theme.
+[[nodiscard]] const Look &lookOf(const QPalette &palette);
 [[nodiscard]] const Look &lookOf(const QWidget &widget);
 
 /// The same colour, more transparent.
 [[nodiscard]] QColor faded(QColor color, double opacity);
+/// An opaque colour that is one at a share of 0 and the other at 1.
+[[nodiscard]] QColor mixed(const QColor &from, const QColor &to, double share);
 
 enum class FontDesign { standard, rounded };
 

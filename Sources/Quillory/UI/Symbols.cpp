@@ -3,6 +3,7 @@
 #include "Quillory/UI/Symbols.h"
 
 #include <QHash>
+#include <QIconEngine>
 #include <QPainter>
 #include <QSvgRenderer>
 
@@ -31,6 +32,19 @@ QImage shape(const QString &name, int side) {
     return *shapes.insert(key, drawnShape(name, side));
 }
 
+class SymbolEngine final : public QIconEngine {
+  public:
+    explicit SymbolEngine(QString name) : m_name(std::move(name)) {}
+    void paint(QPainter *painter, const QRect &rect, QIcon::Mode /*mode*/, QIcon::State /*state*/) override {
+        drawSymbol(*painter, rect, m_name, painter->pen().color());
+    }
+    [[nodiscard]] QIconEngine *clone() const override { return new SymbolEngine(m_name); }
+    QString iconName() override { return m_name; }
+
+  private:
+    QString m_name;
+};
+
 } // namespace
 
 double symbolSide(double points) {
@@ -49,6 +63,10 @@ void drawSymbol(QPainter &painter, const QRectF &rect, const QString &name, cons
     tint.end();
     image.setDevicePixelRatio(scale);
     painter.drawImage(rect.topLeft(), image);
+}
+
+QIcon symbolIcon(const QString &name) {
+    return QIcon(new SymbolEngine(name));
 }
 
 } // namespace quillory::ui

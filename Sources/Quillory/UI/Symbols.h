@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QBrush>
+#include <QIcon>
 #include <QRectF>
 #include <QString>
 
@@ -30,5 +31,8 @@ inline const QString plus = QStringLiteral("plus.circle.fill");
 /// Draws a symbol into a rectangle, filled with a brush whose coordinates are the painter's. Crisp at the painter's
 /// scale. A symbol that does not exist draws nothing.
 void drawSymbol(QPainter &painter, const QRectF &rect, const QString &name, const QBrush &brush);
+
+/// A symbol as the icon of a control. FormStyle draws it by its name, in the colour of the control's text.
+[[nodiscard]] QIcon symbolIcon(const QString &name);
 
 } // namespace quillory::ui

@@ -5,13 +5,14 @@
 #include "Quillory/UI/Look.h"
 #include "Quillory/UI/Symbols.h"
 
-#include <QAbstractScrollArea>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QScreen>
-#include <QStyle>
-#include <QVBoxLayout>
+#include <QScrollArea>
+#include <QTextLayout>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -23,16 +24,8 @@ namespace {
 
 constexpr double boxRadius = 9;
 constexpr int hairlineInset = 12;
-constexpr double rowHeight = 35;
-
-bool isDark(const QWidget &widget) {
-    return lookOf(widget).primary.lightness() > 128;
-}
-
-QColor mixed(const QColor &a, const QColor &b, double share) {
-    const auto part = [share](int from, int to) { return qRound(from + (to - from) * share); };
-    return {part(a.red(), b.red()), part(a.green(), b.green()), part(a.blue(), b.blue())};
-}
+constexpr int symbolGap = 7;
+constexpr double rowHeight = 36;
 
 /// The relative luminance and the contrast by which legibility is judged.
 double luminance(const QColor &color) {
@@ -48,17 +41,39 @@ double contrast(const QColor &a, const QColor &b) {
 }
 
 /// The desktop's accent, moved away from the background as far as text needs it.
-QColor legibleAccent(const QWidget &widget) {
+QColor legibleAccent(const QPalette &palette) {
     constexpr double enough = 4.5;
-    const QColor primary(widget.palette().color(QPalette::WindowText));
-    const QColor background = mixed(widget.palette().color(QPalette::Window), primary, 0.09); // that of a chosen tab
-    const QColor accent = widget.palette().color(QPalette::Highlight);
+    const QColor primary = palette.color(QPalette::Active, QPalette::WindowText);
+    const QColor chosenTab = mixed(palette.color(QPalette::Active, QPalette::Window), primary, 0.09);
+    const QColor accent = palette.color(QPalette::Active, QPalette::Highlight);
     QColor color = accent;
-    for (double share = 0; contrast(color, background) < enough && share <= 1; share += 0.05) {
+    for (double share = 0; contrast(color, chosenTab) < enough && share <= 1; share += 0.05) {
         color = mixed(accent, primary, share);
     }
     return color;
 }
+
+class FontKeeper final : public QObject {
+  public:
+    FontKeeper(QWidget &widget, double points, QFont::Weight weight)
+        : QObject(&widget), m_widget(widget), m_points(points), m_weight(weight) {
+        apply();
+        widget.installEventFilter(this);
+    }
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (event->type() == QEvent::ApplicationFontChange) {
+            apply();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+  private:
+    void apply() { m_widget.setFont(formFont(m_points, m_weight)); }
+
+    QWidget &m_widget;
+    double m_points;
+    QFont::Weight m_weight;
+};
 
 /// The rows' background and the lines between them.
 class FormBox final : public QWidget {
@@ -67,39 +82,29 @@ class FormBox final : public QWidget {
         m_rows->setContentsMargins(0, 0, 0, 0);
         m_rows->setSpacing(1);
     }
-    QVBoxLayout *rows() { return m_rows; }
+    QBoxLayout *rows() { return m_rows; }
 
   protected:
-    void paintEvent(QPaintEvent * /*event*/) override {
+    void paintEvent(QPaintEvent *event) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        const QColor line = faded(lookOf(*this).primary, isDark(*this) ? 0.10 : 0.08);
+        const bool dark = isDark(palette());
+        const QColor line = faded(lookOf(*this).primary, dark ? 0.10 : 0.08);
         painter.setPen(QPen(line, 1));
-        painter.setBrush(mixed(palette().color(QPalette::Window), Qt::white, isDark(*this) ? 0.05 : 0.6));
+        painter.setBrush(mixed(palette().color(QPalette::Window), Qt::white, dark ? 0.05 : 0.6));
         painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), boxRadius));
         bool isFirst = true;
         for (int i = 0; i < m_rows->count(); ++i) {
             const QLayoutItem &row = *m_rows->itemAt(i);
-            if (!row.isEmpty() && !std::exchange(isFirst, false)) {
-                painter.fillRect(hairlineInset, row.geometry().top() - 1, width() - 2 * hairlineInset, 1, line);
+            const QRect hairline(hairlineInset, row.geometry().top() - 1, width() - 2 * hairlineInset, 1);
+            if (!row.isEmpty() && !std::exchange(isFirst, false) && hairline.intersects(event->rect())) {
+                painter.fillRect(hairline, line);
             }
         }
     }
 
   private:
-    QVBoxLayout *m_rows;
-};
-
-class WheelGuard final : public QObject {
-  public:
-    using QObject::QObject;
-    bool eventFilter(QObject *watched, QEvent *event) override {
-        if (event->type() == QEvent::Wheel && !static_cast<QWidget *>(watched)->hasFocus()) {
-            event->ignore();
-            return true;
-        }
-        return QObject::eventFilter(watched, event);
-    }
+    QBoxLayout *m_rows;
 };
 
 } // namespace
@@ -118,17 +123,21 @@ QFont formFont(double points, QFont::Weight weight) {
     return systemFont(points * textScale(), weight);
 }
 
+void setFormFont(QWidget &widget, double points, QFont::Weight weight) {
+    new FontKeeper(widget, points, weight);
+}
+
 int scaled(double points) {
     return qRound(points * textScale());
 }
 
-QColor tintColor(const QWidget &widget, Tint tint) {
-    const bool dark = isDark(widget);
+QColor tintColor(const QPalette &palette, Tint tint) {
+    const bool dark = isDark(palette);
     switch (tint) {
     case Tint::secondary:
-        return lookOf(widget).secondary;
+        return lookOf(palette).secondary;
     case Tint::accent:
-        return legibleAccent(widget);
+        return legibleAccent(palette);
     case Tint::good:
         return dark ? QColor(0x5b, 0xc8, 0x6b) : QColor(0x17, 0x78, 0x33);
     case Tint::warning:
@@ -138,25 +147,15 @@ QColor tintColor(const QWidget &widget, Tint tint) {
     case Tint::primary:
         break;
     }
-    return lookOf(widget).primary;
-}
-
-bool showsFocus(const QWidget &widget) {
-    return widget.hasFocus() && widget.window()->testAttribute(Qt::WA_KeyboardFocusChange);
-}
-
-int labelFlags(const QWidget &widget, Qt::Alignment alignment) {
-    const bool isUnderlined = widget.style()->styleHint(QStyle::SH_UnderlineShortcut, nullptr, &widget) != 0;
-    return static_cast<int>(alignment.toInt()) |
-           static_cast<int>(isUnderlined ? Qt::TextShowMnemonic : Qt::TextHideMnemonic);
+    return lookOf(palette).primary;
 }
 
 FormText::FormText(const QString &text, double points, Tint tint, QFont::Weight weight)
-    : m_points(points), m_weight(weight), m_tint(tint) {
+    : m_points(points), m_tint(tint) {
     setTextFormat(Qt::PlainText);
     setWordWrap(true);
     setText(text);
-    applyFont();
+    setFormFont(*this, points, weight);
     applyTint();
 }
 
@@ -165,21 +164,41 @@ void FormText::setTint(Tint tint) {
     applyTint();
 }
 
+void FormText::setSymbol(const QString &name, Tint tint) {
+    m_symbol = name;
+    m_symbolTint = tint;
+    applySizes();
+    update();
+}
+
+void FormText::setLines(int lines) {
+    m_lines = lines;
+    setWordWrap(false);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    applySizes();
+}
+
+bool FormText::event(QEvent *event) {
+    if (event->type() == QEvent::ToolTip && m_lines > 0 && !text().isEmpty()) {
+        // As a paragraph it is broken into lines; left to itself, a service's words might be taken for markup.
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(),
+                           QStringLiteral("<p>%1</p>").arg(text().toHtmlEscaped()), this);
+        return true;
+    }
+    return QLabel::event(event);
+}
+
 void FormText::changeEvent(QEvent *event) {
     QLabel::changeEvent(event);
-    if (event->type() == QEvent::ApplicationFontChange) {
-        applyFont();
+    if (event->type() == QEvent::FontChange) {
+        applySizes();
     } else if (event->type() == QEvent::PaletteChange) {
         applyTint();
     }
 }
 
-void FormText::applyFont() {
-    setFont(formFont(m_points, m_weight));
-}
-
 void FormText::applyTint() {
-    const QColor color = tintColor(*this, m_tint);
+    const QColor color = tintColor(palette(), m_tint);
     if (palette().color(QPalette::WindowText) != color) {
         QPalette own = palette();
         own.setColor(QPalette::WindowText, color);
@@ -187,24 +206,48 @@ void FormText::applyTint() {
     }
 }
 
-SymbolView::SymbolView(const QString &name, double points, Tint tint) : m_name(name), m_points(points), m_tint(tint) {
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+void FormText::applySizes() {
+    if (!m_symbol.isEmpty()) {
+        setIndent(symbolExtent() + symbolGap);
+        setMinimumHeight(symbolExtent());
+    }
+    if (m_lines > 0) {
+        setFixedHeight(m_lines * fontMetrics().lineSpacing());
+    }
 }
 
-void SymbolView::setSymbol(const QString &name, Tint tint) {
-    m_name = name;
-    m_tint = tint;
-    update();
+int FormText::symbolExtent() const {
+    return qRound(symbolSide(m_points * textScale()));
 }
 
-QSize SymbolView::sizeHint() const {
-    const int side = qRound(symbolSide(m_points * textScale()));
-    return {side, side};
-}
-
-void SymbolView::paintEvent(QPaintEvent * /*event*/) {
+void FormText::paintEvent(QPaintEvent *event) {
     QPainter painter(this);
-    drawSymbol(painter, rect(), m_name, tintColor(*this, m_tint));
+    if (!m_symbol.isEmpty()) {
+        const int side = symbolExtent();
+        drawSymbol(painter, QRect(0, (height() - side) / 2, side, side), m_symbol, tintColor(palette(), m_symbolTint));
+    }
+    if (m_lines > 0) {
+        paintLines(painter);
+    } else {
+        painter.end();
+        QLabel::paintEvent(event);
+    }
+}
+
+void FormText::paintLines(QPainter &painter) const {
+    const QString text = QString(this->text()).replace(u'\n', u' ');
+    QTextLayout layout(text, font());
+    layout.beginLayout();
+    QStringList lines;
+    for (QTextLine line = layout.createLine(); line.isValid() && lines.size() < m_lines; line = layout.createLine()) {
+        line.setLineWidth(width());
+        const bool isLast = lines.size() == m_lines - 1;
+        lines.append(isLast ? fontMetrics().elidedText(text.sliced(line.textStart()), Qt::ElideRight, width())
+                            : text.sliced(line.textStart(), line.textLength()));
+    }
+    layout.endLayout();
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, lines.join(u'\n'));
 }
 
 FormSection::FormSection(const QString &heading, const QString &footer) {
@@ -227,35 +270,35 @@ FormSection::FormSection(const QString &heading, const QString &footer) {
     setAccessibleName(heading);
 }
 
-void FormSection::addRow(QWidget *row) {
-    m_rows->addWidget(row);
+void FormSection::addRow(QWidget *row, int index) {
+    m_rows->insertWidget(index, row);
 }
 
-void FormSection::addControl(FormText *label, QWidget *control) {
-    leaveWheelToPage(control);
-    label->setBuddy(control);
+QBoxLayout *FormSection::addRow(QBoxLayout::Direction direction) {
     auto *const row = new QWidget;
-    auto *const line = new QHBoxLayout(row);
-    line->setContentsMargins(rowMargins());
-    line->setSpacing(hairlineInset);
-    line->addWidget(label, 1);
-    line->addWidget(control);
+    auto *const content = new QBoxLayout(direction, row);
+    content->setContentsMargins(rowMargins());
     row->setMinimumHeight(scaled(rowHeight));
     addRow(row);
+    return content;
 }
 
 QMargins rowMargins() {
-    return {hairlineInset, 6, hairlineInset, 6};
+    return {hairlineInset, 5, hairlineInset, 5};
 }
 
 QMargins pageMargins() {
     return {20, 6, 9, 14}; // a scroll bar's room comes to the right one
 }
 
-void leaveWheelToPage(QWidget *control) {
-    control->setFocusPolicy(Qt::StrongFocus);
-    auto *const area = qobject_cast<QAbstractScrollArea *>(control);
-    (area != nullptr ? area->viewport() : control)->installEventFilter(new WheelGuard(control));
+QScrollArea *newFormArea() {
+    auto *const area = new QScrollArea;
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    area->setFocusPolicy(Qt::NoFocus);
+    return area;
 }
 
 } // namespace quillory::ui

@@ -2,79 +2,74 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QBoxLayout>
 #include <QLabel>
 
-class QVBoxLayout;
+class QScrollArea;
 
-/// What a grouped form is put together from: sections of rows in boxes with round corners, a heading above and a footer
-/// below. Sizes are points as elsewhere; those of texts, and what has to fit them, grow with the desktop's font.
+/// What grouped forms are put together from: sections of rows in boxes with round corners, a heading above and a footer
+/// below. FormStyle draws the controls in them. Sizes are points as elsewhere; those of texts, and of what has to fit
+/// them, grow with the desktop's font.
 namespace quillory::ui {
 
 /// How much larger than usual the desktop's font is; at least 1.
 [[nodiscard]] double textScale();
 /// The desktop's font, at this size where the desktop's own size is the usual one.
 [[nodiscard]] QFont formFont(double points, QFont::Weight weight = QFont::Normal);
+/// Gives a widget, and those in it that have none of their own, such a font, and keeps it when the desktop's changes.
+void setFormFont(QWidget &widget, double points, QFont::Weight weight = QFont::Normal);
 /// A length that grows with the texts, in whole points.
 [[nodiscard]] int scaled(double points);
 
-/// The size of most texts of a form, and of its captions.
+/// The sizes of most texts, of what the user writes, and of captions.
 inline constexpr double bodyPoints = 13;
+inline constexpr double fieldPoints = 12;
 inline constexpr double captionPoints = 11;
 
 enum class Tint { primary, secondary, accent, good, warning, bad };
-/// The colour on a widget's background, with the contrast that text needs.
-[[nodiscard]] QColor tintColor(const QWidget &widget, Tint tint);
-
-/// Whether a widget has to show that it has the keyboard focus: once the user has moved the focus by keyboard.
-[[nodiscard]] bool showsFocus(const QWidget &widget);
-
-/// How the painter draws a label: its mnemonic is underlined where the desktop does that.
-[[nodiscard]] int labelFlags(const QWidget &widget, Qt::Alignment alignment);
+/// The colour of a tint on the palette's window, with the contrast that text needs.
+[[nodiscard]] QColor tintColor(const QPalette &palette, Tint tint);
 
 /// A text of a form, broken into lines as needed. Never rich text, whatever is in it.
 class FormText final : public QLabel {
   public:
     FormText(const QString &text, double points, Tint tint = Tint::primary, QFont::Weight weight = QFont::Normal);
     void setTint(Tint tint);
-
-  protected:
-    void changeEvent(QEvent *event) override;
-
-  private:
-    void applyFont();
-    void applyTint();
-
-    double m_points;
-    QFont::Weight m_weight;
-    Tint m_tint;
-};
-
-/// A symbol beside a text of a size.
-class SymbolView final : public QWidget {
-  public:
-    SymbolView(const QString &name, double points, Tint tint);
+    /// Puts a symbol before the text.
     void setSymbol(const QString &name, Tint tint);
-    [[nodiscard]] QSize sizeHint() const override;
+    /// Takes the room of that many lines, no more and no less. The last one ends in an ellipsis where the text would go
+    /// on; all of it is in the tool tip then.
+    void setLines(int lines);
 
   protected:
+    bool event(QEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
   private:
-    QString m_name;
+    void applyTint();
+    void applySizes();
+    void paintLines(QPainter &painter) const;
+    [[nodiscard]] int symbolExtent() const;
+
     double m_points;
     Tint m_tint;
+    QString m_symbol;
+    Tint m_symbolTint = Tint::primary;
+    int m_lines = 0;
 };
 
-/// A box of rows with hairlines between them; an empty heading or footer takes no room.
-class FormSection final : public QWidget {
+/// A box of rows with hairlines between them. An empty heading or footer takes no room.
+class FormSection : public QWidget {
   public:
     explicit FormSection(const QString &heading = {}, const QString &footer = {});
-    void addRow(QWidget *row);
-    /// A row with a label at its leading edge and the control that it names at its trailing one.
-    void addControl(FormText *label, QWidget *control);
+    /// Adds a row, or puts it before the one of an index.
+    void addRow(QWidget *row, int index = -1);
+    /// Adds a row and returns its layout, which has the margins of a row.
+    QBoxLayout *addRow(QBoxLayout::Direction direction = QBoxLayout::LeftToRight);
 
   private:
-    QVBoxLayout *m_rows;
+    QBoxLayout *m_rows;
 };
 
 /// The space around the content of a row, and around and between the sections of a page.
@@ -82,7 +77,8 @@ class FormSection final : public QWidget {
 [[nodiscard]] QMargins pageMargins();
 inline constexpr int sectionGap = 16;
 
-/// Leaves turns of the wheel over a control to the page, which scrolls, unless the control has the focus.
-void leaveWheelToPage(QWidget *control);
+/// An area without a frame in which a page scrolls up and down. Its scroll bar always has its room, so that the page
+/// keeps its width.
+[[nodiscard]] QScrollArea *newFormArea();
 
 } // namespace quillory::ui

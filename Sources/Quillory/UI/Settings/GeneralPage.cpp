@@ -4,15 +4,15 @@
 
 #include "Quillory/Settings/AppSettings.h"
 #include "Quillory/UI/Form/Form.h"
-#include "Quillory/UI/Form/Stepper.h"
-#include "Quillory/UI/Form/SwitchRow.h"
 #include "Quillory/UI/Settings/SettingsBinding.h"
 #include "Quillory/UI/Settings/StatusSection.h"
 
 #include <QAbstractItemView>
+#include <QCheckBox>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QSlider>
-#include <QVBoxLayout>
+#include <QSpinBox>
 
 #include <algorithm>
 
@@ -33,10 +33,18 @@ int within(qint64 value, int least, int most) {
 }
 
 QWidget *switchFor(const QString &label, const QString &key, SettingsBinding &binding) {
-    auto *const row = new SwitchRow(label);
+    auto *const row = new QCheckBox(label);
     binding.onRefresh([=, &binding] { row->setChecked(binding.store().boolean(key)); });
     QObject::connect(row, &QCheckBox::clicked, row, [key, &binding](bool on) { binding.set(key, on); });
     return row;
+}
+
+/// A row with a label and the control that it names at its other end.
+void addControl(FormSection &section, FormText *label, QWidget *control) {
+    label->setBuddy(control);
+    QBoxLayout *const row = section.addRow();
+    row->addWidget(label, 1);
+    row->addWidget(control);
 }
 
 QComboBox *tonePopUp(SettingsBinding &binding) {
@@ -87,11 +95,11 @@ QWidget *GeneralPage::behaviorSection(SettingsBinding &binding) {
     section->addRow(switchFor(QStringLiteral("&Suggest replies in WhatsApp"), settingsKey::assistantMode, binding));
 
     QComboBox *const tone = tonePopUp(binding);
-    section->addControl(new FormText(QStringLiteral("&Tone"), bodyPoints), tone);
+    addControl(*section, new FormText(QStringLiteral("&Tone"), bodyPoints), tone);
 
     auto *const delayLabel = new FormText({}, bodyPoints);
     QSlider *const delay = delaySlider(binding);
-    section->addControl(delayLabel, delay);
+    addControl(*section, delayLabel, delay);
     binding.onRefresh([=, &binding] {
         const qint64 stored = binding.store().integer(settingsKey::debounceMs);
         delayLabel->setText(QStringLiteral("Trigger &delay: %1 ms").arg(stored));
@@ -101,9 +109,12 @@ QWidget *GeneralPage::behaviorSection(SettingsBinding &binding) {
     });
 
     auto *const charactersLabel = new FormText({}, bodyPoints);
-    auto *const characters = new Stepper;
+    auto *const characters = new QSpinBox;
     characters->setRange(fewestCharacters, mostCharacters);
-    section->addControl(charactersLabel, characters);
+    auto *const number = characters->findChild<QLineEdit *>();
+    number->hide();
+    number->setReadOnly(true); // digits would be typed into it
+    addControl(*section, charactersLabel, characters);
     binding.onRefresh([=, &binding] {
         const qint64 stored = binding.store().integer(settingsKey::minChars);
         charactersLabel->setText(QStringLiteral("&Minimum characters: %1").arg(stored));

@@ -5,8 +5,6 @@
 #include "Platform/Platform.h"
 #include "Quillory/Settings/AppSettings.h"
 #include "Quillory/UI/Form/Form.h"
-#include "Quillory/UI/Form/SettingsTabBar.h"
-#include "Quillory/UI/Form/SlimScrollBar.h"
 #include "Quillory/UI/Settings/BusinessPage.h"
 #include "Quillory/UI/Settings/GeneralPage.h"
 #include "Quillory/UI/Symbols.h"
@@ -14,7 +12,7 @@
 #include <QScrollArea>
 #include <QShortcut>
 #include <QStackedWidget>
-#include <QVBoxLayout>
+#include <QTabBar>
 
 namespace quillory::ui {
 
@@ -26,8 +24,8 @@ constexpr int businessTab = 1;
 } // namespace
 
 SettingsView::SettingsView()
-    : m_binding(AppSettings::shared().store()), m_tabs(new SettingsTabBar), m_pages(new QStackedWidget),
-      m_warning(warning()) {
+    : m_binding(AppSettings::shared().store()), m_tabs(new QTabBar), m_pages(new QStackedWidget), m_warning(warning()) {
+    setFormFont(*this, bodyPoints);
     setFixedSize(contentSize);
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 6, 0, 0);
@@ -35,10 +33,12 @@ SettingsView::SettingsView()
     column->addWidget(m_tabs, 0, Qt::AlignHCenter);
     column->addWidget(m_pages, 1);
     column->addWidget(m_warning);
-    m_tabs->add(symbolName::sliders, QStringLiteral("&General"));
-    m_tabs->add(symbolName::briefcase, QStringLiteral("&Business"));
-    addPage()->setWidget(new GeneralPage(m_binding));
-    addPage();
+    m_tabs->setDrawBase(false);
+    m_tabs->setExpanding(false);
+    setFormFont(*m_tabs, captionPoints);
+    addTab(symbolName::sliders, QStringLiteral("&General"));
+    addTab(symbolName::briefcase, QStringLiteral("&Business"));
+    showTab(0);
     connect(m_tabs, &QTabBar::currentChanged, this, [this](int index) { showTab(index); });
     const auto onKeys = [this](const QKeySequence &keys, auto tab) {
         connect(new QShortcut(keys, this), &QShortcut::activated, m_tabs,
@@ -51,43 +51,30 @@ SettingsView::SettingsView()
     onKeys(QKeySequence(Qt::ALT | Qt::Key_2), [] { return 1; });
 }
 
-QScrollArea *SettingsView::addPage() {
-    auto *const page = new QScrollArea;
-    page->setWidgetResizable(true);
-    page->setFrameShape(QFrame::NoFrame);
-    page->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    page->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    page->setVerticalScrollBar(new SlimScrollBar);
-    page->setFocusPolicy(Qt::NoFocus);
-    page->viewport()->setAutoFillBackground(false);
-    m_pages->addWidget(page);
-    return page;
+void SettingsView::addTab(const QString &symbol, const QString &label) {
+    m_tabs->addTab(symbolIcon(symbol), label);
+    m_pages->addWidget(newFormArea());
 }
 
-// The second page is made when it is first looked at: its texts may be long and many.
+// A page is made when it is first looked at: the texts of the second one may be long and many.
 void SettingsView::showTab(int index) {
-    auto *const page = static_cast<QScrollArea *>(m_pages->widget(index));
-    if (index == businessTab && page->widget() == nullptr) {
-        page->setWidget(new BusinessPage(m_binding, *page));
-    }
-    if (page->widget() != nullptr) {
-        page->widget()->setAutoFillBackground(false);
+    auto *const area = static_cast<QScrollArea *>(m_pages->widget(index));
+    if (area->widget() == nullptr) {
+        area->setWidget(index == businessTab ? static_cast<QWidget *>(new BusinessPage(m_binding, *area))
+                                             : new GeneralPage(m_binding));
     }
     m_pages->setCurrentIndex(index);
 }
 
-QWidget *SettingsView::warning() {
-    auto *const bar = new QWidget;
-    auto *const line = new QHBoxLayout(bar);
-    line->setContentsMargins(20, 8, 20, 8);
-    line->setSpacing(8);
-    line->addWidget(new SymbolView(symbolName::warning, bodyPoints, Tint::warning));
-    line->addWidget(new FormText(QStringLiteral("Changes cannot be saved to disk now. They count as long as Quillory "
-                                                "runs, and it goes on trying to save them."),
-                                 captionPoints, Tint::warning),
-                    1);
-    bar->hide();
-    return bar;
+FormText *SettingsView::warning() {
+    auto *const text = new FormText(
+        QStringLiteral("Changes cannot be saved to disk now. They count as long as Quillory runs, and it goes on "
+                       "trying to save them."),
+        captionPoints, Tint::warning);
+    text->setSymbol(symbolName::warning, Tint::warning);
+    text->setContentsMargins(20, 8, 20, 8);
+    text->hide();
+    return text;
 }
 
 void SettingsView::refresh() {

@@ -7,12 +7,12 @@
 
 #include <QWidget>
 
-class QScrollArea;
 class QStackedWidget;
+class QTabBar;
 
 namespace quillory::ui {
 
-class SettingsTabBar;
+class FormText;
 
 /// The content of the settings window: two tabs, each a grouped form that scrolls when it does not fit. While it is
 /// visible it follows what is stored.
@@ -26,14 +26,14 @@ class SettingsView final : public QWidget {
 
   private:
     void showTab(int index);
-    QScrollArea *addPage();
-    [[nodiscard]] QWidget *warning();
+    void addTab(const QString &symbol, const QString &label);
+    [[nodiscard]] static FormText *warning();
     void refresh();
 
     SettingsBinding m_binding;
-    SettingsTabBar *m_tabs;
+    QTabBar *m_tabs;
     QStackedWidget *m_pages;
-    QWidget *m_warning;
+    FormText *m_warning;
     platform::RegistrationHandle m_beat;
 };
 

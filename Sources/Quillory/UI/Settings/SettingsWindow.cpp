@@ -3,6 +3,7 @@
 #include "Quillory/UI/Settings/SettingsWindow.h"
 
 #include "Quillory/UI/AccessibleViews.h"
+#include "Quillory/UI/Form/FormStyle.h"
 #include "Quillory/UI/Settings/SettingsView.h"
 #include "Quillory/UI/Shell/BringToFront.h"
 
@@ -17,6 +18,7 @@ namespace quillory::ui {
 SettingsWindow::SettingsWindow()
     : QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
     installAccessibleViews();
+    FormStyle::install();
     setWindowTitle(QStringLiteral("Quillory"));
     auto *const content = new QVBoxLayout(this);
     content->setContentsMargins(0, 0, 0, 0);

@@ -3,20 +3,16 @@
 #pragma once
 
 #include "Quillory/Model/ConnectionCheck.h"
-
-#include <QWidget>
+#include "Quillory/UI/Form/Form.h"
 
 class QPushButton;
 
 namespace quillory::ui {
 
-class ClampedText;
-class FormText;
 class SettingsBinding;
-class SymbolView;
 
 /// Whether the program may read other applications, and whether the model service answers.
-class StatusSection final : public QWidget {
+class StatusSection final : public FormSection {
   public:
     explicit StatusSection(SettingsBinding &binding);
 
@@ -24,16 +20,13 @@ class StatusSection final : public QWidget {
     void showEvent(QShowEvent *event) override;
 
   private:
-    [[nodiscard]] QWidget *trustRow();
-    [[nodiscard]] QWidget *testRow();
     void showTrust();
     void showTest();
 
-    SymbolView *m_trustSymbol;
     FormText *m_trust;
     FormText *m_trustAdvice;
     QPushButton *m_testButton;
-    ClampedText *m_testResult;
+    FormText *m_testResult;
     ConnectionCheck m_test;
 };
 

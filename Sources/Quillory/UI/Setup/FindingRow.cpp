@@ -12,16 +12,18 @@ namespace quillory::ui {
 
 namespace {
 
-SymbolView *symbolFor(Finding::State state) {
+void showState(FormText &title, Finding::State state) {
     switch (state) {
     case Finding::State::good:
-        return new SymbolView(symbolName::done, bodyPoints, Tint::good);
+        title.setSymbol(symbolName::done, Tint::good);
+        break;
     case Finding::State::note:
-        return new SymbolView(symbolName::warning, bodyPoints, Tint::secondary);
+        title.setSymbol(symbolName::warning, Tint::secondary);
+        break;
     case Finding::State::problem:
+        title.setSymbol(symbolName::warning, Tint::warning);
         break;
     }
-    return new SymbolView(symbolName::warning, bodyPoints, Tint::warning);
 }
 
 /// Host names stay as they are.
@@ -36,19 +38,22 @@ FindingRow::FindingRow(const Finding &finding, std::function<void(const Finding 
     grid->setContentsMargins(rowMargins());
     grid->setHorizontalSpacing(8);
     grid->setVerticalSpacing(2);
-    grid->setColumnStretch(1, 1);
-    grid->addWidget(symbolFor(finding.state), 0, 0);
-    grid->addWidget(new FormText(finding.title, bodyPoints), 0, 1);
+    grid->setColumnStretch(0, 1);
+    auto *const title = new FormText(finding.title, bodyPoints);
+    showState(*title, finding.state);
+    grid->addWidget(title, 0, 0);
     // A button says what to do better than a command to type.
     const auto offer = offerFor(finding);
     const QString advice = offer || finding.advice.isEmpty() ? QString() : u'\n' + finding.advice;
-    grid->addWidget(new FormText(withCapital(finding.found) + advice, captionPoints, Tint::secondary), 1, 1);
+    auto *const found = new FormText(withCapital(finding.found) + advice, captionPoints, Tint::secondary);
+    found->setIndent(title->indent());
+    grid->addWidget(found, 1, 0);
     if (offer) {
         auto *const button = new QPushButton(offer->label);
         button->setAutoDefault(false);
         button->setAccessibleName(finding.title + QStringLiteral(": ") + offer->label);
         connect(button, &QPushButton::clicked, this, [finding, mend = std::move(mend)] { mend(finding); });
-        grid->addWidget(button, 0, 2, 2, 1, Qt::AlignVCenter);
+        grid->addWidget(button, 0, 1, 2, 1, Qt::AlignVCenter);
     }
 }
 

@@ -2,11 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Setup/KeySection.h"
 
-#include "Quillory/UI/Form/ClampedText.h"
-#include "Quillory/UI/Form/Field.h"
-#include "Quillory/UI/Form/Form.h"
-
-#include <QHBoxLayout>
+#include <QLineEdit>
 #include <QPushButton>
 
 #include <utility>
@@ -18,9 +14,9 @@ const QString whereKeysComeFrom = QStringLiteral(
     "Requests go to OpenRouter and need a key of your account there (openrouter.ai, Keys). It goes into the desktop's "
     "password store where there is one, and is never shown again.");
 
-LineField *makeKeyField() {
-    auto *const field = new LineField({});
-    field->setValidator(nullptr); // it makes line breaks spaces, after which nobody could tell them from real ones
+QLineEdit *newKeyField() {
+    auto *const field = new QLineEdit;
+    setFormFont(*field, fieldPoints);
     field->setEchoMode(QLineEdit::Password);
     field->setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText |
                                Qt::ImhNoAutoUppercase);
@@ -31,14 +27,18 @@ LineField *makeKeyField() {
 } // namespace
 
 KeySection::KeySection(std::function<void(const QString &)> save)
-    : m_save(std::move(save)), m_field(makeKeyField()), m_saveButton(new QPushButton(QStringLiteral("&Save Key"))),
-      m_testButton(new QPushButton), m_result(new ClampedText(captionPoints, 2)), m_test([this] { showTest(); }) {
-    auto *const section = new FormSection(QStringLiteral("API key"), whereKeysComeFrom);
-    section->addRow(fieldRow());
-    section->addRow(testRow());
-    auto *const column = new QVBoxLayout(this);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->addWidget(section);
+    : FormSection(QStringLiteral("API key"), whereKeysComeFrom), m_save(std::move(save)), m_field(newKeyField()),
+      m_saveButton(new QPushButton(QStringLiteral("&Save Key"))), m_testButton(new QPushButton),
+      m_result(new FormText({}, captionPoints)), m_test([this] { showTest(); }) {
+    QBoxLayout *const entering = addRow();
+    entering->addWidget(m_field, 1);
+    entering->addWidget(m_saveButton);
+    QBoxLayout *const testing = addRow();
+    testing->addWidget(m_testButton);
+    testing->addWidget(m_result, 1);
+    m_saveButton->setAutoDefault(false);
+    m_testButton->setAutoDefault(false);
+    m_result->setLines(2);
     connect(m_field, &QLineEdit::textChanged, this, [this] { takeBack(); });
     connect(m_field, &QLineEdit::returnPressed, this, [this] { submit(); });
     connect(m_saveButton, &QPushButton::clicked, this, [this] { submit(); });
@@ -46,34 +46,11 @@ KeySection::KeySection(std::function<void(const QString &)> save)
     setKeyKnown(false);
 }
 
-QWidget *KeySection::fieldRow() {
-    auto *const row = new QWidget;
-    auto *const line = new QHBoxLayout(row);
-    line->setContentsMargins(rowMargins());
-    line->setSpacing(10);
-    line->addWidget(m_field, 1);
-    line->addWidget(m_saveButton);
-    m_saveButton->setAutoDefault(false);
-    return row;
-}
-
-QWidget *KeySection::testRow() {
-    auto *const row = new QWidget;
-    auto *const line = new QHBoxLayout(row);
-    line->setContentsMargins(rowMargins());
-    line->setSpacing(10);
-    line->addWidget(m_testButton);
-    line->addWidget(m_result, 1);
-    m_testButton->setAutoDefault(false);
-    return row;
-}
-
 void KeySection::submit() {
     if (m_field->text().isEmpty()) {
         return;
     }
-    m_result->setText(QStringLiteral("Saving… The desktop may ask for the password of its password store."),
-                      Tint::secondary);
+    showResult(QStringLiteral("Saving… The desktop may ask for the password of its password store."), Tint::secondary);
     m_isWaiting = m_isBusy;
     if (!m_isBusy) {
         m_save(m_field->text());
@@ -89,14 +66,14 @@ void KeySection::saveWaiting() {
 /// Half of a key must not be saved because an earlier text was entered.
 void KeySection::takeBack() {
     if (std::exchange(m_isWaiting, false)) {
-        m_result->setText({}, Tint::secondary);
+        showResult({}, Tint::secondary);
     }
     showButtons();
 }
 
 void KeySection::showOutcome(const QString &sentence, bool isSaved) {
     m_isWaiting = false; // entered once more while it was being saved
-    m_result->setText(sentence, isSaved ? Tint::good : Tint::bad);
+    showResult(sentence, isSaved ? Tint::good : Tint::bad);
     if (isSaved) {
         m_field->clear();
         setKeyKnown(true);
@@ -122,7 +99,12 @@ void KeySection::focusField() {
 void KeySection::showTest() {
     showButtons();
     const QString result = m_test.result().value_or(QString());
-    m_result->setText(result, result.startsWith(u'✓') ? Tint::good : Tint::bad);
+    showResult(result, result.startsWith(u'✓') ? Tint::good : Tint::bad);
+}
+
+void KeySection::showResult(const QString &text, Tint tint) {
+    m_result->setText(text);
+    m_result->setTint(tint);
 }
 
 void KeySection::showButtons() {

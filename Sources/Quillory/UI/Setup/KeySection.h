@@ -3,19 +3,16 @@
 #pragma once
 
 #include "Quillory/Model/ConnectionCheck.h"
+#include "Quillory/UI/Form/Form.h"
 
-#include <QWidget>
-
+class QLineEdit;
 class QPushButton;
 
 namespace quillory::ui {
 
-class ClampedText;
-class LineField;
-
 /// Takes the API key in a field that does not show it, and tries the one that is stored. Once saved it is gone from
 /// here and never shown again.
-class KeySection final : public QWidget {
+class KeySection final : public FormSection {
   public:
     /// save: called with what the user entered.
     explicit KeySection(std::function<void(const QString &)> save);
@@ -29,18 +26,17 @@ class KeySection final : public QWidget {
     void focusField();
 
   private:
-    [[nodiscard]] QWidget *fieldRow();
-    [[nodiscard]] QWidget *testRow();
+    void showResult(const QString &text, Tint tint);
     void submit();
     void takeBack();
     void showTest();
     void showButtons();
 
     std::function<void(const QString &)> m_save;
-    LineField *m_field;
+    QLineEdit *m_field;
     QPushButton *m_saveButton;
     QPushButton *m_testButton;
-    ClampedText *m_result;
+    FormText *m_result;
     bool m_isBusy = false;
     bool m_hasKey = false;
     /// Whether the user entered what is in the field while this was busy, and has not changed it since.

@@ -5,7 +5,7 @@
 #include "Platform/Platform.h"
 #include "Quillory/Settings/AppSettings.h"
 #include "Quillory/UI/Form/Form.h"
-#include "Quillory/UI/Form/SlimScrollBar.h"
+#include "Quillory/UI/Form/FormStyle.h"
 #include "Quillory/UI/Setup/FindingRow.h"
 #include "Quillory/UI/Setup/KeySection.h"
 #include "Quillory/UI/Shell/StatusItem.h"
@@ -18,6 +18,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -38,24 +39,18 @@ bool isAgreed(QWidget *parent, const Offer &offer) {
 } // namespace
 
 SetupWindow::SetupWindow(SetupWork work)
-    : m_work(work), m_list(new QScrollArea), m_key(new KeySection([this](const QString &typed) { saveKey(typed); })),
+    : m_work(work), m_list(newFormArea()), m_key(new KeySection([this](const QString &typed) { saveKey(typed); })),
       m_status(new FormText({}, captionPoints, Tint::secondary)),
       m_again(new QPushButton(QStringLiteral("Check &Again"))), m_close(new QPushButton(QStringLiteral("&Close"))) {
+    FormStyle::install();
+    setFormFont(*this, bodyPoints);
     setWindowTitle(QStringLiteral("Set Up Quillory"));
     setWindowIcon(programIcon());
-    m_list->setWidgetResizable(true);
-    m_list->setFrameShape(QFrame::NoFrame);
-    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto *const bar = new SlimScrollBar;
-    m_list->setVerticalScrollBar(bar);
-    m_list->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-    m_list->setFocusPolicy(Qt::NoFocus);
-    m_list->viewport()->setAutoFillBackground(false);
     auto *const column = new QVBoxLayout(this);
     column->setContentsMargins(pageMargins());
     column->setSpacing(sectionGap);
-    // The bar stands in the margin, so that everything ends at one line.
-    m_key->setContentsMargins(0, 0, bar->sizeHint().width(), 0);
+    // The scroll bar stands in the margin, so that everything ends at one line.
+    m_key->setContentsMargins(0, 0, m_list->verticalScrollBar()->sizeHint().width(), 0);
     auto *const bottom = bottomRow();
     bottom->setContentsMargins(m_key->contentsMargins());
     column->addWidget(m_key);

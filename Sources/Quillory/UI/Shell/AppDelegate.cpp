@@ -7,6 +7,7 @@
 #include "Quillory/Records/FileLog.h"
 #include "Quillory/Text.h"
 #include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "Quillory/UI/Form/FormStyle.h"
 #include "Quillory/UI/Settings/SettingsWindow.h"
 #include "Quillory/UI/Shell/MenuWindow.h"
 #include "Quillory/UI/Shell/StatusItem.h"
@@ -34,6 +35,7 @@ AppDelegate::AppDelegate(const platform::Platform &desktop, AppActions actions)
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationDidFinishLaunching() {
+    FormStyle::install(); // alerts have the program's look too
     setUpStatusItem();
     platform::Accessibility &accessibility = m_desktop.accessibility;
     const bool trusted = accessibility.isProcessTrusted();
