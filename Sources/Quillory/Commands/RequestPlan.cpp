@@ -16,15 +16,15 @@ QString obstacle(Gate gate, const FieldSituation &field) {
     case Gate::switchedOff:
         return QStringLiteral("suggestions are switched off (setting \"enabled\")");
     case Gate::noTextField:
-        return QStringLiteral("what has the focus is no text field");
+        return QStringLiteral("what has the focus is not a text field");
     case Gate::browserUI:
         return QStringLiteral("this field belongs to the browser itself, not to a page");
     case Gate::noChat:
-        return QStringLiteral("this is no WhatsApp message box");
+        return QStringLiteral("this is not a WhatsApp message box");
     case Gate::tooLong:
         return QStringLiteral("the field holds more than %1 characters (setting \"maxChars\")").arg(field.maxChars);
     case Gate::unreadable:
-        return QStringLiteral("the field does not tell what it holds");
+        return QStringLiteral("the content of the field cannot be read");
     case Gate::repliesAreOff:
         return QStringLiteral("the box is empty, and replies are switched off (setting \"assistantMode\")");
     case Gate::draftTooShort:
@@ -32,7 +32,7 @@ QString obstacle(Gate gate, const FieldSituation &field) {
     case Gate::draftTooLong:
         return QStringLiteral("the draft has more than %1 characters (setting \"maxChars\")").arg(field.maxChars);
     case Gate::justInserted:
-        return QStringLiteral("the draft is what was inserted");
+        return QStringLiteral("the draft is the text that was just inserted");
     case Gate::reply:
     case Gate::rewrite:
         break;
@@ -51,7 +51,7 @@ RequestPlan planRequest(const FieldSituation &field) {
         return nothing(obstacle(gate, field));
     }
     if (!field.conversation) {
-        return nothing(QStringLiteral("the box is empty, and no conversation can be read around it"));
+        return nothing(QStringLiteral("the box is empty, and no conversation was found around it"));
     }
     return {.kind = SuggestionKind::reply, .whyNot = {}, .source = *field.conversation, .context = {}};
 }

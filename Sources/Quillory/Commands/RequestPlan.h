@@ -9,13 +9,13 @@
 
 #include <optional>
 
-/// What the program would ask the models for a field as it stands, as a pure function of values.
+/// What Quillory would ask the models about a field, as a pure function of values.
 namespace quillory {
 
 struct RequestPlan {
-    /// Absent when nothing would be asked.
+    /// Absent when nothing would be sent.
     std::optional<SuggestionKind> kind;
-    /// Why nothing would be asked, as a sentence without its full stop.
+    /// Why nothing would be sent, as a sentence without its full stop.
     QString whyNot;
     /// The draft, or the conversation to reply to.
     QString source;
@@ -23,8 +23,8 @@ struct RequestPlan {
     std::optional<QString> context;
 };
 
-/// Decided by the gate of the typing monitor, as far as it depends on the field and the settings; what the program has
-/// asked or inserted before is not known here.
+/// Decides by the typing monitor's gate, as far as that depends on the field and the settings: what Quillory has sent or
+/// inserted before is not known here.
 [[nodiscard]] RequestPlan planRequest(const FieldSituation &field);
 
 } // namespace quillory
