@@ -54,7 +54,7 @@ struct StatsStory : testing::Test {
 
 TEST_F(StatsStory, SaysSoWhenNothingWasRecorded) {
     EXPECT_EQ(run({}), exitStatus::failure);
-    EXPECT_EQ(errors.str(), "quillory: no choice has been recorded yet.\n");
+    EXPECT_EQ(errors.str(), "quillory: no choices have been recorded yet.\n");
     EXPECT_EQ(run({u"--csv"_s}), exitStatus::misuse);
 }
 

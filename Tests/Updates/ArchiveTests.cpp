@@ -120,11 +120,6 @@ TEST_F(Archive, IsRefusedWhenItCouldDoHarm) {
     }
 }
 
-TEST_F(Archive, DoesNotUnpackWhatIsInAnArchiveInIt) {
-    EXPECT_EQ(unpack(zipOf({{"inner.zip", zipOf({{"Quillory.app/quillory", "x"}})}})), "");
-    EXPECT_THAT(QDir(work()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), ElementsAre(u"inner.zip"_s));
-}
-
 TEST_F(Archive, NeedsRoomForAllOfItBeforeAnythingIsWritten) {
     const QByteArray zip = zipOf({{"small", "x"}, {"large", QByteArray(200'000, 'x')}});
     constexpr int notAllowed = 3;
