@@ -32,11 +32,11 @@ inline bool oneBegins(const QStringList &texts, const QString &start) {
     return std::ranges::any_of(texts, [&](const QString &text) { return text.startsWith(start); });
 }
 
-/// What applications tell of their windows at the moment, which for a page is a little later than its document changes.
+/// What applications tell about their windows. A page tells of a change a little after its document has changed.
 class AccessibleTree {
   public:
-    /// Whether the page around the focused field can be read and has, for each of the wanted, a text that begins so,
-    /// but none that begins like the unwanted.
+    /// Whether the page around the focused field can be read, has for each of wanted a text that begins with it, and
+    /// has none that begins with unwanted.
     [[nodiscard]] bool pageShows(const QStringList &wanted, const QString &unwanted) {
         auto element = read<AXUIElement>(m_accessibility.createSystemWide(), AXAttribute::focusedUIElement);
         while (element && read<QString>(*element, AXAttribute::role) != platform::axRole::webArea) {
@@ -46,17 +46,17 @@ class AccessibleTree {
         return !oneBegins(texts, unwanted) &&
                std::ranges::all_of(wanted, [&](const QString &text) { return oneBegins(texts, text); });
     }
-    /// The name of what has the keyboard focus; empty when nothing has, or it has none.
+    /// The name of the element with the keyboard focus; empty when there is none or it has no name.
     [[nodiscard]] QString focusedName() {
         const auto element = read<AXUIElement>(m_accessibility.createSystemWide(), AXAttribute::focusedUIElement);
         return element ? read<QString>(*element, AXAttribute::title).value_or(QString()) : QString();
     }
-    /// Whether a window of a process shows a text that begins so.
+    /// Whether a window of the process shows a text that contains this one.
     [[nodiscard]] bool windowShows(qint32 pid, const QString &text) {
         const auto windows =
             read<std::vector<AXUIElement>>(m_accessibility.createApplication(pid), AXAttribute::children);
-        return windows &&
-               std::ranges::any_of(*windows, [&](const auto &window) { return oneBegins(textsIn(window), text); });
+        return windows && std::ranges::any_of(
+                              *windows, [&](const auto &window) { return textsIn(window).join(u'\n').contains(text); });
     }
 
   private:

@@ -11,7 +11,7 @@
 
 namespace quillory::test {
 
-/// The built program, running with a made-up key and the given model service.
+/// The built program, running with a made-up key and this model service.
 class Assistant {
   public:
     using Settings = std::map<QString, QString>;

@@ -11,11 +11,13 @@
 
 namespace quillory::test {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Arguments = std::vector<std::string>;
 
-/// All but what says which window to open.
+/// All switches except those for the window and its page.
 Arguments chromiumFlags(int pagePort) {
     const std::string port = std::to_string(pagePort);
     Arguments flags = browserSettings::chromiumSwitches();
@@ -32,14 +34,14 @@ Arguments chromium(int pagePort, const QString &profile, const Browser::Options 
     if (options.forceAccessibility) {
         arguments.emplace_back("--force-renderer-accessibility");
     }
-    const QString address = QStringLiteral("https://%1/%2").arg(options.host, options.query);
+    const QString address = u"https://%1/%2"_s.arg(options.host, options.query);
     arguments.push_back((options.wholeWindow ? "" : "--app=") + address.toStdString());
     return arguments;
 }
 
 Arguments firefox(int pagePort, const QString &profile, const Browser::Options &options) {
     browserSettings::makeFirefoxProfile(profile);
-    const QString address = QStringLiteral("http://%1:%2/%3").arg(options.host).arg(pagePort).arg(options.query);
+    const QString address = u"http://%1:%2/%3"_s.arg(options.host).arg(pagePort).arg(options.query);
     return {"env",
             options.forceAccessibility ? "GNOME_ACCESSIBILITY=1" : "-uGNOME_ACCESSIBILITY",
             "MOZ_CRASHREPORTER_DISABLE=1",
@@ -61,12 +63,11 @@ Arguments commandLine(int pagePort, const QString &profile, const Browser::Optio
 } // namespace
 
 QString Browser::whatIsMissing(Kind kind) {
-    const auto program = kind == Kind::chromium ? QStringLiteral("chromium") : QStringLiteral("firefox-esr");
+    const auto program = kind == Kind::chromium ? u"chromium"_s : u"firefox-esr"_s;
     if (QStandardPaths::findExecutable(program).isEmpty()) {
-        return program + QStringLiteral(" is not installed");
+        return program + u" is not installed"_s;
     }
-    return QFile::exists(QStringLiteral(QUILLORY_PAGE_BUNDLE)) ? QString()
-                                                               : QStringLiteral("the chat page was built without npm");
+    return QFile::exists(QStringLiteral(QUILLORY_PAGE_BUNDLE)) ? QString() : u"the chat page was built without npm"_s;
 }
 
 Browser::Browser(int pagePort, const QString &profile, const Options &options)

@@ -12,7 +12,7 @@ namespace quillory::test {
 
 using namespace Qt::StringLiterals;
 
-/// A real browser with a profile of its own, for which the chat's host names stand on the page's port.
+/// A real browser with a profile of its own, in which the chat's host names lead to the page's port.
 class Browser {
   public:
     enum class Kind { chromium, firefox };
@@ -23,19 +23,20 @@ class Browser {
         QString query = QString();
         /// A window with tabs and an address bar, instead of one that holds the page alone. Firefox has no other.
         bool wholeWindow = false;
-        /// Whether the tree is built whatever the desktop says. Else it is as users have it: Firefox builds it when
-        /// accessibility was on at its start, Chromium once somebody asks for it then.
+        /// Build the tree whatever the desktop says. Otherwise as users have it: Firefox builds it if accessibility
+        /// was on at its start, Chromium then only once it is asked for.
         bool forceAccessibility = true;
     };
 
-    /// Whether there is such a browser to test with; if not, why. In CI there must be one.
+    /// Why this browser cannot be tested; empty if it can. In CI it must be there.
     [[nodiscard]] static QString whatIsMissing(Kind kind);
-    /// Chromium takes the page over HTTPS alone, whoever signed it; Firefox takes it without, but no strange signature.
+    /// Chromium insists on HTTPS for this host and can be told to accept any certificate; Firefox is the other way
+    /// round.
     [[nodiscard]] static bool takesHttps(Kind kind) { return kind == Kind::chromium; }
 
     Browser(int pagePort, const QString &profile, const Options &options);
 
-    /// Stops the browser so that it answers nobody, and lets it go on.
+    /// Suspends the browser, so that it answers nothing, and resumes it.
     void freeze() const;
     void thaw() const;
 
@@ -43,7 +44,7 @@ class Browser {
     ChildProcess m_process;
 };
 
-/// How a test's output names the browser.
+/// The browser's name in the output of a test.
 inline void PrintTo(Browser::Kind kind, std::ostream *out) {
     *out << (kind == Browser::Kind::chromium ? "Chromium" : "Firefox");
 }

@@ -24,7 +24,7 @@ struct Identity {
     std::unique_ptr<X509, decltype(&X509_free)> certificate{X509_new(), X509_free};
 };
 
-/// Signed by itself and good for an hour; the browser is told to take any.
+/// A self-signed certificate that is valid for an hour.
 Identity makeIdentity() {
     Identity made;
     X509 *certificate = made.certificate.get();
@@ -63,7 +63,7 @@ QPoint place(const QJsonValue &told) {
 } // namespace
 
 ChatPage::ChatPage(bool https) : m_server(makeServer(https)) {
-    // Each connection that the browser keeps open, used or not, holds a thread.
+    // Each connection that the browser keeps open occupies a thread.
     m_server->new_task_queue = [] { return new httplib::ThreadPool(48); };
     serve();
     m_port = m_server->bind_to_any_port("127.0.0.1");
@@ -109,7 +109,7 @@ bool ChatPage::order(const char *what, const QString &argument) {
     return waitUntil([&] { return state().done == static_cast<int>(number); });
 }
 
-/// Waits a while for an order that the page has not carried out yet, so that it gets it at once.
+/// Waits a second for an order that the page has not carried out yet.
 QJsonObject ChatPage::nextOrder(std::size_t after) {
     std::unique_lock lock(m_mutex);
     m_changed.wait_for(lock, std::chrono::seconds(1), [&] { return m_ending || m_orders.size() > after; });

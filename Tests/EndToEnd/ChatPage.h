@@ -21,15 +21,15 @@ class Server;
 
 namespace quillory::test {
 
-/// A web chat of our own. The page tells what its own document holds, so nothing has to be asked of the browser, and
-/// does what the test says.
+/// A web chat of our own. The page itself reports what its document holds, so the browser is not asked, and carries out
+/// the test's orders.
 class ChatPage {
   public:
     /// One text of the document between the chat list and the message box.
     struct Text {
         /// "name", "presence", "day", "divider", "forwarded", "quote", "message" or "time".
         QString kind;
-        /// Whose bubble it stands in: "us", "them" or nobody's.
+        /// Whose bubble it is in: "us", "them", or empty.
         QString side;
         QString text;
     };
@@ -37,7 +37,7 @@ class ChatPage {
         QString address;
         /// The chat that is open, by its identifier.
         QString chat;
-        /// What the conversation shows, in the document's order.
+        /// The texts of the conversation, in the order of the document.
         std::vector<Text> texts;
         /// What the message box holds, read from the page's document.
         QString text;
@@ -47,7 +47,7 @@ class ChatPage {
         /// How often the page or its box lost the focus.
         int blurs = 0;
         bool focused = false;
-        /// The middle of the message box on the screen, and of each chat in the list.
+        /// The centre on the screen of the message box, and of each chat in the list.
         QPoint box;
         std::map<QString, QPoint> chats;
         /// How many orders have been carried out.

@@ -13,14 +13,14 @@ namespace {
 constexpr qsizetype mostCollected = 400;
 constexpr qsizetype mostKept = 60;
 
-/// Times, presences and dividers in English are known as noise; those of other languages are lines like any other.
+/// English times, presences and dividers are recognised as noise; those in other languages count as messages.
 bool isNoise(const ChatPage::Text &text, bool english) {
     return text.text.trimmed().size() < 2 || text.kind == u"time"_s ||
            (english && (text.kind == u"presence"_s || text.kind == u"divider"_s));
 }
 
-/// Sides are judged by where a text stands. In a page from right to left our own messages stand at the left, which is
-/// the customers' side everywhere else, and they are marked as such.
+/// The program judges by the side that a text is on. On a right-to-left page our own messages are on the left and get
+/// the customer's mark.
 QString mark(const ChatPage::Text &text, bool rightToLeft) {
     if (text.kind == u"day"_s || text.kind == u"divider"_s) {
         return {};
@@ -103,7 +103,7 @@ std::string ChatStory::transcriptOfPage() const {
 void ChatStory::expectUntouched(int keysTaken) const {
     const ChatPage::State state = m_page.state();
     EXPECT_THAT(state.sent, testing::IsEmpty());
-    // The page and the box tell of it one by one.
+    // The page and the box each report it.
     const int told = GetParam() == Browser::Kind::firefox ? 2 * keysTaken : 0;
     EXPECT_EQ(state.blurs, m_blursBefore + told) << "the browser lost the focus";
     EXPECT_TRUE(waitUntil([this] { return m_page.state().focused; }));

@@ -26,11 +26,11 @@ class ChatStory : public testing::TestWithParam<Browser::Kind> {
     void startAssistant() { m_assistant.emplace(m_model.address(), m_settings); }
     void startBrowser(const Browser::Options &options);
     [[nodiscard]] Browser::Options at(const QString &query) const { return {.kind = GetParam(), .query = query}; }
-    /// The box has the focus and the program follows it.
+    /// Returns once the box has the focus and the program follows it.
     void openChat(const QString &query = {});
-    /// Clicks where the page says that its box is, until the window is there and has taken the click.
+    /// Clicks into the page's box until it has the focus.
     bool clickBox();
-    /// Opens another chat with a click into the list; the box keeps the focus.
+    /// Opens another chat with a click on the list. The box keeps the focus.
     [[nodiscard]] bool clickChat(const QString &chat) const;
 
     [[nodiscard]] static bool logged(const QString &text, int times = 1);
@@ -39,11 +39,11 @@ class ChatStory : public testing::TestWithParam<Browser::Kind> {
         return waitUntil([] { return !panelIsUp(); });
     }
     [[nodiscard]] bool boxHolds(const QString &text) const;
-    /// What a reader of the page would write down: each text that is no noise, marked by the side it stands on.
+    /// The transcript that the page's own texts give: without noise, marked by the side each text is on.
     [[nodiscard]] std::string transcriptOfPage() const;
     [[nodiscard]] bool keyReached(const QString &key) const { return m_page.state().keys.contains(key); }
-    /// Nothing was sent, and the browser and its box kept the focus, of which Firefox tells a loss and a return for
-    /// each key that the cards take.
+    /// Expects that nothing was sent and that the browser and its box kept the focus. Firefox reports a loss and a
+    /// return for each key that the cards take.
     void expectUntouched(int keysTaken = 1) const;
 
     Assistant::Settings m_settings;
@@ -55,7 +55,7 @@ class ChatStory : public testing::TestWithParam<Browser::Kind> {
 };
 
 inline const auto everyBrowser = testing::Values(Browser::Kind::chromium, Browser::Kind::firefox);
-/// For stories about the program's own doings, or about what Chromium alone does.
+/// For stories that do not depend on the browser, or that are about Chromium.
 inline const auto chromiumAlone = testing::Values(Browser::Kind::chromium);
 
 } // namespace quillory::test

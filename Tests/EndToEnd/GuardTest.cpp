@@ -13,7 +13,7 @@ namespace {
 
 const QString reply = u"Your trays are ready at nine."_s;
 
-/// A user who changes the chat, in which the box keeps the focus, while the reply to the chat before is on its card.
+/// A user opens another chat, and the box keeps the focus, while the reply to the previous one is on its card.
 class ConversationGuard : public ReplyStory {
   protected:
     /// Tab comes when the other chat is there, but before the program has looked at it: the program is held meanwhile.

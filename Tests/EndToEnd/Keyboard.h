@@ -23,10 +23,10 @@ inline void click(QPoint place) {
     run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click", "1"});
 }
 
-/// Puts content on the clipboard as another program would, which goes on owning it.
+/// Copies as another program would, which goes on owning the clipboard.
 inline void copy(const QByteArray &content, const char *type) {
     QProcess copier;
-    // It stays in the background as the owner: without the output closed, waiting for it would never end.
+    // xclip stays in the background as the owner: with its output open, waiting for it would never end.
     copier.setStandardOutputFile(QProcess::nullDevice());
     copier.setStandardErrorFile(QProcess::nullDevice());
     copier.start(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(type)});
@@ -34,7 +34,7 @@ inline void copy(const QByteArray &content, const char *type) {
     copier.closeWriteChannel();
     copier.waitForFinished();
 }
-/// What the clipboard offers as that type; empty when it does not.
+/// The clipboard's content as that type; empty if it is not offered.
 [[nodiscard]] inline QByteArray clipboard(const char *type) {
     QProcess reader;
     reader.start(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(type), u"-o"_s});

@@ -22,11 +22,11 @@ struct Response;
 
 namespace quillory::test {
 
-/// A model service on the loopback address that answers what it was told to, in pieces, and misbehaves on request.
+/// A model service on the loopback address that streams the answer that it was given, or fails on request.
 class ModelService {
   public:
     enum class Manner {
-        /// Sends the answer, then keeps the connection alive without an end until mayEnd() is called.
+        /// Sends the answer, then keeps the connection open until mayEnd() is called.
         answers,
         /// Sends the answer and ends it.
         answersAtOnce,
@@ -38,7 +38,7 @@ class ModelService {
         QString content;
     };
     struct Question {
-        /// The whole request, but for its messages.
+        /// The request without its messages.
         QJsonObject body;
         std::vector<Message> messages;
         QString authorization;
@@ -46,11 +46,11 @@ class ModelService {
         [[nodiscard]] QString model() const { return body[QLatin1StringView("model")].toString(); }
         /// The system message.
         [[nodiscard]] QString system() const { return messages.front().content; }
-        /// A reply is asked for without examples.
+        /// Requests for replies have no examples.
         [[nodiscard]] bool isForReply() const { return messages.size() == 2; }
         /// The text between the draft's tags.
         [[nodiscard]] QString draft() const;
-        /// The text between the conversation's tags, in whichever message it stands.
+        /// The text between the conversation's tags, in whichever message it is.
         [[nodiscard]] std::string conversation() const;
     };
 
@@ -60,9 +60,9 @@ class ModelService {
     ModelService &operator=(const ModelService &) = delete;
 
     [[nodiscard]] QByteArray address() const;
-    /// What every request gets from now on, whatever its model; answers don't end before they may.
+    /// The answer to every request from now on, whatever its model.
     void willAnswer(const QString &text, Manner manner = Manner::answers);
-    /// What requests for that model get instead.
+    /// The answer to requests for this model instead.
     void modelWillAnswer(const QString &model, const QString &text, Manner manner);
     void mayEnd() { m_mayEnd = true; }
     [[nodiscard]] std::vector<Question> questions() const;

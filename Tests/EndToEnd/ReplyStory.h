@@ -8,7 +8,7 @@ namespace quillory::test {
 
 using namespace Qt::StringLiterals;
 
-/// A shop owner who looks at a chat with an empty message box.
+/// A shop owner looks at a chat; the message box is empty.
 class ReplyStory : public ChatStory {
   protected:
     using Question = ModelService::Question;
@@ -28,7 +28,7 @@ class ReplyStory : public ChatStory {
         const auto questions = m_model.questions();
         return questions.empty() || !questions.back().isForReply() ? std::string() : questions.back().conversation();
     }
-    /// A reply to what the page shows is on its card and may be accepted.
+    /// Whether a finished reply to what the page shows is on its card.
     [[nodiscard]] bool replyIsReady() const {
         const bool ready = waitUntil([this] {
             return timesLoggedSinceDraft(u" complete ("_s) > 0 && transcriptAskedFor() == transcriptOfPage() &&
@@ -37,17 +37,17 @@ class ReplyStory : public ChatStory {
         EXPECT_EQ(transcriptAskedFor(), transcriptOfPage());
         return ready;
     }
-    /// How often the log says so since a reply was last asked for.
+    /// How often the log contains the text since a reply was last asked for.
     [[nodiscard]] static int timesLoggedSinceDraft(const QString &text) {
         const QString log = Assistant::log();
         return static_cast<int>(log.mid(log.lastIndexOf(u"drafting reply ("_s)).count(text));
     }
-    /// No question comes for longer than the program waits before it asks for the same conversation again.
+    /// Whether no request comes for longer than the program waits before it asks again about the same conversation.
     [[nodiscard]] bool staysQuiet() const {
         const int before = timesAsked();
         return !waitUntil([&] { return timesAsked() > before; }, 1500);
     }
-    /// As the user would, to write something else.
+    /// Deletes what the box holds, as the user would.
     void clearBox() {
         keyboard::tap("ctrl+a");
         keyboard::tap("BackSpace");

@@ -141,13 +141,5 @@ TEST_P(Transcript, OfThousandsOfMessagesOfWhichThePageHoldsThoseInView) {
     EXPECT_THAT(transcriptAskedFor(), testing::HasSubstr("\n«you» Message 1005\n"));
 }
 
-TEST_P(Transcript, OfThousandsOfElementsIsCutOffAfterItsFirstFourHundredLines) {
-    ASSERT_NO_FATAL_FAILURE(openChat(u"?long=700&rows=all"_s));
-    ASSERT_TRUE(replyIsReady());
-    EXPECT_THAT(transcriptAskedFor(), testing::HasSubstr("Message 399"));
-    keyboard::tap("Tab");
-    EXPECT_TRUE(boxHolds(u"It is 1 BHD to any place in Bahrain 😊"_s));
-}
-
 } // namespace
 } // namespace quillory::test

@@ -158,12 +158,6 @@ TEST_P(RewriteInChromium, NothingIsAskedForOtherFields) {
     }
 }
 
-TEST_P(RewriteInChromium, APlainTextArea) {
-    ASSERT_NO_FATAL_FAILURE(openChat(u"?box=textarea"_s));
-    ASSERT_NO_FATAL_FAILURE(acceptRewrite(draft, u"Hello,\ncan you send me the price list? 😊"_s));
-    expectUntouched();
-}
-
 TEST_P(RewriteInChromium, ABrowserThatWasThereFirstAndBuiltNoTree) {
     startBrowser({.forceAccessibility = false});
     ASSERT_TRUE(clickBox());

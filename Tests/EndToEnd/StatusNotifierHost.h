@@ -37,7 +37,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
 
     /// Takes or gives up the name under which items look for the tray.
     void appear() { m_bus.registerService(watcher); }
-    /// Takes the name with no tray behind it yet, waits until somebody asks for one, and says that it has come.
+    /// Takes the name without a tray behind it, waits until an item asks for one, and then announces it.
     bool appearInSteps() {
         m_isShown = false;
         m_timesAsked = 0;
@@ -61,7 +61,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
         question.setArguments({itemInterface, QString::fromLatin1(name)});
         return m_bus.call(question).arguments().value(0).value<QDBusVariant>().variant();
     }
-    /// Opens the menu: what can be seen of it, with its check marks and keys, in its order.
+    /// Opens the menu and returns its visible items in order, with check marks and shortcuts.
     QString openedMenu() {
         askMenu("AboutToShow", {0});
         QStringList lines;
@@ -80,7 +80,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
         }
         return lines.join(u" | "_s);
     }
-    /// Chooses an item of it by its title.
+    /// Chooses an item by its title.
     void choose(const QString &title) {
         for (const auto &[id, properties] : menuItems()) {
             if (properties.value(u"label"_s) == title) {

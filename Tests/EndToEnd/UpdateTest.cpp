@@ -18,6 +18,8 @@
 #include <thread>
 
 namespace quillory::test {
+
+using namespace Qt::StringLiterals;
 namespace {
 
 /// Runs a program that must succeed, and gives what it printed.
@@ -45,16 +47,15 @@ class Maker {
         qputenv("SOURCE_DATE_EPOCH", "1700000000");
         qputenv("DEB_COMPRESSION", "none");
         const QString sign = QStringLiteral(QUILLORY_BUILD "/bin/quillory-sign");
-        write(in("keys"), succeed(sign, {QStringLiteral("make-key"), QStringLiteral(QUILLORY_TEAM_ID), in("key")}));
-        succeed(QStringLiteral("cmake"), {QStringLiteral("--install"), QStringLiteral(QUILLORY_BUILD),
-                                          QStringLiteral("--prefix"), in("tree"), QStringLiteral("--strip")});
+        write(in("keys"), succeed(sign, {u"make-key"_s, QStringLiteral(QUILLORY_TEAM_ID), in("key")}));
+        succeed(u"cmake"_s, {u"--install"_s, QStringLiteral(QUILLORY_BUILD), u"--prefix"_s, in("tree"), u"--strip"_s});
         m_server.Get("/version.json", [this](const httplib::Request &, httplib::Response &answer) {
             answer.set_content(R"({"version": "2", "notes": "Faster answers.", "url": ")" + address() +
                                    "/Quillory.zip\"}",
                                "application/json");
         });
         m_server.Get("/Quillory.zip", [this](const httplib::Request &, httplib::Response &answer) {
-            QFile archive(packageOf(QStringLiteral("2"), "archive"));
+            QFile archive(packageOf(u"2"_s, "archive"));
             answer.set_content(archive.open(QIODevice::ReadOnly) ? archive.readAll().toStdString() : "",
                                "application/zip");
         });
@@ -73,11 +74,10 @@ class Maker {
     QString packageOf(const QString &version, const char *kind) {
         const QString folder = m_folder.filePath(version + QLatin1StringView(kind));
         if (!QFileInfo::exists(folder)) {
-            const QString bundle = m_folder.filePath(version + QStringLiteral("/Quillory.app"));
+            const QString bundle = m_folder.filePath(version + u"/Quillory.app"_s);
             QDir().mkpath(QFileInfo(bundle).path());
             succeed(script("make-bundle"), {in("tree"), version, in("keys"), bundle});
-            succeed(QStringLiteral(QUILLORY_BUILD "/bin/quillory-sign"),
-                    {QStringLiteral("sign"), in("key"), version, bundle});
+            succeed(QStringLiteral(QUILLORY_BUILD "/bin/quillory-sign"), {u"sign"_s, in("key"), version, bundle});
             succeed(script("make-packages"), {bundle, version, folder, QString::fromLatin1(kind)});
         }
         return folder + u'/' + QDir(folder).entryList(QDir::Files).value(0);
@@ -98,8 +98,8 @@ class Maker {
 /// The processes that run a program: an update is started by nobody's child.
 std::vector<pid_t> processesOf(const QString &program) {
     std::vector<pid_t> found;
-    for (const QString &name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
-        if (QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(name)) == program) {
+    for (const QString &name : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
+        if (QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(name)) == program) {
             found.push_back(name.toInt());
         }
     }
@@ -118,57 +118,52 @@ class Update : public testing::Test {
     Update() {
         qputenv("OPENROUTER_API_KEY", "made-up-key");
         qputenv("QUILLORY_UPDATE_FEED", QByteArray::fromStdString(maker.address()));
-        maker.packageOf(QStringLiteral("2"), "archive");
+        maker.packageOf(u"2"_s, "archive");
     }
     ~Update() override { end(updated); }
 
     /// Version 1 runs from its package: it finds version 2, the user agrees, and version 2 runs in its place.
     void expectUpdate(const QString &program) {
-        succeed(program, {QStringLiteral("defaults"), QStringLiteral("write"), QStringLiteral("tone"),
-                          QStringLiteral("Friendly")});
+        succeed(program, {u"defaults"_s, u"write"_s, u"tone"_s, u"Friendly"_s});
         ChildProcess first({program.toStdString()});
         AccessibleTree tree;
-        ASSERT_TRUE(waitUntil([&] { return tree.focusedName() == QStringLiteral("Install & Relaunch"); }, 30'000))
+        ASSERT_TRUE(waitUntil([&] { return tree.focusedName() == u"Install & Relaunch"_s; }, 30'000))
             << Assistant::log().toStdString();
-        EXPECT_TRUE(
-            waitUntil([&] { return tree.windowShows(first.pid(), QStringLiteral("Quillory 2 is available")); }));
-        EXPECT_EQ(Assistant::timesLogged(QStringLiteral("update available: 2 (running 1)")), 1);
+        EXPECT_TRUE(waitUntil([&] { return tree.windowShows(first.pid(), u"Quillory 2 is available"_s); }));
+        EXPECT_EQ(Assistant::timesLogged(u"update available: 2 (running 1)"_s), 1);
         keyboard::tap("Return");
         ASSERT_TRUE(waitUntil([&] { return !first.isRunning(); }, 30'000)) << Assistant::log().toStdString();
         EXPECT_EQ(first.end(), 0);
-        ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 1; }, 30'000))
+        ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(u"up to date (2)"_s) == 1; }, 30'000))
             << Assistant::log().toStdString();
-        EXPECT_EQ(Assistant::timesLogged(QStringLiteral("update installed, relaunching")), 1);
+        EXPECT_EQ(Assistant::timesLogged(u"update installed, relaunching"_s), 1);
         EXPECT_EQ(processesOf(updated).size(), 1U);
-        EXPECT_EQ(
-            succeed(updated, {QStringLiteral("defaults"), QStringLiteral("read"), QStringLiteral("tone")}).trimmed(),
-            "Friendly");
+        EXPECT_EQ(succeed(updated, {u"defaults"_s, u"read"_s, u"tone"_s}).trimmed(), "Friendly");
         EXPECT_TRUE(end(updated));
     }
 
     Maker maker;
-    QString applications = qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/quillory/Applications");
-    QString updated = applications + QStringLiteral("/Quillory.app/quillory");
+    QString applications = qEnvironmentVariable("XDG_DATA_HOME") + u"/quillory/Applications"_s;
+    QString updated = applications + u"/Quillory.app/quillory"_s;
 };
 
 TEST_F(Update, TakesThePlaceOfTheBundleThatTheUserUnpacked) {
     QDir().mkpath(applications);
-    platform::desktop::unpackZip(maker.packageOf(QStringLiteral("1"), "archive"), applications, {});
+    platform::desktop::unpackZip(maker.packageOf(u"1"_s, "archive"), applications, {});
     QFile::setPermissions(applications, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     expectUpdate(updated);
 }
 
 TEST_F(Update, TakesPrecedenceOverTheDebianPackage) {
-    succeed(QStringLiteral("dpkg-deb"),
-            {QStringLiteral("-x"), maker.packageOf(QStringLiteral("1"), "deb"), maker.in("root")});
-    const QString installed = maker.in("root") + QStringLiteral("/usr/bin/quillory");
+    succeed(u"dpkg-deb"_s, {u"-x"_s, maker.packageOf(u"1"_s, "deb"), maker.in("root")});
+    const QString installed = maker.in("root") + u"/usr/bin/quillory"_s;
     expectUpdate(installed);
-    succeed(installed, {QStringLiteral("autostart"), QStringLiteral("on")});
-    QFile entry(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/autostart/quillory.desktop"));
+    succeed(installed, {u"autostart"_s, u"on"_s});
+    QFile entry(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/autostart/quillory.desktop"_s);
     EXPECT_TRUE(entry.open(QIODevice::ReadOnly) && entry.readAll().contains(updated.toUtf8()))
         << "commands prefer it too";
     const ChildProcess again({installed.toStdString()});
-    EXPECT_TRUE(waitUntil([] { return Assistant::timesLogged(QStringLiteral("up to date (2)")) == 2; }, 30'000))
+    EXPECT_TRUE(waitUntil([] { return Assistant::timesLogged(u"up to date (2)"_s) == 2; }, 30'000))
         << Assistant::log().toStdString();
 }
 

@@ -133,7 +133,7 @@ for (const [id, label] of [['chats', words.list], ['conversation', words.convers
 if (options.has('long')) {
   chats.unshift(longChat(Number(options.get('long'))));
 }
-conversation.setUp(words, options.get('rows') === 'all');
+conversation.setUp(words);
 show(chats[0]);
 buildBox('');
 window.addEventListener('blur', () => { state.blurs += 1; report(); });

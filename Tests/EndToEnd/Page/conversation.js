@@ -11,12 +11,9 @@ let messages = [];
 let tops = [0];
 let shown = new Map();
 let words = {};
-let whole = false;
 
-export function setUp(languageWords, everyRow) {
+export function setUp(languageWords) {
   words = languageWords;
-  whole = everyRow;
-  spacer.classList.toggle('whole', whole);
   view.addEventListener('scroll', show);
   window.addEventListener('resize', () => place(atEnd()));
 }
@@ -44,9 +41,7 @@ function atEnd() {
 }
 
 function place(toEnd) {
-  if (!whole) {
-    measure();
-  }
+  measure();
   show();
   if (toEnd) {
     view.scrollTop = view.scrollHeight;
@@ -71,7 +66,7 @@ function measure() {
 function show() {
   const from = view.scrollTop - nearby;
   const to = view.scrollTop + view.clientHeight + nearby;
-  const near = messages.map((_, i) => i).filter((i) => whole || (tops[i + 1] > from && tops[i] < to));
+  const near = messages.map((_, i) => i).filter((i) => tops[i + 1] > from && tops[i] < to);
   const next = new Map(near.map((i) => [i, shown.get(i) ?? rowFor(messages[i])]));
   for (const [i, row] of shown) {
     if (!next.has(i)) {
@@ -80,7 +75,7 @@ function show() {
   }
   let before = null;
   for (const [i, row] of [...next].reverse()) {
-    row.style.top = whole ? '' : tops[i] + 'px';
+    row.style.top = tops[i] + 'px';
     if (row.parentNode !== spacer || row.nextSibling !== before) {
       spacer.insertBefore(row, before);
     }
