@@ -86,7 +86,7 @@ AXUIElement BrowserPage::waitForBox(platform::Accessibility &accessibility) {
     if (!box) {
         throw std::runtime_error("the message box never had the focus");
     }
-    // The browser settles, and so does what the main thread may wait for in any one second.
+    // Until the browser is idle, and the time that the main thread may wait in a second is available again.
     std::this_thread::sleep_for(std::chrono::seconds(2));
     return *box;
 }

@@ -12,7 +12,7 @@
 
 namespace quillory::bench {
 
-/// A page of a chat in a real browser: bubbles with a time each, and a message box that has the focus.
+/// A chat page in a real browser: bubbles, each with a time, and a message box that has the focus.
 class BrowserPage {
   public:
     enum class Browser { chromium, firefox };
@@ -23,7 +23,7 @@ class BrowserPage {
     };
     BrowserPage(Browser browser, Chat chat);
 
-    /// Asks until the message box of the page has the focus. Throws std::runtime_error when it never gets it.
+    /// Waits until the page's message box has the focus. Throws std::runtime_error if it never gets it.
     [[nodiscard]] platform::AXUIElement waitForBox(platform::Accessibility &accessibility);
 
   private:
@@ -31,7 +31,7 @@ class BrowserPage {
     test::ChildProcess m_browser;
 };
 
-/// The nearest page around an element.
+/// The innermost page that contains the element.
 [[nodiscard]] std::optional<platform::AXUIElement> pageAround(const platform::AXUIElement &element);
 
 } // namespace quillory::bench

@@ -1,16 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// From the first byte of an answer on the socket to the card's repaint: the program's core, its network layer, its
-// views and its window are the real ones; only the field that is typed into is simulated.
-
+// The time from the first byte of an answer on the socket to the repaint of the card. The core, the network layer, the
+// views and the window are the real ones; the field that is typed into is simulated.
 #include "HalfRealDesktop.h"
 #include "Quillory/Monitor/MonitorAssembly.h"
 #include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "StreamingService.h"
 
 #include <QApplication>
 #include <QWidget>
-
-#include <httplib.h>
 
 #include <algorithm>
 #include <atomic>
@@ -29,37 +27,23 @@ constexpr int rounds = 15;
 constexpr double throttleMs = 80;
 constexpr double frameMs = 1000.0 / 60;
 
-/// Answers each request with one piece, when the cards have long been up, and notes when it sent it.
+/// Answers each request with one piece, long after the cards have come up, and records when it was sent.
 class Service {
   public:
-    Service() {
-        m_server.Post("/api/v1/chat/completions", [this](const httplib::Request &, httplib::Response &response) {
-            response.set_chunked_content_provider("text/event-stream", [this](std::size_t, httplib::DataSink &sink) {
-                std::this_thread::sleep_for(900ms);
-                const std::string event = R"(data: {"choices":[{"delta":{"content":"Hello there, how are you?"}}]})"
-                                          "\n\n";
-                m_sentAt = Clock::now();
-                sink.write(event.data(), event.size());
-                std::this_thread::sleep_for(300ms);
-                sink.done();
-                return true;
-            });
-        });
-        m_port = m_server.bind_to_any_port("127.0.0.1");
-        m_thread = std::jthread([this] { m_server.listen_after_bind(); });
-    }
-    ~Service() { m_server.stop(); }
-    [[nodiscard]] int port() const { return m_port; }
+    [[nodiscard]] int port() const { return m_server.port(); }
     [[nodiscard]] Clock::time_point sentAt() const { return m_sentAt; }
 
   private:
-    httplib::Server m_server;
     std::atomic<Clock::time_point> m_sentAt;
-    int m_port = 0;
-    std::jthread m_thread;
+    quillory::bench::StreamingService m_server{[this](httplib::DataSink &sink) {
+        std::this_thread::sleep_for(900ms);
+        m_sentAt = Clock::now();
+        quillory::bench::StreamingService::sendPiece(sink, "Hello there, how are you?");
+        std::this_thread::sleep_for(300ms);
+    }};
 };
 
-/// Notes when a card that has a text is painted for the first time.
+/// Records when a card with text is painted for the first time.
 class WatchingHost final : public quillory::SuggestionHost, public QObject {
   public:
     explicit WatchingHost(std::vector<double> &latencies, const Service &service)

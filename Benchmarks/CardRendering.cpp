@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What it costs to show an answer of 2,000 characters as it streams in: cards that change in place against cards that
-// are made afresh for each update. Processor time of the main thread, painting included.
+// What it costs to show an answer of 2,000 characters as it streams in, with cards that change in place and with cards
+// that are made anew for each update: CPU time of the main thread, painting included.
 #include "ClockTime.h"
 #include "Quillory/UI/Card/SuggestionViewHost.h"
 

@@ -6,7 +6,7 @@
 
 namespace quillory::bench {
 
-/// What a clock of the system shows, such as CLOCK_PROCESS_CPUTIME_ID, in milliseconds.
+/// The time of a system clock, such as CLOCK_PROCESS_CPUTIME_ID, in milliseconds.
 inline double milliseconds(clockid_t clock) {
     timespec time{};
     clock_gettime(clock, &time);

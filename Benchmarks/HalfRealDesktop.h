@@ -14,8 +14,8 @@
 
 namespace quillory {
 
-/// Network, clock, screens and windows are the real ones; the rest, and the field that is typed into, is simulated.
-/// Installed as the desktop that the program runs on.
+/// A desktop whose network, clock, screens and windows are real. The rest is simulated, the field that is typed into
+/// included.
 class HalfRealDesktop {
   public:
     /// port: where the model service listens on this machine. Throws std::runtime_error without a display.
@@ -37,7 +37,7 @@ class HalfRealDesktop {
     test::Node m_field;
 };
 
-/// Lets the program work until something is done, ten seconds at most.
+/// Runs the event loop until the condition holds, for ten seconds at most.
 void runEventsUntil(const std::function<bool()> &done);
 
 } // namespace quillory

@@ -45,7 +45,7 @@ void run(const QString &command) {
     }
 }
 
-/// In kilobytes, the highest since reset.
+/// The highest memory use since the last reset, in kilobytes.
 long peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -91,7 +91,7 @@ int main() {
     TrustedKeys keys;
     keys.add(key.team(), key.publicKey());
     const LinuxCodeSigning signing(keys);
-    // Not in memory: syncing is part of what an update does.
+    // On disk, not in memory: an update syncs what it writes.
     const QTemporaryDir folder(QDir::currentPath() + QStringLiteral("/bench-update-XXXXXX"));
     const QString bundle = folder.filePath(QStringLiteral("Quillory.app"));
     const QString applications = folder.filePath(QStringLiteral("Applications"));

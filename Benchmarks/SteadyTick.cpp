@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Asks ten times a second what the program's tick asks of an unchanged field in Chromium, for ten seconds. Prints the
+// For ten seconds, asks ten times a second what the tick asks about an unchanged field in Chromium. Prints the
 // messages and round trips on the accessibility bus per tick, and this process's share of one core.
 #include "BrowserPage.h"
 #include "ClockTime.h"
@@ -23,7 +23,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int ticks = 100;
 
-// The questions of a tick on a chat's message box.
+// What a tick asks about a chat's message box.
 bool tick(platform::Accessibility &accessibility) {
     const auto focused = accessibility.createSystemWide().copyAttributeValue(AXAttribute::focusedUIElement);
     if (!focused) {

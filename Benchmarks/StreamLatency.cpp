@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a streamed answer costs in this program, beside libcurl alone fetching the same bytes from the same server: CPU
-// of the process, and the time from a piece on the socket to onChunk.
+// What a streamed answer costs in this program, compared with libcurl alone fetching the same bytes from the same
+// server: CPU time of the process, and the time from a piece on the socket to onChunk.
 #include "ClockTime.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Replacing.h"
@@ -40,8 +40,8 @@ QByteArray event(const QByteArray &content) {
            content + R"("},"finish_reason":null,"native_finish_reason":null,"logprobs":null}]})" + "\n\n";
 }
 
-/// Sends answers of pieces that say when each was sent, in nanoseconds of the monotonic clock; after a pause each when
-/// paced.
+/// Sends answers whose pieces contain the time of their sending in nanoseconds of the monotonic clock. Paced: with a
+/// pause before each piece.
 void serve(LoopbackConnection &connection, bool isPaced) {
     while (!connection.readRequest().isEmpty()) {
         connection.send(chunkedHead);
@@ -77,7 +77,7 @@ template <typename Call> double costOf(const Call &call) {
 /// Collects how long pieces took from the server to here, in milliseconds.
 class Latencies {
   public:
-    /// Takes a text that begins with the time of its sending.
+    /// text: begins with the time of its sending.
     void take(QByteArrayView text) {
         const auto now = Clock::now().time_since_epoch();
         const std::chrono::nanoseconds sent(text.first(text.indexOf(' ')).toLongLong());

@@ -1,14 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What two answers that come at 200 pieces a second each cost the main thread, and how often their cards are updated.
+// What two answers of 200 pieces a second each cost the main thread, and how often their cards are updated.
 #include "ClockTime.h"
 #include "HalfRealDesktop.h"
 #include "Quillory/Monitor/MonitorAssembly.h"
 #include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "StreamingService.h"
 
 #include <QApplication>
-
-#include <httplib.h>
 
 #include <atomic>
 #include <cstdio>
@@ -22,42 +21,28 @@ using Clock = std::chrono::steady_clock;
 constexpr int pieces = 800;
 constexpr auto pieceInterval = 5ms;
 
-/// Answers with pieces at that rate, at the same time to whoever asks.
+/// Answers with pieces at that rate, and several requests at once.
 class Service {
   public:
-    Service() {
-        m_server.Post("/api/v1/chat/completions", [this](const httplib::Request &, httplib::Response &response) {
-            response.set_chunked_content_provider("text/event-stream", [this](std::size_t, httplib::DataSink &sink) {
-                auto next = Clock::now() + 1s; // by then the cards are up
-                for (int i = 0; i < pieces; ++i, next += pieceInterval) {
-                    std::this_thread::sleep_until(next);
-                    const std::string event = R"(data: {"choices":[{"delta":{"content":")" +
-                                              std::string(i % 4 == 3 ? "w " : "or") + R"("}}]})" + "\n\n";
-                    sink.write(event.data(), event.size());
-                    m_hasBegun = true;
-                }
-                ++m_answered;
-                sink.done();
-                return true;
-            });
-        });
-        m_port = m_server.bind_to_any_port("127.0.0.1");
-        m_thread = std::jthread([this] { m_server.listen_after_bind(); });
-    }
-    ~Service() { m_server.stop(); }
-    [[nodiscard]] int port() const { return m_port; }
+    [[nodiscard]] int port() const { return m_server.port(); }
     [[nodiscard]] bool hasBegun() const { return m_hasBegun; }
     [[nodiscard]] bool isDone() const { return m_answered == 2; }
 
   private:
-    httplib::Server m_server;
     std::atomic<bool> m_hasBegun = false;
     std::atomic<int> m_answered = 0;
-    int m_port = 0;
-    std::jthread m_thread;
+    quillory::bench::StreamingService m_server{[this](httplib::DataSink &sink) {
+        auto next = Clock::now() + 1s; // the cards are up by then
+        for (int i = 0; i < pieces; ++i, next += pieceInterval) {
+            std::this_thread::sleep_until(next);
+            quillory::bench::StreamingService::sendPiece(sink, i % 4 == 3 ? "w " : "or");
+            m_hasBegun = true;
+        }
+        ++m_answered;
+    }};
 };
 
-/// The program's own views, counting the updates.
+/// The program's own views. Counts the updates.
 class CountingHost final : public quillory::SuggestionHost {
   public:
     explicit CountingHost(int &updates) : m_updates(updates) {}

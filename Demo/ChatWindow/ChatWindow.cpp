@@ -53,7 +53,7 @@ QString timeNow() {
 
 } // namespace
 
-/// Made from top to bottom, since that is the order in which assistive tools read them.
+/// Made from top to bottom: screen readers read them in that order.
 ChatWindow::ChatWindow(const QString &reportFile) : m_reportFile(reportFile) {
     setWindowTitle(contact);
     setStyleSheet(sheet);

@@ -10,12 +10,12 @@
 
 namespace quillory::demo {
 
-/// A chat of a bakery with its supplier, who is a customer too and answers from a script: a place to type drafts in and
-/// to be asked questions.
+/// A chat between a bakery and its supplier, who is also a customer and answers from a script. Gives the user a box to
+/// type into and questions to reply to.
 class ChatWindow : public QMainWindow {
   public:
-    /// reportFile: kept up to date with what the box holds and what was sent, for whoever drives the window; empty
-    /// for none.
+    /// reportFile: where the window writes what the box holds and what was sent, for a program that drives it. Empty:
+    /// nowhere.
     explicit ChatWindow(const QString &reportFile);
 
   private:

@@ -12,8 +12,8 @@ namespace {
 
 constexpr int widestText = 330;
 
-/// A label as wide as its text, so that where it stands tells who wrote it. Word wrap alone would let the layout
-/// choose any width.
+/// A label as wide as its text, so that its position shows who wrote it. With word wrap alone the layout could choose
+/// any width.
 QLabel *fittingLabel(const QString &text, const QString &name, QWidget *parent) {
     auto *label = new QLabel(text, parent);
     label->setObjectName(name);

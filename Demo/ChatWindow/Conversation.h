@@ -10,7 +10,7 @@ namespace quillory::demo {
 
 enum class Sender { us, them };
 
-/// The messages, oldest on top, theirs to the left and ours to the right; scrolls to the newest.
+/// The messages, oldest at the top, theirs on the left and ours on the right. Scrolls to the newest one.
 class Conversation : public QScrollArea {
   public:
     explicit Conversation(QWidget *parent);

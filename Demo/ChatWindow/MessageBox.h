@@ -8,7 +8,7 @@
 
 namespace quillory::demo {
 
-/// Where the user types: grows with its lines, Enter sends, Shift+Enter breaks the line.
+/// The box that the user types into. It grows with its lines. Enter sends, Shift+Enter starts a new line.
 class MessageBox : public QTextEdit {
   public:
     explicit MessageBox(QWidget *parent);

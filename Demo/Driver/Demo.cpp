@@ -91,8 +91,8 @@ void Demo::prepareSettings(bool draftsReplies) const {
     qputenv("XDG_DATA_HOME", m_folder.filePath(QStringLiteral("data")).toUtf8());
     QDir(m_folder.path()).mkpath(QStringLiteral("config"));
     QDir(m_folder.path()).mkpath(QStringLiteral("data"));
-    // The local service wants a key as the real one does, but takes any. Not stored: that would replace the user's own
-    // in the desktop's password store.
+    // The local service requires a key, but takes any. It is not stored: that would replace the user's own key in the
+    // desktop's password store.
     qputenv("OPENROUTER_API_KEY", "demo");
     changeSetting(QStringLiteral("businessProfile"),
                   QStringLiteral("Noor Bakery in Riffa, Bahrain: cakes, bread and sweets. We sign as Noor."));

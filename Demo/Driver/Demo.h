@@ -18,8 +18,8 @@ struct Pace {
     int betweenPieces = 40;
 };
 
-/// The model service, the program and the chat window, running with throwaway settings on the desktop of this
-/// process's environment. All of them end with this object.
+/// The model service, the program and the chat window. They run with throwaway settings on the desktop that this
+/// process's environment names, and end with this object.
 class Demo {
   public:
     /// draftsReplies: whether replies are drafted from the start. Throws std::runtime_error when a part cannot be
@@ -29,14 +29,14 @@ class Demo {
     Demo(const Demo &) = delete;
     Demo &operator=(const Demo &) = delete;
 
-    /// What the chat window says that its message box holds.
+    /// The text in the message box.
     [[nodiscard]] QString field() const;
     /// The messages it has sent.
     [[nodiscard]] QStringList sentMessages() const;
     [[nodiscard]] bool chatIsOpen() { return m_chat.isRunning(); }
     /// The program's log so far.
     [[nodiscard]] QString log() const;
-    /// What the model service has said about its work so far.
+    /// The output of the model service so far.
     [[nodiscard]] QString serviceLog() const;
     /// Writes one of the program's settings, from another process, as a user would.
     void changeSetting(const QString &key, const QString &value) const;

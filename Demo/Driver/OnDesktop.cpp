@@ -10,7 +10,7 @@ namespace quillory::demo {
 
 namespace {
 
-/// Asks or tells the session's accessibility switch; the answer as the bus tool prints it, empty on failure.
+/// Reads or sets the session's accessibility switch. Returns what dbus-send printed; empty on failure.
 QByteArray accessibilityStatus(const QStringList &request) {
     QProcess bus;
     bus.start(QStringLiteral("dbus-send"),
@@ -27,7 +27,7 @@ void setAccessibility(bool enabled) {
          QStringLiteral("variant:boolean:") + (enabled ? QStringLiteral("true") : QStringLiteral("false"))});
 }
 
-/// Accessibility switched on for this session while the demo runs, if it was off.
+/// Switches accessibility on for this session while the demo runs, if it was off.
 class AccessibilityOn {
   public:
     AccessibilityOn() {
@@ -58,7 +58,7 @@ class AccessibilityOn {
 } // namespace
 
 int showOnDesktop() {
-    // Only as X11 clients can the windows be placed and seen by each other.
+    // Only X11 windows can be placed, and see where other windows are.
     qputenv("QT_QPA_PLATFORM", "xcb");
     const AccessibilityOn accessibility;
     Demo demo({}, true);

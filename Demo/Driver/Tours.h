@@ -11,9 +11,9 @@ namespace quillory::demo {
 /// Set when the user wants the demo to end (Ctrl+C).
 extern std::atomic<bool> stopRequested;
 
-/// On the user's own desktop: says what to try, and ends with the chat window. Returns the exit status.
+/// On the user's own desktop: explains what to try, and ends with the chat window. Returns the exit status.
 int showOnDesktop();
-/// On a display that nobody sees: types, accepts, takes pictures, and checks what came of it. Returns the exit status.
+/// On a virtual display: types, accepts, takes pictures and checks the results. Returns the exit status.
 int runUnseen(const QString &picturesFolder);
 
 } // namespace quillory::demo

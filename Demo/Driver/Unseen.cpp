@@ -13,9 +13,9 @@ namespace quillory::demo {
 
 namespace {
 
-/// Slow enough that each look of the card can be photographed.
+/// Slow enough to take a picture of each state of the card.
 constexpr Pace pace{1500, 350};
-/// What the card's appearing takes.
+/// How long a card takes to fade in.
 constexpr int fadeMilliseconds = 250;
 
 class Tour {
@@ -38,7 +38,7 @@ class Tour {
                picture("reply") && acceptReply("Yes, we deliver all over Bahrain");
     }
 
-    /// The same with two models for the next question, and none for the thanks after it.
+    /// The same with two models for the next question. The thanks after it need no reply.
     bool compareReplies() {
         set("compareMode", "true");
         return send() && step("two models reply", [this] { return logged(" complete (", 4); }) &&
@@ -47,7 +47,7 @@ class Tour {
                     [this] { return logged(": no reply needed (SKIP)", 2); });
     }
 
-    /// Two models are asked for a rewrite, one of which the service does not have.
+    /// Asks two models for a rewrite, one of which the service does not know.
     bool seeFailure(const QString &draft) {
         set("assistantMode", "false");
         set("secondModel", "nobody/absent-model");
@@ -83,7 +83,7 @@ class Tour {
                step("nothing was sent", [&] { return m_demo.sentMessages().size() == sentBefore; });
     }
 
-    /// The user's own key.
+    /// Presses Enter, as the user would.
     bool send() {
         const QStringList whole = m_demo.sentMessages() + QStringList{m_demo.field()};
         press("Return");

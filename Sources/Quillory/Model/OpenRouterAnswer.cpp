@@ -15,7 +15,7 @@ namespace quillory {
 namespace {
 using nlohmann::json;
 
-/// What lies deeper than anything that is read is parsed but not kept, so that a megabyte of brackets stays small.
+/// Drops what is nested deeper than anything that we read, so that a megabyte of brackets takes little memory.
 bool keepsShallow(int depth, json::parse_event_t event, json & /*parsed*/) {
     constexpr int deepest = 16;
     const bool opens = event == json::parse_event_t::array_start || event == json::parse_event_t::object_start;
@@ -30,7 +30,7 @@ const json *member(const json &value, const char *name) {
     return found == value.end() ? nullptr : &*found;
 }
 
-/// The string at choices[0], this member of it, "content".
+/// The string at choices[0][holder]["content"].
 std::optional<QString> contentOf(const json &answer, const char *holder) {
     const json *const choices = member(answer, "choices");
     const bool isList = choices != nullptr && choices->is_array() && !choices->empty();
@@ -61,7 +61,8 @@ QByteArrayView trimmedOfBlanks(QByteArrayView bytes) {
     return bytes;
 }
 
-/// The text of an event: what follows "data:", trimmed. Blanks beyond ASCII are rare enough to cost a conversion.
+/// The text of an event: what follows "data:", trimmed. Only rare lines, with other than ASCII characters at an end,
+/// are converted for that.
 QByteArray eventText(const QByteArray &line) {
     constexpr qsizetype prefixLength = 5;
     const QByteArrayView rest = trimmedOfBlanks(QByteArrayView(line).sliced(prefixLength));

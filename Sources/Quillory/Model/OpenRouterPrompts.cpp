@@ -89,7 +89,7 @@ Tone chosenTone(const AppSettings &settings) {
     return toneFromRawValue(stored).value_or(Tone::professional);
 }
 
-/// The text between an opening and a closing, or nothing at all without a text.
+/// The text between an opening and a closing; nothing if the text is empty.
 QString block(QStringView opening, const QString &text, QStringView closing) {
     return text.isEmpty() ? QString() : joined({opening, text, closing});
 }
