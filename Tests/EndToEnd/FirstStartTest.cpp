@@ -124,7 +124,7 @@ TEST_P(FirstStart, LeadsToTheFirstRewriteByKeyboardAlone) {
     ASSERT_TRUE(waitUntil([&] { return !m_page.state().address.isEmpty(); }, 60'000));
     const ChildProcess program({QUILLORY_PROGRAM});
     ASSERT_TRUE(waitUntil([] { return isActive(setupTitle); }, 20'000));
-    EXPECT_TRUE(isUp(settingsTitle));
+    EXPECT_TRUE(waitUntil([] { return isUp(settingsTitle); }));
     EXPECT_EQ(run({QUILLORY_PROGRAM, "setup"}), 0) << "the first one comes to the front instead";
     EXPECT_NE(run({QUILLORY_PROGRAM, "doctor"}, Output::dropped), 0);
 
