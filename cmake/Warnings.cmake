@@ -1,6 +1,6 @@
 # SPDX-FileCopyrightText: 2026 The Quillory developers
 # SPDX-License-Identifier: GPL-3.0-or-later
-option(QUILLORY_WARNINGS_AS_ERRORS "Stop at a compiler warning" ON)
+option(QUILLORY_WARNINGS_AS_ERRORS "Stop at a compiler warning" OFF)
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 if(QUILLORY_WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)
