@@ -49,9 +49,9 @@ class PaintWatch final : public QObject {
     }
 };
 
-template <typename Deed> double timed(Deed deed, clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
+template <typename Work> double timed(Work work, clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
     const double start = bench::milliseconds(clock);
-    deed();
+    work();
     QApplication::processEvents();
     return bench::milliseconds(clock) - start;
 }

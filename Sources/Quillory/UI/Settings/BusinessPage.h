@@ -14,7 +14,7 @@ class TextField;
 /// The sections of the tab "Business".
 class BusinessPage final : public QWidget {
   public:
-    /// area: what the page scrolls in, which is to be its parent.
+    /// area: the scroll area that the page is put into.
     BusinessPage(SettingsBinding &binding, QScrollArea &area);
 
   private:

@@ -31,7 +31,7 @@ namespace {
 constexpr QSize initialSize(600, 640);
 constexpr std::chrono::seconds watchInterval(2);
 
-/// The user is asked before what may lose something of his.
+/// Asks the user before anything that may lose some of their work.
 bool isAgreed(QWidget *parent, const Offer &offer) {
     return offer.isHarmless ||
            QMessageBox::question(parent, QStringLiteral("Quillory"), offer.question) == QMessageBox::Yes;
@@ -134,7 +134,7 @@ void SetupWindow::watch() {
 }
 
 void SetupWindow::show(std::vector<Finding> findings) {
-    std::ranges::stable_sort(findings, std::greater(), &Finding::state); // what is to be done first
+    std::ranges::stable_sort(findings, std::greater(), &Finding::state); // what needs doing comes first
     auto *const page = new QWidget;
     auto *const column = new QVBoxLayout(page);
     column->setContentsMargins(0, 0, 0, 0);
@@ -157,8 +157,8 @@ void SetupWindow::show(std::vector<Finding> findings) {
     m_status->setText(m_outcome.isEmpty() ? verdict : m_outcome + u' ' + verdict);
 }
 
-/// By keyboard one goes through the window from its top to its bottom, and after mending something to what is left. The
-/// row that had the focus is gone; who has gone on to the key by then stays there.
+/// Tab goes through the window from top to bottom. After a repair the row that had the focus is gone, so the focus goes
+/// to the first button that is left, unless the user has moved on to the key.
 void SetupWindow::orderFocus(const QWidget &page) {
     const auto buttons = page.findChildren<QPushButton *>();
     if (!buttons.isEmpty()) {
@@ -220,8 +220,7 @@ void SetupWindow::setBusy(bool isBusy, const QString &said) {
     }
 }
 
-/// A button that is switched off hands the focus on, in the end to the one that closes the window, and the key that
-/// pressed it may be pressed again.
+/// A disabled button hands the focus on, in the end to "Close", which a second press of the same key would then click.
 void SetupWindow::holdFocus() {
     m_pressed = qobject_cast<QPushButton *>(focusWidget());
     if (m_pressed != nullptr) {
