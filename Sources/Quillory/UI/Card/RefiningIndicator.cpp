@@ -17,7 +17,7 @@ constexpr int spinnerSide = 16;
 constexpr int spokes = 8;
 constexpr int millisecondsPerSpoke = 100;
 constexpr double spinnerGap = 8;
-constexpr double verticalPadding = 2;
+constexpr double verticalMargin = 2;
 constexpr double dimmest = 0.45;
 constexpr qint64 pulseMilliseconds = 700;
 constexpr int frameMilliseconds = 33;
@@ -40,7 +40,7 @@ QSize RefiningIndicator::sizeHint() const {
     const QFontMetricsF metrics(wordsFont());
     const double textWidth = metrics.horizontalAdvance(words());
     return {static_cast<int>(std::ceil(spinnerSide + spinnerGap + textWidth)),
-            static_cast<int>(std::round(std::max<double>(spinnerSide, metrics.height()) + 2 * verticalPadding))};
+            static_cast<int>(std::round(std::max<double>(spinnerSide, metrics.height()) + 2 * verticalMargin))};
 }
 
 double RefiningIndicator::opacityAt(qint64 milliseconds) {
