@@ -3,6 +3,7 @@
 #include "Linux/XClient.h"
 #include "Platform/Linux/X11/Panel/QtPanelWindow.h"
 #include "RealDesktop/RealDesktop.h"
+#include "RealDesktop/StartedAnew.h"
 
 #include <QGuiApplication>
 #include <QScreen>

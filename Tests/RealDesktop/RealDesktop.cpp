@@ -4,8 +4,6 @@
 
 #include <QDir>
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 
 namespace quillory::test {
@@ -94,19 +92,6 @@ void RealDesktop::startServer(const char *variable, const char *prefix, const st
         throw std::runtime_error(arguments.front() + " did not start");
     }
     qputenv(variable, QByteArray::fromStdString(prefix + told));
-}
-
-int startAnew() {
-    const auto *const test = testing::UnitTest::GetInstance()->current_test_info();
-    qputenv("QUILLORY_TEST_IS_STARTED_ANEW", "1");
-    const int status =
-        run({"/proc/self/exe", "--gtest_filter=" + std::string(test->test_suite_name()) + '.' + test->name()});
-    qunsetenv("QUILLORY_TEST_IS_STARTED_ANEW");
-    return status;
-}
-
-bool isStartedAnew() {
-    return qEnvironmentVariableIsSet("QUILLORY_TEST_IS_STARTED_ANEW");
 }
 
 } // namespace quillory::test

@@ -43,10 +43,4 @@ class RealDesktop {
     std::vector<ChildProcess> m_programs;
 };
 
-/// Runs the present test once more, in a process of its own on this desktop, for what an application reads only at its
-/// start. Returns its exit status.
-int startAnew();
-/// Whether this process was started so.
-[[nodiscard]] bool isStartedAnew();
-
 } // namespace quillory::test

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "RealDesktop/RealDesktop.h"
+#include "RealDesktop/StartedAnew.h"
 
 #include <QApplication>
 
