@@ -140,7 +140,7 @@ TEST_F(AppDelegateTest, DoesWhatItsMenuSays) {
     QKeyEvent comma(QEvent::KeyPress, Qt::Key_Comma, Qt::ControlModifier, u","_s);
     QApplication::sendEvent(&menu(), &comma);
     ASSERT_TRUE(isShown<SettingsWindow>());
-    EXPECT_EQ(desktop.applications.activated, std::vector{desktop.process.ownPid});
+    EXPECT_EQ(desktop.applications.activated, std::vector{static_cast<qint32>(QApplication::applicationPid())});
     SettingsWindow *const window = windows<SettingsWindow>().at(0);
     EXPECT_EQ(window->size(), QSize(560, 430));
     EXPECT_EQ(window->windowTitle(), u"Quillory"_s);
@@ -176,11 +176,9 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     };
     EXPECT_EQ(titles(), u"Suggestions Enabled | Compare Two Models | Settings… | Check for Updates… | Quit Quillory"_s);
     desktop.applications.trusted = false;
-    desktop.advance(1000);
-    EXPECT_TRUE(titles().contains(u" | Grant Accessibility Access… | "_s));
+    EXPECT_TRUE(spinUntil([&] { return titles().contains(u" | Grant Accessibility Access… | "_s); }));
     desktop.applications.trusted = true;
-    desktop.advance(1000);
-    EXPECT_FALSE(titles().contains(u"Grant"_s));
+    EXPECT_TRUE(spinUntil([&] { return !titles().contains(u"Grant"_s); }));
     rows.at(0)->click();
     EXPECT_FALSE(isOn(settingsKey::enabled));
     EXPECT_FALSE(rows.at(0)->isChecked());
@@ -189,8 +187,7 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     EXPECT_FALSE(isOn(settingsKey::compareMode));
     EXPECT_FALSE(rows.at(1)->isChecked());
     desktop.userDefaults.set(settingsKey::compareMode, true);
-    desktop.advance(1000);
-    EXPECT_TRUE(rows.at(1)->isChecked());
+    EXPECT_TRUE(spinUntil([&] { return rows.at(1)->isChecked(); }));
     rows.at(3)->click();
     EXPECT_TRUE(isShown<SettingsWindow>());
 
