@@ -27,7 +27,7 @@ std::optional<Task> Tasks::start(std::function<void(std::stop_token)> work) {
     return Task(running.thread.get_stop_source());
 }
 
-// A thread that has finished is joined without waiting, so its stack is given back no later than at the next start.
+// Joins the threads that have finished, so that each stack is freed at the next start at the latest.
 void Tasks::reap() {
     m_running.remove_if([](const Running &running) { return running.finished.load(); });
 }

@@ -12,7 +12,7 @@
 
 namespace quillory {
 
-/// A handle on a piece of work that runs off the main thread. Dropping it lets the work go on.
+/// A handle on work that runs on a thread of its own. The work goes on without the handle.
 class Task {
   public:
     explicit Task(std::stop_source stop) : m_stop(std::move(stop)) {}
@@ -26,15 +26,15 @@ class Task {
 /// Owns the threads of such work. Main thread only.
 class Tasks {
   public:
-    /// Asks all work to stop and waits for it: as long as the work takes to notice.
+    /// Asks all work to stop, and waits until it has.
     ~Tasks();
-    /// Runs the work on a thread of its own; it must not throw. Absent when the system has no thread to give.
+    /// Runs the work on a thread of its own; it must not throw. Absent if the system cannot start a thread.
     [[nodiscard]] std::optional<Task> start(std::function<void(std::stop_token)> work);
 
   private:
     struct Running {
         std::atomic<bool> finished = false;
-        std::jthread thread; // joined before the flag goes
+        std::jthread thread; // joined before the flag is destroyed
     };
     void reap();
 

@@ -8,15 +8,15 @@
 #include <cstdint>
 #include <set>
 
-/// Questions of text that have one right answer for the whole program. Characters are user-perceived characters
+/// How the whole program counts, compares and trims text. Characters are user-perceived characters
 /// (extended grapheme clusters); the white-space-and-newline set is Unicode's general category Z with U+0009 to
 /// U+000D and U+0085. All pure, callable from any thread.
 namespace quillory::text {
 
 [[nodiscard]] qsizetype characterCount(QStringView text);
-/// Whether a text has at least so many characters; mostly counts no further than needed.
+/// Whether a text has at least this many characters. Usually counts no further than needed.
 [[nodiscard]] bool hasAtLeast(QStringView text, qsizetype count);
-/// Whether a text has more than so many characters.
+/// Whether a text has more than this many characters.
 [[nodiscard]] bool hasMoreThan(QStringView text, qsizetype count);
 /// The first count characters, or all of a shorter text.
 [[nodiscard]] QString prefix(const QString &text, qsizetype count);
@@ -29,9 +29,9 @@ struct Less {
     bool operator()(const QString &a, const QString &b) const;
 };
 using Set = std::set<QString, Less>;
-/// A well-distributed hash that goes with that equality; the same for equal texts within one run.
+/// A hash that goes with that equality; it is the same for equal texts during one run of the program.
 [[nodiscard]] std::int64_t hash(const QString &text);
-/// Whether a text contains another, whole characters compared as equal() does.
+/// Whether a text contains another, comparing whole characters as equal() does.
 [[nodiscard]] bool contains(const QString &text, const QString &part);
 [[nodiscard]] bool isWhitespaceOrNewline(char32_t character);
 /// The code point at the start of a text that is not empty, and how many code units it takes; half a surrogate pair
@@ -46,7 +46,7 @@ struct CodePoint {
 /// A number with a fixed count of decimals as C's "%.nf" writes it, ties to even included, but with a full stop in
 /// every locale.
 [[nodiscard]] QString fixed(double number, int decimals);
-/// With a question mark for every control character but line breaks and tabs: a terminal must not obey what others say.
+/// With a question mark for each control character except line breaks and tabs, since a terminal would obey the others.
 [[nodiscard]] QString printable(QString text);
 /// Without the white space and line breaks at both ends.
 [[nodiscard]] QString trimmed(const QString &text);

@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::array textRoles{axRole::textField, axRole::textArea, axRole::comboBox, axRole::searchField};
 
-// Pages nest deeply, but a field so far below its page's root was never seen; each step costs two questions.
+// Pages nest deeply, but no field was ever seen this far below its page's root. Each step costs two questions.
 constexpr int ancestorLimit = 30;
 
 bool holdsGeometry(const platform::AXValue &value) {
@@ -39,7 +39,7 @@ template <class T> std::optional<T> geometry(const AXUIElement &element, AXAttri
     return found != nullptr ? *found : T{};
 }
 
-// Editors tidy what they are given; when the start is there the write took.
+// Editors tidy up what they are given, so the write counts as taken if the start of the text is there.
 constexpr qsizetype verifiedPrefix = 24;
 
 bool logIfTaken(const QString &text, const AXUIElement &element) {

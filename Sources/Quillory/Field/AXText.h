@@ -17,8 +17,8 @@ namespace quillory {
 
 class PasteQueue;
 
-/// Questions about other applications' user interface, and the writing of text into their fields. Main thread only.
-/// Each question may ask another process; whatever goes wrong answers "absent" or false, and only insertion logs.
+/// Answers questions about other applications' user interface, and writes text into their fields. Main thread only.
+/// A question may go to another process; if anything goes wrong the answer is "absent" or false. Only insertion logs.
 class AXText {
   public:
     /// Both outlive this.
@@ -41,7 +41,7 @@ class AXText {
     /// Whether an element is a text field worth watching: one of the text roles, or anything whose value is a string
     /// that can be written. A password field never is.
     [[nodiscard]] static bool isTextElement(const platform::AXUIElement &element);
-    /// Whether a role is that of a text field, whatever else is known of the element.
+    /// Whether a role is that of a text field. The role alone decides.
     [[nodiscard]] static bool isTextRole(const QString &role);
     /// Whether an element belongs to a web browser, by its application's bundle identifier.
     [[nodiscard]] bool isBrowserApp(const platform::AXUIElement &element) const;
@@ -49,7 +49,7 @@ class AXText {
     [[nodiscard]] bool isBrowserUIField(const platform::AXUIElement &element) const;
     /// Where an element is, in accessibility coordinates (points, origin at the top left of the primary screen).
     [[nodiscard]] static std::optional<platform::Rect> frame(const platform::AXUIElement &element);
-    /// The same place in screen coordinates (points, origin at the bottom left of the primary screen, y upwards).
+    /// The same frame in screen coordinates (points, origin at the bottom left of the primary screen, y upwards).
     /// screens: the primary one first.
     [[nodiscard]] static platform::Rect cocoaRect(const platform::Rect &axRect,
                                                   const std::vector<platform::Screen> &screens);
@@ -61,11 +61,11 @@ class AXText {
     [[nodiscard]] std::optional<QString> bundleIdentifier(const platform::AXUIElement &element) const;
 
     /// Replaces the content of a field by a text: writes its value, or, in a browser and where the write does not
-    /// stick, pastes. Failures leave a log line. lastSeen: what the field last looked like, where the caller knows it
-    /// better than the element, which an application may have replaced.
+    /// stick, pastes. Failures are logged. lastSeen: what the field last looked like, if the caller knows better than
+    /// the element does, which the application may have replaced.
     void insert(const QString &text, const platform::AXUIElement &element, PasteQueue &pastes,
                 const std::optional<FieldSnapshot> &lastSeen = std::nullopt) const;
-    /// Writes the value of a field and puts the caret at its end; false when it was refused.
+    /// Writes the value of a field and puts the caret at its end. False if the application refused.
     static bool setValue(const platform::AXUIElement &element, const QString &text);
 
   private:

@@ -46,7 +46,7 @@ void ActionSequence::continueAfter(std::chrono::milliseconds delay) {
     m_queue.postAfter(delay, m_life.whileAlive([this] { proceed(); }));
 }
 
-// What is told may start the next actions, which take the place of these.
+// The callback may start the next actions, which replace these.
 void ActionSequence::end(bool succeeded) {
     const auto done = std::exchange(m_done, {});
     done(succeeded);

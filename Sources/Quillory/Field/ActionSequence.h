@@ -12,7 +12,7 @@
 
 namespace quillory {
 
-/// How long after an attempt the next one follows.
+/// The time between two attempts.
 inline constexpr std::chrono::milliseconds retryInterval{20};
 
 /// What came of one attempt at an action.
@@ -25,18 +25,18 @@ struct Action {
     std::chrono::milliseconds pause{0};
     /// How many more attempts may follow the first.
     std::int64_t retries = 0;
-    /// What it means when they are used up.
+    /// The outcome once the retries are used up.
     Attempt afterLastRetry = Attempt::failed;
 };
 
 /// Runs actions one after the other on the main queue, without blocking it, until all have succeeded or one has
-/// failed. Actions that need no pause follow each other at once. Nothing more happens once this is gone. Main thread
+/// failed. Actions without a pause follow each other at once. Destroying the sequence ends it silently. Main thread
 /// only.
 class ActionSequence {
   public:
     /// The queue outlives this.
     explicit ActionSequence(platform::MainQueue &queue) : m_queue(queue) {}
-    /// Starts; the actions before have ended. done: told how it ended, and may start the next.
+    /// Starts the actions; earlier ones must have ended. done: called at the end, and may call run() again.
     void run(std::vector<Action> actions, std::function<void(bool succeeded)> done);
 
   private:

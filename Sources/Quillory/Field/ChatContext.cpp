@@ -22,14 +22,14 @@ constexpr int maxCollectedLines = 400;
 constexpr qsizetype maxLines = 60;
 constexpr qsizetype maxCharacters = 8000;
 constexpr double columnWidening = 40;
-// How much nearer to one edge a message must be before the edge says who sent it.
+// How much closer to one edge than to the other a message must be for its side to tell who sent it.
 constexpr double sideMargin = 60;
 constexpr int webAreaClimb = 30;
 constexpr int windowClimb = 25;
 constexpr QLatin1StringView webClientHost{"web.whatsapp.com"};
 constexpr QLatin1StringView titleWord{"whatsapp"};
 
-// The first element of a role among an element and its ancestors, looking at so many of them.
+// The first element with this role among an element and its ancestors. looks: how many to look at.
 std::optional<AXUIElement> nearest(const AXUIElement &element, QLatin1StringView role, int looks) {
     std::optional<AXUIElement> current = element;
     for (int look = 0; look < looks && current; ++look) {
@@ -65,7 +65,7 @@ Recognition recognisePage(const AXText &ax, const AXUIElement &element) {
 }
 
 QRegularExpression expression(const char *pattern) {
-    // Digits of every script count.
+    // \d stands for the digits of every script.
     QRegularExpression result(QString::fromLatin1(pattern), QRegularExpression::UseUnicodePropertiesOption);
     result.optimize();
     return result;
@@ -95,7 +95,7 @@ std::optional<QString> messageLine(const platform::AXSubtreeNode &node, const Co
     return mark(*node.frame, column) + line;
 }
 
-// In a browser the page, elsewhere the whole window.
+// The page in a browser, the whole window elsewhere.
 std::optional<AXUIElement> conversationRoot(const AXUIElement &element) {
     auto page = webArea(element);
     return page ? page : containingWindow(element);
@@ -193,7 +193,7 @@ QString transcript(QStringList lines) {
     if (whole.size() <= maxCharacters) {
         return whole; // there are never more characters than code units
     }
-    // A line break is a character of its own wherever it stands, so the lines' counts add up.
+    // A line break is always a character of its own, so the lines' counts add up.
     QList<qsizetype> counts;
     for (const QString &line : std::as_const(lines)) {
         counts.append(text::characterCount(line));

@@ -17,11 +17,11 @@ struct FieldSnapshot {
     platform::Rect frame;
 };
 
-/// How an element looks now, or absent when it reports no frame. Main thread only.
+/// How an element looks now; absent if it reports no frame. Main thread only.
 [[nodiscard]] std::optional<FieldSnapshot> snapshot(const platform::AXUIElement &element);
 
-/// Whether a text field is a known one under a new element, which applications make when they redraw: of the same
-/// process, with the same text, its corner less than 80 points away in each direction.
+/// Whether a field is a known one under a new element, since applications make new elements when they redraw: it has
+/// the same process and text, and its corner is less than 80 points away in each direction.
 [[nodiscard]] bool isRecreated(const FieldSnapshot &known, const FieldSnapshot &candidate);
 
 } // namespace quillory

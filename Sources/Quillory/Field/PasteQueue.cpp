@@ -18,10 +18,10 @@ using namespace std::chrono_literals;
 // Long enough for an application to come to the front, and to have fetched the pasteboard.
 constexpr auto pauseBeforeKeys = 250ms;
 constexpr auto pauseBeforeRestore = 700ms;
-// For the user to let go of the keys, and for the focus to come back.
+// For the user to release the keys, and for the focus to come back.
 constexpr auto fingerRetries = 2s / retryInterval;
 constexpr auto focusRetries = 1s / retryInterval;
-// For an application that is too busy to fetch the text in that time: what comes back too soon is pasted instead.
+// For an application too busy to fetch the text in that time, which would paste what is given back too soon.
 constexpr auto fetchRetries = 2s / retryInterval;
 constexpr int saveAttempts = 3;
 
@@ -49,7 +49,7 @@ void PasteQueue::begin() {
     save(saveAttempts);
 }
 
-// Reading may take a while; what the user copies meanwhile is what has to come back.
+// Reading may take a while. If the user copies something meanwhile, that is what has to come back.
 void PasteQueue::save(int attempts) {
     const auto before = m_services.pasteboard.changeCount();
     m_services.pasteboard.copyItems(m_life.whileAlive([this, attempts, before](auto items) {
@@ -92,7 +92,7 @@ void PasteQueue::awaitFocus() {
                 });
 }
 
-// Finding out about the text may have taken a moment, so the focus is looked at once more.
+// Checking the text may have taken a moment, so the focus is checked once more.
 void PasteQueue::typeAndRestore(bool textIsThere) {
     if (!textIsThere) {
         giveUp("pasteboard was taken by another program");
@@ -109,7 +109,7 @@ void PasteQueue::typeAndRestore(bool textIsThere) {
                 [this](bool) { finish(); });
 }
 
-// A program that took the pasteboard over does not say when its content is fetched.
+// A program that has taken over the pasteboard does not report when its content is fetched.
 Attempt PasteQueue::textIsFetched() const {
     const bool isKnown = m_services.pasteboard.changeCount() == m_changeCount;
     return isKnown && m_services.pasteboard.fetchCount() == m_fetchCount ? Attempt::retry : Attempt::succeeded;
@@ -120,7 +120,7 @@ void PasteQueue::giveUp(const char *reason) {
     finish();
 }
 
-// Tells whether a paste would still give our text. A clipboard manager may have taken it over with the text in it.
+// Whether a paste would still give our text. A clipboard manager may have taken over the pasteboard, text and all.
 void PasteQueue::ifTextIsThere(std::function<void(bool)> then) {
     if (m_services.pasteboard.changeCount() == m_changeCount) {
         then(true);
@@ -130,7 +130,7 @@ void PasteQueue::ifTextIsThere(std::function<void(bool)> then) {
         m_life.whileAlive([this, then = std::move(then)](const auto &string) { then(string == request().text); }));
 }
 
-// A key poster copes with a modifier that stays down, only less well: so after the wait the keys go out anyway.
+// A key poster copes with a modifier that stays down, if less well, so after the wait the keys go out anyway.
 Attempt PasteQueue::fingersAreUp() const {
     return m_services.keys.userHoldsKeys() ? Attempt::retry : Attempt::succeeded;
 }

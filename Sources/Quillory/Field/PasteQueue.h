@@ -22,11 +22,11 @@ namespace quillory {
 
 class AXText;
 
-/// A text that is to replace the content of a field by way of the pasteboard.
+/// A text that is to replace the content of a field by pasting.
 struct PasteRequest {
     QString text;
     platform::AXUIElement target;
-    /// What the field last looked like, so that a copy which the application made of it is still recognised.
+    /// What the field last looked like, to recognise it if the application has replaced its element.
     std::optional<FieldSnapshot> lastSeen;
 };
 
@@ -41,16 +41,16 @@ class PasteQueue {
         platform::Workspace &workspace;
     };
     PasteQueue(const AXText &ax, const Services &services);
-    /// In the midst of a paste, gives the pasteboard its content back at once.
+    /// During a paste, gives the pasteboard its content back at once.
     ~PasteQueue();
     PasteQueue(const PasteQueue &) = delete;
     PasteQueue &operator=(const PasteQueue &) = delete;
 
     /// Brings the field's application to the front, puts the text on the pasteboard, selects all and pastes with
     /// synthesised keys, and then gives the pasteboard its content back. Returns at once; about a second passes.
-    /// Nothing is typed when the field is not seen to have the keyboard focus, when a paste would give another text, or
-    /// when what the pasteboard holds could not be given back; what the user copies meanwhile is left alone. A request
-    /// that comes before the last one has ended waits for it.
+    /// Nothing is typed unless the field is seen to have the keyboard focus, the pasteboard still holds the text, and
+    /// what it held before can be given back. What the user copies meanwhile is left alone. A request that comes before
+    /// the last one has ended waits for it.
     void paste(PasteRequest request);
     /// Whether a text is on its way into a field.
     [[nodiscard]] bool isPasting() const { return !m_requests.empty(); }

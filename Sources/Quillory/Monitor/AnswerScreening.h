@@ -6,10 +6,10 @@
 
 #include <QString>
 
-/// Rules that catch the typical ways in which a model goes wrong. Pure functions of values.
+/// Catches the typical ways in which models go wrong. Pure functions of values.
 namespace quillory {
 
-/// An answer without the tags that the prompt put around its parts, trimmed.
+/// An answer without the tags that the prompt uses, trimmed.
 [[nodiscard]] QString cleanedAnswer(const QString &raw);
 
 struct Verdict {
@@ -22,7 +22,7 @@ struct Verdict {
 /// Judges a cleaned answer to a source (a draft or a conversation).
 [[nodiscard]] Verdict screen(SuggestionKind kind, const QString &source, const QString &answer);
 
-/// Whether a rewrite says nothing new: it is empty, or the draft itself but for white space around it.
+/// Whether a rewrite says nothing new: it is empty, or the draft without the white space around it.
 [[nodiscard]] bool isUnchanged(const QString &draft, const QString &answer);
 
 /// A display name made from a model's identifier: "anthropic/claude-haiku-4.5" is "Claude Haiku 4.5".

@@ -10,7 +10,7 @@
 namespace quillory {
 
 namespace {
-// An inserted text settles (editors tidy it, models are not asked about it) before drafts are looked at again.
+// Editors tidy up an inserted text, so it may settle before drafts are considered again.
 constexpr double quietSecondsAfterInsert = 2.0;
 constexpr double shortestPrefetch = 0.2;
 constexpr double prefetchLead = 0.25;

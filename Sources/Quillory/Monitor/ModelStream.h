@@ -21,11 +21,11 @@ struct ModelChoice {
     /// The model's name for people.
     QString label;
 };
-/// The models that the settings say are to be asked, one or two.
+/// The one or two models that the settings choose.
 [[nodiscard]] std::vector<ModelChoice> activeModels(const platform::UserDefaults &store);
 
-/// One model's streamed request, and the card that shows it: both have the same index. Streaming until it is complete
-/// (final is there) or failed, for good. Main thread only.
+/// One model's streamed request; the card that shows it has the same index. It streams until it is complete (final is
+/// set) or has failed, and stays so. Main thread only.
 struct ModelStream {
     ModelStream(QString modelIdentifier, QString name, platform::Instant start)
         : model(std::move(modelIdentifier)), label(std::move(name)), startedAt(start) {}
@@ -52,7 +52,7 @@ struct ModelStream {
     }
 };
 
-/// What the card at an index of so many cards shows of a stream.
+/// What the card of a stream shows. index, count: which card it is, of how many.
 [[nodiscard]] SuggestionCardData card(const ModelStream &stream, SuggestionKind kind, std::size_t index,
                                       std::size_t count);
 

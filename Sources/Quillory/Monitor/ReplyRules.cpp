@@ -5,14 +5,13 @@
 namespace quillory {
 
 namespace {
-// A suggestion that has gone without being dismissed comes back for the same conversation, but not at once.
+// A suggestion that went away without being dismissed comes back for the same conversation, but not at once.
 constexpr double redraftSeconds = 1.0;
-// A conversation that is still changing (messages coming in line by line, a list that scrolls) is not answered at every
-// look.
+// A conversation that keeps changing (messages arriving one by one, scrolling) is not answered anew at every look.
 constexpr double similarRedraftSeconds = 0.8;
 constexpr double similarOverlap = 0.5;
 constexpr double sameOverlap = 0.85;
-// How much of an accepted reply must be found in a message for it to be that reply, sent.
+// How much of an accepted reply a message must contain to count as that reply, sent.
 constexpr qsizetype sentReplyPrefix = 24;
 
 bool changedOnlyAbove(const ReplyContext &now, const ReplyHistory &before, double overlap) {

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-/// The rules by which a conversation gets a drafted reply, as pure functions of values.
+/// The rules for drafting replies, as pure functions of values.
 namespace quillory {
 
 /// A conversation as the reply rules see it.
@@ -18,9 +18,9 @@ struct ReplyContext {
     std::optional<QString> lastLine;
 };
 
-/// What is remembered of earlier drafts, and what is on screen now.
+/// What is remembered about earlier drafts, and what is on screen now.
 struct ReplyHistory {
-    /// The conversation that was last drafted for, or last taken as needing no draft.
+    /// The conversation that was last drafted for, or last found to need no draft.
     std::optional<std::int64_t> draftedHash;
     /// The conversation whose reply the user did not want.
     std::optional<std::int64_t> dismissedHash;
@@ -28,12 +28,12 @@ struct ReplyHistory {
     std::optional<QString> lastLine;
     /// What the user last accepted into a field.
     std::optional<QString> lastInserted;
-    /// Cards are up, or models are at work or were given up.
+    /// Cards are shown, or there are requests, running or ended.
     bool suggestionStands = false;
     double secondsSinceDraft = 0;
 };
 
-/// Leave everything as it is, remember the conversation without drafting for it, or draft.
+/// Do nothing, remember the conversation without drafting for it, or draft.
 enum class ReplyDecision { nothing, remember, draft };
 [[nodiscard]] ReplyDecision decideReply(const ReplyContext &now, const ReplyHistory &before);
 

@@ -20,7 +20,7 @@ namespace {
 constexpr std::chrono::milliseconds pollInterval{100};
 // A look at the conversation reads the page, so not every tick takes one.
 constexpr double lookSeconds = 0.4;
-// Pages move the focus about while they redraw; only a longer absence counts.
+// Pages move the focus around while they redraw; only a longer absence counts.
 constexpr double flapSeconds = 2.5;
 constexpr qsizetype loggedTitle = 40;
 
@@ -135,7 +135,7 @@ void TypingMonitor::adopt(const Element &element, bool isText) {
     m_focusIsBrowserUI = isText && m_ax.isBrowserUIField(element);
     m_focusIsChatApp = isText && ChatContext::isChatApp(m_ax, element);
     if (m_focusIsChatApp) {
-        // The field may have got the focus because another conversation came.
+        // The field may have the focus because another conversation was opened.
         ChatContext::prepare(element, platform::AXFreshness::now());
     }
 }
@@ -219,7 +219,7 @@ void TypingMonitor::followEmptyField(const Element &element, const QString &valu
         m_lastChangeAt.reset();
         dropSuggestion();
     }
-    // A box that an accepted reply is on its way into is empty for a moment longer, and wants no second one.
+    // A box that is about to get an accepted reply is empty for a moment longer; it needs no second reply.
     if (mayReply && !m_pastes.isPasting()) {
         assistantTick(element);
     }
@@ -239,7 +239,7 @@ void TypingMonitor::followPause(const Element &element, const QString &value) {
     const double idleSeconds = m_mainQueue.now() - *m_lastChangeAt;
     switch (pausePhase(idleSeconds, m_settings.store().integer(settingsKey::debounceMs))) {
     case PausePhase::wait:
-        // Nobody has looked at the conversation while the draft was typed.
+        // The conversation was not read while the draft was typed.
         ChatContext::prepare(element, {});
         break;
     case PausePhase::prefetch:
@@ -259,7 +259,7 @@ void TypingMonitor::showSuggestion(const Element &element, const QString &value)
         presentStreams(element);
         return;
     }
-    // Streams may be left whose answers were given up; those are not asked for again.
+    // Streams may be left whose answers were discarded; those are not requested again.
     if (m_streams.empty() && !holds(m_lastRequestedSource, value)) {
         startStreams(value, element, true, SuggestionKind::rewrite);
     }

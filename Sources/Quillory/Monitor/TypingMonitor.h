@@ -42,7 +42,7 @@ class TypingMonitor {
         SuggestionPanelController &panel;
         platform::Accessibility &accessibility;
         platform::MainQueue &mainQueue;
-        /// This program's own process, whose fields are left alone.
+        /// This program's own process; its fields are left alone.
         qint32 ownPid;
     };
     explicit TypingMonitor(const Parts &parts);
@@ -68,7 +68,7 @@ class TypingMonitor {
     void adopt(const Element &element, bool isText);
     void logFocus(const Element &element, bool isText) const;
     void followField(const Element &element);
-    /// What the gate decides by, read step by step, so that nothing is asked that cannot matter.
+    /// What the gate decides by. Read step by step, so that nothing is asked that no longer matters.
     [[nodiscard]] FieldSituation situation(const Element &element) const;
     void followFrame(const Element &element);
     void followEmptyField(const Element &element, const QString &value, bool mayReply);
@@ -107,7 +107,7 @@ class TypingMonitor {
 
     // Accept and dismiss (TypingMonitorAccept.cpp).
     void connectPanel();
-    /// The card that the user took, whose stream it shows, and when: the conversation is read from then on.
+    /// The card that the user chose, its stream, and when: only a conversation read since then will do.
     struct Choice {
         qint64 index;
         StreamPointer stream;
@@ -117,10 +117,10 @@ class TypingMonitor {
     void accept(const Choice &choice, int looksLeft);
     void insert(const QString &text, const Element &target);
     [[nodiscard]] StreamPointer streamAt(qint64 index) const;
-    /// A look at the conversation that a reply would go into; absent for a rewrite.
+    /// The conversation that a reply would go into; absent for a rewrite.
     [[nodiscard]] std::optional<ChatContext::Look> guardedLook(const Element &target, platform::AXFreshness since,
                                                                bool isLast) const;
-    /// Whether a reply belongs to a conversation; logs that it does not.
+    /// Whether the reply was drafted for a conversation; logs if not.
     [[nodiscard]] bool isDraftedFor(const ChatContext::Conversation &conversation) const;
     void dismiss();
     void recordChoice(std::size_t index) const;
@@ -138,28 +138,28 @@ class TypingMonitor {
     platform::RegistrationHandle m_pollTimer;
 
     std::optional<Element> m_currentElement;
-    /// In accessibility coordinates; all zero while the tracked element has reported none.
+    /// In accessibility coordinates. All zero until the tracked element has reported a frame.
     platform::Rect m_currentElementFrame;
     QString m_lastText;
-    /// Absent means that no draft is pending: the field is empty, new, or holds what was just accepted.
+    /// Absent if no draft is pending: the field is empty, new, or holds what was just accepted.
     std::optional<platform::Instant> m_lastChangeAt;
     std::optional<bool> m_lastTrusted;
     bool m_focusIsBrowserUI = false;
     bool m_focusIsChatApp = false;
-    /// The text that was last asked about; it is not asked about twice.
+    /// The text of the last request; it is not sent twice.
     std::optional<QString> m_lastRequestedSource;
     std::optional<QString> m_lastInsertedText;
     platform::Instant m_lastInsertAt = platform::distantPast;
 
     std::vector<StreamPointer> m_streams;
-    /// The text that the streams were started for: every result that comes in is checked against it.
+    /// The text that the streams were started for. Every result is checked against it.
     std::optional<QString> m_streamSource;
     SuggestionKind m_streamKind = SuggestionKind::rewrite;
 
     platform::Instant m_lastContextAt = platform::distantPast;
     std::optional<std::int64_t> m_lastDraftedHash;
     platform::Instant m_lastDraftStartAt = platform::distantPast;
-    /// The conversation to which the user did not want the drafted reply.
+    /// The conversation whose drafted reply the user dismissed.
     std::optional<std::int64_t> m_dismissedHash;
     /// Since when something other than a text field has had the focus.
     std::optional<platform::Instant> m_focusFlapSince;
@@ -167,7 +167,7 @@ class TypingMonitor {
     text::Set m_replyContextLines;
 
     platform::LifeToken m_life;
-    /// Last, so that no request is left running when the rest goes.
+    /// Last, so that all requests have ended before the rest is destroyed.
     Tasks m_tasks;
 };
 

@@ -12,12 +12,12 @@
 namespace quillory {
 
 namespace {
-// A reply belongs to the conversation that it was drafted for: at least half of its lines must still be there.
+// A reply belongs to the conversation that it was drafted for: at least half of that one's lines must still be there.
 constexpr double leastOverlap = 0.5;
-// A page that is too busy to be read at once is asked for most of a second; then the text goes in unguarded.
+// A page too busy to be read is tried again for most of a second; after that the reply goes in unguarded.
 constexpr int mostLooks = 5;
 constexpr std::chrono::milliseconds lookPause{150};
-// Long enough for a person to see the card that is about to be accepted.
+// Long enough to see the card that is about to be accepted.
 constexpr std::chrono::milliseconds debugAcceptDelay{600};
 } // namespace
 
@@ -32,7 +32,7 @@ void TypingMonitor::accept(qint64 index) {
 
 void TypingMonitor::accept(const Choice &choice, int looksLeft) {
     const auto target = m_panel.targetElement();
-    // While the page was asked, other cards may have taken the place of these.
+    // Other cards may have replaced these while the page was being read.
     if (!target || !m_panel.isCardAcceptable(choice.index) || streamAt(choice.index) != choice.stream) {
         return;
     }
@@ -51,7 +51,7 @@ void TypingMonitor::accept(const Choice &choice, int looksLeft) {
 }
 
 void TypingMonitor::insert(const QString &text, const Element &target) {
-    // Ticks that run before the text has arrived already expect it, so what the field looked like is kept apart.
+    // Ticks already expect the text before it has arrived, so the field's present look is taken first.
     std::optional<FieldSnapshot> lastSeen;
     if (!m_currentElementFrame.isZero()) {
         lastSeen = {target.pid(), m_lastText, m_currentElementFrame};
@@ -78,11 +78,11 @@ std::optional<ChatContext::Look> TypingMonitor::guardedLook(const Element &targe
     auto look = ChatContext::look(target, since);
     const auto focused = look.isAnswered ? std::nullopt : m_ax.focusedElement();
     if (focused && focused != target) {
-        // A page that changes the chat may make its box anew; the text would go there.
+        // A page that switches chats may replace its box, and the text would go into the new one.
         look = ChatContext::look(*focused, since);
     }
     if (!look.isAnswered && isLast) {
-        // What was seen a moment ago guards better than nothing.
+        // What was seen a moment ago is better than no guard.
         look = ChatContext::look(target, {});
     }
     return look;

@@ -15,7 +15,7 @@ namespace quillory {
 
 namespace {
 
-// Each card update lays the whole stack out again.
+// Each card update lays out the whole stack.
 constexpr double cardUpdateSeconds = 0.08;
 
 QString logLine(const QString &source, SuggestionKind kind, bool showPanel, const QStringList &labels) {
@@ -25,8 +25,7 @@ QString logLine(const QString &source, SuggestionKind kind, bool showPanel, cons
            labels.join(QStringLiteral(" vs ")) + u')';
 }
 
-// Runs a request to its end on the calling thread: its answer, or absent when it failed, which is then logged. Throws
-// when it was cancelled.
+// Runs a request to its end on the calling thread. Absent if it failed, which is logged. Throws CancellationError.
 std::optional<QString> answer(const std::function<QString()> &request, const QString &label) {
     QString description;
     try {
@@ -73,7 +72,7 @@ void TypingMonitor::startStreams(const QString &source, const Element &element, 
 
 void TypingMonitor::launch(const StreamPointer &stream, int index, const QString &source,
                            const std::optional<QString> &context, SuggestionKind kind) {
-    // Brings what comes of the request to the main thread, where the monitor may be gone by then.
+    // Hands results to the main thread; by then the monitor may be gone.
     const auto deliver = [this](auto handle) { m_mainQueue.post(m_life.whileAlive(std::move(handle))); };
     const auto deliverFailure = [=, this] { deliver([=, this] { handleFailure(stream, index, source); }); };
     const auto onChunk = [=, this](const QString &text) {
@@ -89,7 +88,7 @@ void TypingMonitor::launch(const StreamPointer &stream, int index, const QString
                 deliver([=, this] { handleCompletion(stream, index, source, kind, *raw); });
             }
         } catch (const platform::CancellationError &) {
-            return; // nobody waits for the answer any more
+            return; // the answer is no longer wanted
         }
     });
     if (!stream->task) {
@@ -98,7 +97,7 @@ void TypingMonitor::launch(const StreamPointer &stream, int index, const QString
     }
 }
 
-// The same text may be asked about again; then the streams tell the sets apart.
+// The same text may be requested again, so the stream must be one of the present ones as well.
 bool TypingMonitor::isLive(const StreamPointer &stream, const QString &source) const {
     return m_streamSource && text::equal(*m_streamSource, source) &&
            std::find(m_streams.begin(), m_streams.end(), stream) != m_streams.end();
@@ -144,7 +143,7 @@ void TypingMonitor::handleCompletion(const StreamPointer &stream, int index, con
     }
 }
 
-// The user is never left with nothing but failures on screen.
+// A panel that showed nothing but failures would be in the way.
 void TypingMonitor::fail(const StreamPointer &stream, int index, const QString &message) {
     stream->failed = true;
     stream->task.reset();

@@ -20,11 +20,11 @@ class SuggestionHost {
     /// onAccept gets the index of the card whose button was clicked.
     virtual platform::Size setRootView(const SuggestionCards &cards, double width, std::function<void(int)> onAccept,
                                        std::function<void()> onDismiss) = 0;
-    /// What a panel window takes as its content.
+    /// The content for a panel window.
     [[nodiscard]] virtual QObject *view() = 0;
 };
 
-/// Makes the program's own card views; a test may make others.
+/// Makes the view of the cards.
 using MakeSuggestionHost = std::function<std::unique_ptr<SuggestionHost>()>;
 
 } // namespace quillory

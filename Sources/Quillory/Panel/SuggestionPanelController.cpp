@@ -61,7 +61,7 @@ struct SuggestionPanelController::Private {
     SuggestionPanelController &owner;
     MakeSuggestionHost makeHost;
     Services services;
-    // Declared before the window that shows its view, so that the window goes first.
+    // Declared before the window that shows its view, so that the window is destroyed first.
     std::unique_ptr<SuggestionHost> hosting;
     std::unique_ptr<platform::PanelWindow> panel;
     platform::Rect lastAXFrame;
@@ -204,7 +204,7 @@ void SuggestionPanelController::Private::armAgain() {
     }
 }
 
-// The panel works on without keys, and the next show tries again.
+// The panel works without the keys, and the next show tries again.
 void SuggestionPanelController::Private::loseTap() {
     eventTap.reset();
     FileLog::log(QStringLiteral("could not create event tap (Tab/Esc shortcuts unavailable)"));
@@ -216,7 +216,7 @@ TapVerdict SuggestionPanelController::Private::handle(const TapEvent &event) {
     }
     if (event.type != TapEventType::keyDown) {
         if (eventTap && !eventTap->setEnabled(true)) {
-            // Not to be dropped here, inside its own callback.
+            // Must not be destroyed here, inside its own callback.
             post([this] { armAgain(); });
         }
         return TapVerdict::pass;

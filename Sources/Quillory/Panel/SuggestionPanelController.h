@@ -20,12 +20,12 @@ class PanelWindows;
 
 namespace quillory {
 
-/// Owns the floating panel: places it beside the text field of another application, shows the cards it is given, and
-/// while they are up turns Tab into accept and Esc into dismiss. Never takes the keyboard focus, never decides what to
-/// show. Main thread only.
+/// Owns the floating panel: places it beside another application's text field, shows the cards that it is given, and
+/// meanwhile turns Tab into accept and Esc into dismiss. Never takes the keyboard focus and never decides what to show.
+/// Main thread only.
 class SuggestionPanelController {
   public:
-    /// What the panel is made with. All of it outlives the controller.
+    /// Used for the panel and its keys. All of them outlive the controller.
     struct Services {
         platform::EventTaps &eventTaps;
         platform::MainQueue &mainQueue;
@@ -46,15 +46,15 @@ class SuggestionPanelController {
     void updateCard(int index, const QString &text);
     void finishCard(int index, const QString &text, const std::optional<QString> &elapsedText);
     void failCard(int index, const QString &message);
-    /// Takes the panel off the screen and forgets the cards and the field.
+    /// Hides the panel and forgets the cards and the field.
     void hide();
-    /// Moves a visible panel with its field; nothing when it is hidden.
+    /// Moves a visible panel with its field. Does nothing while it is hidden.
     void reposition(const platform::Rect &above);
 
     [[nodiscard]] bool isVisible() const;
     [[nodiscard]] const std::optional<platform::AXUIElement> &targetElement() const { return m_targetElement; }
     [[nodiscard]] const SuggestionCards &cards() const { return m_cards; }
-    /// Whether a card is complete, not failed and not empty; false for an index that there is no card for.
+    /// Whether a card is complete, not failed and not empty. False for an index without a card.
     [[nodiscard]] bool isCardAcceptable(qint64 index) const;
     [[nodiscard]] std::optional<int> firstCompleteIndex() const;
 
@@ -65,10 +65,10 @@ class SuggestionPanelController {
     std::unique_ptr<Private> m_private;
 };
 
-/// The least between a panel and the edges of its screen's visible frame, in points.
+/// The smallest distance between a panel and the edges of its screen's visible frame, in points.
 inline constexpr double panelScreenMargin = 8;
 
-/// Where a panel of this size belongs beside a field, as its origin. All in screen coordinates (points, y upwards).
+/// The origin of a panel of this size beside a field. All in screen coordinates (points, y upwards).
 /// screens: in the desktop's order, mainScreen: where to go when no screen holds the field's centre.
 [[nodiscard]] platform::Point panelOrigin(const platform::Rect &field, platform::Size panel,
                                           const std::vector<platform::Screen> &screens,

@@ -7,8 +7,8 @@
 
 namespace quillory {
 
-/// Adds bytes to the end of a file, creating it when there is none; one write, so that lines of several threads or
-/// processes never mix. Its folder must exist. False when the bytes are lost.
+/// Appends bytes to a file in a single write, so that lines of several threads or processes never mix. Creates the file
+/// if needed, but not its folder. False if the bytes were lost.
 bool appendToFile(const QString &path, const QByteArray &bytes);
 
 } // namespace quillory

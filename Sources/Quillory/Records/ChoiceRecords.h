@@ -28,14 +28,14 @@ struct ChoiceRecord {
     friend bool operator==(const ChoiceRecord &, const ChoiceRecord &) = default;
 };
 
-/// The record on a line (without its line break), or absent when it is damaged. Model identifiers are not escaped in
-/// the file: one that holds "," or ";" is told from the fields by what must stand next to it, a time with two decimals;
-/// where several readings are possible, the one with the shortest winner is taken.
+/// The record on a line (without its line break); absent if the line is damaged. Model identifiers are not escaped in
+/// the file. If one contains "," or ";", the time with two decimals that must follow it shows where it ends; of several
+/// possible readings, the one with the shortest winner is taken.
 [[nodiscard]] std::optional<ChoiceRecord> choiceRecord(const QByteArray &line);
 
-/// How a model fared.
+/// How often a model was shown and chosen, and how fast it was.
 struct ModelChoices {
-    /// Choices that it took part in, alone or against others.
+    /// In how many choices it took part, alone or against others.
     int shown = 0;
     int chosen = 0;
     struct Against {
@@ -50,7 +50,8 @@ struct ModelChoices {
 using ChoiceSummary = std::map<QString, ModelChoices>;
 [[nodiscard]] ChoiceSummary summary(const std::vector<ChoiceRecord> &records);
 
-/// The smallest of ascending values that so many percent of them do not exceed; absent when there are none.
+/// The smallest of the ascending values that at least this percentage of them does not exceed; absent if there are
+/// none.
 [[nodiscard]] std::optional<double> percentile(const std::vector<double> &ascending, int percent);
 
 } // namespace quillory

@@ -9,8 +9,8 @@
 
 namespace quillory {
 
-/// Remembers which model won when several were asked, one line per accepted suggestion in "choices.csv", so that the
-/// user can judge them later ("quillory stats"). Main thread only.
+/// Records which model's suggestion was accepted, one line each in "choices.csv", so that the user can compare the
+/// models later ("quillory stats"). Main thread only.
 class ChoiceStats {
   public:
     /// Makes the folder of the file under the program's home.
@@ -25,8 +25,8 @@ class ChoiceStats {
     [[nodiscard]] const QString &fileURL() const { return m_fileURL; }
     /// The file "Library/Application Support/Quillory/choices.csv" under the program's home.
     [[nodiscard]] static QString fileURL(const QString &homeDirectory);
-    /// Adds a line for the winner, its elapsed seconds and the others in the order of their streams. Never fails: what
-    /// cannot be written is lost.
+    /// Appends a line with the winner, its elapsed seconds and the others in the order of their streams. Never fails:
+    /// what cannot be written is lost.
     void record(const QString &chosenModel, std::optional<double> chosenElapsed,
                 const QList<Competitor> &competitors) const;
 

@@ -10,7 +10,7 @@
 namespace quillory::FileLog {
 
 namespace {
-/// The one state of the process: a line about a failure may come from anywhere.
+/// The only global state of the program: any unit may have a failure to log.
 QString path;
 } // namespace
 

@@ -6,21 +6,21 @@
 
 namespace quillory {
 
-/// What becomes of a key as a user typed or pasted it.
+/// A key that a user typed or pasted.
 struct EnteredKey {
-    /// Without the white space around it and the line breaks that a mail program put into it; empty when refused.
+    /// Without the white space around it and any line breaks that a mail program added; empty if refused.
     QString key;
-    /// Why it was refused, as a sentence; empty when it was not. Never holds any of the key.
+    /// Why it was refused, as a sentence; empty if it was not. Never contains any of the key.
     QString refusal;
 };
 [[nodiscard]] EnteredKey enteredKey(const QString &typed);
 
 struct SavedKey {
     bool isSaved = false;
-    /// What came of it. Never holds any of the key.
+    /// The outcome. Never contains any of the key.
     QString sentence;
 };
-/// Takes a key as the user typed it to where keys are kept. May take as long as the storage does.
+/// Stores a key as the user typed it. May take as long as the storage does.
 [[nodiscard]] SavedKey saveKey(platform::KeyStorage &keys, const QString &typed, const std::stop_token &stop);
 
 } // namespace quillory

@@ -33,7 +33,7 @@ inline const QString openRouterAPIKey = QStringLiteral("openRouterAPIKey");
 inline const QString debugAcceptOnce = QStringLiteral("debugAcceptOnce");
 } // namespace settingsKey
 
-/// The model that is asked when the settings name none.
+/// The model to use if the settings name none.
 inline const QString defaultModel = QStringLiteral("anthropic/claude-haiku-4.5");
 
 /// How a rewrite should sound, in the order in which the choices are offered.
@@ -41,7 +41,7 @@ enum class Tone { professional, friendly, concise, grammarOnly };
 inline constexpr std::array allTones{Tone::professional, Tone::friendly, Tone::concise, Tone::grammarOnly};
 /// The stored and displayed name of a tone.
 [[nodiscard]] QString rawValue(Tone tone);
-/// The tone of that exact name, or absent.
+/// The tone with exactly that name.
 [[nodiscard]] std::optional<Tone> toneFromRawValue(const QString &rawValue);
 
 /// A question that customers ask and the business's answer to it.
@@ -54,19 +54,18 @@ struct FAQEntry {
 
 /// The stored form of a list of entries: a JSON array of objects, UTF-8.
 [[nodiscard]] QByteArray faqEntriesToJSON(const QList<FAQEntry> &entries);
-/// The entries of that form, or absent when anything about it is wrong: not JSON, not an array, a member that is
-/// missing or no string, an identifier that is no UUID in its 36-character form. Members beyond the three are ignored.
+/// The entries in that form; absent if anything is wrong with it: not JSON, not an array, a member missing or not a
+/// string, an identifier that is not a UUID in its 36-character form. Further members are ignored.
 [[nodiscard]] std::optional<QList<FAQEntry>> faqEntriesFromJSON(const QByteArray &json);
 
 /// Registers the defaults of the settings that have one.
 void registerSettingsDefaults(platform::UserDefaults &store);
 
-/// The one owner of the settings store: registers the defaults and offers the settings that need logic. Everything
-/// else is read straight from store() by key at the moment of use, so a change counts at the next read. Safe to use
-/// from any thread.
+/// The settings that need logic, on a store whose defaults it registers. All others are read from store() by key at the
+/// moment of use, so that a change takes effect at the next read. Safe to use from any thread.
 class AppSettings {
   public:
-    /// Both outlive the settings. process: for the key of users who have stored none.
+    /// Both outlive the settings. process: gives a key to users who have stored none.
     AppSettings(platform::UserDefaults &store, const platform::Process &process);
     /// Going away: the one for the installed platform, for units that are not handed theirs yet.
     static AppSettings &shared();
@@ -74,12 +73,12 @@ class AppSettings {
     [[nodiscard]] platform::UserDefaults &store() const { return m_store; }
     /// The key as stored, else OPENROUTER_API_KEY, else the bundle's "EmbeddedAPIKey", else "". Not trimmed.
     [[nodiscard]] QString apiKey() const;
-    /// Whether there is a key, told at once: a password store that has to be unlocked for it is not asked.
+    /// Whether there is a key. Never waits: a locked password store is not asked for the key itself.
     [[nodiscard]] bool isKeySet() const;
-    /// The stored list in its order; empty when there is none or it cannot be read.
+    /// The stored list in its order; empty if there is none or it cannot be read.
     [[nodiscard]] QList<FAQEntry> faqEntries() const;
     void setFAQEntries(const QList<FAQEntry> &entries);
-    /// The FAQ list as text for a prompt, or the older free text when no entry has content.
+    /// The FAQ list as text for a prompt, or the older free text if no entry has content.
     [[nodiscard]] QString knowledgeText() const;
 
   private:

@@ -15,7 +15,7 @@ namespace quillory::ui {
 
 namespace {
 
-// Which screen the panel will be on is not known here, so it has to fit on any.
+// It is not known here which screen the panel will be on, so it has to fit on any of them.
 int tallestPanel() {
     int height = std::numeric_limits<int>::max();
     for (const QScreen *screen : QGuiApplication::screens()) {

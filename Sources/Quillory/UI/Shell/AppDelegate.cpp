@@ -20,11 +20,11 @@
 namespace quillory::ui {
 
 namespace {
-/// A panel may start after us, when the session begins.
+/// At the start of a session the desktop's panel may come up after us.
 constexpr std::chrono::seconds patienceForTray{10};
 /// Kept in the settings, so that a user whose session starts the program is told only once.
 const QString toldOfMissingTray = QStringLiteral("toldOfMissingTray");
-/// The set-up comes in front of the windows of the start, and the accessibility bus may be a moment late in a session.
+/// So that the set-up comes in front of the first windows, and the accessibility bus has had time to start.
 constexpr std::chrono::seconds untilSettled{2};
 } // namespace
 
@@ -83,7 +83,7 @@ void AppDelegate::setUpStatusItem() {
     m_menu->addItem(
         QStringLiteral("Quit Quillory"), [] { QApplication::quit(); }, Qt::Key_Q);
     QObject::connect(m_menu.get(), &QMenu::aboutToShow, m_menu.get(), [this] { menuNeedsUpdate(); });
-    menuNeedsUpdate(); // a tray may read the menu long before it opens it
+    menuNeedsUpdate(); // a tray may read the menu long before opening it
     QApplication::setWindowIcon(programIcon());
     m_statusItem = std::make_unique<StatusItem>(*m_menu, m_desktop.statusBar);
     m_desktop.mainQueue.postAfter(patienceForTray, m_life.whileAlive([this] { tellOfMissingTray(); }));
@@ -118,7 +118,7 @@ void AppDelegate::flip(const QString &key) {
 
 void AppDelegate::toggleEnabled() {
     flip(settingsKey::enabled);
-    menuNeedsUpdate(); // its own mark was turned from what it was, not from what is stored
+    menuNeedsUpdate(); // Qt has toggled the item's own mark, which may differ from what is stored
 }
 
 void AppDelegate::toggleCompare() {

@@ -18,16 +18,16 @@ class SettingsWindow;
 class StatusItem;
 class StatusMenu;
 
-/// What the delegate has done elsewhere. main() fills it in; what is empty is not done.
+/// What the delegate leaves to others. main() fills it in; an empty function is not called.
 struct AppActions {
     /// Updates; without a check the menu offers none.
     std::function<void()> startPeriodicChecks;
     std::function<void(bool userInitiated)> check;
-    /// Starts the set-up tool in a process of its own, where something is missing that it can mend.
+    /// Starts the set-up in a process of its own, if something is missing that it can put right.
     std::function<void()> launchSetup;
 };
 
-/// Starts everything in its order and owns it for the life of the program. One per process, main thread only.
+/// Starts everything in its order and owns it while the program runs. One per process, main thread only.
 class AppDelegate {
   public:
     /// Makes the typing monitor, and with it the settings and the suggestion panel. Starts nothing. The desktop's
@@ -35,7 +35,7 @@ class AppDelegate {
     explicit AppDelegate(const platform::Platform &desktop, AppActions actions = {});
     ~AppDelegate();
 
-    /// Called once, when the event loop runs.
+    /// Called once, when the event loop is running.
     void applicationDidFinishLaunching();
     /// The user started the program again: shows the settings, or the menu where there is no tray to show it.
     void applicationDidReopen();
@@ -62,7 +62,7 @@ class AppDelegate {
     QAction *m_compareItem = nullptr;
     QAction *m_accessItem = nullptr;
     std::unique_ptr<StatusItem> m_statusItem;
-    /// Both are made when they are first shown, and only hidden when they are closed.
+    /// Both are created when first shown, and only hidden when closed.
     std::unique_ptr<SettingsWindow> m_settingsWindow;
     std::unique_ptr<MenuWindow> m_menuWindow;
     platform::LifeToken m_life;

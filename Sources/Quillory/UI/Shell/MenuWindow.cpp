@@ -119,7 +119,7 @@ void MenuWindow::addRows() {
     }
 }
 
-// What is shown may be changed by another process, and by the desktop, which tell nobody.
+// Other processes and the desktop may change what is shown, without notice.
 void MenuWindow::showEvent(QShowEvent *event) {
     constexpr std::chrono::milliseconds lookAgain(500);
     m_looks.start(lookAgain);
