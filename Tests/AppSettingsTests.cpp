@@ -50,18 +50,12 @@ TEST_F(AppSettingsTest, AMalformedListReadsAsEmptyAndStays) {
     storeFAQ("[{" + goodId.toLower() + members + R"(,"more":1}])");
     EXPECT_EQ(settings.faqEntries().size(), 1);
     const QByteArray cases[]{
-        "",
         "junk",
-        "null",
         R"({"id":1})",
-        "[1]",
         "[" + QByteArray(100'000, '['),
         "[{" + goodId + R"(,"question":"Q"}])",
         "[{" + goodId + R"(,"question":"Q","answer":null}])",
-        R"([{"question":"Q","answer":"A"}])",
         R"([{"id":"{9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2B}")" + members + "}]",
-        R"([{"id":"9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2")" + members + "}]",
-        R"([{"id":"9C1E7F2A00B3D-4E5F-8A6B-7C8D9E0F1A2B")" + members + "}]",
         R"([{"id":"9C1E7F2A-0B3D-4E5F-8A6B-7C8D9E0F1A2G")" + members + "}]",
         "[{" + goodId + members + "},{}]",
         "[{" + goodId + ",\"question\":\"\xff\",\"answer\":\"A\"}]",
@@ -84,14 +78,6 @@ TEST_F(AppSettingsTest, KnowledgeIsTheEntriesWithContent) {
                             {.question = QString(), .answer = u"\t"_s},
                             {.question = u"\n"_s, .answer = u"Riffa"_s}});
     EXPECT_EQ(settings.knowledgeText(), u"Q:  Where? \nA: \n\nQ: \n\nA: Riffa"_s);
-}
-
-TEST(Tone, NamesAreExact) {
-    for (const Tone tone : allTones) {
-        EXPECT_EQ(toneFromRawValue(rawValue(tone)), tone);
-    }
-    EXPECT_EQ(rawValue(Tone::grammarOnly), u"Grammar only"_s);
-    EXPECT_EQ(toneFromRawValue(u"grammar only"_s), std::nullopt);
 }
 
 } // namespace quillory::test

