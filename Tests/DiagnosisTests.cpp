@@ -188,7 +188,9 @@ TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     std::ostringstream output;
     std::ostringstream errors;
     CommandServices services;
-    services.install = [] { return nullptr; };
+    services.accessModel = [&] {
+        return std::shared_ptr<ModelAccess>(std::shared_ptr<void>(), &simulated.modelAccess);
+    };
     services.examination = &repairable;
     services.repair = &repairable;
     const auto doctor = [&](const QStringList &arguments) {
@@ -214,16 +216,6 @@ TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     EXPECT_TRUE(repairable.facts.startsAtLogin);
 }
 
-/// Takes keys into a simulated store.
-struct KeyTaker final : platform::KeyStorage {
-    explicit KeyTaker(platform::UserDefaults &keptIn) : store(keptIn) {}
-    platform::UserDefaults &store;
-    platform::KeyPlace storeKey(const QString &key, const std::stop_token & /*stop*/) override {
-        return store.set(settingsKey::openRouterAPIKey, key) ? platform::KeyPlace::settingsFile
-                                                             : platform::KeyPlace::nowhere;
-    }
-};
-
 TEST_F(Diagnosis, TheTerminalAsksForWhatIsMissing) {
     test::SimulatedDesktop simulated;
     simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
@@ -231,7 +223,9 @@ TEST_F(Diagnosis, TheTerminalAsksForWhatIsMissing) {
     repairable.facts = desktop;
     repairable.facts.isAccessibilityEnabled = repairable.facts.isAccessibilityKept = false;
     CommandServices services;
-    services.install = [&] { return std::make_shared<KeyTaker>(simulated.userDefaults); };
+    services.accessModel = [&] {
+        return std::shared_ptr<ModelAccess>(std::shared_ptr<void>(), &simulated.modelAccess);
+    };
     services.examination = &repairable;
     services.repair = &repairable;
     services.setUpInWindow = [] { return std::nullopt; };

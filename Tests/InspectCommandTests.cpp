@@ -29,6 +29,7 @@ struct InspectStory : test::MonitorStory {
         [[nodiscard]] std::chrono::steady_clock::time_point now() const override {
             return std::chrono::steady_clock::time_point(10 * story.passedTime); // a look takes its time too
         }
+        [[nodiscard]] const platform::Platform &services() const override { return story.desktop.services(); }
         InspectStory &story;
     };
     std::ostringstream output;

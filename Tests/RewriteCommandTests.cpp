@@ -30,7 +30,7 @@ struct RewriteCommand : testing::Test {
     int run(const QStringList &arguments, const std::string &typed = {}, bool onTerminal = false) {
         std::istringstream input(typed);
         output.str({});
-        return runRewriteCommand(arguments, {input, output, errors, onTerminal});
+        return runRewriteCommand(arguments, desktop.modelAccess, {input, output, errors, onTerminal});
     }
     std::string asked() {
         return desktop.urlSession.exchange(desktop.urlSession.requestCount() - 1)->request().body.toStdString();

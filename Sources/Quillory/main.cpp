@@ -37,25 +37,18 @@ namespace {
 
 namespace desktop = platform::desktop;
 
-/// What commands run on.
+/// What commands ask the model service through.
 struct CommandPlatform {
-    explicit CommandPlatform(platform::Workspace *workspace) : ownWindows(workspace) {}
-
-    platform::Workspace *ownWindows;
-    platform::AbsentDesktop absent;
     desktop::LinuxProcess process;
     desktop::CurlURLSession urlSession;
-    desktop::QtMainQueue mainQueue;
     desktop::SecretService secrets;
     desktop::SecretUserDefaults userDefaults{secrets};
-    platform::Platform services = absent.with(process, urlSession, userDefaults, &mainQueue, ownWindows);
-    platform::Installation installation{services};
+    quillory::ModelAccess access{userDefaults, process, urlSession, userDefaults};
 };
 
-/// The platform as the one who takes a new key for it.
-std::shared_ptr<platform::KeyStorage> installCommandPlatform(platform::Workspace *workspace = nullptr) {
-    const auto made = std::make_shared<CommandPlatform>(workspace);
-    return {made, &made->userDefaults};
+std::shared_ptr<quillory::ModelAccess> accessModel() {
+    const auto made = std::make_shared<CommandPlatform>();
+    return {made, &made->access};
 }
 
 /// The panel is placed by screen position, which a native Wayland window cannot have; XWayland windows can.
@@ -79,11 +72,11 @@ class RealDesktop final : public quillory::CommandDesktop {
     [[nodiscard]] std::chrono::steady_clock::time_point now() const override {
         return std::chrono::steady_clock::now();
     }
+    [[nodiscard]] const platform::Platform &services() const override { return m_platform.services(); }
 
   private:
     QApplication m_application;
     desktop::LinuxPlatform m_platform;
-    platform::Installation m_installation{m_platform.services()};
 };
 
 std::unique_ptr<quillory::CommandDesktop> openDesktop(int &argc, char **argv) {
@@ -112,12 +105,17 @@ int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> ope
     connection->watch();
     desktop::X11Windows windows(*connection);
     desktop::LinuxWorkspace workspace(&windows);
-    const auto keys = installCommandPlatform(&workspace);
-    quillory::ui::SetupWindow window({services.examination, services.repair, *keys});
+    desktop::QtMainQueue mainQueue;
+    CommandPlatform commands;
+    platform::AbsentDesktop absent;
+    const platform::Platform own =
+        absent.with(commands.process, commands.urlSession, commands.userDefaults, &mainQueue, &workspace);
+    const platform::Installation installation(own);
+    quillory::ui::SetupWindow window({services.examination, services.repair, commands.access});
     if (instance) { // else the display has another, which does not answer
-        instance->onSummons([&window] { quillory::ui::bringToFront(window); });
+        instance->onSummons([&] { quillory::ui::bringToFront(window, workspace); });
     }
-    quillory::ui::bringToFront(window);
+    quillory::ui::bringToFront(window, workspace);
     QApplication::exec();
     return window.canWork() ? quillory::exitStatus::success : quillory::exitStatus::failure;
 }
@@ -153,7 +151,7 @@ std::optional<int> runCommand(int &argc, char **argv) {
         return {*store, *store};
     };
     services.homeDirectory = desktop::folders::data();
-    services.install = [] { return installCommandPlatform(); };
+    services.accessModel = accessModel;
     services.openDesktop = [&] { return openDesktop(argc, argv); };
     services.examination = &examination;
     services.repair = &repair;
@@ -194,10 +192,9 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     const platform::Platform &services = linuxPlatform.services();
     quillory::UpdateChecker updates({services.application, services.codeSigning, services.fileSystem,
                                      services.mainQueue, services.process, services.systemTools, services.urlSession});
-    quillory::ui::AppDelegate delegate(services,
-                                       {.startPeriodicChecks = [&] { updates.startPeriodicChecks(); },
-                                        .check = [&](bool userInitiated) { updates.check(userInitiated); },
-                                        .launchSetup = [&] { setup.launch(); }});
+    quillory::ui::AppDelegate delegate(services, {.startPeriodicChecks = [&] { updates.startPeriodicChecks(); },
+                                                  .check = [&](bool userInitiated) { updates.check(userInitiated); },
+                                                  .launchSetup = [&] { setup.launch(); }});
     const desktop::TerminationSignals signalsToEnd([] { QApplication::quit(); });
     QTimer::singleShot(0, &application, [&] {
         delegate.applicationDidFinishLaunching();

@@ -23,6 +23,7 @@ using namespace Qt::StringLiterals;
 /// A desktop on which accessibility is off, and a key storage.
 struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::DesktopRepair, platform::KeyStorage {
     SimulatedDesktop desktop;
+    ModelAccess access{desktop.userDefaults, desktop.process, desktop.urlSession, *this};
     platform::DesktopFacts facts;
     QString stored;
     std::mutex mutex;
@@ -86,7 +87,7 @@ bool says(const QWidget &window, const QString &text) {
 }
 
 TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
-    ui::SetupWindow window({*this, *this, *this});
+    ui::SetupWindow window({*this, *this, access});
     window.QWidget::show();
     ASSERT_TRUE(runUntil([&] { return button(window, u"Switch On"_s) != nullptr && window.isActiveWindow(); }));
     QPushButton *const again = button(window, u"Check Again"_s);
@@ -115,7 +116,7 @@ TEST_F(SetupWindowTest, NoticesThatABrowserWasClosedAndOpenedAgain) {
     reopened.resize(1);
     reopened.front().bundleIdentifier = u"org.mozilla.firefox"_s;
     facts.applications = reopened;
-    const ui::SetupWindow window({*this, *this, *this});
+    const ui::SetupWindow window({*this, *this, access});
     ASSERT_TRUE(runUntil([&] { return says(window, u"Close all its windows, then open it again."_s); }));
     {
         const std::scoped_lock lock(mutex);
@@ -130,7 +131,7 @@ TEST_F(SetupWindowTest, NoticesThatABrowserWasClosedAndOpenedAgain) {
 
 TEST_F(SetupWindowTest, SavesWhatWasEnteredWhileItLooked) {
     desktop.urlSession.onRequest([](SimulatedExchange & /*exchange*/) {}); // looking takes its time
-    const ui::SetupWindow window({*this, *this, *this});
+    const ui::SetupWindow window({*this, *this, access});
     ASSERT_TRUE(runUntil([&] { return desktop.urlSession.requestCount() == 1; }));
     auto *const field = window.findChild<QLineEdit *>();
     for (const QString &typed : {u"sk-or"_s, u"sk-or-v1"_s}) {
@@ -147,7 +148,7 @@ TEST_F(SetupWindowTest, SavesWhatWasEnteredWhileItLooked) {
 TEST_F(SetupWindowTest, WaitsForNoWorkWhenItIsClosed) {
     isLookEndless = true;
     desktop.urlSession.onRequest([](SimulatedExchange & /*exchange*/) {}); // the service is just as slow
-    { const ui::SetupWindow window({*this, *this, *this}); }
+    { const ui::SetupWindow window({*this, *this, access}); }
     EXPECT_TRUE(wasStopped);
 }
 

@@ -4,6 +4,7 @@
 
 #include "Platform/AbsentDesktop.h"
 #include "Platform/Platform.h"
+#include "Quillory/Model/ModelAccess.h"
 #include "Quillory/Records/FileLog.h"
 #include "SimulatedDesktop/Printing.h"
 #include "SimulatedDesktop/SimulatedApplications.h"
@@ -35,6 +36,7 @@ class SimulatedDesktop final : private platform::KeyPoster {
     SimulatedStatusBar statusBar;
     SimulatedURLSession urlSession;
     SimulatedUserDefaults userDefaults;
+    ModelAccess modelAccess{userDefaults, process, urlSession, userDefaults};
 
     /// The user has a finger on a key.
     bool userHoldsKey = false;

@@ -2,15 +2,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/KeyStorage.h"
 #include "Platform/UserDefaults.h"
+#include "Quillory/Settings/AppSettings.h"
 
 #include <atomic>
 #include <mutex>
 
 namespace quillory::test {
 
-/// A settings store in memory.
-class SimulatedUserDefaults final : public platform::UserDefaults {
+/// A settings store in memory, which also keeps the key.
+class SimulatedUserDefaults final : public platform::UserDefaults, public platform::KeyStorage {
     using Values = std::map<QString, platform::DefaultsValue>;
 
   public:
@@ -37,6 +39,9 @@ class SimulatedUserDefaults final : public platform::UserDefaults {
         const std::scoped_lock lock(m_mutex);
         m_stored.erase(key);
         return !diskIsFull;
+    }
+    platform::KeyPlace storeKey(const QString &key, const std::stop_token & /*stop*/) override {
+        return set(settingsKey::openRouterAPIKey, key) ? platform::KeyPlace::settingsFile : platform::KeyPlace::nowhere;
     }
     [[nodiscard]] bool isFailingToSave() const override { return diskIsFull; }
 

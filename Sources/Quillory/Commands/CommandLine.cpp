@@ -52,8 +52,7 @@ const std::vector<NamedCommand> &allCommands() {
         {inspectSyntax(), runInspectCommand},
         {rewriteSyntax(),
          [](const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-             const auto installed = services.install();
-             return runRewriteCommand(arguments, streams);
+             return runRewriteCommand(arguments, *services.accessModel(), streams);
          }},
         {statsSyntax(),
          [](const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {

@@ -4,7 +4,9 @@
 
 #include "Platform/DesktopFacts.h"
 #include "Platform/KeyStorage.h"
+#include "Platform/Platform.h"
 #include "Platform/UserDefaults.h"
+#include "Quillory/Model/ModelAccess.h"
 
 #include <QStringList>
 
@@ -34,13 +36,14 @@ inline constexpr int failure = 1;
 inline constexpr int misuse = 2;
 } // namespace exitStatus
 
-/// The real desktop, installed as the platform for as long as it lives.
+/// The real desktop.
 class CommandDesktop {
   public:
     CommandDesktop() = default;
     virtual ~CommandDesktop() = default;
     CommandDesktop(const CommandDesktop &) = delete;
     CommandDesktop &operator=(const CommandDesktop &) = delete;
+    [[nodiscard]] virtual const platform::Platform &services() const = 0;
     /// Handles what happens on the desktop until so much time has passed.
     virtual void pass(std::chrono::milliseconds time) = 0;
     /// What that and all work in between moves on.
@@ -59,9 +62,8 @@ struct CommandServices {
     std::function<CommandSettings()> openSettings;
     /// The folder under which the program keeps its own files.
     QString homeDirectory;
-    /// Installs a platform without a desktop, for the commands that ask the model service; it stays while the result
-    /// lives, which takes a new key for it.
-    std::function<std::shared_ptr<platform::KeyStorage>()> install;
+    /// For the commands that ask the model service.
+    std::function<std::shared_ptr<ModelAccess>()> accessModel;
     /// Opens the desktop, for the commands that look at it; null when no display can be reached.
     std::function<std::unique_ptr<CommandDesktop>()> openDesktop;
     /// For the commands that look after the desktop; never null for those.

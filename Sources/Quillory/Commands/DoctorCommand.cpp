@@ -19,8 +19,8 @@ bool isSafe(Remedy remedy) {
     return remedy == Remedy::enableAccessibility;
 }
 
-std::vector<Finding> findingsNow(const CommandServices &services) {
-    return diagnose(services.examination->examine({}), examineProgram({}));
+std::vector<Finding> findingsNow(const CommandServices &services, const ModelAccess &access) {
+    return diagnose(services.examination->examine({}), examineProgram(access, {}));
 }
 
 bool isToBeKept(const Finding &finding) {
@@ -28,7 +28,8 @@ bool isToBeKept(const Finding &finding) {
 }
 
 /// Does what is safe, then examines everything again.
-void fix(std::vector<Finding> &findings, const CommandServices &services, const CommandStreams &streams) {
+void fix(std::vector<Finding> &findings, const CommandServices &services, const ModelAccess &access,
+         const CommandStreams &streams) {
     const auto safe = std::ranges::count_if(findings, [](const Finding &f) { return isSafe(f.remedy); });
     if (safe == 0) {
         streams.errors << "Nothing needs fixing that can be fixed safely.\n";
@@ -36,7 +37,7 @@ void fix(std::vector<Finding> &findings, const CommandServices &services, const 
     }
     const bool isOnNow = safe == std::ranges::count_if(findings, isToBeKept);
     const bool isDone = services.repair->enableAccessibility({});
-    findings = findingsNow(services);
+    findings = findingsNow(services, access);
     if (!isDone) {
         streams.errors << "quillory: accessibility could not be switched on.\n";
     } else if (!isOnNow) {
@@ -113,10 +114,10 @@ int runDoctorCommand(const QStringList &arguments, const CommandServices &servic
     }
     const bool asJSON = given.has(QStringLiteral("json"));
     const bool mayFix = given.has(QStringLiteral("fix"));
-    const auto installed = services.install();
-    std::vector<Finding> findings = findingsNow(services);
+    const auto access = services.accessModel();
+    std::vector<Finding> findings = findingsNow(services, *access);
     if (mayFix) {
-        fix(findings, services, streams);
+        fix(findings, services, *access, streams);
     }
     asJSON ? writeJSON(streams.output, findings) : writeFindings(streams.output, findings);
     return canWork(findings) ? exitStatus::success : exitStatus::failure;

@@ -54,18 +54,23 @@ bool isSettled(const Inspection &seen) {
 
 Inspection look(CommandDesktop &desktop, const std::optional<std::chrono::seconds> &wait) {
     auto deadline = desktop.now() + wait.value_or(0s); // not a number of looks: one can take longer than a pause
-    Inspection seen = inspectFocus();
+    Inspection seen = inspectFocus(desktop.services());
     while (desktop.now() < deadline && !isMessageBox(seen)) {
         desktop.pass(pause);
-        seen = inspectFocus();
+        seen = inspectFocus(desktop.services());
     }
     // Look a second time even then: right after it gets the focus, a page may give only half of what it holds.
     deadline = desktop.now() + longestSettling;
     do {
         desktop.pass(pause);
-        seen = inspectFocus();
+        seen = inspectFocus(desktop.services());
     } while (desktop.now() < deadline && !isSettled(seen));
-    seen.hasKey = !text::trimmed(AppSettings::shared().apiKey()).isEmpty();
+    const AppSettings settings(desktop.services().userDefaults, desktop.services().process);
+    seen.hasKey = !text::trimmed(settings.apiKey()).isEmpty();
+    if (seen.plan.kind) {
+        const OpenRouterClient client(settings, desktop.services().process, desktop.services().urlSession);
+        seen.serviceURL = client.serviceURL();
+    }
     return seen;
 }
 
@@ -147,7 +152,7 @@ void writeRequest(std::ostream &output, const Inspection &seen) {
     }
     output << "\nWhat would be sent: a request for a "
            << (*seen.plan.kind == SuggestionKind::reply ? "reply" : "rewrite") << ", to "
-           << OpenRouterClient::ofCurrent().serviceURL().toString().toStdString() << '\n';
+           << seen.serviceURL.toString().toStdString() << '\n';
     for (const ModelChoice &model : seen.models) {
         output << "  model " << printable(model.id) << '\n';
     }
@@ -215,7 +220,7 @@ nlohmann::json requestValue(const Inspection &seen) {
         messages.push_back({{"role", role.toStdString()}, {"content", content.toStdString()}});
     }
     return {{"kind", *seen.plan.kind == SuggestionKind::reply ? "reply" : "rewrite"},
-            {"url", OpenRouterClient::ofCurrent().serviceURL().toString().toStdString()},
+            {"url", seen.serviceURL.toString().toStdString()},
             {"models", std::move(models)},
             {"messages", std::move(messages)}};
 }

@@ -17,8 +17,8 @@ QString stringOf(const platform::AXUIElement &element, AXAttribute name) {
     return AXText::attribute<QString>(element, name).value_or(QString());
 }
 
-FieldSituation situation(const AXText &ax, const platform::AXUIElement &element, bool isChat) {
-    const platform::UserDefaults &store = AppSettings::shared().store();
+FieldSituation situation(const AXText &ax, const platform::UserDefaults &store, const platform::AXUIElement &element,
+                         bool isChat) {
     FieldSituation field;
     field.enabled = store.boolean(settingsKey::enabled);
     field.assistantMode = store.boolean(settingsKey::assistantMode);
@@ -38,7 +38,8 @@ FieldSituation situation(const AXText &ax, const platform::AXUIElement &element,
     return field;
 }
 
-InspectedElement inspected(const AXText &ax, const platform::AXUIElement &element) {
+InspectedElement inspected(const AXText &ax, const platform::UserDefaults &store,
+                           const platform::AXUIElement &element) {
     InspectedElement seen;
     seen.pid = element.pid();
     if (const auto application = ax.application(element)) {
@@ -51,26 +52,27 @@ InspectedElement inspected(const AXText &ax, const platform::AXUIElement &elemen
     seen.canWriteValue = element.isAttributeSettable(AXAttribute::value);
     seen.canPlaceCaret = element.isAttributeSettable(AXAttribute::selectedTextRange);
     seen.recognition = ChatContext::recognise(ax, element);
-    seen.field = situation(ax, element, seen.recognition.isChat);
+    seen.field = situation(ax, store, element, seen.recognition.isChat);
     return seen;
 }
 
 } // namespace
 
-Inspection inspectFocus() {
-    const AXText ax(platform::current().accessibility, platform::current().workspace);
+Inspection inspectFocus(const platform::Platform &desktop) {
+    const AppSettings settings(desktop.userDefaults, desktop.process);
+    const AXText ax(desktop.accessibility, desktop.workspace);
     Inspection seen;
-    seen.isTrusted = platform::current().accessibility.isProcessTrusted();
+    seen.isTrusted = desktop.accessibility.isProcessTrusted();
     const auto focused = seen.isTrusted ? ax.focusedElement() : std::nullopt;
-    if (!focused || focused->pid() == platform::current().process.identifier()) {
+    if (!focused || focused->pid() == desktop.process.identifier()) {
         return seen;
     }
-    seen.focus = inspected(ax, *focused);
+    seen.focus = inspected(ax, settings.store(), *focused);
     seen.plan = planRequest(seen.focus->field);
     if (seen.plan.kind) {
-        seen.messages =
-            OpenRouterClient::ofCurrent().buildMessages(*seen.plan.kind, seen.plan.source, seen.plan.context);
-        seen.models = activeModels(AppSettings::shared().store());
+        const OpenRouterClient client(settings, desktop.process, desktop.urlSession);
+        seen.messages = client.buildMessages(*seen.plan.kind, seen.plan.source, seen.plan.context);
+        seen.models = activeModels(settings.store());
     }
     return seen;
 }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/Platform.h"
 #include "Quillory/Commands/RequestPlan.h"
 #include "Quillory/Field/ChatContext.h"
 #include "Quillory/Model/OpenRouterClient.h"
@@ -34,9 +35,11 @@ struct Inspection {
     std::vector<ModelChoice> models;
     /// Not looked at by inspectFocus(): a locked password store would hold up every look.
     bool hasKey = false;
+    /// Where the request would go. Not looked at by inspectFocus(), either.
+    QUrl serviceURL;
 };
 
-/// Looks at the focused element through the installed platform. Main thread only.
-[[nodiscard]] Inspection inspectFocus();
+/// Looks at the focused element as the program with these services would. Main thread only.
+[[nodiscard]] Inspection inspectFocus(const platform::Platform &desktop);
 
 } // namespace quillory

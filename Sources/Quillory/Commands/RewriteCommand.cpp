@@ -2,12 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Commands/RewriteCommand.h"
 
-#include "Platform/Platform.h"
 #include "Quillory/Model/OpenRouterClient.h"
 #include "Quillory/Monitor/AnswerScreening.h"
 #include "Quillory/RewriteError.h"
 #include "Quillory/Settings/AppSettings.h"
 #include "Quillory/Text.h"
+
+#include <QElapsedTimer>
 
 #include <nlohmann/json.hpp>
 
@@ -103,9 +104,10 @@ class Growing {
 };
 
 /// The screened rewrite. Throws RewriteError and what the network throws.
-QString rewriteOf(const Order &order, const QString &model, const OpenRouterClient::OnChunk &onChunk) {
-    const QString raw = OpenRouterClient::ofCurrent().stream(SuggestionKind::rewrite, order.draft, std::nullopt, model,
-                                                             onChunk, {}, order.tone);
+QString rewriteOf(const Order &order, const OpenRouterClient &client, const QString &model,
+                  const OpenRouterClient::OnChunk &onChunk) {
+    const QString raw =
+        client.stream(SuggestionKind::rewrite, order.draft, std::nullopt, model, onChunk, {}, order.tone);
     QString answer = cleanedAnswer(raw);
     const Verdict verdict = screen(SuggestionKind::rewrite, order.draft, answer);
     if (verdict.outcome == Verdict::Outcome::rejected) {
@@ -117,20 +119,21 @@ QString rewriteOf(const Order &order, const QString &model, const OpenRouterClie
     return answer;
 }
 
-void carryOut(const Order &order, const CommandStreams &streams) {
-    const QString model = AppSettings::shared().store().string(settingsKey::model).value_or(defaultModel);
-    const auto &clock = platform::current().mainQueue;
-    const platform::Instant start = clock.now();
+void carryOut(const Order &order, const ModelAccess &access, const CommandStreams &streams) {
+    const QString model = access.settings.store().string(settingsKey::model).value_or(defaultModel);
+    QElapsedTimer clock;
+    clock.start();
     const bool isShownGrowing = streams.outputIsTerminal && !order.asJSON;
     Growing growing(streams.output);
-    const QString answer = rewriteOf(order, model, [&](const QString &soFar) {
+    const QString answer = rewriteOf(order, access.client, model, [&](const QString &soFar) {
         if (isShownGrowing) {
             growing.show(settled(soFar));
         }
     });
     if (order.asJSON) {
-        const nlohmann::json document{
-            {"rewrite", answer.toStdString()}, {"model", model.toStdString()}, {"seconds", clock.now() - start}};
+        const nlohmann::json document{{"rewrite", answer.toStdString()},
+                                      {"model", model.toStdString()},
+                                      {"seconds", static_cast<double>(clock.elapsed()) / 1e3}};
         streams.output << document.dump(2) << '\n';
     } else if (isShownGrowing) {
         growing.show(answer);
@@ -161,13 +164,13 @@ const CommandSyntax &rewriteSyntax() {
     return syntax;
 }
 
-int runRewriteCommand(const QStringList &arguments, const CommandStreams &streams) {
+int runRewriteCommand(const QStringList &arguments, const ModelAccess &access, const CommandStreams &streams) {
     const CommandArguments given(rewriteSyntax(), arguments, streams);
     if (given.status()) {
         return *given.status();
     }
     try {
-        carryOut(orderFrom(given, streams.input), streams);
+        carryOut(orderFrom(given, streams.input), access, streams);
         return exitStatus::success;
     } catch (const Refusal &refusal) {
         return fail(streams, refusal.sentence, refusal.status);

@@ -11,6 +11,7 @@ namespace quillory {
 /// Rewrites a draft, given as arguments or on standard input: "[--tone TONE] [--json] [TEXT ...]". A terminal shows the
 /// answer as it grows. It is screened like Quillory's own suggestions. Blocks until the answer is complete. Returns the
 /// exit status.
-[[nodiscard]] int runRewriteCommand(const QStringList &arguments, const CommandStreams &streams);
+[[nodiscard]] int runRewriteCommand(const QStringList &arguments, const ModelAccess &access,
+                                    const CommandStreams &streams);
 
 } // namespace quillory

@@ -32,7 +32,7 @@ class Dialogue {
                                 return finding.remedy == Remedy::enterKey;
                             });
         if (hasKey && agrees(QStringLiteral("Try the key now?"), true)) {
-            say(triedConnection({}));
+            say(triedConnection(m_work.access().settings, m_work.access().client, {}));
         }
         do {
             findings = m_work.look({});
@@ -116,8 +116,8 @@ int runSetupCommand(const QStringList &arguments, const CommandServices &service
             return *status;
         }
     }
-    const auto keys = services.install();
-    const SetupWork work(*services.examination, *services.repair, *keys);
+    const auto access = services.accessModel();
+    const SetupWork work(*services.examination, *services.repair, *access);
     return Dialogue(work, services, streams).run();
 }
 

@@ -2,28 +2,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Setup/ProgramExamination.h"
 
-#include "Platform/Platform.h"
-#include "Quillory/Model/OpenRouterClient.h"
 #include "Quillory/RewriteError.h"
 #include "Quillory/Settings/ApiKey.h"
-#include "Quillory/Settings/AppSettings.h"
 #include "Quillory/Text.h"
 
 namespace quillory {
 
 namespace {
 
-void examineService(ProgramFacts &facts, const std::stop_token &stop) {
+void examineService(ProgramFacts &facts, const ModelAccess &access, const std::stop_token &stop) {
     constexpr std::chrono::seconds patience{8};
-    const auto chosen = platform::current().process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
+    const auto chosen = access.process.environment(QStringLiteral("QUILLORY_MODEL_SERVICE"));
     facts.isServiceChosen = chosen && !chosen->isEmpty();
     try {
         platform::URLRequest request;
-        request.url = OpenRouterClient::ofCurrent().serviceURL();
+        request.url = access.client.serviceURL();
         request.timeout = patience;
         facts.serviceHost = request.url.host();
         // Any HTTP answer will do: without a key, the service refuses the request.
-        if (!platform::current().urlSession.data(request, stop).statusCode) {
+        if (!access.session.data(request, stop).statusCode) {
             facts.serviceFault = facts.serviceHost + QStringLiteral(" does not answer with HTTP");
         }
     } catch (const RewriteError &error) {
@@ -38,18 +35,18 @@ void examineService(ProgramFacts &facts, const std::stop_token &stop) {
 
 } // namespace
 
-ProgramFacts examineProgram(const std::stop_token &stop) {
+ProgramFacts examineProgram(const ModelAccess &access, const std::stop_token &stop) {
     ProgramFacts facts;
     facts.version = QStringLiteral(QUILLORY_VERSION);
-    const QString key = text::trimmed(AppSettings::shared().apiKey());
+    const QString key = text::trimmed(access.settings.apiKey());
     facts.hasKey = !key.isEmpty();
-    facts.isKeyKept = AppSettings::shared().isKeySet();
+    facts.isKeyKept = access.settings.isKeySet();
     // Such a key would never be sent.
     if (facts.hasKey && enteredKey(key).key != key) {
         facts.keyFault = QStringLiteral("the key contains a space, a line break or another character that no key has");
     }
-    facts.areSuggestionsOn = AppSettings::shared().store().boolean(settingsKey::enabled);
-    examineService(facts, stop);
+    facts.areSuggestionsOn = access.settings.store().boolean(settingsKey::enabled);
+    examineService(facts, access, stop);
     return facts;
 }
 

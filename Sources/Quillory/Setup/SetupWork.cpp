@@ -10,7 +10,7 @@ namespace quillory {
 
 std::vector<Finding> SetupWork::look(const std::stop_token &stop) const {
     platform::DesktopFacts desktop = m_examination.examine(stop);
-    ProgramFacts program = examineProgram(stop);
+    ProgramFacts program = examineProgram(m_access, stop);
     const std::scoped_lock lock(m_last->mutex);
     m_last->desktop = std::move(desktop);
     m_last->program = std::move(program);

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Quillory/Model/ModelAccess.h"
 #include "Quillory/Settings/ApiKey.h"
 #include "Quillory/Setup/Diagnosis.h"
 
@@ -10,13 +11,15 @@
 
 namespace quillory {
 
-/// What setting up does, whether a window or a terminal asks for it. Runs on the installed platform. Every operation
+/// What setting up does, whether a window or a terminal asks for it. What it works with outlives it. Every operation
 /// may take some seconds or wait for the user, and returns what it has once asked to stop; never call one on the main
 /// thread of a program with windows. Copies share what the last look found.
 class SetupWork {
   public:
-    SetupWork(platform::DesktopExamination &examination, platform::DesktopRepair &repair, platform::KeyStorage &keys)
-        : m_examination(examination), m_repair(repair), m_keys(keys) {}
+    SetupWork(platform::DesktopExamination &examination, platform::DesktopRepair &repair, const ModelAccess &access)
+        : m_examination(examination), m_repair(repair), m_access(access) {}
+
+    [[nodiscard]] const ModelAccess &access() const { return m_access; }
 
     /// Examines everything.
     [[nodiscard]] std::vector<Finding> look(const std::stop_token &stop) const;
@@ -28,7 +31,7 @@ class SetupWork {
 
     /// Stores a key as the user typed it.
     [[nodiscard]] SavedKey saveKey(const QString &typed, const std::stop_token &stop) const {
-        return quillory::saveKey(m_keys, typed, stop);
+        return quillory::saveKey(m_access.keys, typed, stop);
     }
 
   private:
@@ -41,7 +44,7 @@ class SetupWork {
 
     platform::DesktopExamination &m_examination;
     platform::DesktopRepair &m_repair;
-    platform::KeyStorage &m_keys;
+    const ModelAccess &m_access;
     std::shared_ptr<LastLook> m_last = std::make_shared<LastLook>();
 };
 
