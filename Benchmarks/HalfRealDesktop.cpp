@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "HalfRealDesktop.h"
 
-#include "Platform/Replacing.h"
 #include "Quillory/Settings/AppSettings.h"
 
 #include <QEventLoop>
@@ -19,9 +18,19 @@ HalfRealDesktop::HalfRealDesktop(int port) : m_connection(platform::desktop::X11
     m_connection->watch();
     m_screens = std::make_unique<platform::desktop::X11Screens>(*m_connection);
     m_windows = std::make_unique<platform::desktop::QtPanelWindows>(*m_screens);
-    m_services = std::make_unique<platform::Platform>(
-        platform::withReplaced(platform::current(), m_queue, *m_windows, *m_screens, m_session));
-    m_installation = std::make_unique<platform::Installation>(*m_services);
+    const platform::Platform &simulated = m_simulated.services();
+    m_services = std::make_unique<platform::Platform>(platform::Platform{.accessibility = simulated.accessibility,
+                                                                         .eventTaps = simulated.eventTaps,
+                                                                         .keyPoster = simulated.keyPoster,
+                                                                         .mainQueue = m_queue,
+                                                                         .panelWindows = *m_windows,
+                                                                         .pasteboard = simulated.pasteboard,
+                                                                         .process = simulated.process,
+                                                                         .screens = *m_screens,
+                                                                         .statusBar = simulated.statusBar,
+                                                                         .urlSession = m_session,
+                                                                         .userDefaults = simulated.userDefaults,
+                                                                         .workspace = simulated.workspace});
     m_simulated.process.variables[QStringLiteral("QUILLORY_MODEL_SERVICE")] =
         QStringLiteral("http://127.0.0.1:%1").arg(port);
     set(settingsKey::openRouterAPIKey, QStringLiteral("key"));

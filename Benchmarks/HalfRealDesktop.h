@@ -33,7 +33,6 @@ class HalfRealDesktop {
     std::unique_ptr<platform::desktop::QtPanelWindows> m_windows;
     platform::desktop::CurlURLSession m_session;
     std::unique_ptr<platform::Platform> m_services;
-    std::unique_ptr<platform::Installation> m_installation;
     test::Node m_field;
 };
 

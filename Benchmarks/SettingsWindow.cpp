@@ -8,7 +8,6 @@
 #include "ClockTime.h"
 #include "Platform/Linux/Qt/QtMainQueue.h"
 #include "Platform/Linux/Storage/FileUserDefaults.h"
-#include "Platform/Replacing.h"
 #include "Quillory/Settings/AppSettings.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
@@ -25,6 +24,7 @@
 namespace quillory {
 namespace {
 
+using ui::SettingsServices;
 using ui::SettingsWindow;
 
 constexpr int entries = 500;
@@ -87,23 +87,23 @@ QScrollArea &business(SettingsWindow &window) {
     return *window.findChild<QTabBar *>()->parentWidget()->findChildren<QScrollArea *>().at(1);
 }
 
-void measureFAQ() {
+void measureFAQ(const SettingsServices &services) {
     QList<FAQEntry> list;
     const QString answer = QStringLiteral("Delivery is BD 2 anywhere in Bahrain and free above BD 30. ");
     for (int i = 0; i < entries; ++i) {
         list.append({QUuid::createUuid(), QStringLiteral("Question number %1?").arg(i), answer.repeated(1 + i % 4)});
     }
-    AppSettings::shared().setFAQEntries(list);
+    services.settings.setFAQEntries(list);
 
     Times first;
     for (int i = 0; i < 10; ++i) {
         SettingsWindow *window = nullptr;
-        const double making = timed([&] { window = new SettingsWindow; }, CLOCK_MONOTONIC);
+        const double making = timed([&] { window = new SettingsWindow(services); }, CLOCK_MONOTONIC);
         first.milliseconds.push_back(making + opening(*window));
         delete window;
     }
     first.print("opening the window");
-    SettingsWindow window;
+    SettingsWindow window(services);
     opening(window);
     Times tab{{timed([&] { window.findChild<QTabBar *>()->setCurrentIndex(1); })}};
     tab.print("first look at 500 FAQ entries");
@@ -133,10 +133,10 @@ void measureFAQ() {
     manyEdits(field).print("typing a character into an answer");
 }
 
-void measureProfile() {
+void measureProfile(const SettingsServices &services) {
     const QString line = QStringLiteral("We sell dresses and deliver all over Bahrain.\n");
-    AppSettings::shared().store().set(settingsKey::businessProfile, line.repeated(1'000'000 / line.size()));
-    SettingsWindow window;
+    services.settings.store().set(settingsKey::businessProfile, line.repeated(1'000'000 / line.size()));
+    SettingsWindow window(services);
     opening(window);
     Times tab{{timed([&] { window.findChild<QTabBar *>()->setCurrentIndex(1); })}};
     tab.print("first look at a profile of 1 MB");
@@ -155,9 +155,10 @@ int main(int argc, char **argv) {
     const QTemporaryDir folder;
     platform::desktop::QtMainQueue queue;
     platform::desktop::FileUserDefaults store(folder.path(), platform::desktop::Saving::inBackground);
-    const platform::Platform services = platform::withReplaced(platform::current(), queue, store);
-    const platform::Installation installation(services);
-    quillory::measureFAQ();
-    quillory::measureProfile();
+    quillory::AppSettings settings(store, desktop.process);
+    const quillory::ui::SettingsServices services{settings, desktop.modelAccess.client, desktop.applications, queue,
+                                                  desktop.applications};
+    quillory::measureFAQ(services);
+    quillory::measureProfile(services);
     return 0;
 }

@@ -4,7 +4,6 @@
 // server: CPU time of the process, and the time from a piece on the socket to onChunk.
 #include "ClockTime.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
-#include "Platform/Replacing.h"
 #include "Quillory/Model/OpenRouterClient.h"
 #include "Quillory/Settings/AppSettings.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
@@ -152,25 +151,25 @@ class ServerProcess {
 };
 
 /// Streams one answer as the program does.
-void ask(const OpenRouterClient::OnChunk &onChunk) {
-    OpenRouterClient::ofCurrent().stream(SuggestionKind::rewrite, QStringLiteral("helo can u send me the price list"),
-                                         std::nullopt, defaultModel, onChunk, {});
+void ask(const OpenRouterClient &client, const OpenRouterClient::OnChunk &onChunk) {
+    client.stream(SuggestionKind::rewrite, QStringLiteral("helo can u send me the price list"), std::nullopt,
+                  defaultModel, onChunk, {});
 }
 
 void report(const char *name, double ours, double plain) {
     std::printf("%-58s %8.3f ms   libcurl alone %8.3f ms   difference %7.3f ms\n", name, ours, plain, ours - plain);
 }
 
-void measureCost(const char *name, const QString &address) {
+void measureCost(const char *name, const OpenRouterClient &client, const QString &address) {
     PlainCurl plain(address);
     const double cost = costOf([&plain] { plain.fetch(); });
-    report(name, costOf([] { ask([](const QString &) {}); }), cost);
+    report(name, costOf([&client] { ask(client, [](const QString &) {}); }), cost);
 }
 
-void measureLatency(const QString &address) {
+void measureLatency(const OpenRouterClient &client, const QString &address) {
     Latencies ours;
     Latencies plain;
-    ask([&ours, read = qsizetype{0}](const QString &accumulated) mutable {
+    ask(client, [&ours, read = qsizetype{0}](const QString &accumulated) mutable {
         ours.take(accumulated.sliced(read).toUtf8());
         read = accumulated.size();
     });
@@ -184,15 +183,14 @@ void measureAll() {
     const ServerProcess paced(true);
     SimulatedDesktop desktop;
     platform::desktop::CurlURLSession session;
-    const platform::Platform services = platform::withReplaced(platform::current(), session);
-    const platform::Installation installation(services);
-    AppSettings::shared().store().set(settingsKey::openRouterAPIKey, QStringLiteral("sk-benchmark"));
+    const OpenRouterClient client(desktop.modelAccess.settings, desktop.process, session);
+    desktop.userDefaults.set(settingsKey::openRouterAPIKey, QStringLiteral("sk-benchmark"));
     QString &service = desktop.process.variables[QStringLiteral("QUILLORY_MODEL_SERVICE")];
     service = burst.address();
-    measureCost("CPU of an answer of 200 pieces, as fast as it goes", service);
+    measureCost("CPU of an answer of 200 pieces, as fast as it goes", client, service);
     service = paced.address();
-    measureCost("CPU of an answer of 200 pieces, one every 5 ms", service);
-    measureLatency(service);
+    measureCost("CPU of an answer of 200 pieces, one every 5 ms", client, service);
+    measureLatency(client, service);
 }
 
 } // namespace

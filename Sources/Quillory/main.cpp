@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/AbsentDesktop.h"
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
 #include "Platform/Linux/Doctor/LinuxExamination.h"
 #include "Platform/Linux/Doctor/LinuxRepair.h"
@@ -106,12 +105,8 @@ int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> ope
     desktop::X11Windows windows(*connection);
     desktop::LinuxWorkspace workspace(&windows);
     desktop::QtMainQueue mainQueue;
-    CommandPlatform commands;
-    platform::AbsentDesktop absent;
-    const platform::Platform own =
-        absent.with(commands.process, commands.urlSession, commands.userDefaults, &mainQueue, &workspace);
-    const platform::Installation installation(own);
-    quillory::ui::SetupWindow window({services.examination, services.repair, commands.access});
+    const auto access = accessModel();
+    quillory::ui::SetupWindow window({services.examination, services.repair, *access}, mainQueue);
     if (instance) { // else the display has another, which does not answer
         instance->onSummons([&] { quillory::ui::bringToFront(window, workspace); });
     }
@@ -186,12 +181,12 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     QApplication::setQuitOnLastWindowClosed(false);
     LaunchedSetup setup;
     const desktop::LinuxPlatform linuxPlatform(std::move(connection), [&] { return setup.isThere(); });
-    const platform::Installation installation(linuxPlatform.services());
     quillory::FileLog::open(linuxPlatform.services().process.homeDirectory());
     const auto instance = std::move(claim); // listens while the application is there
     const platform::Platform &services = linuxPlatform.services();
-    quillory::UpdateChecker updates({services.application, services.codeSigning, services.fileSystem,
-                                     services.mainQueue, services.process, services.systemTools, services.urlSession});
+    const platform::InstallServices &install = linuxPlatform.installServices();
+    quillory::UpdateChecker updates({install.application, install.codeSigning, install.fileSystem, services.mainQueue,
+                                     services.process, install.systemTools, services.urlSession});
     quillory::ui::AppDelegate delegate(services, {.startPeriodicChecks = [&] { updates.startPeriodicChecks(); },
                                                   .check = [&](bool userInitiated) { updates.check(userInitiated); },
                                                   .launchSetup = [&] { setup.launch(); }});

@@ -71,7 +71,9 @@ class SettingsWindowTest : public testing::Test {
     }
 
     void open(int tab = 0) {
-        window = std::make_unique<SettingsWindow>();
+        window = std::make_unique<SettingsWindow>(SettingsServices{desktop.modelAccess.settings,
+                                                                   desktop.modelAccess.client, desktop.applications,
+                                                                   desktop.mainQueue, desktop.applications});
         window->makeKeyAndOrderFront();
         ASSERT_TRUE(spinUntil([this] {
             window->activateWindow(); // a window manager that is still starting takes the focus away
@@ -124,7 +126,7 @@ class SettingsWindowTest : public testing::Test {
         font.setPointSize(points);
         QApplication::setFont(font);
     }
-    void store(const QList<FAQEntry> &entries) { AppSettings::shared().setFAQEntries(entries); }
+    void store(const QList<FAQEntry> &entries) { desktop.modelAccess.settings.setFAQEntries(entries); }
 
     SimulatedDesktop desktop;
     std::unique_ptr<SettingsWindow> window;
@@ -308,7 +310,7 @@ TEST_F(SettingsWindowTest, TakesAnyText) {
     EXPECT_EQ(stored(settingsKey::faqEntries + u".unreadable"_s),
               DefaultsValue(QByteArray("[{\"question\": \"mine\"}")));
     child<QLineEdit>()->paste();
-    EXPECT_EQ(AppSettings::shared().faqEntries().constLast().question, u"ab[1mc d e😊"_s);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().constLast().question, u"ab[1mc d e😊"_s);
 
     for (const auto &[text, side] :
          {std::pair(u"\n12 دينار\nhello"_s, Qt::AlignRight), {u"hello\nدينار"_s, Qt::AlignLeft}}) {
@@ -350,18 +352,18 @@ TEST_F(SettingsWindowTest, EditsTheListOfEntriesByKeyboard) {
     press(Qt::Key_Tab);
     press(Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), child<QPushButton>(u"Add &FAQ"_s));
-    EXPECT_EQ(AppSettings::shared().faqEntries().size(), 21);
-    EXPECT_EQ(AppSettings::shared().faqEntries().constLast().question, u"New?"_s);
-    EXPECT_EQ(AppSettings::shared().faqEntries().constLast().answer, u"Yes"_s);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().size(), 21);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().constLast().question, u"New?"_s);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().constLast().answer, u"Yes"_s);
 
     child<QPushButton>(u"Remove FAQ"_s)->setFocus();
     press(Qt::Key_Space);
     QApplication::processEvents();
-    EXPECT_EQ(AppSettings::shared().faqEntries().size(), 19) << "all that have the identifier";
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().size(), 19) << "all that have the identifier";
     EXPECT_EQ(focused(), u"Question 1"_s);
     press(Qt::Key_End);
     QTest::keyClicks(QApplication::focusWidget(), u"!"_s);
-    EXPECT_EQ(AppSettings::shared().faqEntries().constFirst().question, u"Where?!"_s);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().constFirst().question, u"Where?!"_s);
 }
 
 TEST_F(SettingsWindowTest, FitsItsWindow) {

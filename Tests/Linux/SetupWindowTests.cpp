@@ -87,7 +87,7 @@ bool says(const QWidget &window, const QString &text) {
 }
 
 TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
-    ui::SetupWindow window({*this, *this, access});
+    ui::SetupWindow window({*this, *this, access}, desktop.mainQueue);
     window.QWidget::show();
     ASSERT_TRUE(runUntil([&] { return button(window, u"Switch On"_s) != nullptr && window.isActiveWindow(); }));
     QPushButton *const again = button(window, u"Check Again"_s);
@@ -116,7 +116,7 @@ TEST_F(SetupWindowTest, NoticesThatABrowserWasClosedAndOpenedAgain) {
     reopened.resize(1);
     reopened.front().bundleIdentifier = u"org.mozilla.firefox"_s;
     facts.applications = reopened;
-    const ui::SetupWindow window({*this, *this, access});
+    const ui::SetupWindow window({*this, *this, access}, desktop.mainQueue);
     ASSERT_TRUE(runUntil([&] { return says(window, u"Close all its windows, then open it again."_s); }));
     {
         const std::scoped_lock lock(mutex);
@@ -131,7 +131,7 @@ TEST_F(SetupWindowTest, NoticesThatABrowserWasClosedAndOpenedAgain) {
 
 TEST_F(SetupWindowTest, SavesWhatWasEnteredWhileItLooked) {
     desktop.urlSession.onRequest([](SimulatedExchange & /*exchange*/) {}); // looking takes its time
-    const ui::SetupWindow window({*this, *this, access});
+    const ui::SetupWindow window({*this, *this, access}, desktop.mainQueue);
     ASSERT_TRUE(runUntil([&] { return desktop.urlSession.requestCount() == 1; }));
     auto *const field = window.findChild<QLineEdit *>();
     for (const QString &typed : {u"sk-or"_s, u"sk-or-v1"_s}) {
@@ -148,7 +148,7 @@ TEST_F(SetupWindowTest, SavesWhatWasEnteredWhileItLooked) {
 TEST_F(SetupWindowTest, WaitsForNoWorkWhenItIsClosed) {
     isLookEndless = true;
     desktop.urlSession.onRequest([](SimulatedExchange & /*exchange*/) {}); // the service is just as slow
-    { const ui::SetupWindow window({*this, *this, access}); }
+    { const ui::SetupWindow window({*this, *this, access}, desktop.mainQueue); }
     EXPECT_TRUE(wasStopped);
 }
 

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/AbsentDesktop.h"
 #include "Platform/Platform.h"
 #include "Quillory/Model/ModelAccess.h"
 #include "Quillory/Records/FileLog.h"
@@ -19,8 +18,7 @@ namespace quillory::test {
 
 using namespace Qt::StringLiterals;
 
-/// A whole desktop in memory. Making one installs it as the desktop that the program runs on; whatever uses it goes
-/// before it. The log goes to its home. Its user acts through its members.
+/// A whole desktop in memory, and its user, who acts through its members. The log goes to its home folder.
 class SimulatedDesktop final : private platform::KeyPoster {
   public:
     SimulatedDesktop() { FileLog::open(process.homeDirectory()); }
@@ -73,13 +71,8 @@ class SimulatedDesktop final : private platform::KeyPoster {
     }
 
     bool m_allSelected = false;
-    /// There are no files and no tools on it.
-    platform::AbsentDesktop m_absent;
     platform::Platform m_services{.accessibility = applications,
-                                  .application = application,
-                                  .codeSigning = m_absent,
                                   .eventTaps = eventTaps,
-                                  .fileSystem = m_absent,
                                   .keyPoster = *this,
                                   .mainQueue = mainQueue,
                                   .panelWindows = panelWindows,
@@ -87,11 +80,9 @@ class SimulatedDesktop final : private platform::KeyPoster {
                                   .process = process,
                                   .screens = screens,
                                   .statusBar = statusBar,
-                                  .systemTools = m_absent,
                                   .urlSession = urlSession,
                                   .userDefaults = userDefaults,
                                   .workspace = applications};
-    platform::Installation m_installation{m_services};
 };
 
 } // namespace quillory::test

@@ -65,10 +65,7 @@ struct LinuxPlatform::Private {
     X11Pasteboard pasteboard{*connection};
     QtPanelWindows panelWindows{screens};
     Platform services{.accessibility = accessibility,
-                      .application = application,
-                      .codeSigning = codeSigning,
                       .eventTaps = eventTaps,
-                      .fileSystem = fileSystem,
                       .keyPoster = keyPoster,
                       .mainQueue = mainQueue,
                       .panelWindows = panelWindows,
@@ -76,10 +73,11 @@ struct LinuxPlatform::Private {
                       .process = process,
                       .screens = screens,
                       .statusBar = statusBar,
-                      .systemTools = systemTools,
                       .urlSession = urlSession,
                       .userDefaults = userDefaults,
                       .workspace = workspace};
+    InstallServices installServices{
+        .application = application, .codeSigning = codeSigning, .fileSystem = fileSystem, .systemTools = systemTools};
 };
 
 LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, std::function<bool()> isTrustOfferedElsewhere)
@@ -89,6 +87,10 @@ LinuxPlatform::~LinuxPlatform() = default;
 
 const Platform &LinuxPlatform::services() const {
     return m_private->services;
+}
+
+const InstallServices &LinuxPlatform::installServices() const {
+    return m_private->installServices;
 }
 
 } // namespace platform::desktop

@@ -23,6 +23,7 @@ class LinuxPlatform {
     LinuxPlatform &operator=(const LinuxPlatform &) = delete;
 
     [[nodiscard]] const Platform &services() const;
+    [[nodiscard]] const InstallServices &installServices() const;
 
   private:
     struct Private;

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Commands/Inspection.h"
 
-#include "Platform/Platform.h"
 #include "Platform/Process.h"
 #include "Quillory/Field/AXText.h"
 #include "Quillory/Settings/AppSettings.h"

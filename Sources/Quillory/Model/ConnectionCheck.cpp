@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Model/ConnectionCheck.h"
 
-#include "Platform/Platform.h"
 #include "Quillory/Model/OpenRouterClient.h"
 #include "Quillory/RewriteError.h"
 #include "Quillory/Settings/AppSettings.h"
@@ -29,17 +28,9 @@ QString triedConnection(const AppSettings &settings, const OpenRouterClient &cli
     }
 }
 
-QString triedConnection(const std::stop_token &stop) {
-    return triedConnection(AppSettings::shared(), OpenRouterClient::ofCurrent(), stop);
-}
-
 ConnectionCheck::ConnectionCheck(const AppSettings &settings, const OpenRouterClient &client,
                                  platform::MainQueue &mainQueue, std::function<void()> changed)
     : m_settings(settings), m_client(client), m_mainQueue(mainQueue), m_changed(std::move(changed)) {}
-
-ConnectionCheck::ConnectionCheck(std::function<void()> changed)
-    : ConnectionCheck(AppSettings::shared(), OpenRouterClient::ofCurrent(), platform::current().mainQueue,
-                      std::move(changed)) {}
 
 void ConnectionCheck::run() {
     if (m_isTesting) {

@@ -15,8 +15,6 @@ namespace quillory {
 /// A password store that is locked may ask to be unlocked once more.
 [[nodiscard]] QString triedConnection(const AppSettings &settings, const OpenRouterClient &client,
                                       const std::stop_token &stop);
-/// Going away: the same for the installed platform.
-[[nodiscard]] QString triedConnection(const std::stop_token &stop);
 
 /// Asks the model service for one small rewrite, to see whether it answers. Main thread only.
 class ConnectionCheck {
@@ -24,8 +22,6 @@ class ConnectionCheck {
     /// changed: called on the main thread whenever a test begins or ends. The others outlive this.
     ConnectionCheck(const AppSettings &settings, const OpenRouterClient &client, platform::MainQueue &mainQueue,
                     std::function<void()> changed);
-    /// Going away: the same for the installed platform.
-    explicit ConnectionCheck(std::function<void()> changed);
 
     /// Starts a test; nothing while one is under way.
     void run();
@@ -37,7 +33,7 @@ class ConnectionCheck {
     void finish(const QString &result);
 
     const AppSettings &m_settings;
-    OpenRouterClient m_client;
+    const OpenRouterClient &m_client;
     platform::MainQueue &m_mainQueue;
     std::function<void()> m_changed;
     bool m_isTesting = false;

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Model/OpenRouterClient.h"
 
-#include "Platform/Platform.h"
 #include "Quillory/Model/OpenRouterAnswer.h"
 #include "Quillory/RewriteError.h"
 #include "Quillory/Settings/AppSettings.h"
@@ -98,10 +97,6 @@ QString decoded(const QByteArray &body) {
     return decode.hasError() ? QString() : whole;
 }
 } // namespace
-
-OpenRouterClient OpenRouterClient::ofCurrent() {
-    return {AppSettings::shared(), platform::current().process, platform::current().urlSession};
-}
 
 platform::URLRequest OpenRouterClient::makeRequest(const std::vector<Message> &messages, const QString &model,
                                                    bool streams) const {

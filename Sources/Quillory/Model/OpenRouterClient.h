@@ -25,8 +25,6 @@ class OpenRouterClient {
     /// All of them outlive the client.
     OpenRouterClient(const AppSettings &settings, const platform::Process &process, platform::URLSession &session)
         : m_settings(settings), m_process(process), m_session(session) {}
-    /// Going away: one for the installed platform, for units that are not handed theirs yet.
-    [[nodiscard]] static OpenRouterClient ofCurrent();
 
     /// Where requests go: the service's address, on the host that the bundle names, or the one that
     /// QUILLORY_MODEL_SERVICE says instead. Throws RewriteError for an address to which the key must not go.

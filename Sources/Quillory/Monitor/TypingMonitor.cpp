@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Monitor/TypingMonitor.h"
 
-#include "Platform/Platform.h"
 #include "Quillory/Field/AXText.h"
 #include "Quillory/Field/ChatContext.h"
 #include "Quillory/Field/FieldSnapshot.h"

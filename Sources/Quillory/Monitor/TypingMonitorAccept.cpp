@@ -1,6 +1,5 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/Platform.h"
 #include "Quillory/Field/AXText.h"
 #include "Quillory/Field/ChatContext.h"
 #include "Quillory/Monitor/TypingMonitor.h"

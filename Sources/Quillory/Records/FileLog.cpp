@@ -19,6 +19,9 @@ void open(const QString &homeDirectory) {
 }
 
 void log(const QString &message) {
+    if (path.isEmpty()) {
+        return;
+    }
     static const QLocale locale = QLocale::system();
     const QString time = locale.toString(QTime::currentTime(), QStringLiteral("HH:mm:ss.zzz"));
     appendToFile(path, (time + u' ' + message + u'\n').toUtf8());

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Settings/AppSettings.h"
 
-#include "Platform/PerInstallation.h"
 #include "Quillory/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -112,11 +111,6 @@ void registerSettingsDefaults(platform::UserDefaults &store) {
         {settingsKey::enabled, true},
         {settingsKey::assistantMode, true},
     });
-}
-
-AppSettings &AppSettings::shared() {
-    static platform::PerInstallation<AppSettings> instance;
-    return instance.get([] { return AppSettings(platform::current().userDefaults, platform::current().process); });
 }
 
 AppSettings::AppSettings(platform::UserDefaults &store, const platform::Process &process)

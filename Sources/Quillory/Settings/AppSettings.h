@@ -67,8 +67,6 @@ class AppSettings {
   public:
     /// Both outlive the settings. process: gives a key to users who have stored none.
     AppSettings(platform::UserDefaults &store, const platform::Process &process);
-    /// Going away: the one for the installed platform, for units that are not handed theirs yet.
-    static AppSettings &shared();
 
     [[nodiscard]] platform::UserDefaults &store() const { return m_store; }
     /// The key as stored, else OPENROUTER_API_KEY, else the bundle's "EmbeddedAPIKey", else "". Not trimmed.

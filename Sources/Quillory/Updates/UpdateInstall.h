@@ -2,7 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/Platform.h"
+#include "Platform/Application.h"
+#include "Platform/CodeSigning.h"
+#include "Platform/FileSystem.h"
+#include "Platform/MainQueue.h"
+#include "Platform/Process.h"
+#include "Platform/SystemTools.h"
+#include "Platform/URLSession.h"
 
 #include <QString>
 #include <QUrl>

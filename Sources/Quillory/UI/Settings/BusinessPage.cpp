@@ -22,7 +22,7 @@ BusinessPage::BusinessPage(SettingsBinding &binding, QScrollArea &area) : m_prof
     column->setContentsMargins(pageMargins());
     column->setSpacing(sectionGap);
     column->addWidget(profileSection(binding));
-    auto *const faqs = new FAQSection(AppSettings::shared());
+    auto *const faqs = new FAQSection(binding.services().settings);
     column->addWidget(faqs);
     column->addStretch();
     faqs->onReveal = [&area](QWidget *row) {

@@ -2,19 +2,37 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/UserDefaults.h"
+#include "Quillory/Model/OpenRouterClient.h"
+#include "Quillory/Settings/AppSettings.h"
 
 #include <functional>
 #include <vector>
 
+namespace platform {
+class Accessibility;
+class MainQueue;
+class Workspace;
+} // namespace platform
+
 namespace quillory::ui {
+
+/// What the settings window works with. All of it outlives the window.
+struct SettingsServices {
+    AppSettings &settings;
+    const OpenRouterClient &client;
+    platform::Accessibility &accessibility;
+    platform::MainQueue &mainQueue;
+    platform::Workspace &workspace;
+};
 
 /// Ties the controls of the settings window to the store: what the user changes is stored at once, and what is stored
 /// by someone else (the menu, another process) is shown when asked to refresh.
 class SettingsBinding {
   public:
-    explicit SettingsBinding(platform::UserDefaults &store) : m_store(store) {}
+    explicit SettingsBinding(const SettingsServices &services)
+        : m_services(services), m_store(services.settings.store()) {}
 
+    [[nodiscard]] const SettingsServices &services() const { return m_services; }
     [[nodiscard]] platform::UserDefaults &store() const { return m_store; }
     /// Stores a value that the user chose.
     void set(const QString &key, const platform::DefaultsValue &value) {
@@ -33,6 +51,7 @@ class SettingsBinding {
     }
 
   private:
+    SettingsServices m_services;
     platform::UserDefaults &m_store;
     std::vector<std::function<void()>> m_shows;
 };

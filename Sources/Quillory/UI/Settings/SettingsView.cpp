@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/SettingsView.h"
 
-#include "Platform/Platform.h"
-#include "Quillory/Settings/AppSettings.h"
 #include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Settings/BusinessPage.h"
 #include "Quillory/UI/Settings/GeneralPage.h"
@@ -23,8 +21,8 @@ constexpr QSize contentSize(560, 430);
 constexpr int businessTab = 1;
 } // namespace
 
-SettingsView::SettingsView()
-    : m_binding(AppSettings::shared().store()), m_tabs(new QTabBar), m_pages(new QStackedWidget), m_warning(warning()) {
+SettingsView::SettingsView(const SettingsServices &services)
+    : m_binding(services), m_tabs(new QTabBar), m_pages(new QStackedWidget), m_warning(warning()) {
     setFormFont(*this, bodyPoints);
     setFixedSize(contentSize);
     auto *const column = new QVBoxLayout(this);
@@ -85,7 +83,7 @@ void SettingsView::refresh() {
 void SettingsView::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
     refresh();
-    m_beat = platform::current().mainQueue.repeat(beat, [this] { refresh(); });
+    m_beat = m_binding.services().mainQueue.repeat(beat, [this] { refresh(); });
 }
 
 void SettingsView::hideEvent(QHideEvent *event) {

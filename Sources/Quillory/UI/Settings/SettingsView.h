@@ -18,7 +18,7 @@ class FormText;
 /// visible it follows what is stored.
 class SettingsView final : public QWidget {
   public:
-    SettingsView();
+    explicit SettingsView(const SettingsServices &services);
 
   protected:
     void showEvent(QShowEvent *event) override;

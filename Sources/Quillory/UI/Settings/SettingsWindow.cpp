@@ -15,15 +15,16 @@
 
 namespace quillory::ui {
 
-SettingsWindow::SettingsWindow()
-    : QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+SettingsWindow::SettingsWindow(const SettingsServices &services)
+    : QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+      m_workspace(services.workspace) {
     installAccessibleViews();
     FormStyle::install();
     setWindowTitle(QStringLiteral("Quillory"));
     auto *const content = new QVBoxLayout(this);
     content->setContentsMargins(0, 0, 0, 0);
     content->setSizeConstraint(QLayout::SetFixedSize);
-    content->addWidget(new SettingsView);
+    content->addWidget(new SettingsView(services));
     adjustSize();
     const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
     const QRect room = (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
@@ -31,7 +32,7 @@ SettingsWindow::SettingsWindow()
 }
 
 void SettingsWindow::makeKeyAndOrderFront() {
-    bringToFront(*this);
+    bringToFront(*this, m_workspace);
 }
 
 void SettingsWindow::keyPressEvent(QKeyEvent *event) {

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Quillory/UI/Settings/SettingsBinding.h"
+
 #include <QWidget>
 
 namespace quillory::ui {
@@ -10,12 +12,15 @@ namespace quillory::ui {
 class SettingsWindow final : public QWidget {
   public:
     /// In the middle of the screen that the pointer is on.
-    SettingsWindow();
+    explicit SettingsWindow(const SettingsServices &services);
     /// Shows the window in front of all others, with the keyboard focus.
     void makeKeyAndOrderFront();
 
   protected:
     void keyPressEvent(QKeyEvent *event) override;
+
+  private:
+    platform::Workspace &m_workspace;
 };
 
 } // namespace quillory::ui

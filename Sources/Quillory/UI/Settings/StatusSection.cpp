@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Settings/StatusSection.h"
 
-#include "Platform/Platform.h"
 #include "Quillory/UI/Settings/SettingsBinding.h"
 #include "Quillory/UI/Symbols.h"
 
@@ -21,7 +20,9 @@ StatusSection::StatusSection(SettingsBinding &binding)
           new FormText(QStringLiteral("Grant it in System Settings → Privacy & Security → Accessibility, then "
                                       "relaunch the app."),
                        captionPoints, Tint::secondary)),
-      m_testButton(new QPushButton), m_testResult(new FormText({}, captionPoints)), m_test([this] { showTest(); }) {
+      m_testButton(new QPushButton), m_testResult(new FormText({}, captionPoints)),
+      m_accessibility(binding.services().accessibility), m_test(binding.services().settings, binding.services().client,
+                                                                binding.services().mainQueue, [this] { showTest(); }) {
     QBoxLayout *const trust = addRow(QBoxLayout::TopToBottom);
     trust->setSpacing(3);
     trust->addWidget(m_trust);
@@ -43,7 +44,7 @@ void StatusSection::showEvent(QShowEvent *event) {
 }
 
 void StatusSection::showTrust() {
-    const bool isTrusted = platform::current().accessibility.isProcessTrusted();
+    const bool isTrusted = m_accessibility.isProcessTrusted();
     const Tint tint = isTrusted ? Tint::good : Tint::warning;
     m_trust->setSymbol(isTrusted ? symbolName::done : symbolName::warning, tint);
     m_trust->setText(isTrusted ? QStringLiteral("Accessibility access granted")

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/Accessibility.h"
 #include "Quillory/Model/ConnectionCheck.h"
 #include "Quillory/UI/Form/Form.h"
 
@@ -27,6 +28,7 @@ class StatusSection final : public FormSection {
     FormText *m_trustAdvice;
     QPushButton *m_testButton;
     FormText *m_testResult;
+    platform::Accessibility &m_accessibility;
     ConnectionCheck m_test;
 };
 

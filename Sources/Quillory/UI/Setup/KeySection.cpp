@@ -26,10 +26,12 @@ QLineEdit *newKeyField() {
 
 } // namespace
 
-KeySection::KeySection(std::function<void(const QString &)> save)
+KeySection::KeySection(const ModelAccess &access, platform::MainQueue &mainQueue,
+                       std::function<void(const QString &)> save)
     : FormSection(QStringLiteral("API key"), whereKeysComeFrom), m_save(std::move(save)), m_field(newKeyField()),
       m_saveButton(new QPushButton(QStringLiteral("&Save Key"))), m_testButton(new QPushButton),
-      m_result(new FormText({}, captionPoints)), m_test([this] { showTest(); }) {
+      m_result(new FormText({}, captionPoints)),
+      m_test(access.settings, access.client, mainQueue, [this] { showTest(); }) {
     QBoxLayout *const entering = addRow();
     entering->addWidget(m_field, 1);
     entering->addWidget(m_saveButton);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Quillory/Model/ConnectionCheck.h"
+#include "Quillory/Model/ModelAccess.h"
 #include "Quillory/UI/Form/Form.h"
 
 class QLineEdit;
@@ -15,7 +16,8 @@ namespace quillory::ui {
 class KeySection final : public FormSection {
   public:
     /// save: called with what the user entered.
-    explicit KeySection(std::function<void(const QString &)> save);
+    /// The access and the queue outlive this.
+    KeySection(const ModelAccess &access, platform::MainQueue &mainQueue, std::function<void(const QString &)> save);
     /// Says what came of saving. A key that was saved leaves the field.
     void showOutcome(const QString &sentence, bool isSaved);
     void setKeyKnown(bool hasKey);

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Setup/SetupWindow.h"
 
-#include "Platform/Platform.h"
-#include "Quillory/Settings/AppSettings.h"
 #include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Form/FormStyle.h"
 #include "Quillory/UI/Setup/FindingRow.h"
@@ -38,8 +36,9 @@ bool isAgreed(QWidget *parent, const Offer &offer) {
 }
 } // namespace
 
-SetupWindow::SetupWindow(SetupWork work)
-    : m_work(work), m_list(newFormArea()), m_key(new KeySection([this](const QString &typed) { saveKey(typed); })),
+SetupWindow::SetupWindow(SetupWork work, platform::MainQueue &mainQueue)
+    : m_work(work), m_mainQueue(mainQueue), m_list(newFormArea()),
+      m_key(new KeySection(work.access(), mainQueue, [this](const QString &typed) { saveKey(typed); })),
       m_status(new FormText({}, captionPoints, Tint::secondary)),
       m_again(new QPushButton(QStringLiteral("Check &Again"))), m_close(new QPushButton(QStringLiteral("&Close"))) {
     FormStyle::install();
@@ -80,7 +79,7 @@ QWidget *SetupWindow::bottomRow() {
     m_again->setAutoDefault(false);
     m_close->setAutoDefault(false);
     connect(m_again, &QPushButton::clicked, this, [this] {
-        AppSettings::shared().store().askAgain();
+        m_work.access().settings.store().askAgain();
         look();
     });
     connect(m_close, &QPushButton::clicked, this, [this] { close(); });
@@ -92,16 +91,14 @@ template <typename Work, typename Done> void SetupWindow::start(const QString &s
         return;
     }
     setBusy(true, said);
-    const auto task = m_tasks.start([this, work, done, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
-        platform::current().mainQueue.post([this, life, done, result = work(stop)] {
-            if (!life.expired()) {
-                setBusy(false, {});
-                done(result);
-                if (!m_isBusy) {
-                    m_key->saveWaiting();
-                }
+    const auto task = m_tasks.start([this, work, done](const std::stop_token &stop) {
+        m_mainQueue.post(m_life.whileAlive([this, done, result = work(stop)] {
+            setBusy(false, {});
+            done(result);
+            if (!m_isBusy) {
+                m_key->saveWaiting();
             }
-        });
+        }));
     });
     if (!task) {
         setBusy(false, QStringLiteral("The system could not start another thread. Try again later."));
@@ -119,16 +116,13 @@ void SetupWindow::watch() {
     if (m_isBusy || m_isWatching) {
         return;
     }
-    const auto task = m_tasks.start([this, life = std::weak_ptr(m_life)](const std::stop_token &stop) {
-        platform::current().mainQueue.post([this, life, found = m_work.lookForChanges(stop)] {
-            if (life.expired()) {
-                return;
-            }
+    const auto task = m_tasks.start([this](const std::stop_token &stop) {
+        m_mainQueue.post(m_life.whileAlive([this, found = m_work.lookForChanges(stop)] {
             m_isWatching = false;
             if (found && !m_isBusy) { // a look that is under way will show it
                 show(*found);
             }
-        });
+        }));
     });
     m_isWatching = task.has_value();
 }

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/LifeToken.h"
+#include "Platform/MainQueue.h"
 #include "Quillory/Setup/SetupWork.h"
 #include "Quillory/Tasks.h"
 
@@ -21,7 +23,8 @@ class KeySection;
 /// threads of its own, one piece at a time.
 class SetupWindow final : public QWidget {
   public:
-    explicit SetupWindow(SetupWork work);
+    /// What the work uses outlives the window, and so does the queue.
+    SetupWindow(SetupWork work, platform::MainQueue &mainQueue);
     ~SetupWindow() override;
 
     /// Whether everything was in order when it was last looked at.
@@ -44,6 +47,7 @@ class SetupWindow final : public QWidget {
     [[nodiscard]] QWidget *bottomRow();
 
     SetupWork m_work;
+    platform::MainQueue &m_mainQueue;
     QScrollArea *m_list;
     KeySection *m_key;
     FormText *m_status;
@@ -58,7 +62,7 @@ class SetupWindow final : public QWidget {
     bool m_hasMended = false;
     /// What the last change said, shown until the next one.
     QString m_outcome;
-    std::shared_ptr<bool> m_life = std::make_shared<bool>(true);
+    platform::LifeToken m_life;
     /// Last, so that no work is left when the rest goes.
     Tasks m_tasks;
 };

@@ -133,7 +133,8 @@ void AppDelegate::openAccessibilitySettings() {
 
 void AppDelegate::openSettings() {
     if (m_settingsWindow == nullptr) {
-        m_settingsWindow = std::make_unique<SettingsWindow>();
+        m_settingsWindow = std::make_unique<SettingsWindow>(SettingsServices{
+            m_assembly.settings, m_assembly.client, m_desktop.accessibility, m_desktop.mainQueue, m_desktop.workspace});
     }
     m_settingsWindow->makeKeyAndOrderFront();
 }

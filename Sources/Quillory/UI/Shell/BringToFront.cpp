@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Shell/BringToFront.h"
 
-#include "Platform/Platform.h"
 #include "Platform/Workspace.h"
 
 #include <QCoreApplication>
@@ -30,10 +29,6 @@ void bringToFront(QWidget &window, platform::Workspace &workspace) {
             activateOwnWindows(workspace);
         }
     });
-}
-
-void bringToFront(QWidget &window) {
-    bringToFront(window, platform::current().workspace);
 }
 
 } // namespace quillory::ui

@@ -13,7 +13,5 @@ namespace quillory::ui {
 /// Shows a window in front of all others, with the keyboard focus, as the user asked for it. The workspace outlives the
 /// window.
 void bringToFront(QWidget &window, platform::Workspace &workspace);
-/// Going away: the same with the installed platform's workspace.
-void bringToFront(QWidget &window);
 
 } // namespace quillory::ui
