@@ -50,11 +50,8 @@ TEST(AnswerScreening, CleansAnswersAndNamesModels) {
     EXPECT_FALSE(isUnchanged(u"draft"_s, u"Draft"_s));
     for (const auto &[identifier, label] : std::vector<std::pair<const char *, const char *>>{
              {"anthropic/claude-haiku-4.5", "Claude Haiku 4.5"},
-             {"google/gemini-2.5-flash-lite", "Gemini 2.5 Flash Lite"},
-             {"claude-haiku-4.5", "Claude Haiku 4.5"},
              {"a//straße-ßx--é/", "Straße SSx É"},
              {"/", "/"},
-             {"", ""},
          }) {
         EXPECT_EQ(prettyModelName(text(identifier)), text(label)) << identifier;
     }

@@ -3,7 +3,6 @@
 #include "Quillory/Records/FileLog.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <gmock/gmock.h>
@@ -14,7 +13,6 @@ namespace quillory::test {
 
 using namespace Qt::StringLiterals;
 
-using testing::ElementsAre;
 using testing::MatchesRegex;
 
 namespace {
@@ -32,17 +30,6 @@ TEST(FileLog, WritesOneTimedLineForEachCall) {
     FileLog::log(QString());
     FileLog::log(u"a\nb"_s);
     EXPECT_THAT(content(desktop.process.logPath()), MatchesRegex(time + "first é\n" + time + "\n" + time + "a\nb\n"));
-}
-
-TEST(FileLog, AMissingFolderLosesTheLine) {
-    const SimulatedDesktop desktop;
-    const QString folder = desktop.process.homeDirectory() + u"/Library/Logs"_s;
-    QDir(folder).removeRecursively();
-    FileLog::log(u"lost"_s);
-    EXPECT_FALSE(QFile::exists(folder));
-    QDir().mkpath(folder);
-    FileLog::log(u"kept"_s);
-    EXPECT_THAT(desktop.log(), ElementsAre(u"kept"_s));
 }
 
 TEST(FileLog, LinesOfSeveralThreadsStayWhole) {
