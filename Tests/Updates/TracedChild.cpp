@@ -8,9 +8,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <fcntl.h>
+#include <filesystem>
 #include <sched.h>
 #include <set>
 #include <stdexcept>
+#include <string>
 #include <sys/mount.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
@@ -83,12 +85,22 @@ class Tracer {
     int m_status = 0;
 };
 
+/// Whether what is written goes to a file. The sanitizers write to pipes of their own, and must not fail at that.
+bool writesToFile(const TracedCall &call) {
+    const std::string descriptor = "/proc/" + std::to_string(call.process) + "/fd/" + std::to_string(call.arguments[0]);
+    std::error_code error;
+    return std::filesystem::is_regular_file(descriptor, error);
+}
+
 } // namespace
 
 bool changesDisk(const TracedCall &call) {
-    static const std::set<unsigned long long> changing{SYS_write,  SYS_pwrite64, SYS_mkdir,     SYS_mkdirat,
-                                                       SYS_chmod,  SYS_fchmod,   SYS_fsync,     SYS_ftruncate,
-                                                       SYS_rename, SYS_renameat, SYS_renameat2, SYS_unlinkat};
+    static const std::set<unsigned long long> changing{SYS_mkdir,     SYS_mkdirat,   SYS_chmod,  SYS_fchmod,
+                                                       SYS_fsync,     SYS_ftruncate, SYS_rename, SYS_renameat,
+                                                       SYS_renameat2, SYS_unlinkat};
+    if (call.number == SYS_write || call.number == SYS_pwrite64) {
+        return writesToFile(call);
+    }
     const bool isAt = call.number == SYS_openat;
     return changing.contains(call.number) ||
            ((isAt || call.number == SYS_open) && (call.arguments[isAt ? 2 : 1] & O_CREAT) != 0);
