@@ -23,8 +23,8 @@ struct RequestPlan {
     std::optional<QString> context;
 };
 
-/// Decides by the typing monitor's gate, as far as that depends on the field and the settings: what Quillory has sent or
-/// inserted before is not known here.
+/// Decides by the typing monitor's gate, as far as that depends on the field and the settings: what Quillory has sent
+/// or inserted before is not known here.
 [[nodiscard]] RequestPlan planRequest(const FieldSituation &field);
 
 } // namespace quillory

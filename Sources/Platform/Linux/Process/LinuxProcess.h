@@ -10,9 +10,9 @@
 
 namespace platform::desktop {
 
-/// The running program on Linux. Its bundle's information is "Info.json" beside the executable, a JSON object with string
-/// members such as "EmbeddedAPIKey"; a missing or broken file counts as an empty one. Environment and information are
-/// those of the start, so that any thread may ask.
+/// The running program on Linux. Its bundle's information is "Info.json" beside the executable, a JSON object with
+/// string members such as "EmbeddedAPIKey"; a missing or broken file counts as an empty one. Environment and
+/// information are those of the start, so that any thread may ask.
 class LinuxProcess final : public Process {
   public:
     /// Makes the home folder and the standard folders in it, for their owner alone.
