@@ -209,7 +209,7 @@ void paintPopUp(const Drawing &drawing, const QStyleOptionComplex &option) {
 }
 
 void paintStepper(const Drawing &drawing, const QStyleOptionSpinBox &option) {
-    QStyleOption panel(option);
+    QStyleOptionSpinBox panel(option);
     panel.state &= ~QStyle::State_Sunken;
     paintPanel(drawing, panel);
     const double reach = 3.8 * textScale();
