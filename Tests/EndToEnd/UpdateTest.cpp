@@ -160,10 +160,6 @@ TEST_F(Update, TakesPrecedenceOverTheDebianPackage) {
     succeed(u"dpkg-deb"_s, {u"-x"_s, maker.packageOf(u"1"_s, "deb"), maker.in("root")});
     const QString installed = maker.in("root") + u"/usr/bin/quillory"_s;
     expectUpdate(installed);
-    succeed(installed, {u"autostart"_s, u"on"_s});
-    QFile entry(qEnvironmentVariable("XDG_CONFIG_HOME") + u"/autostart/quillory.desktop"_s);
-    EXPECT_TRUE(entry.open(QIODevice::ReadOnly) && entry.readAll().contains(updated.toUtf8()))
-        << "commands prefer it too";
     const ChildProcess again({installed.toStdString()});
     EXPECT_TRUE(waitUntil([] { return Assistant::timesLogged(u"up to date (2)"_s) == 2; }, 30'000))
         << Assistant::log().toStdString();
