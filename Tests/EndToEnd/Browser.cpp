@@ -7,8 +7,6 @@
 #include <QFile>
 #include <QStandardPaths>
 
-#include <csignal>
-
 namespace quillory::test {
 
 using namespace Qt::StringLiterals;
@@ -17,25 +15,20 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-/// All switches except those for the window and its page.
-Arguments chromiumFlags(int pagePort) {
-    const std::string port = std::to_string(pagePort);
-    Arguments flags = browserSettings::chromiumSwitches();
-    flags.insert(flags.end(), {"--window-position=40,20", "--window-size=1100,800", "--ignore-certificate-errors",
-                               "--host-resolver-rules=MAP web.whatsapp.com 127.0.0.1:" + port +
-                                   ", MAP shop.example 127.0.0.1:" + port + ", MAP * ~NOTFOUND"});
-    return flags;
-}
-
 Arguments chromium(int pagePort, const QString &profile, const Browser::Options &options) {
-    Arguments arguments = chromiumFlags(pagePort);
+    const std::string port = std::to_string(pagePort);
+    const QString address = u"https://%1/%2"_s.arg(options.host, options.query);
+    Arguments arguments = browserSettings::chromiumSwitches();
     arguments.insert(arguments.begin(), "chromium");
-    arguments.push_back("--user-data-dir=" + profile.toStdString());
+    arguments.insert(arguments.end(),
+                     {"--window-position=40,20", "--window-size=1100,800", "--ignore-certificate-errors",
+                      "--host-resolver-rules=MAP web.whatsapp.com 127.0.0.1:" + port +
+                          ", MAP shop.example 127.0.0.1:" + port + ", MAP * ~NOTFOUND",
+                      "--user-data-dir=" + profile.toStdString(),
+                      (options.wholeWindow ? "" : "--app=") + address.toStdString()});
     if (options.forceAccessibility) {
         arguments.emplace_back("--force-renderer-accessibility");
     }
-    const QString address = u"https://%1/%2"_s.arg(options.host, options.query);
-    arguments.push_back((options.wholeWindow ? "" : "--app=") + address.toStdString());
     return arguments;
 }
 
@@ -56,10 +49,6 @@ Arguments firefox(int pagePort, const QString &profile, const Browser::Options &
             address.toStdString()};
 }
 
-Arguments commandLine(int pagePort, const QString &profile, const Browser::Options &options) {
-    return (options.kind == Browser::Kind::chromium ? chromium : firefox)(pagePort, profile, options);
-}
-
 } // namespace
 
 QString Browser::whatIsMissing(Kind kind) {
@@ -71,14 +60,6 @@ QString Browser::whatIsMissing(Kind kind) {
 }
 
 Browser::Browser(int pagePort, const QString &profile, const Options &options)
-    : m_process(commandLine(pagePort, profile, options), Output::dropped) {}
-
-void Browser::freeze() const {
-    kill(m_process.pid(), SIGSTOP);
-}
-
-void Browser::thaw() const {
-    kill(m_process.pid(), SIGCONT);
-}
+    : m_process((options.kind == Kind::chromium ? chromium : firefox)(pagePort, profile, options), Output::dropped) {}
 
 } // namespace quillory::test

@@ -36,10 +36,6 @@ class Browser {
 
     Browser(int pagePort, const QString &profile, const Options &options);
 
-    /// Suspends the browser, so that it answers nothing, and resumes it.
-    void freeze() const;
-    void thaw() const;
-
   private:
     ChildProcess m_process;
 };

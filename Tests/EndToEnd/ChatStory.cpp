@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EndToEnd/ChatStory.h"
 
+#include <algorithm>
 #include <iostream>
 
 namespace quillory::test {
@@ -9,9 +10,6 @@ namespace quillory::test {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr qsizetype mostCollected = 400;
-constexpr qsizetype mostKept = 60;
 
 /// English times, presences and dividers are recognised as noise; those in other languages count as messages.
 bool isNoise(const ChatPage::Text &text, bool english) {
@@ -84,6 +82,19 @@ bool ChatStory::panelIsUp() {
     return run({"xdotool", "search", "--onlyvisible", "--class", "quillory"}, Output::dropped) == 0;
 }
 
+bool ChatStory::rewriteIsReady(const QString &draft) const {
+    return waitUntil(
+        [&] {
+            const auto asked = m_model.questions();
+            const QString log = Assistant::log();
+            const auto last =
+                std::max(log.lastIndexOf(u"prefetch started ("_s), log.lastIndexOf(u"rewrite requested ("_s));
+            return !asked.empty() && asked.back().draft() == draft && log.lastIndexOf(u" complete ("_s) > last &&
+                   log.lastIndexOf(u"panel visible"_s) > last && panelIsUp();
+        },
+        20'000);
+}
+
 bool ChatStory::boxHolds(const QString &text) const {
     return waitUntil([&] { return m_page.text() == text; });
 }
@@ -93,11 +104,11 @@ std::string ChatStory::transcriptOfPage() const {
     const bool arabic = state.address.contains(u"language=ar"_s);
     QStringList lines;
     for (const ChatPage::Text &text : state.texts) {
-        if (!isNoise(text, !arabic) && lines.size() < mostCollected) {
+        if (!isNoise(text, !arabic)) {
             lines.append(mark(text, arabic) + text.text.trimmed());
         }
     }
-    return lines.mid(std::max<qsizetype>(0, lines.size() - mostKept)).join(u'\n').toStdString();
+    return lines.join(u'\n').toStdString();
 }
 
 void ChatStory::expectUntouched(int keysTaken) const {

@@ -38,6 +38,9 @@ class ChatStory : public testing::TestWithParam<Browser::Kind> {
     [[nodiscard]] static bool panelGoes() {
         return waitUntil([] { return !panelIsUp(); });
     }
+    /// Whether a finished rewrite of the draft is on its card. A slow machine may pause long enough in the typing for
+    /// the program to ask about a part of it first.
+    [[nodiscard]] bool rewriteIsReady(const QString &draft) const;
     [[nodiscard]] bool boxHolds(const QString &text) const;
     /// The transcript that the page's own texts give: without noise, marked by the side each text is on.
     [[nodiscard]] std::string transcriptOfPage() const;

@@ -6,6 +6,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 #include <httplib.h>
@@ -16,23 +17,20 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-std::string compact(const QJsonObject &object) {
-    return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
-}
-
 std::string event(const QString &content) {
     const QJsonObject choice{{u"delta"_s, QJsonObject{{u"content"_s, content}}}};
-    return "data: " + compact({{u"choices"_s, QJsonArray{choice}}}) + "\n\n";
+    const QJsonDocument document(QJsonObject{{u"choices"_s, QJsonArray{choice}}});
+    return "data: " + document.toJson(QJsonDocument::Compact).toStdString() + "\n\n";
 }
 
 ModelService::Question parsed(const httplib::Request &request) {
-    ModelService::Question question;
-    question.body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
-    for (const QJsonValue &message : question.body.take(u"messages"_s).toArray()) {
-        question.messages.push_back({message[u"role"_s].toString(), message[u"content"_s].toString()});
-    }
-    question.authorization = QString::fromStdString(request.get_header_value("Authorization"));
-    return question;
+    const QJsonObject body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
+    const QJsonArray messages = body[u"messages"_s].toArray();
+    return {.model = body[u"model"_s].toString(),
+            .authorization = QString::fromStdString(request.get_header_value("Authorization")),
+            .system = messages.first()[u"content"_s].toString(),
+            .user = messages.last()[u"content"_s].toString(),
+            .isForReply = messages.size() == 2};
 }
 
 QString between(const QString &text, const QString &open, const QString &close) {
@@ -48,12 +46,11 @@ bool send(httplib::DataSink &sink, const std::string &text) {
 } // namespace
 
 QString ModelService::Question::draft() const {
-    return between(messages.back().content, u"<draft>\n"_s, u"\n</draft>"_s);
+    return between(user, u"<draft>\n"_s, u"\n</draft>"_s);
 }
 
 std::string ModelService::Question::conversation() const {
-    const QString &content = (isForReply() ? messages.back() : messages.front()).content;
-    return between(content, u"<conversation>\n"_s, u"\n</conversation>"_s).toStdString();
+    return between(isForReply ? user : system, u"<conversation>\n"_s, u"\n</conversation>"_s).toStdString();
 }
 
 ModelService::ModelService() : m_server(std::make_unique<httplib::Server>()) {
@@ -64,7 +61,7 @@ ModelService::ModelService() : m_server(std::make_unique<httplib::Server>()) {
 }
 
 ModelService::~ModelService() {
-    m_mayEnd = true;
+    m_isEnding = true;
     m_server->stop();
 }
 
@@ -76,7 +73,6 @@ void ModelService::willAnswer(const QString &text, Manner manner) {
     const std::lock_guard lock(m_mutex);
     m_answer = {text, manner};
     m_answersOfModels.clear();
-    m_mayEnd = false;
 }
 
 void ModelService::modelWillAnswer(const QString &model, const QString &text, Manner manner) {
@@ -92,14 +88,8 @@ std::vector<ModelService::Question> ModelService::questions() const {
 void ModelService::answer(const httplib::Request &request, httplib::Response &response) {
     const std::lock_guard lock(m_mutex);
     m_questions.push_back(parsed(request));
-    const auto special = m_answersOfModels.find(m_questions.back().model());
+    const auto special = m_answersOfModels.find(m_questions.back().model);
     const Answer &answer = special == m_answersOfModels.end() ? m_answer : special->second;
-    if (answer.manner == Manner::refuses) {
-        response.status = 429;
-        const QJsonObject error{{u"message"_s, answer.text}};
-        response.set_content(compact({{u"error"_s, error}}), "application/json");
-        return;
-    }
     response.set_chunked_content_provider(
         "text/event-stream", [this, answer](std::size_t, httplib::DataSink &sink) { return stream(sink, answer); });
 }
@@ -110,7 +100,7 @@ bool ModelService::stream(httplib::DataSink &sink, const Answer &answer) {
         connected = connected && send(sink, event(word));
         sleepBriefly();
     }
-    while (connected && answer.manner == Manner::answers && !m_mayEnd) {
+    while (connected && answer.manner == Manner::answers && !m_isEnding) {
         connected = send(sink, ": PROCESSING\n\n");
         sleepBriefly();
     }

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QJsonObject>
 #include <QString>
 
 #include <atomic>
@@ -22,35 +21,27 @@ struct Response;
 
 namespace quillory::test {
 
-/// A model service on the loopback address that streams the answer that it was given, or fails on request.
+/// A model service on the loopback address that streams the answer that it was given.
 class ModelService {
   public:
     enum class Manner {
-        /// Sends the answer, then keeps the connection open until mayEnd() is called.
+        /// Sends the answer, then keeps the connection open.
         answers,
         /// Sends the answer and ends it.
-        answersAtOnce,
-        /// Answers with status 429 and the text as the body's message.
-        refuses
-    };
-    struct Message {
-        QString role;
-        QString content;
+        answersAtOnce
     };
     struct Question {
-        /// The request without its messages.
-        QJsonObject body;
-        std::vector<Message> messages;
+        QString model;
         QString authorization;
-
-        [[nodiscard]] QString model() const { return body[QLatin1StringView("model")].toString(); }
-        /// The system message.
-        [[nodiscard]] QString system() const { return messages.front().content; }
+        QString system;
+        /// The last message.
+        QString user;
         /// Requests for replies have no examples.
-        [[nodiscard]] bool isForReply() const { return messages.size() == 2; }
+        bool isForReply = false;
+
         /// The text between the draft's tags.
         [[nodiscard]] QString draft() const;
-        /// The text between the conversation's tags, in whichever message it is.
+        /// The text between the conversation's tags, in whichever of the two it is.
         [[nodiscard]] std::string conversation() const;
     };
 
@@ -64,7 +55,6 @@ class ModelService {
     void willAnswer(const QString &text, Manner manner = Manner::answers);
     /// The answer to requests for this model instead.
     void modelWillAnswer(const QString &model, const QString &text, Manner manner);
-    void mayEnd() { m_mayEnd = true; }
     [[nodiscard]] std::vector<Question> questions() const;
 
   private:
@@ -80,7 +70,7 @@ class ModelService {
     Answer m_answer;
     std::map<QString, Answer> m_answersOfModels;
     std::vector<Question> m_questions;
-    std::atomic<bool> m_mayEnd = false;
+    std::atomic<bool> m_isEnding = false;
     int m_port = 0;
     std::unique_ptr<httplib::Server> m_server;
     std::jthread m_thread;

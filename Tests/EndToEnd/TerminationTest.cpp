@@ -72,12 +72,7 @@ class Termination : public ChatStory {
         ASSERT_NO_FATAL_FAILURE(openChat());
         keyboard::type(m_draft);
         keyboard::copy(copied, "UTF8_STRING");
-        ASSERT_TRUE(waitUntil(
-            [] {
-                const QString log = Assistant::log();
-                return log.lastIndexOf(u" complete ("_s) > log.lastIndexOf(u"prefetch started ("_s) && panelIsUp();
-            },
-            20'000));
+        ASSERT_TRUE(rewriteIsReady(m_draft));
         keyboard::tap("Tab");
         ASSERT_TRUE(waitUntil(isReached));
         kill(m_assistant->pid(), SIGTERM);

@@ -11,7 +11,7 @@ const place = document.getElementById('place');
 export function makeBox(kind, label, text, changed, send) {
   place.textContent = '';
   const box = kind === 'rich' ? makeEditor(label, text, changed, send)
-    : makeField(kind === 'textarea' ? 'textarea' : 'input', label, text, changed, send);
+    : makeField(kind === 'textarea' ? 'textarea' : 'input', label, text, changed);
   box.id = 'box';
   return box;
 }
@@ -52,22 +52,13 @@ function makeEditor(label, text, changed, send) {
   return box;
 }
 
-function makeField(tag, label, text, changed, send) {
+function makeField(tag, label, text, changed) {
   const box = place.appendChild(document.createElement(tag));
   if (tag === 'input') {
     box.type = 'password';
   }
   box.placeholder = label;
-  box.rows = 1;
   box.value = text;
   box.addEventListener('input', () => changed(box.value));
-  box.addEventListener('keydown', (event) => {
-    if (event.key === 'Enter' && !event.shiftKey) {
-      event.preventDefault();
-      send(box.value);
-      box.value = '';
-      changed('');
-    }
-  });
   return box;
 }

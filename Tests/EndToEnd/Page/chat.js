@@ -4,9 +4,8 @@
 //   ?box=textarea, ?box=password   another message box than the rich-text editor
 //   ?language=ar                   in Arabic, from right to left
 //   ?remake                        each chat that is opened makes the message box anew
-//   ?long=N                        the first chat has N messages; &rows=all puts them all into the page at once
 // It tells its server what its own document holds, so that a test need not ask the browser, and does what the server says.
-import { languages, longChat } from './chats.js';
+import { languages } from './chats.js';
 import * as conversation from './conversation.js';
 import { makeBox } from './box.js';
 
@@ -68,9 +67,6 @@ function showChats() {
     span(entry, 'who', chat.name);
     span(entry, 'when', chat.when);
     span(entry, 'last', chat.last);
-    if (chat.unread) {
-      span(entry, 'unread', chat.unread);
-    }
     // The message box keeps the focus.
     entry.addEventListener('mousedown', (event) => { event.preventDefault(); show(chat); report(); });
   }
@@ -79,7 +75,6 @@ function showChats() {
 function show(chat) {
   openChat = chat;
   state.chat = chat.id;
-  document.querySelector('.avatar').textContent = chat.name.slice(0, 1);
   document.querySelector('.name').textContent = chat.name;
   document.querySelector('.presence').textContent = chat.presence;
   showChats();
@@ -105,8 +100,6 @@ function buildBox(text) {
 
 const orders = {
   receive: (text) => conversation.append({ from: 'them', text, time: '12:56 PM' }),
-  present: (presence) => { document.querySelector('.presence').textContent = presence; },
-  scroll: (index) => conversation.scrollTo(Number(index)),
   rebuildBox: () => buildBox(state.text).focus(),
 };
 
@@ -129,9 +122,6 @@ document.documentElement.lang = options.get('language') ?? 'en';
 document.documentElement.dir = direction;
 for (const [id, label] of [['chats', words.list], ['conversation', words.conversation], ['send', words.send], ['attach', words.attach]]) {
   document.getElementById(id).setAttribute('aria-label', label);
-}
-if (options.has('long')) {
-  chats.unshift(longChat(Number(options.get('long'))));
 }
 conversation.setUp(words);
 show(chats[0]);
