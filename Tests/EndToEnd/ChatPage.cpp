@@ -139,12 +139,9 @@ void ChatPage::take(const QJsonObject &report) {
     for (const QString &chat : chats.keys()) {
         m_state.chats[chat] = place(chats[chat]);
     }
-    if (report.contains(u"texts"_s)) {
-        m_state.texts.clear();
-        for (const QJsonValue &told : report[u"texts"_s].toArray()) {
-            m_state.texts.push_back(
-                {told[u"kind"_s].toString(), told[u"side"_s].toString(), told[u"text"_s].toString()});
-        }
+    m_state.texts.clear();
+    for (const QJsonValue &told : report[u"texts"_s].toArray()) {
+        m_state.texts.push_back({told[u"kind"_s].toString(), told[u"side"_s].toString(), told[u"text"_s].toString()});
     }
 }
 

@@ -63,8 +63,8 @@ class ChatPage {
     [[nodiscard]] State state() const;
     [[nodiscard]] QString text() const { return state().text; }
 
-    /// Lets the page do something of its own accord: "receive" a message, "present" the customer in another way,
-    /// "scroll" to a message, "rebuildBox". True once it is done and painted.
+    /// Lets the page do something of its own accord: "receive" a message or "rebuildBox". True once it is done and
+    /// painted.
     bool order(const char *what, const QString &argument = {});
 
   private:

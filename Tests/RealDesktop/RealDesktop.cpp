@@ -41,7 +41,7 @@ RealDesktop::RealDesktop(const Options &options) {
     if (!waitUntil([] { return askAccessibilityBus({"org.a11y.Bus.GetAddress"}) == 0; })) {
         throw std::runtime_error("the accessibility bus did not start");
     }
-    setAccessibilityEnabled(options.accessibility);
+    setAccessibilityEnabled(true);
     // A window that comes before the window manager never gets the focus.
     if (!waitUntil(hasWindowManager)) {
         throw std::runtime_error("the window manager did not start");

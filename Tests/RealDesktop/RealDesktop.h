@@ -18,7 +18,6 @@ class RealDesktop {
   public:
     struct Options {
         const char *screen = "1280x900x24";
-        bool accessibility = true;
         bool compositor = false;
     };
 
@@ -28,8 +27,6 @@ class RealDesktop {
     RealDesktop(const RealDesktop &) = delete;
     RealDesktop &operator=(const RealDesktop &) = delete;
 
-    /// The folder that holds all the throwaway folders.
-    [[nodiscard]] QString folder() const { return m_folder.path(); }
     /// Switches the session's accessibility on or off, as the desktop's settings would.
     static void setAccessibilityEnabled(bool enabled);
 

@@ -12,12 +12,10 @@ import { makeBox } from './box.js';
 const options = new URLSearchParams(location.search);
 const { direction, words, chats } = languages[options.get('language') ?? 'en'];
 const state = { load: performance.timeOrigin, chat: '', done: 0, text: '', sent: [], keys: [], blurs: 0 };
-let openChat;
 let reporting = false;
 let stale = false;
-let toldTexts;
 
-// Reports go one after another, so none overtakes another; what the conversation shows goes along when it has changed.
+// Reports go one after another, so none overtakes another.
 async function report() {
   stale = true;
   if (reporting) {
@@ -41,15 +39,9 @@ function placeOf(element) {
 
 function currentState() {
   const entries = [...document.querySelectorAll('.chat')];
-  const told = { ...state, page: location.href, box: placeOf(document.getElementById('box')),
+  return { ...state, page: location.href, texts: conversation.texts(), box: placeOf(document.getElementById('box')),
     chats: Object.fromEntries(entries.map((entry, i) => [chats[i].id, placeOf(entry)])),
     focused: document.hasFocus() && document.activeElement.id === 'box' };
-  const texts = conversation.texts();
-  if (JSON.stringify(texts) !== toldTexts) {
-    toldTexts = JSON.stringify(texts);
-    told.texts = texts;
-  }
-  return told;
 }
 
 function span(parent, className, text) {
@@ -60,10 +52,9 @@ function span(parent, className, text) {
 
 function showChats() {
   const list = document.getElementById('chats');
-  list.textContent = '';
   for (const chat of chats) {
     const entry = list.appendChild(document.createElement('div'));
-    entry.className = 'chat' + (chat === openChat ? ' open' : '');
+    entry.className = 'chat';
     span(entry, 'who', chat.name);
     span(entry, 'when', chat.when);
     span(entry, 'last', chat.last);
@@ -73,11 +64,9 @@ function showChats() {
 }
 
 function show(chat) {
-  openChat = chat;
   state.chat = chat.id;
   document.querySelector('.name').textContent = chat.name;
   document.querySelector('.presence').textContent = chat.presence;
-  showChats();
   conversation.open(chat.messages);
   if (options.has('remake') && document.getElementById('box')) {
     buildBox('').focus();
@@ -123,7 +112,7 @@ document.documentElement.dir = direction;
 for (const [id, label] of [['chats', words.list], ['conversation', words.conversation], ['send', words.send], ['attach', words.attach]]) {
   document.getElementById(id).setAttribute('aria-label', label);
 }
-conversation.setUp(words);
+showChats();
 show(chats[0]);
 buildBox('');
 window.addEventListener('blur', () => { state.blurs += 1; report(); });

@@ -7,8 +7,7 @@ const us = (text, time, extra) => ({ from: 'us', text, time, ...extra });
 
 const english = {
   direction: 'ltr',
-  words: { list: 'Chat list', conversation: 'Messages', type: 'Type a message', send: 'Send', attach: 'Attach',
-    forwarded: 'Forwarded' },
+  words: { list: 'Chat list', conversation: 'Messages', type: 'Type a message', send: 'Send', attach: 'Attach' },
   chats: [
     { id: 'mariam', name: 'Mariam', presence: 'online', last: 'Great. How much with delivery?', when: '12:51 PM', messages: [
       { day: 'Today' },
@@ -17,7 +16,7 @@ const english = {
       them('The blue one with the dates. Is it in stock?', '12:45 PM'),
       them('وهل التوصيل إلى الرفاع مجاني؟ 🙏', '12:45 PM'),
       us('Yes it is, and delivery in Riffa is free.', '12:46 PM', { quote: { author: 'Mariam', text: 'Is it in stock?' } }),
-      them('Eid offer: 10% off all boxes this week 🎉', '12:48 PM', { forwarded: true }),
+      them('Eid offer: 10% off all boxes this week 🎉', '12:48 PM', { forwarded: 'Forwarded' }),
       them('I found it here: https://shop.example/boxes/blue', '12:48 PM'),
       us('Thank you 😊👍🏽', '12:49 PM'),
       { divider: '2 unread messages' },
@@ -33,8 +32,7 @@ const english = {
 
 const arabic = {
   direction: 'rtl',
-  words: { list: 'قائمة المحادثات', conversation: 'الرسائل', type: 'اكتب رسالة', send: 'إرسال', attach: 'إرفاق',
-    forwarded: 'محوّلة' },
+  words: { list: 'قائمة المحادثات', conversation: 'الرسائل', type: 'اكتب رسالة', send: 'إرسال', attach: 'إرفاق' },
   chats: [
     { id: 'mariam', name: 'مريم', presence: 'متصل الآن', last: 'كم السعر مع التوصيل؟', when: '١٢:٥١', messages: [
       { day: 'اليوم' },
@@ -42,7 +40,7 @@ const arabic = {
       us('وعليكم السلام مريم! أي واحد عجبج؟', '١٢:٤١'),
       them('الأزرق Blue Box رقم 7، هل هو متوفر؟', '١٢:٤٥'),
       us('نعم متوفر ٣ قطع، والتوصيل إلى Riffa مجاني 🚚', '١٢:٤٦', { quote: { author: 'مريم', text: 'هل هو متوفر؟' } }),
-      them('Thanks! السعر ١٢٫٥٠٠ دينار؟', '١٢:٤٨', { forwarded: true }),
+      them('Thanks! السعر ١٢٫٥٠٠ دينار؟', '١٢:٤٨', { forwarded: 'محوّلة' }),
       us('أكيد 😊👍🏽', '١٢:٤٩'),
       { divider: '٢ رسائل غير مقروءة' },
       them('عنواني:\nطريق ١٢، مجمع ٩٣٤', '١٢:٥١'),

@@ -4,12 +4,6 @@
 
 const view = document.getElementById('conversation');
 
-let words = {};
-
-export function setUp(languageWords) {
-  words = languageWords;
-}
-
 export function open(messages) {
   view.replaceChildren(...messages.map(rowFor));
   view.scrollTop = view.scrollHeight;
@@ -45,7 +39,7 @@ function rowFor(message) {
 
 function fillBubble(bubble, message) {
   if (message.forwarded) {
-    add(bubble, 'div', 'forwarded', words.forwarded, 'forwarded');
+    add(bubble, 'div', 'forwarded', message.forwarded, 'forwarded');
   }
   if (message.quote) {
     const quote = add(bubble, 'div', 'quote');
