@@ -55,13 +55,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
     bool hasItem() {
         return await([this] { return !m_item.isEmpty(); });
     }
-    [[nodiscard]] QVariant property(const char *name) const {
-        QDBusMessage question =
-            QDBusMessage::createMethodCall(m_item, itemPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
-        question.setArguments({itemInterface, QString::fromLatin1(name)});
-        return m_bus.call(question).arguments().value(0).value<QDBusVariant>().variant();
-    }
-    /// Opens the menu and returns its visible items in order, with check marks and shortcuts.
+    /// Opens the menu and returns its visible items in order, with check marks.
     QString openedMenu() {
         askMenu("AboutToShow", {0});
         QStringList lines;
@@ -70,12 +64,7 @@ class StatusNotifierHost final : private QDBusVirtualObject {
                 continue;
             }
             const bool isChecked = properties.value(u"toggle-state"_s).toInt() == 1;
-            QString line = (isChecked ? u"✓ "_s : QString()) + properties.value(u"label"_s).toString();
-            if (properties.contains(u"shortcut"_s)) {
-                QList<QStringList> keys;
-                properties.value(u"shortcut"_s).value<QDBusArgument>() >> keys;
-                line += u' ' + keys.value(0).join(u'+');
-            }
+            const QString line = (isChecked ? u"✓ "_s : QString()) + properties.value(u"label"_s).toString();
             lines += properties.value(u"type"_s) == u"separator"_s ? u"-"_s : line;
         }
         return lines.join(u" | "_s);
@@ -136,10 +125,16 @@ class StatusNotifierHost final : private QDBusVirtualObject {
         }
         return items;
     }
-    QDBusMessage askMenu(const char *method, const QVariantList &arguments) const {
+    [[nodiscard]] QString menuPath() const {
         QDBusMessage question =
-            QDBusMessage::createMethodCall(m_item, property("Menu").value<QDBusObjectPath>().path(),
-                                           u"com.canonical.dbusmenu"_s, QString::fromLatin1(method));
+            QDBusMessage::createMethodCall(m_item, itemPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+        question.setArguments({itemInterface, u"Menu"_s});
+        const auto answer = m_bus.call(question).arguments().value(0).value<QDBusVariant>();
+        return answer.variant().value<QDBusObjectPath>().path();
+    }
+    QDBusMessage askMenu(const char *method, const QVariantList &arguments) const {
+        QDBusMessage question = QDBusMessage::createMethodCall(m_item, menuPath(), u"com.canonical.dbusmenu"_s,
+                                                               QString::fromLatin1(method));
         question.setArguments(arguments);
         return m_bus.call(question);
     }

@@ -15,8 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const auto menuAtFirst = u"✓ Suggestions Enabled | Compare Two Models | - | Settings… Control+, | Check "
-                         "for Updates… | - | Quit Quillory Control+Q"_s;
+const auto menuAtFirst =
+    u"✓ Suggestions Enabled | Compare Two Models | - | Settings… | Check for Updates… | - | Quit Quillory"_s;
 
 /// Long enough for a machine that has much else to do.
 template <typename Condition> bool eventually(Condition condition) {
@@ -53,8 +53,6 @@ TEST(Tray, MenuIsReadAndChosenFromByTheDesktop) {
     tray.vanish();
     tray.appear();
     ASSERT_TRUE(tray.hasItem());
-    EXPECT_EQ(tray.property("Title"), u"Quillory"_s);
-    EXPECT_EQ(tray.property("Status"), u"Active"_s);
     EXPECT_TRUE(eventually([&] { return tray.openedMenu() == menuAtFirst; })) << tray.openedMenu().toStdString();
     tray.choose(u"Suggestions Enabled"_s);
     tray.choose(u"Compare Two Models"_s);
