@@ -90,32 +90,4 @@ TEST_F(DesktopExaminationTest, NoticesAKeyThatAnotherProgramHasAndTakesNone) {
     }
 }
 
-/// Started as users start it, without the flag that shows its tree at once.
-TEST_F(DesktopExaminationTest, SeesTheBoxInABrowsersPage) {
-    const QTemporaryDir folder;
-    QFile page(folder.filePath(QStringLiteral("page.html")));
-    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
-    page.write(
-        "<!doctype html><title>Chat</title><p>Hello<div contenteditable role=textbox aria-multiline=true>draft</div>");
-    page.close();
-    const ChildProcess browser({"chromium", "--no-sandbox", "--test-type", "--disable-gpu", "--no-first-run",
-                                "--disable-background-networking", "--disable-component-update", "--disable-sync",
-                                "--user-data-dir=" + folder.filePath(QStringLiteral("profile")).toStdString(),
-                                "--app=file://" + page.fileName().toStdString()},
-                               Output::dropped);
-    DesktopFacts facts;
-    EXPECT_TRUE(waitUntil(
-        [&] {
-            facts = examination.examine({});
-            return facts.applications.size() == 1 && facts.applications[0].hasX11Window && facts.applications[0].tree &&
-                   facts.applications[0].tree->pages.size() == 1 &&
-                   facts.applications[0].tree->pages.front().fields.size() == 1;
-        },
-        60'000));
-    ASSERT_EQ(facts.applications.size(), 1U);
-    const PageFacts &seen = facts.applications[0].tree->pages.front();
-    EXPECT_EQ(seen.fields[0].role, axRole::textArea);
-    EXPECT_TRUE(seen.frame && seen.fields[0].frame && seen.fields[0].frame->midY() < seen.frame->midY());
-}
-
 } // namespace
