@@ -80,21 +80,18 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
 }
 
 TEST_F(AppDelegateTest, LaunchesTheSetUpWhereSomethingIsMissing) {
-    for (const auto &[hasKey, isTrusted, isExpected] :
-         {std::tuple(false, true, 1), {true, false, 1}, {true, true, 0}}) {
-        desktop.userDefaults.set(settingsKey::openRouterAPIKey, hasKey ? u"key"_s : u""_s);
-        desktop.applications.trusted = isTrusted;
+    // A session's bus may be late, and access that is lost later is no reason.
+    for (const auto &[key, isTrustedAtFirst, isTrustedThen, isExpected] : {std::tuple(u""_s, true, true, 1),
+                                                                           {u"key"_s, false, false, 1},
+                                                                           {u"key"_s, false, true, 0},
+                                                                           {u"key"_s, true, false, 0}}) {
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, key);
+        desktop.applications.trusted = isTrustedAtFirst;
         setups = 0;
         launch();
+        desktop.applications.trusted = isTrustedThen;
         desktop.advance(5000);
-        EXPECT_EQ(setups, isExpected) << hasKey << isTrusted;
-    }
-    for (const bool isTrustedAtFirst : {false, true}) { // a session's bus may be late, and what goes later is no start
-        desktop.applications.trusted = isTrustedAtFirst;
-        launch();
-        desktop.applications.trusted = !isTrustedAtFirst;
-        desktop.advance(5000);
-        EXPECT_EQ(setups, 0);
+        EXPECT_EQ(setups, isExpected) << isTrustedAtFirst << isTrustedThen;
     }
 }
 
@@ -131,9 +128,7 @@ TEST_F(AppDelegateTest, DoesWhatItsMenuSays) {
 TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
     launch();
-    testing::internal::CaptureStderr();
     desktop.advance(60'000);
-    EXPECT_EQ(QString::fromStdString(testing::internal::GetCapturedStderr()).count(u"no place for status icons"_s), 1);
     EXPECT_EQ(desktop.statusBar.told.size(), 1);
     delegate->applicationDidReopen();
     ASSERT_TRUE(isShown<MenuWindow>());
