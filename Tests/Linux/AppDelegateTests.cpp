@@ -45,6 +45,19 @@ class AppDelegateTest : public testing::Test {
         return std::ranges::any_of(windows<Window>(), &QWidget::isVisible);
     }
     static StatusMenu &menu() { return *windows<StatusMenu>().at(0); }
+    /// The menu as it opens: check mark, title and key of what is to be seen.
+    static QString opened() {
+        Q_EMIT menu().aboutToShow();
+        QStringList lines;
+        for (const QAction *item : menu().actions()) {
+            const QString mark = item->isChecked() ? u"✓ "_s : u""_s;
+            if (item->isVisible()) {
+                lines +=
+                    item->isSeparator() ? u"-"_s : (mark + item->text() + u' ' + item->shortcut().toString()).trimmed();
+            }
+        }
+        return lines.join(u" | "_s);
+    }
     static QAction &item(const QString &title) {
         for (QAction *action : menu().actions()) {
             if (action->text() == title) {
@@ -68,7 +81,14 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
     EXPECT_EQ(desktop.applications.prompts, 1);
     EXPECT_EQ(updates, u"periodic after launched, accessibility trusted = false\n"_s);
     EXPECT_TRUE(isShown<SettingsWindow>()) << "there is no API key";
+    EXPECT_EQ(opened(), u"✓ Suggestions Enabled | Compare Two Models | Grant Accessibility Access… | - | "
+                        u"Settings… Ctrl+, | Check for Updates… | - | Quit Quillory Ctrl+Q"_s);
     desktop.applications.trusted = true;
+    desktop.userDefaults.set(settingsKey::enabled, false);
+    desktop.userDefaults.set(settingsKey::compareMode, true);
+    EXPECT_EQ(
+        opened(),
+        u"Suggestions Enabled | ✓ Compare Two Models | - | Settings… Ctrl+, | Check for Updates… | - | Quit Quillory Ctrl+Q"_s);
     delegate.reset();
     EXPECT_TRUE(windows<SettingsWindow>().empty());
 
@@ -80,18 +100,21 @@ TEST_F(AppDelegateTest, StartsInItsOrder) {
 }
 
 TEST_F(AppDelegateTest, LaunchesTheSetUpWhereSomethingIsMissing) {
-    // A session's bus may be late, and access that is lost later is no reason.
-    for (const auto &[key, isTrustedAtFirst, isTrustedThen, isExpected] : {std::tuple(u""_s, true, true, 1),
-                                                                           {u"key"_s, false, false, 1},
-                                                                           {u"key"_s, false, true, 0},
-                                                                           {u"key"_s, true, false, 0}}) {
-        desktop.userDefaults.set(settingsKey::openRouterAPIKey, key);
-        desktop.applications.trusted = isTrustedAtFirst;
+    for (const auto &[hasKey, isTrusted, isExpected] :
+         {std::tuple(false, true, 1), {true, false, 1}, {true, true, 0}}) {
+        desktop.userDefaults.set(settingsKey::openRouterAPIKey, hasKey ? u"key"_s : u""_s);
+        desktop.applications.trusted = isTrusted;
         setups = 0;
         launch();
-        desktop.applications.trusted = isTrustedThen;
         desktop.advance(5000);
-        EXPECT_EQ(setups, isExpected) << isTrustedAtFirst << isTrustedThen;
+        EXPECT_EQ(setups, isExpected) << hasKey << isTrusted;
+    }
+    for (const bool isTrustedAtFirst : {false, true}) { // a session's bus may be late, and what goes later is no start
+        desktop.applications.trusted = isTrustedAtFirst;
+        launch();
+        desktop.applications.trusted = !isTrustedAtFirst;
+        desktop.advance(5000);
+        EXPECT_EQ(setups, 0);
     }
 }
 
@@ -102,7 +125,7 @@ TEST_F(AppDelegateTest, DoesWhatItsMenuSays) {
                                             {u"Compare Two Models"_s, settingsKey::compareMode, false}}) {
         item(title).trigger();
         EXPECT_EQ(isOn(key), !first);
-        EXPECT_EQ(item(title).isChecked(), !first);
+        EXPECT_EQ(opened().contains(u"✓ "_s + title), !first);
         desktop.userDefaults.set(key, first); // by another process; the menu's own mark is older
         item(title).trigger();
         EXPECT_EQ(isOn(key), !first);
@@ -119,16 +142,26 @@ TEST_F(AppDelegateTest, DoesWhatItsMenuSays) {
     ASSERT_TRUE(isShown<SettingsWindow>());
     EXPECT_EQ(desktop.applications.activated, std::vector{static_cast<qint32>(QApplication::applicationPid())});
     SettingsWindow *const window = windows<SettingsWindow>().at(0);
+    EXPECT_EQ(window->size(), QSize(560, 430));
+    EXPECT_EQ(window->windowTitle(), u"Quillory"_s);
     window->close();
     item(u"Settings…"_s).trigger();
     EXPECT_EQ(windows<SettingsWindow>(), std::vector{window});
     EXPECT_TRUE(window->isVisible());
+
+    QTimer::singleShot(0, [] {
+        QKeyEvent quit(QEvent::KeyPress, Qt::Key_Q, Qt::ControlModifier, u"\x11"_s);
+        QApplication::sendEvent(&menu(), &quit);
+    });
+    EXPECT_EQ(QApplication::exec(), 0);
 }
 
 TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     desktop.userDefaults.set(settingsKey::openRouterAPIKey, u"key"_s);
     launch();
+    testing::internal::CaptureStderr();
     desktop.advance(60'000);
+    EXPECT_EQ(QString::fromStdString(testing::internal::GetCapturedStderr()).count(u"no place for status icons"_s), 1);
     EXPECT_EQ(desktop.statusBar.told.size(), 1);
     delegate->applicationDidReopen();
     ASSERT_TRUE(isShown<MenuWindow>());
@@ -146,6 +179,9 @@ TEST_F(AppDelegateTest, OpensItsMenuAsAWindowWhereThereIsNoTray) {
     EXPECT_TRUE(spinUntil([&] { return titles().contains(u" | Grant Accessibility Access… | "_s); }));
     desktop.applications.trusted = true;
     EXPECT_TRUE(spinUntil([&] { return !titles().contains(u"Grant"_s); }));
+    rows.at(0)->click();
+    EXPECT_FALSE(isOn(settingsKey::enabled));
+    EXPECT_FALSE(rows.at(0)->isChecked());
     desktop.userDefaults.set(settingsKey::compareMode, true); // by another process
     rows.at(1)->click();
     EXPECT_FALSE(isOn(settingsKey::compareMode));

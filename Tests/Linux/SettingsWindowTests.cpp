@@ -9,6 +9,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
+#include <QJsonArray>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMetaEnum>
@@ -61,6 +63,13 @@ void describe(QAccessibleInterface *element, std::vector<std::string> &lines) {
 
 class SettingsWindowTest : public testing::Test {
   protected:
+    SettingsWindowTest() : m_palette(QApplication::palette()), m_font(QApplication::font()) {}
+    ~SettingsWindowTest() override {
+        window.reset();
+        QApplication::setPalette(m_palette);
+        QApplication::setFont(m_font);
+    }
+
     void open(int tab = 0) {
         window = std::make_unique<SettingsWindow>(SettingsServices{desktop.modelAccess.settings,
                                                                    desktop.modelAccess.client, desktop.applications,
@@ -78,15 +87,18 @@ class SettingsWindowTest : public testing::Test {
             QApplication::processEvents();
         }
     }
+    bool warning() {
+        return testing::Value(texts(),
+                              Contains(testing::StartsWith("StaticText Changes cannot be saved to disk now.")));
+    }
     /// What does not fit is scrolled to, not cut off.
-    void expectNothingClipped(const char *page, int points) {
-        SCOPED_TRACE(page + std::to_string(points));
+    void expectNothingClipped(const std::string &look) {
         for (const QWidget *widget : child<QScrollArea>()->widget()->findChildren<QWidget *>()) {
             const QLabel *label = qobject_cast<const QLabel *>(widget);
             if (widget->isVisible() && qobject_cast<const QPlainTextEdit *>(widget->parent()) == nullptr) {
-                EXPECT_TRUE(widget->parentWidget()->rect().contains(widget->geometry()));
-                EXPECT_GE(widget->width(), widget->minimumSizeHint().width());
-                EXPECT_TRUE(label == nullptr || label->height() >= label->heightForWidth(label->width()));
+                EXPECT_TRUE(widget->parentWidget()->rect().contains(widget->geometry())) << look;
+                EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << look;
+                EXPECT_TRUE(label == nullptr || label->height() >= label->heightForWidth(label->width())) << look;
             }
         }
     }
@@ -106,11 +118,22 @@ class SettingsWindowTest : public testing::Test {
         }
         return nullptr;
     }
-    QList<FAQEntry> faqs() { return desktop.modelAccess.settings.faqEntries(); }
+    static void setLook(bool dark, int points) {
+        QPalette palette = dark ? QPalette(QColor(50, 50, 54), QColor(36, 36, 40)) : QPalette(QColor(239, 239, 239));
+        palette.setColor(QPalette::Highlight, QColor(42, 130, 218));
+        QApplication::setPalette(palette);
+        QFont font = QApplication::font();
+        font.setPointSize(points);
+        QApplication::setFont(font);
+    }
     void store(const QList<FAQEntry> &entries) { desktop.modelAccess.settings.setFAQEntries(entries); }
 
     SimulatedDesktop desktop;
     std::unique_ptr<SettingsWindow> window;
+
+  private:
+    QPalette m_palette;
+    QFont m_font;
 };
 
 TEST_F(SettingsWindowTest, HasEveryTextForAssistiveTools) {
@@ -124,7 +147,8 @@ TEST_F(SettingsWindowTest, HasEveryTextForAssistiveTools) {
                                      "SpinBox Minimum characters: 8 = 8", "Grouping Status", "StaticText Status",
                                      "StaticText Accessibility access granted", "Button Test AI connection"));
     desktop.applications.trusted = false;
-    desktop.advance(2000);
+    window->close();
+    window->makeKeyAndOrderFront();
     EXPECT_THAT(texts(), IsSupersetOf({"StaticText Accessibility access required",
                                        "StaticText Grant it in System Settings → Privacy & Security → Accessibility, "
                                        "then relaunch the app."}));
@@ -145,21 +169,33 @@ TEST_F(SettingsWindowTest, HasEveryTextForAssistiveTools) {
 TEST_F(SettingsWindowTest, StoresWhatTheUserSetsAndShowsWhatOthersStore) {
     open();
     auto *const enabled = child<QCheckBox>();
+    auto *const tone = child<QComboBox>();
     auto *const delay = child<QSlider>();
     auto *const characters = child<QSpinBox>();
     QTest::mouseClick(enabled, Qt::LeftButton, {}, {enabled->width() - 20, enabled->height() / 2});
     EXPECT_EQ(stored(settingsKey::enabled), DefaultsValue(false));
+    QTest::keyClick(enabled, Qt::Key_Space);
+    EXPECT_EQ(stored(settingsKey::enabled), DefaultsValue(true));
+    QStringList tones;
+    for (int i = 0; i < tone->count(); ++i) {
+        tones.append(tone->itemText(i));
+    }
+    EXPECT_EQ(tones.join(u'|'), u"Professional|Friendly|Concise|Grammar only"_s);
+    QTest::keyClick(tone, Qt::Key_Down);
+    EXPECT_EQ(stored(settingsKey::tone), DefaultsValue(u"Friendly"_s));
     QStringList stops;
-    for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Home, Qt::Key_Left, Qt::Key_End, Qt::Key_Right}) {
+    for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Home, Qt::Key_Left, Qt::Key_End, Qt::Key_Right}) {
         QTest::keyClick(delay, key);
         stops.append(QString::number(desktop.userDefaults.integer(settingsKey::debounceMs)));
     }
-    EXPECT_EQ(stops.join(u' '), u"550 300 300 1500 1500"_s);
+    EXPECT_EQ(stops.join(u' '), u"550 600 300 300 1500 1500"_s);
+    EXPECT_THAT(texts(), Contains("StaticText Trigger delay: 1500 ms"));
+    QTest::keyClick(characters, Qt::Key_Up);
     QTest::mouseClick(characters, Qt::LeftButton, {}, {characters->width() / 2, 6});
-    EXPECT_EQ(stored(settingsKey::minChars), DefaultsValue(qint64{9}));
+    EXPECT_EQ(stored(settingsKey::minChars), DefaultsValue(qint64{10}));
     QTest::keyClicks(characters, u"5"_s); // cannot be seen, so it must not count
     QTest::mouseClick(characters, Qt::LeftButton, {}, {characters->width() / 2, characters->height() - 6});
-    EXPECT_EQ(stored(settingsKey::minChars), DefaultsValue(qint64{8}));
+    EXPECT_EQ(stored(settingsKey::minChars), DefaultsValue(qint64{9}));
 
     desktop.userDefaults.set(settingsKey::enabled, true);
     desktop.userDefaults.set(settingsKey::assistantMode, false);
@@ -191,6 +227,12 @@ TEST_F(SettingsWindowTest, StoresWhatTheUserSetsAndShowsWhatOthersStore) {
 
 TEST_F(SettingsWindowTest, TestsTheConnection) {
     open();
+    for (const bool trusted : {false, true}) {
+        desktop.applications.trusted = trusted;
+        desktop.advance(2000);
+        EXPECT_THAT(texts(), Contains(trusted ? "StaticText Accessibility access granted"
+                                              : "StaticText Accessibility access required"));
+    }
     auto *const button = child<QPushButton>();
     const auto outcome = [&] {
         EXPECT_TRUE(desktop.mainQueue.runUntil([&] { return button->isEnabled(); }));
@@ -203,6 +245,9 @@ TEST_F(SettingsWindowTest, TestsTheConnection) {
     EXPECT_EQ(texts().back(), "Button Testing…");
     button->click();
     const auto exchange = desktop.urlSession.exchange(0);
+    EXPECT_EQ(exchange->json()[u"messages"_s].toArray().last()[u"content"_s].toString().contains(
+                  u"helo this is a quik test mesage"_s),
+              true);
     exchange->line(R"({"choices": [{"message": {"content": "Hello."}}]})");
     exchange->end();
     EXPECT_EQ(outcome(), "StaticText ✓ Working");
@@ -233,17 +278,17 @@ TEST_F(SettingsWindowTest, KeepsWhatIsBeingTyped) {
     EXPECT_EQ(stored(settingsKey::businessProfile), DefaultsValue(u"A shop in Riffa!"_s));
     EXPECT_EQ(stored(settingsKey::businessProfile + u".replaced"_s), DefaultsValue(u"Another"_s));
 
-    const auto hasWarning = Contains(testing::StartsWith("StaticText Changes cannot be saved to disk now."));
+    EXPECT_FALSE(warning());
     desktop.userDefaults.diskIsFull = true;
     QTest::keyClicks(profile, u"!"_s);
     desktop.advance(200);
-    EXPECT_THAT(texts(), hasWarning);
+    EXPECT_TRUE(warning());
     window->close();
     window->makeKeyAndOrderFront();
     EXPECT_EQ(profile->toPlainText(), u"A shop in Riffa!!"_s);
     desktop.userDefaults.diskIsFull = false;
     desktop.advance(200);
-    EXPECT_THAT(texts(), testing::Not(hasWarning));
+    EXPECT_FALSE(warning());
 }
 
 TEST_F(SettingsWindowTest, TakesAnyText) {
@@ -265,7 +310,7 @@ TEST_F(SettingsWindowTest, TakesAnyText) {
     EXPECT_EQ(stored(settingsKey::faqEntries + u".unreadable"_s),
               DefaultsValue(QByteArray("[{\"question\": \"mine\"}")));
     child<QLineEdit>()->paste();
-    EXPECT_EQ(faqs().constLast().question, u"ab[1mc d e😊"_s);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().constLast().question, u"ab[1mc d e😊"_s);
 
     for (const auto &[text, side] :
          {std::pair(u"\n12 دينار\nhello"_s, Qt::AlignRight), {u"hello\nدينار"_s, Qt::AlignLeft}}) {
@@ -278,10 +323,12 @@ TEST_F(SettingsWindowTest, TakesAnyText) {
 
 TEST_F(SettingsWindowTest, EditsTheListOfEntriesByKeyboard) {
     const QUuid twice = QUuid::createUuid();
-    QList<FAQEntry> entries(20);
-    entries[0] = entries[2] = {twice, u"Open?"_s, u"9 to 5"_s};
-    entries[1].question = u"Where?"_s;
-    entries[1].answer = u"A "_s.repeated(400);
+    QList<FAQEntry> entries{{twice, u"Open?"_s, u"9 to 5"_s},
+                            {QUuid::createUuid(), u"Where?"_s, u"Riffa"_s},
+                            {twice, u"Open?"_s, u"never"_s}};
+    for (int i = 4; i <= 20; ++i) {
+        entries.append({QUuid::createUuid(), u"Q%1"_s.arg(i), u"A "_s.repeated(i * 20)});
+    }
     store(entries);
     open(1);
     const auto press = [](Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); };
@@ -300,16 +347,23 @@ TEST_F(SettingsWindowTest, EditsTheListOfEntriesByKeyboard) {
     EXPECT_EQ(focused(), u"Question 21"_s);
     EXPECT_FALSE(QApplication::focusWidget()->visibleRegion().isEmpty());
     QTest::keyClicks(QApplication::focusWidget(), u"New?"_s);
-    EXPECT_EQ(faqs().constLast().question, u"New?"_s);
+    press(Qt::Key_Tab);
+    QTest::keyClicks(QApplication::focusWidget(), u"Yes"_s);
+    press(Qt::Key_Tab);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), child<QPushButton>(u"Add &FAQ"_s));
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().size(), 21);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().constLast().question, u"New?"_s);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().constLast().answer, u"Yes"_s);
 
     child<QPushButton>(u"Remove FAQ"_s)->setFocus();
     press(Qt::Key_Space);
     QApplication::processEvents();
-    EXPECT_EQ(faqs().size(), 19) << "all that have the identifier";
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().size(), 19) << "all that have the identifier";
     EXPECT_EQ(focused(), u"Question 1"_s);
     press(Qt::Key_End);
     QTest::keyClicks(QApplication::focusWidget(), u"!"_s);
-    EXPECT_EQ(faqs().constFirst().question, u"Where?!"_s);
+    EXPECT_EQ(desktop.modelAccess.settings.faqEntries().constFirst().question, u"Where?!"_s);
 }
 
 TEST_F(SettingsWindowTest, FitsItsWindow) {
@@ -318,22 +372,19 @@ TEST_F(SettingsWindowTest, FitsItsWindow) {
     store({{QUuid::createUuid(), u"How much is delivery?"_s, u"BD 2 anywhere in Bahrain, free above BD 30."_s},
            {QUuid::createUuid(), u"Do you take returns?"_s, u"Within 7 days, unworn and with the tag. "_s.repeated(4)},
            FAQEntry()});
-    const QFont before = QApplication::font();
-    for (const int points : {10, 20}) {
-        QFont font = before;
-        font.setPointSize(points);
-        QApplication::setFont(font);
+    for (const auto &[name, dark, points] :
+         {std::tuple(u"light"_s, false, 10), {u"dark"_s, true, 10}, {u"large"_s, false, 20}}) {
+        setLook(dark, points);
         for (const bool trusted : {true, false}) {
             desktop.applications.trusted = trusted;
             open();
-            expectNothingClipped("general", points);
+            expectNothingClipped("general, " + name.toStdString());
             EXPECT_EQ(child<QSlider>()->width(), 180);
         }
         open(1);
-        expectNothingClipped("business", points);
+        expectNothingClipped("business, " + name.toStdString());
         EXPECT_EQ(child<QPlainTextEdit>()->height(), 8 * points);
     }
-    QApplication::setFont(before);
 }
 
 } // namespace

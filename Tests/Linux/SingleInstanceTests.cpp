@@ -5,7 +5,10 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <future>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace quillory::test {
 namespace {
@@ -37,6 +40,23 @@ TEST(SingleInstance, IsOnePerDisplayAndComesWhenSummoned) {
     }
     qputenv("DISPLAY", display);
     first.reset();
+    EXPECT_NE(SingleInstance::become(), nullptr);
+}
+
+TEST(SingleInstance, IsNobodyAfterACrashAndNotWaitedForWhenItHangs) {
+    const pid_t other = ::fork();
+    if (other == 0) {
+        const auto instance = SingleInstance::become();
+        ::raise(SIGSTOP);
+        ::_exit(1);
+    }
+    ASSERT_TRUE(waitUntil([] { return SingleInstance::isThere(); }));
+    EXPECT_FALSE(SingleInstance::summon(300ms));
+    auto asked = std::async(std::launch::async, [] { return SingleInstance::summon(1h); });
+    EXPECT_EQ(asked.wait_for(100ms), std::future_status::timeout);
+    ::kill(other, SIGKILL);
+    ::waitpid(other, nullptr, 0);
+    EXPECT_FALSE(asked.get()) << "it ended while it was asked";
     EXPECT_NE(SingleInstance::become(), nullptr);
 }
 
