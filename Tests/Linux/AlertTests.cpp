@@ -73,10 +73,7 @@ TEST_F(Alerts, AreAnsweredByKeysOneAfterTheOther) {
     EXPECT_THAT(texts(), ElementsAre(u"Third"_s, u"Body"_s, u"OK*"_s));
     press("alt+F4");
     ASSERT_TRUE(spinUntil([&] { return answers.size() == 3; }));
-    ask(u"Fourth"_s, offer);
-    press("alt+F4");
-    ASSERT_TRUE(spinUntil([&] { return answers.size() == 4; }));
-    EXPECT_THAT(answers, ElementsAre(0, 1, 0, 1));
+    EXPECT_THAT(answers, ElementsAre(0, 1, 0));
     EXPECT_EQ(open(), nullptr);
 }
 

@@ -2,12 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/Qt/QtMainQueue.h"
-#include "RealDesktop/RealDesktop.h"
+#include "RealDesktop/BrowserSettings.h"
+#include "RealDesktop/ChildProcess.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QFile>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QTemporaryDir>
 
 #include <gmock/gmock.h>
@@ -72,12 +71,12 @@ TEST_F(DesktopAccessibility, GivesEveryKindOfFieldInChromiumItsRoleAndText) {
     }
     page.write("<script>document.querySelector('textarea').focus()</script>");
     page.close();
-    const ChildProcess browser({"chromium", "--no-sandbox", "--password-store=basic", "--test-type",
-                                "--force-renderer-accessibility", "--disable-gpu", "--no-first-run",
-                                "--disable-background-networking", "--disable-component-update", "--disable-sync",
-                                "--user-data-dir=" + folder.filePath(u"profile"_s).toStdString(),
-                                "--app=file://" + page.fileName().toStdString()},
-                               Output::dropped);
+    std::vector<std::string> command = browserSettings::chromiumSwitches();
+    command.insert(command.begin(), "chromium");
+    command.insert(command.end(),
+                   {"--force-renderer-accessibility", "--user-data-dir=" + folder.filePath(u"profile"_s).toStdString(),
+                    "--app=file://" + page.fileName().toStdString()});
+    const ChildProcess browser(command, Output::dropped);
     for (const auto &field : fields) {
         const auto expected = QString::fromUtf8(field.focus);
         EXPECT_TRUE(waitUntil([&] { return describeFocus() == expected; }, 30'000))
@@ -114,23 +113,6 @@ TEST_F(DesktopAccessibility, WritesIntoAQtProgram) {
     EXPECT_THAT(nodes, Contains(AllOf(Field(&AXSubtreeNode::role, QString(axRole::staticText)),
                                       Field(&AXSubtreeNode::value, testing::Ne(std::nullopt)),
                                       Field(&AXSubtreeNode::frame, testing::Ne(std::nullopt)))));
-}
-
-TEST_F(DesktopAccessibility, OffersToSwitchTheServiceOn) {
-    EXPECT_TRUE(accessibility.isProcessTrusted());
-    RealDesktop::setAccessibilityEnabled(false);
-    ASSERT_TRUE(waitUntil([&] { return !accessibility.isProcessTrusted(); }));
-    EXPECT_FALSE(accessibility.isProcessTrustedWithPrompt());
-    QMessageBox *prompt = nullptr;
-    ASSERT_TRUE(waitUntil([&] {
-        QCoreApplication::processEvents();
-        for (auto *widget : QApplication::topLevelWidgets()) {
-            prompt = prompt != nullptr ? prompt : qobject_cast<QMessageBox *>(widget);
-        }
-        return prompt != nullptr && prompt->isVisible();
-    }));
-    prompt->defaultButton()->click();
-    EXPECT_TRUE(waitUntil([&] { return accessibility.isProcessTrusted(); }));
 }
 
 } // namespace

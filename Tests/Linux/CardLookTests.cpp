@@ -42,16 +42,6 @@ SuggestionCardData finished(const QString &text) {
 
 class CardLook : public testing::Test {
   protected:
-    void SetUp() override { m_palette = QApplication::palette(); }
-    void TearDown() override { QApplication::setPalette(m_palette); }
-
-    static void setDark(bool dark) {
-        QPalette palette = QApplication::palette();
-        palette.setColor(QPalette::Window, dark ? QColor(36, 36, 40) : QColor(240, 240, 240));
-        palette.setColor(QPalette::Base, dark ? QColor(30, 30, 33) : QColor(Qt::white));
-        QApplication::setPalette(palette);
-    }
-
     platform::Size show(const SuggestionCards &cards, double width = 420) {
         const platform::Size size = host.setRootView(
             cards, width, [this](int index) { accepted.append(index); }, [this] { ++dismissed; });
@@ -71,18 +61,15 @@ class CardLook : public testing::Test {
         return result;
     }
 
-    void expectAllInside(const char *look) {
+    void expectAllInside() {
         for (const QWidget *widget : visible<QWidget>()) {
-            EXPECT_TRUE(widget->parentWidget()->rect().contains(widget->geometry())) << look;
+            EXPECT_TRUE(widget->parentWidget()->rect().contains(widget->geometry()));
         }
     }
 
     SuggestionViewHost host;
     QList<int> accepted;
     int dismissed = 0;
-
-  private:
-    QPalette m_palette;
 };
 
 TEST_F(CardLook, ShowsWhatItsDataSay) {
@@ -98,29 +85,25 @@ TEST_F(CardLook, ShowsWhatItsDataSay) {
         {"empty", 420, {streaming(QString())}, 0, 1, {false}},
         {"finished", 420, {finished(shortText)}, 0, 1, {true}},
         {"failed", 420, {failed}, 0, 0, {}},
-        {"two", 620, {finished(longText), waiting}, 1, 1, {true}},
         {"half-failed", 420, {failed, finished(shortText)}, 0, 0, {true}},
+        {"two", 620, {finished(longText), waiting}, 1, 1, {true}},
         {"arabic", 420, {finished(arabicText)}, 0, 1, {true}},
-        {"narrow", 360, {finished(longText)}, 0, 1, {true}},
         {"word", 360, {finished(QString(200, u'w'))}, 0, 1, {true}},
     };
-    for (const bool dark : {false, true}) {
-        setDark(dark);
-        for (const auto &look : looks) {
-            EXPECT_EQ(show(look.cards, look.width).width, look.width) << look.name;
-            EXPECT_EQ(visible<RefiningIndicator>().size(), look.indicators) << look.name;
-            EXPECT_EQ(visible<KeyHints>().size(), look.hints) << look.name;
-            QList<bool> enabled;
-            for (const AcceptButton *button : visible<AcceptButton>()) {
-                enabled.append(button->isEnabled());
-            }
-            EXPECT_EQ(enabled, look.enabled) << look.name;
-            EXPECT_EQ(visible<HoverIconButton>().size(), look.cards.size()) << look.name;
-            expectAllInside(look.name);
-            for (CardText *text : visible<CardText>()) {
-                EXPECT_EQ(text->height(), text->heightForTextWidth(text->width() - CardText::scrollMargin))
-                    << look.name << " is clipped";
-            }
+    for (const auto &look : looks) {
+        SCOPED_TRACE(look.name);
+        EXPECT_EQ(show(look.cards, look.width).width, look.width);
+        EXPECT_EQ(visible<RefiningIndicator>().size(), look.indicators);
+        EXPECT_EQ(visible<KeyHints>().size(), look.hints);
+        QList<bool> enabled;
+        for (const AcceptButton *button : visible<AcceptButton>()) {
+            enabled.append(button->isEnabled());
+        }
+        EXPECT_EQ(enabled, look.enabled);
+        EXPECT_EQ(visible<HoverIconButton>().size(), look.cards.size());
+        expectAllInside();
+        for (CardText *text : visible<CardText>()) {
+            EXPECT_EQ(text->height(), text->heightForTextWidth(text->width() - CardText::scrollMargin)) << "is clipped";
         }
     }
 }
@@ -179,7 +162,7 @@ TEST_F(CardLook, KeepsToTheScreenWhateverTheTextIs) {
     for (const SuggestionCards &cards : {SuggestionCards{finished(endless)}, {finished(endless), finished(endless)}}) {
         const platform::Size size = show(cards);
         EXPECT_LE(size.height, 900 - 16);
-        expectAllInside("endless");
+        expectAllInside();
         CardText *text = visible<CardText>().constFirst();
         QWheelEvent wheel({5, 5}, text->mapToGlobal(QPointF(5, 5)), {}, {0, -240}, Qt::NoButton, Qt::NoModifier,
                           Qt::NoScrollPhase, false);
@@ -188,7 +171,6 @@ TEST_F(CardLook, KeepsToTheScreenWhateverTheTextIs) {
     }
     const double oneLine = show({finished(u"x"_s)}).height;
     EXPECT_LE(show({finished(u'x' + QString(2000, QChar(0x0316)))}).height, 2 * oneLine) << "a flood of marks";
-    EXPECT_GT(show({finished(QString(1000, u'm'))}).height, oneLine) << "a word without end";
 }
 
 TEST_F(CardLook, KeepsControlCharactersWithinTheirParagraph) {

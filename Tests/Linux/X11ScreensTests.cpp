@@ -17,6 +17,12 @@ using namespace platform::desktop;
 namespace quillory::test {
 namespace {
 
+/// Two monitors, the right one the primary one and lower than the left one.
+void setTwoMonitors() {
+    ASSERT_EQ(run({"xrandr", "--setmonitor", "left", "500/100x900/200+0+0", "screen"}), 0);
+    ASSERT_EQ(run({"xrandr", "--setmonitor", "*right", "780/150x600/150+500+100", "none"}), 0);
+}
+
 class X11ScreensTest : public testing::Test {
   protected:
     void SetUp() override { connection->watch(); }
@@ -46,8 +52,7 @@ TEST_F(X11ScreensTest, LeavesThePanelsOfTheDesktopOut) {
 }
 
 TEST_F(X11ScreensTest, CountsFromThePrimaryMonitor) {
-    ASSERT_EQ(run({"xrandr", "--setmonitor", "left", "500/100x900/200+0+0", "screen"}), 0);
-    ASSERT_EQ(run({"xrandr", "--setmonitor", "*right", "780/150x600/150+500+100", "none"}), 0);
+    ASSERT_NO_FATAL_FAILURE(setTwoMonitors());
     ASSERT_TRUE(spinUntil([&] { return screens.screens().size() == 2; }));
     const std::vector<Screen> found = screens.screens();
     EXPECT_EQ(found[0].frame, (Rect{0, 0, 780, 600}));
@@ -83,23 +88,19 @@ void expectCardAbove(QtPanelWindow &panel, X11Screens &screens, const QRect &fie
             .adjusted(outline, outline, -outline, -outline);
     };
     const auto isNear = [&](const QRect &rect) { // whole points are pixels apart
-        const QMargins off(rect.left() - card.left(), rect.top() - card.top(), rect.right() - card.right(),
-                           rect.bottom() - card.bottom());
-        return std::max({std::abs(off.left()), std::abs(off.top()), std::abs(off.right()), std::abs(off.bottom())}) <=
-               2;
+        constexpr QMargins apart(2, 2, 2, 2);
+        return (rect + apart).contains(card) && (card + apart).contains(rect);
     };
     EXPECT_TRUE(spinUntil([&] { return isNear(shown()); }, 3000))
         << shown().x() << ' ' << shown().y() << ' ' << shown().width() << ' ' << shown().height() << " for " << card.x()
         << ' ' << card.y() << ' ' << card.width() << ' ' << card.height();
 }
 
-/// Monitors of different size and scale, the right one the primary one and lower than the left one.
 TEST(X11ScreensAtScale, CardsStandAboveTheirFieldsOnEveryMonitor) {
     const QRect left(0, 0, 500, 900);
     const QRect right(500, 100, 780, 600);
     if (!isStartedAnew()) {
-        ASSERT_EQ(run({"xrandr", "--setmonitor", "left", "500/100x900/200+0+0", "screen"}), 0);
-        ASSERT_EQ(run({"xrandr", "--setmonitor", "*right", "780/150x600/150+500+100", "none"}), 0);
+        ASSERT_NO_FATAL_FAILURE(setTwoMonitors());
         for (const char *scales : {"left=1.25;right=2", "left=2;right=1.25", "left=1;right=1.25", "left=2;right=2"}) {
             qputenv("QT_SCREEN_SCALE_FACTORS", scales);
             EXPECT_EQ(startAnew(), 0) << scales;

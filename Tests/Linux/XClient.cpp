@@ -120,11 +120,6 @@ std::string XClient::keysUntilEnd() {
     return ended ? keys : keys + " (no end)";
 }
 
-bool XClient::isDown(xcb_keycode_t key) {
-    const auto keys = m_connection->reply(xcb_query_keymap_reply, xcb_query_keymap(m_connection->get()));
-    return ((keys->keys[key / 8] >> (key % 8)) & 1) != 0;
-}
-
 int XClient::modifiers() {
     const auto question = xcb_query_pointer(m_connection->get(), m_connection->root());
     return m_connection->reply(xcb_query_pointer_reply, question)->mask & 0xFF;

@@ -44,8 +44,6 @@ class XClient {
     /// The keys that the window got since the last call, up to and with the release of the end mark, which is typed
     /// for that: "+38 -38" for a press and release of key 38, with "^5" for modifiers 5 in effect at a press.
     std::string keysUntilEnd();
-    /// Whether a key is down for the server, whoever holds it.
-    [[nodiscard]] bool isDown(xcb_keycode_t key);
     /// The modifiers and locks in effect.
     [[nodiscard]] int modifiers();
     platform::desktop::X11Connection &connection() { return *m_connection; }
