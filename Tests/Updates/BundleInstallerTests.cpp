@@ -103,17 +103,13 @@ TEST_F(Installing, IsDoneByOneProcessAtATime) {
 }
 
 TEST_F(Installing, EndsWholeWhenSeveralProcessesInstallAtOnce) {
-    std::vector<pid_t> children;
     for (int i = 0; i < 4; ++i) {
-        children.push_back(fork());
-        if (children.back() == 0) {
+        if (fork() == 0) {
             _exit(install());
         }
     }
     int succeeded = 0;
-    for (const pid_t child : children) {
-        int status = 0;
-        waitpid(child, &status, 0);
+    for (int status = 0; wait(&status) > 0;) {
         EXPECT_THAT(WEXITSTATUS(status), AnyOf(0, failed));
         succeeded += WEXITSTATUS(status) == 0 ? 1 : 0;
     }

@@ -19,20 +19,15 @@ TEST_F(Installing, StartsAndExchangesNothingThatWasNotApproved) {
     const auto refuse = [](const QString &) { throw Refusal("not genuine"); };
     int before = 0;
     int dangerous = 0;
-    runTraced(
-        [&] {
-            try {
-                BundleInstaller(applications, signing).install(found, name, refuse, {});
-            } catch (const Refusal &) {
-            }
-            return 0;
-        },
-        [&](const TracedCall &call) {
-            ++before;
-            const std::set<unsigned long long> starting{SYS_clone, SYS_clone3, SYS_fork, SYS_vfork};
-            dangerous += starting.contains(call.number) || isExchange(call) ? 1 : 0;
-            return goOn;
-        });
+    const int status =
+        runTraced([&] { return install(refuse); },
+                  [&](const TracedCall &call) {
+                      ++before;
+                      const std::set<unsigned long long> starting{SYS_clone, SYS_clone3, SYS_fork, SYS_vfork};
+                      dangerous += starting.contains(call.number) || isExchange(call) ? 1 : 0;
+                      return goOn;
+                  });
+    EXPECT_EQ(status, refused);
     EXPECT_GT(before, 100);
     EXPECT_EQ(dangerous, 0);
     EXPECT_EQ(vouchedVersion(target), "1");
@@ -205,24 +200,17 @@ TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskFailsAtAnyWrite) {
 }
 
 TEST_F(Installing, ChangesNothingOnADiskThatIsReallyFull) {
-    constexpr int notAllowed = 3;
     constexpr int broken = 4;
-    const auto onDisk = [this](int kilobytes) {
-        QDir(applications).removeRecursively();
-        QDir().mkpath(applications);
-        const std::string size = "mode=700,size=" + std::to_string(kilobytes) + "k";
-        if (!mountSmallDisk(qPrintable(applications), size.c_str())) {
-            return notAllowed;
-        }
-        makeSignedBundle(target, 1);
-        const int status = install();
-        const bool isWhole = vouchedVersion(target) == (status == 0 ? "2" : "1");
-        return isWhole && !left().contains(u".Quillory.app.new"_s) ? status : broken;
-    };
     constexpr int largest = 160;
     int failures = 0;
     for (int kilobytes = 44; kilobytes <= largest; kilobytes += 4) {
-        const int status = runTraced([&] { return onDisk(kilobytes); }, [](const TracedCall &) { return goOn; });
+        const std::string size = "mode=700,size=" + std::to_string(kilobytes) + "k";
+        const int status = runOnSmallDisk(qPrintable(applications), size, [this] {
+            makeSignedBundle(target, 1);
+            const int end = install();
+            const bool isWhole = vouchedVersion(target) == (end == 0 ? "2" : "1");
+            return isWhole && !left().contains(u".Quillory.app.new"_s) ? end : broken;
+        });
         if (status == notAllowed) {
             GTEST_SKIP() << "mounting a small disk is not allowed here; every write has been let fail above";
         }
