@@ -107,16 +107,7 @@ class Interrupted : public Installing {
     }
 };
 
-TEST_F(Interrupted, GivesTheNameBackToTheGenuineOneOfTwo) {
-    for (const State &state : states) {
-        make(state);
-        recover();
-        EXPECT_EQ(vouchedVersion(target), state.version) << state.what;
-        EXPECT_EQ(left().size(), state.isClean ? 2 : 3) << state.what << ": what may be the user's is not thrown away";
-    }
-}
-
-TEST_F(Interrupted, MayBeInterruptedAgainAnywhere) {
+TEST_F(Interrupted, GivesTheNameBackToTheGenuineOneOfTwoWhereverItIsInterruptedAgain) {
     int calls = 0;
     const auto interrupt = [&](const State &state, Verdict exchange, Verdict fault) {
         int count = 1;
@@ -132,6 +123,7 @@ TEST_F(Interrupted, MayBeInterruptedAgainAnywhere) {
             EXPECT_EQ(vouchedVersion(target), state.version) << state.what << ", before change " << at;
             calls += count >= at ? 1 : 0;
         }
+        EXPECT_EQ(left().size(), state.isClean ? 2 : 3) << state.what << ": what may be the user's is not thrown away";
     };
     for (const State &state : states) {
         for (const Verdict exchange : {goOn, EINVAL}) {

@@ -66,7 +66,6 @@ class Tracer {
             info.op != PTRACE_SYSCALL_INFO_ENTRY) {
             return false;
         }
-        ++m_call.count;
         m_call.number = info.entry.nr;
         std::ranges::copy(info.entry.args, m_call.arguments.begin());
         return true;

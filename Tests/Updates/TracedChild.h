@@ -11,10 +11,7 @@ namespace quillory::test {
 
 /// A system call that a traced process is about to make.
 struct TracedCall {
-    /// Who makes it.
     pid_t process = 0;
-    /// Counted from 1.
-    int count = 0;
     unsigned long long number = 0;
     std::array<unsigned long long, 6> arguments{};
 };

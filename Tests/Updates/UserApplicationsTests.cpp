@@ -48,7 +48,6 @@ class UserApplications : public testing::Test {
 
     /// Version 3, signed.
     void makeWithProgram(const QByteArray &script) const {
-        makeBundle(own, 3);
         writeFile(own + u"/quillory"_s, "#!/bin/sh\n" + script + '\n', 0755);
         platform::desktop::signBundle(own, u"3"_s, platform::desktop::LinuxCodeSigning::hostArchitecture(), teamKey());
     }
@@ -67,31 +66,22 @@ TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
         std::function<void()> change;
         bool isPreferred;
     } cases[] = {
-        {"newer", [&] { makeSignedBundle(own, 3); }, true},
+        {"newer", [] {}, true},
         {"older", [&] { makeSignedBundle(own, 1); }, false},
-        {"unsigned", [&] { makeBundle(own, 3); }, false},
+        {"unsigned", [&] { QFile::remove(own + u"/Manifest.signature"_s); }, false},
         {"of another key", [&] { makeSignedBundle(own, 3, SigningKey::generated(team)); }, false},
-        {"changed since",
-         [&] {
-             makeSignedBundle(own, 3);
-             writeFile(own + u"/quillory"_s, "#!/bin/sh", 0755);
-         },
-         false},
+        {"changed since", [&] { writeFile(own + u"/quillory"_s, "#!/bin/sh", 0755); }, false},
         {"slow to start", [&] { makeWithProgram("sleep 0.4"); }, true},
         {"slow to fail", [&] { makeWithProgram("sleep 0.4; exit 127"); }, false},
         {"hanging", [&] { makeWithProgram("sleep 60"); }, false},
         {"without functions that are looked for late", [&] { makeWithProgram("exit $((1 - LD_BIND_NOW))"); }, true},
-        {"in a folder that others can change",
-         [&] {
-             makeSignedBundle(own, 3);
-             chmod(qPrintable(own), 0777);
-         },
-         false},
-        {"left half way where names cannot be exchanged", [&] { makeSignedBundle(own + u".previous"_s, 3); }, true},
-        {"none", [] {}, false},
+        {"in a folder that others can change", [&] { chmod(qPrintable(own), 0777); }, false},
+        {"left half way where names cannot be exchanged", [&] { QDir().rename(own, own + u".previous"_s); }, true},
+        {"none", [&] { QDir(own).removeRecursively(); }, false},
     };
     for (const auto &[what, change, isPreferred] : cases) {
         QDir(own).removeRecursively();
+        makeSignedBundle(own, 3);
         change();
         EXPECT_EQ(preferred(installed), isPreferred ? ownProgram : QByteArray()) << what;
     }
