@@ -123,15 +123,8 @@ TEST_F(Archive, NeedsRoomForAllOfItBeforeAnythingIsWritten) {
     const QByteArray zip = zipWith({{"small", "x"}, {"large", QByteArray(200'000, 'x')}});
     QDir().mkpath(work());
     const int status = runOnSmallDisk(qPrintable(work()), "size=64k", [&] {
-        writeFile(folder.filePath(u"a.zip"_s), zip);
-        try {
-            unpackZip(folder.filePath(u"a.zip"_s), work(), {});
-        } catch (const UnpackError &error) {
-            const bool saysSo =
-                std::string_view(error.what()) == "the archive unpacks to more than the disk has room for";
-            return saysSo && QDir(work()).isEmpty() ? 0 : 1;
-        }
-        return 2;
+        const bool saysSo = unpack(zip) == "the archive unpacks to more than the disk has room for";
+        return saysSo && QDir(work()).isEmpty() ? 0 : 1;
     });
     if (status == notAllowed) {
         GTEST_SKIP() << "mounting a small disk is not allowed here";
