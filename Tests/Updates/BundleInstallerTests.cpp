@@ -94,7 +94,7 @@ TEST_F(Installing, IsDoneByOneProcessAtATime) {
     ASSERT_EQ(flock(lock, LOCK_EX), 0);
     EXPECT_EQ(failure(), "Another update is being installed.");
     QDir().mkpath(applications + u"/.Quillory.app.new"_s);
-    BundleInstaller(applications, signing).recover(name);
+    recover();
     EXPECT_THAT(left(), testing::Contains(u".Quillory.app.new"_s)) << "that is the other one's";
     close(lock);
     EXPECT_EQ(failure(), "");

@@ -12,7 +12,6 @@ namespace quillory::test {
 namespace {
 
 using namespace Qt::StringLiterals;
-using platform::desktop::BundleInstaller;
 using testing::AnyOf;
 
 TEST_F(Installing, StartsAndExchangesNothingThatWasNotApproved) {
@@ -95,15 +94,8 @@ class Interrupted : public Installing {
          "none", false},
     };
     void make(const State &state) const {
-        QDir(applications).removeRecursively();
-        QDir().mkpath(applications);
-        chmod(QFile::encodeName(applications).constData(), 0700);
-        makeSignedBundle(target, 1);
+        makeAnew();
         state.make();
-    }
-    int recover() const {
-        BundleInstaller(applications, signing).recover(name);
-        return 0;
     }
 };
 
@@ -137,7 +129,7 @@ TEST_F(Interrupted, GivesTheNameBackToTheGenuineOneOfTwoWhereverItIsInterruptedA
 TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
     const int calls = killEverywhere(true, [&](int at) {
         expectStartable(target, at);
-        BundleInstaller(applications, signing).recover(name);
+        recover();
         EXPECT_NE(vouchedVersion(target), "none") << "before call " << at;
         EXPECT_FALSE(left().contains(u".Quillory.app.new"_s)) << "before call " << at;
     });
@@ -147,7 +139,7 @@ TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
 TEST_F(Installing, LeavesOneOfTheTwoWhereNamesCannotBeExchanged) {
     const int calls = killEverywhere(false, [&](int at) {
         expectStartable(QFile::exists(target) ? target : target + u".previous"_s, at);
-        BundleInstaller(applications, signing).recover(name);
+        recover();
         expectStartable(target, at);
         expectClean();
     });
@@ -182,7 +174,7 @@ TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskFailsAtAnyWrite) {
             if (!lasts) {
                 EXPECT_EQ(vouchedVersion(target), status == failed ? "1" : "2") << "write " << at;
             }
-            BundleInstaller(applications, signing).recover(name);
+            recover();
             expectStartable(target, at);
             EXPECT_FALSE(left().contains(u".Quillory.app.new"_s)) << "write " << at;
         }

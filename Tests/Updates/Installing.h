@@ -39,9 +39,11 @@ class Installing : public testing::Test {
         reset();
     }
     void reset() const {
-        if (vouchedVersion(target) == "1" && left().size() <= 2) {
-            return;
+        if (vouchedVersion(target) != "1" || left().size() > 2) {
+            makeAnew();
         }
+    }
+    void makeAnew() const {
         QDir(applications).removeRecursively();
         QDir().mkpath(applications);
         chmod(QFile::encodeName(applications).constData(), 0700);
@@ -72,6 +74,10 @@ class Installing : public testing::Test {
         } catch (const Refusal &) {
             return refused;
         }
+    }
+    int recover() const {
+        platform::desktop::BundleInstaller(applications, signing).recover(name);
+        return 0;
     }
     /// Kills an install before each of its system calls or, where names cannot be exchanged, before each after the
     /// refused exchange, and looks at what it left. Returns how many calls there were.
