@@ -194,7 +194,6 @@ TEST(CurlURLSession, EndsBadAnswersWithASentence) {
     } cases[] = {
         {"closes at once", [](LoopbackConnection &) {}, "closed the connection|was lost"},
         {"breaks a chunked body", saying(chunkedHead + "5\r\nab"), "was lost"},
-        {"breaks a counted body", saying(ok + "Content-Length: 9\r\n\r\nab"), "was lost"},
         {"never ends its head", repeating(ok, "X-More: of the same\r\n", 1000), "head of the answer is too long"},
         {"never ends a line", repeating(open, "x", 20'000), "A line of the answer is too long"},
         {"never ends", repeating(open, QByteArray("x\n").rightJustified(200, 'x'), 100), "The answer is too long"},
@@ -216,8 +215,7 @@ TEST(CurlURLSession, EndsBadAnswersWithASentence) {
 TEST(CurlURLSession, TellsWhatIsNotHTTPAndFollowsNoRedirect) {
     const std::pair<QByteArray, std::optional<int>> cases[]{
         {"SSH-2.0-OpenSSH_9.2\r\n", std::nullopt},
-        {"HTTP/1.1 307 Go\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n", 307},
-        {answerWith("429 Slow down", ""), 429}};
+        {"HTTP/1.1 307 Go\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n", 307}};
     for (const auto &[bytes, status] : cases) {
         LoopbackServer server(saying(bytes));
         CurlURLSession session;
@@ -276,29 +274,6 @@ TEST(CurlURLSession, SlowsDownAServerThatIsFasterThanItsReader) {
         sent.wait(before);
     }
     EXPECT_EQ(readAll(*stream), Lines(blocks * 100U, QByteArray(639, 'x')));
-}
-
-TEST(CurlURLSession, StreamsManyAnswersAtOnce) {
-    LoopbackServer server([](LoopbackConnection &connection) {
-        while (!connection.readRequest().isEmpty()) {
-            connection.send(chunkedHead);
-            for (int line = 0; line < 300; ++line) {
-                connection.sendChunk(QByteArray::number(line) + "\r\n");
-            }
-            connection.send("0\r\n\r\n");
-        }
-    });
-    CurlURLSession session;
-    std::vector<std::future<Lines>> readers;
-    for (int reader = 0; reader < 12; ++reader) {
-        readers.push_back(
-            std::async(std::launch::async, [&] { return readAll(*session.bytes(requestTo(server.url()), {})); }));
-    }
-    for (auto &reader : readers) {
-        const Lines lines = reader.get();
-        ASSERT_EQ(lines.size(), 300U);
-        EXPECT_EQ(lines.back(), "299");
-    }
 }
 
 /// Asks for an answer, stops once the condition holds, and tells whether the call was cancelled.

@@ -177,10 +177,6 @@ class FakeAccessibilityBus {
         const Lock lock(m_mutex);
         m_answer = std::move(answer);
     }
-    void setEnabled(bool enabled) {
-        m_isEnabled = enabled;
-        m_mustTell = true;
-    }
     /// The application leaves the bus.
     void quit() {
         const Lock lock(m_mutex);
@@ -211,10 +207,6 @@ class FakeAccessibilityBus {
     // The session's accessibility service and the registry. Whether there was something to do.
     bool workAsService() {
         const Lock lock(m_mutex);
-        if (m_mustTell.exchange(false)) {
-            sd_bus_emit_signal(m_service, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "PropertiesChanged",
-                               "sa{sv}as", "org.a11y.Status", 1, "IsEnabled", "b", m_isEnabled ? 1 : 0, 0);
-        }
         if (registryMustRestart.exchange(false)) {
             sd_bus_release_name(m_service, registry);
             m_registered.clear();
@@ -247,10 +239,8 @@ class FakeAccessibilityBus {
             return sd_bus_reply_method_return(call, "a(so)", 2, nameOf(m_hung).c_str(), root, m_name.c_str(), root);
         } else if (member == "GetChildren" && !m_name.empty()) {
             return sd_bus_reply_method_return(call, "a(so)", 1, m_name.c_str(), root);
-        } else if (member == "Set") {
-            setEnabled(true);
-        } else if (member == "Get") {
-            return sd_bus_reply_method_return(call, "v", "b", m_isEnabled ? 1 : 0);
+        } else if (member == "Get") { // whether accessibility is on
+            return sd_bus_reply_method_return(call, "v", "b", 1);
         }
         return sd_bus_reply_method_return(call, nullptr);
     }
@@ -294,10 +284,7 @@ class FakeAccessibilityBus {
             {"GetRole", [&] { return say("u", element.role); }},
             {"GetState", [&] { return appendStates(reply, element.states); }},
             {"GetChildren", [&] { return appendReferences(reply, element.children); }},
-            {"GetInterfaces",
-             [&] {
-                 return say("as", 3, "org.a11y.atspi.Accessible", "org.a11y.atspi.Text", "org.a11y.atspi.EditableText");
-             }},
+            {"GetInterfaces", [&] { return say("as", 2, "org.a11y.atspi.Text", "org.a11y.atspi.EditableText"); }},
             {"GetAttributes", [&] { return appendAttributes(reply, element.attributes); }},
             {"GetText", [&] { return say("s", element.text.c_str()); }},
             {"GetExtents", [&] { return say("(iiii)", 10, 20, 100, 30); }},
@@ -356,8 +343,6 @@ class FakeAccessibilityBus {
     Answer m_answer;
     std::map<std::string, int> m_calls;
     int m_next = 1;
-    std::atomic<bool> m_isEnabled = true;
-    std::atomic<bool> m_mustTell = false;
     std::jthread m_thread;
 };
 

@@ -94,7 +94,7 @@ TEST_F(Installing, IsDoneByOneProcessAtATime) {
     ASSERT_EQ(flock(lock, LOCK_EX), 0);
     EXPECT_EQ(failure(), "Another update is being installed.");
     QDir().mkpath(applications + u"/.Quillory.app.new"_s);
-    BundleInstaller(applications, signing).recover(name);
+    recover();
     EXPECT_THAT(left(), testing::Contains(u".Quillory.app.new"_s)) << "that is the other one's";
     close(lock);
     EXPECT_EQ(failure(), "");
@@ -103,17 +103,13 @@ TEST_F(Installing, IsDoneByOneProcessAtATime) {
 }
 
 TEST_F(Installing, EndsWholeWhenSeveralProcessesInstallAtOnce) {
-    std::vector<pid_t> children;
     for (int i = 0; i < 4; ++i) {
-        children.push_back(fork());
-        if (children.back() == 0) {
+        if (fork() == 0) {
             _exit(install());
         }
     }
     int succeeded = 0;
-    for (const pid_t child : children) {
-        int status = 0;
-        waitpid(child, &status, 0);
+    for (int status = 0; wait(&status) > 0;) {
         EXPECT_THAT(WEXITSTATUS(status), AnyOf(0, failed));
         succeeded += WEXITSTATUS(status) == 0 ? 1 : 0;
     }

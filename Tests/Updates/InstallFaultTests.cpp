@@ -12,27 +12,21 @@ namespace quillory::test {
 namespace {
 
 using namespace Qt::StringLiterals;
-using platform::desktop::BundleInstaller;
 using testing::AnyOf;
 
 TEST_F(Installing, StartsAndExchangesNothingThatWasNotApproved) {
     const auto refuse = [](const QString &) { throw Refusal("not genuine"); };
     int before = 0;
     int dangerous = 0;
-    runTraced(
-        [&] {
-            try {
-                BundleInstaller(applications, signing).install(found, name, refuse, {});
-            } catch (const Refusal &) {
-            }
-            return 0;
-        },
-        [&](const TracedCall &call) {
-            ++before;
-            const std::set<unsigned long long> starting{SYS_clone, SYS_clone3, SYS_fork, SYS_vfork};
-            dangerous += starting.contains(call.number) || isExchange(call) ? 1 : 0;
-            return goOn;
-        });
+    const int status =
+        runTraced([&] { return install(refuse); },
+                  [&](const TracedCall &call) {
+                      ++before;
+                      const std::set<unsigned long long> starting{SYS_clone, SYS_clone3, SYS_fork, SYS_vfork};
+                      dangerous += starting.contains(call.number) || isExchange(call) ? 1 : 0;
+                      return goOn;
+                  });
+    EXPECT_EQ(status, refused);
     EXPECT_GT(before, 100);
     EXPECT_EQ(dangerous, 0);
     EXPECT_EQ(vouchedVersion(target), "1");
@@ -100,28 +94,12 @@ class Interrupted : public Installing {
          "none", false},
     };
     void make(const State &state) const {
-        QDir(applications).removeRecursively();
-        QDir().mkpath(applications);
-        chmod(QFile::encodeName(applications).constData(), 0700);
-        makeSignedBundle(target, 1);
+        makeAnew();
         state.make();
-    }
-    int recover() const {
-        BundleInstaller(applications, signing).recover(name);
-        return 0;
     }
 };
 
-TEST_F(Interrupted, GivesTheNameBackToTheGenuineOneOfTwo) {
-    for (const State &state : states) {
-        make(state);
-        recover();
-        EXPECT_EQ(vouchedVersion(target), state.version) << state.what;
-        EXPECT_EQ(left().size(), state.isClean ? 2 : 3) << state.what << ": what may be the user's is not thrown away";
-    }
-}
-
-TEST_F(Interrupted, MayBeInterruptedAgainAnywhere) {
+TEST_F(Interrupted, GivesTheNameBackToTheGenuineOneOfTwoWhereverItIsInterruptedAgain) {
     int calls = 0;
     const auto interrupt = [&](const State &state, Verdict exchange, Verdict fault) {
         int count = 1;
@@ -137,6 +115,7 @@ TEST_F(Interrupted, MayBeInterruptedAgainAnywhere) {
             EXPECT_EQ(vouchedVersion(target), state.version) << state.what << ", before change " << at;
             calls += count >= at ? 1 : 0;
         }
+        EXPECT_EQ(left().size(), state.isClean ? 2 : 3) << state.what << ": what may be the user's is not thrown away";
     };
     for (const State &state : states) {
         for (const Verdict exchange : {goOn, EINVAL}) {
@@ -150,7 +129,7 @@ TEST_F(Interrupted, MayBeInterruptedAgainAnywhere) {
 TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
     const int calls = killEverywhere(true, [&](int at) {
         expectStartable(target, at);
-        BundleInstaller(applications, signing).recover(name);
+        recover();
         EXPECT_NE(vouchedVersion(target), "none") << "before call " << at;
         EXPECT_FALSE(left().contains(u".Quillory.app.new"_s)) << "before call " << at;
     });
@@ -160,7 +139,7 @@ TEST_F(Installing, LeavesAStartableBundleWhereverItIsKilled) {
 TEST_F(Installing, LeavesOneOfTheTwoWhereNamesCannotBeExchanged) {
     const int calls = killEverywhere(false, [&](int at) {
         expectStartable(QFile::exists(target) ? target : target + u".previous"_s, at);
-        BundleInstaller(applications, signing).recover(name);
+        recover();
         expectStartable(target, at);
         expectClean();
     });
@@ -195,7 +174,7 @@ TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskFailsAtAnyWrite) {
             if (!lasts) {
                 EXPECT_EQ(vouchedVersion(target), status == failed ? "1" : "2") << "write " << at;
             }
-            BundleInstaller(applications, signing).recover(name);
+            recover();
             expectStartable(target, at);
             EXPECT_FALSE(left().contains(u".Quillory.app.new"_s)) << "write " << at;
         }
@@ -205,24 +184,17 @@ TEST_F(Installing, IsDoneOrNotDoneWhenTheDiskFailsAtAnyWrite) {
 }
 
 TEST_F(Installing, ChangesNothingOnADiskThatIsReallyFull) {
-    constexpr int notAllowed = 3;
     constexpr int broken = 4;
-    const auto onDisk = [this](int kilobytes) {
-        QDir(applications).removeRecursively();
-        QDir().mkpath(applications);
-        const std::string size = "mode=700,size=" + std::to_string(kilobytes) + "k";
-        if (!mountSmallDisk(qPrintable(applications), size.c_str())) {
-            return notAllowed;
-        }
-        makeSignedBundle(target, 1);
-        const int status = install();
-        const bool isWhole = vouchedVersion(target) == (status == 0 ? "2" : "1");
-        return isWhole && !left().contains(u".Quillory.app.new"_s) ? status : broken;
-    };
     constexpr int largest = 160;
     int failures = 0;
     for (int kilobytes = 44; kilobytes <= largest; kilobytes += 4) {
-        const int status = runTraced([&] { return onDisk(kilobytes); }, [](const TracedCall &) { return goOn; });
+        const std::string size = "mode=700,size=" + std::to_string(kilobytes) + "k";
+        const int status = runOnSmallDisk(qPrintable(applications), size, [this] {
+            makeSignedBundle(target, 1);
+            const int end = install();
+            const bool isWhole = vouchedVersion(target) == (end == 0 ? "2" : "1");
+            return isWhole && !left().contains(u".Quillory.app.new"_s) ? end : broken;
+        });
         if (status == notAllowed) {
             GTEST_SKIP() << "mounting a small disk is not allowed here; every write has been let fail above";
         }

@@ -39,9 +39,11 @@ class Installing : public testing::Test {
         reset();
     }
     void reset() const {
-        if (vouchedVersion(target) == "1" && left().size() <= 2) {
-            return;
+        if (vouchedVersion(target) != "1" || left().size() > 2) {
+            makeAnew();
         }
+    }
+    void makeAnew() const {
         QDir(applications).removeRecursively();
         QDir().mkpath(applications);
         chmod(QFile::encodeName(applications).constData(), 0700);
@@ -56,24 +58,26 @@ class Installing : public testing::Test {
     // How an install ends.
     static constexpr int failed = 1;
     static constexpr int refused = 2;
-    /// An exit status.
-    [[nodiscard]] int install() const {
+    /// Why an install fails; empty when it does not.
+    [[nodiscard]] std::string failure(void (*approval)(const QString &) = approve) const {
         try {
-            platform::desktop::BundleInstaller(applications, signing).install(found, name, approve, {});
-            return 0;
-        } catch (const platform::FileError &) {
-            return failed;
+            platform::desktop::BundleInstaller(applications, signing).install(found, name, approval, {});
+            return {};
+        } catch (const platform::FileError &error) {
+            return error.what();
+        }
+    }
+    /// An exit status.
+    [[nodiscard]] int install(void (*approval)(const QString &) = approve) const {
+        try {
+            return failure(approval).empty() ? 0 : failed;
         } catch (const Refusal &) {
             return refused;
         }
     }
-    [[nodiscard]] std::string failure() const {
-        try {
-            platform::desktop::BundleInstaller(applications, signing).install(found, name, approve, {});
-        } catch (const platform::FileError &error) {
-            return error.what();
-        }
-        return {};
+    int recover() const {
+        platform::desktop::BundleInstaller(applications, signing).recover(name);
+        return 0;
     }
     /// Kills an install before each of its system calls or, where names cannot be exchanged, before each after the
     /// refused exchange, and looks at what it left. Returns how many calls there were.

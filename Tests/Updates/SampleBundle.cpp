@@ -117,7 +117,14 @@ void ZipWriter::add(const Item &item) {
     ++m_count;
 }
 
-void ZipWriter::addFolder(const QString &folder, const QByteArray &name) {
+QByteArray ZipWriter::bytes() const {
+    const auto count = static_cast<quint16>(m_count);
+    return m_files + m_directory + "PK\x05\x06" + little<quint32>(0) + little(count) + little(count) +
+           little(static_cast<quint32>(m_directory.size())) + little(static_cast<quint32>(m_files.size())) +
+           little<quint16>(0);
+}
+
+QByteArray zipOf(const QString &folder, const QByteArray &name) {
     QStringList paths;
     for (QDirIterator files(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
                             QDirIterator::Subdirectories);
@@ -125,20 +132,15 @@ void ZipWriter::addFolder(const QString &folder, const QByteArray &name) {
         paths += files.next();
     }
     std::ranges::sort(paths);
+    ZipWriter zip;
     for (const QString &path : paths) {
         struct stat status {};
         ::stat(QFile::encodeName(path).constData(), &status);
         const bool isFolder = S_ISDIR(status.st_mode);
-        add({name + QFile::encodeName(path.sliced(folder.size())) + (isFolder ? "/" : ""),
-             isFolder ? QByteArray() : readFile(path), status.st_mode, !isFolder});
+        zip.add({name + QFile::encodeName(path.sliced(folder.size())) + (isFolder ? "/" : ""),
+                 isFolder ? QByteArray() : readFile(path), status.st_mode, !isFolder});
     }
-}
-
-QByteArray ZipWriter::bytes() const {
-    const auto count = static_cast<quint16>(m_count);
-    return m_files + m_directory + "PK\x05\x06" + little<quint32>(0) + little(count) + little(count) +
-           little(static_cast<quint32>(m_directory.size())) + little(static_cast<quint32>(m_files.size())) +
-           little<quint16>(0);
+    return zip.bytes();
 }
 
 } // namespace quillory::test

@@ -43,8 +43,6 @@ class ZipWriter {
         bool isCompressed = false;
     };
     void add(const Item &item);
-    /// Everything in a folder, below a name.
-    void addFolder(const QString &folder, const QByteArray &name);
     [[nodiscard]] QByteArray bytes() const;
 
   private:
@@ -52,5 +50,7 @@ class ZipWriter {
     QByteArray m_directory;
     int m_count = 0;
 };
+/// An archive with everything in a folder, below a name.
+[[nodiscard]] QByteArray zipOf(const QString &folder, const QByteArray &name = "Quillory.app");
 
 } // namespace quillory::test

@@ -66,7 +66,6 @@ class Tracer {
             info.op != PTRACE_SYSCALL_INFO_ENTRY) {
             return false;
         }
-        ++m_call.count;
         m_call.number = info.entry.nr;
         std::ranges::copy(info.entry.args, m_call.arguments.begin());
         return true;
@@ -92,6 +91,17 @@ bool writesToFile(const TracedCall &call) {
     return std::filesystem::is_regular_file(descriptor, error);
 }
 
+pid_t forked(const std::function<int()> &work) {
+    const pid_t child = fork();
+    if (child < 0) {
+        throw std::runtime_error("cannot fork");
+    }
+    if (child == 0) {
+        _exit(work());
+    }
+    return child;
+}
+
 } // namespace
 
 bool changesDisk(const TracedCall &call) {
@@ -106,22 +116,28 @@ bool changesDisk(const TracedCall &call) {
            ((isAt || call.number == SYS_open) && (call.arguments[isAt ? 2 : 1] & O_CREAT) != 0);
 }
 
-bool mountSmallDisk(const char *folder, const char *options) {
-    return unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("tmpfs", folder, "tmpfs", 0, options) == 0;
+int runForked(const std::function<int()> &work) {
+    int status = 0;
+    waitpid(forked(work), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : killedStatus;
 }
 
 int runTraced(const std::function<int()> &work, const std::function<Verdict(const TracedCall &)> &before) {
-    const pid_t child = fork();
-    if (child < 0) {
-        throw std::runtime_error("cannot fork");
-    }
-    if (child == 0) {
+    const pid_t child = forked([&] {
         ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         raise(SIGSTOP);
-        _exit(work());
-    }
+        return work();
+    });
     return Tracer(child, before).follow();
+}
+
+int runOnSmallDisk(const char *folder, const std::string &options, const std::function<int()> &work) {
+    return runForked([&] {
+        const bool isMounted = unshare(CLONE_NEWNS) == 0 &&
+                               mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                               mount("tmpfs", folder, "tmpfs", 0, options.c_str()) == 0;
+        return isMounted ? work() : notAllowed;
+    });
 }
 
 } // namespace quillory::test

@@ -4,16 +4,14 @@
 
 #include <array>
 #include <functional>
+#include <string>
 #include <sys/types.h>
 
 namespace quillory::test {
 
 /// A system call that a traced process is about to make.
 struct TracedCall {
-    /// Who makes it.
     pid_t process = 0;
-    /// Counted from 1.
-    int count = 0;
     unsigned long long number = 0;
     std::array<unsigned long long, 6> arguments{};
 };
@@ -26,13 +24,16 @@ using Verdict = int;
 inline constexpr Verdict goOn = 0;
 inline constexpr Verdict killed = -1;
 
-/// Runs work in a process of its own, which is stopped before every system call. The result is the exit status: what
-/// the work returned, or killedStatus.
+/// Runs work in a process of its own. The result is the exit status: what the work returned, or killedStatus.
 inline constexpr int killedStatus = 200;
+/// What work returns that the system does not let it do.
+inline constexpr int notAllowed = 201;
+int runForked(const std::function<int()> &work);
+/// The same, with the process stopped before every system call.
 int runTraced(const std::function<int()> &work, const std::function<Verdict(const TracedCall &)> &before);
 
-/// Mounts an empty file system of that size, such as "size=64k", over a folder, for the calling process alone. False
-/// where that is not allowed.
-[[nodiscard]] bool mountSmallDisk(const char *folder, const char *options);
+/// Runs work in a process that sees an empty file system of that size, such as "size=64k", in place of a folder.
+/// notAllowed where such a one cannot be mounted.
+int runOnSmallDisk(const char *folder, const std::string &options, const std::function<int()> &work);
 
 } // namespace quillory::test

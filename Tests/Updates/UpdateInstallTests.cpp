@@ -3,9 +3,6 @@
 #include "Quillory/Updates/VersionHistory.h"
 #include "Updates/UpdateStory.h"
 
-#include <QDir>
-
-#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace quillory::test {
@@ -17,16 +14,19 @@ using testing::IsEmpty;
 
 class UpdateInstall : public UpdateStory {
   protected:
-    [[nodiscard]] QByteArray zipOf(const QString &bundle, const QByteArray &name = "Quillory.app") const {
-        ZipWriter zip;
-        zip.addFolder(bundle, name);
-        return zip.bytes();
-    }
     [[nodiscard]] QString made(int version, const platform::desktop::SigningKey &key = teamKey()) const {
         const QString bundle = folder.filePath(u"made/Quillory.app"_s);
         QDir(bundle).removeRecursively();
         makeSignedBundle(bundle, version, key);
         return bundle;
+    }
+    /// An archive with a signed bundle of that version.
+    [[nodiscard]] QByteArray archiveOf(int version) const { return zipOf(made(version)); }
+    void serve(const QByteArray &archive) { answers["/Quillory.zip"] = answerWith("200 OK", archive); }
+    /// Starts an install and waits for its end, which it may bring about itself.
+    void installFrom(const QString &path = u"/Quillory.zip"_s) {
+        checker.install(url(path));
+        EXPECT_TRUE(desktop.mainQueue.runUntil([&] { return !application().hasProgress; }));
     }
     /// Nothing of it may be left, and nothing have changed.
     void expectRefusal(const char *attack, const QString &description) {
@@ -68,8 +68,6 @@ TEST_F(UpdateInstall, RefusesWhatIsNotGenuineOrNotNewer) {
     const QByteArray notSigned = zipOf(unsignedBundle);
     ZipWriter inner;
     inner.add({"Quillory.zip", genuine});
-    ZipWriter inFolder;
-    inFolder.addFolder(made(2), "folder/Quillory.app");
     const struct {
         const char *attack;
         QByteArray archive;
@@ -81,14 +79,12 @@ TEST_F(UpdateInstall, RefusesWhatIsNotGenuineOrNotNewer) {
         {"another team", zipOf(made(3, SigningKey::generated(u"OTHERTEAM1"_s))), mismatch},
         {"no signature", notSigned, mismatch},
         {"a zip in a zip", inner.bytes(), u"no app in update archive"_s},
-        {"the application in a folder", inFolder.bytes(), u"no app in update archive"_s},
-        {"missing end", genuine.chopped(40), unzipFailed},
+        {"the application in a folder", zipOf(made(2), "folder/Quillory.app"), u"no app in update archive"_s},
         {"missing beginning", genuine.sliced(40), unzipFailed},
-        {"an error page", "<html>", unzipFailed},
     };
     for (const auto &[attack, archive, description] : attacks) {
         serve(archive);
-        installFrom(u"/Quillory.zip"_s);
+        installFrom();
         expectRefusal(attack, description);
     }
 }
@@ -110,7 +106,6 @@ TEST_F(UpdateInstall, RefusesWhatABrokenServerSends) {
         {u"/redirect"_s, u"The address is not secure: it must begin with https://."_s},
         {u"/verbose"_s, u"The answer is too long."_s},
         {u"/huge"_s, u"The answer is too long."_s},
-        {u"/missing"_s, unzipFailed},
     };
     for (const auto &[path, description] : attacks) {
         installFrom(path);
@@ -125,10 +120,10 @@ TEST_F(UpdateInstall, NeverGoesBackBehindTheHighestVersionThatRan) {
     QFile::remove(desktop.process.logPath());
     desktop.process.information[u"CFBundleShortVersionString"_s] = u"1"_s;
     serve(archiveOf(4));
-    installFrom(u"/Quillory.zip"_s);
+    installFrom();
     expectRefusal("older than the highest", notNewer);
     serve(archiveOf(5));
-    installFrom(u"/Quillory.zip"_s);
+    installFrom();
     EXPECT_EQ(vouchedVersion(target), "5") << "which ran already, and was lost since";
     // The same decides at a start.
     const VersionHistory history(desktop.process.homeDirectory());
@@ -155,7 +150,7 @@ TEST_F(UpdateInstall, LeavesNothingWhenItIsCancelled) {
 TEST_F(UpdateInstall, SaysThatTheDownloadCannotBeSaved) {
     serve(archiveOf(2));
     qputenv("TMPDIR", "/proc");
-    installFrom(u"/Quillory.zip"_s);
+    installFrom();
     ASSERT_EQ(application().alerts.size(), 1U);
     EXPECT_THAT(application().alerts.front().body.toStdString(),
                 testing::StartsWith("The download could not be saved: "));
@@ -163,14 +158,13 @@ TEST_F(UpdateInstall, SaysThatTheDownloadCannotBeSaved) {
     QDir().mkpath(everybodys);
     chmod(qPrintable(everybodys), 0777);
     qputenv("TMPDIR", everybodys.toUtf8());
-    installFrom(u"/Quillory.zip"_s);
+    installFrom();
     EXPECT_EQ(application().alerts.back().body, u"The folder %1 can be changed by others."_s.arg(everybodys));
     chmod(qPrintable(everybodys), 0755);
     constexpr uid_t somebodyElse = 65'534;
     if (chown(qPrintable(everybodys), somebodyElse, somebodyElse) == 0) { // which only root may try
-        installFrom(u"/Quillory.zip"_s);
+        installFrom();
         EXPECT_EQ(application().alerts.size(), 3U);
-        EXPECT_EQ(vouchedVersion(target), "1");
     }
     EXPECT_EQ(vouchedVersion(target), "1");
 }

@@ -6,9 +6,13 @@
 #include "Platform/Linux/Updates/LinuxFileSystem.h"
 #include "Platform/Linux/Updates/LinuxSystemTools.h"
 #include "Quillory/Updates/UpdateChecker.h"
+#include "RealDesktop/ChildProcess.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 #include "Threaded/LoopbackServer.h"
 #include "Updates/SampleBundle.h"
+
+#include <QDir>
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 
@@ -35,25 +39,47 @@ class NotingTools final : public platform::SystemTools {
 /// Version 1 runs and is installed, among a simulated user's real files and with a real server at its maker's.
 class UpdateStory : public testing::Test {
   protected:
-    UpdateStory();
-    ~UpdateStory() override;
+    UpdateStory() {
+        const QString temporary = folder.filePath(u"tmp"_s);
+        QDir().mkpath(temporary);
+        qputenv("XDG_DATA_HOME", folder.filePath(u"data"_s).toUtf8());
+        qputenv("TMPDIR", temporary.toUtf8());
+        m_fileSystem.createDirectory(target);
+        makeSignedBundle(target, 1);
+        desktop.process.information[u"CFBundleShortVersionString"_s] = u"1"_s;
+        desktop.process.variables[u"QUILLORY_UPDATE_FEED"_s] = url({}).toString();
+    }
+    ~UpdateStory() override {
+        qunsetenv("XDG_DATA_HOME");
+        qunsetenv("TMPDIR");
+    }
 
     /// What the server sends for a path, from its status line on.
     std::map<QByteArray, QByteArray> answers;
     void announce(const QByteArray &feed) { answers["/version.json"] = answerWith("200 OK", feed); }
-    void serve(const QByteArray &archive) { answers["/Quillory.zip"] = answerWith("200 OK", archive); }
-    [[nodiscard]] QUrl url(const QString &path) const;
-    /// An archive with a signed bundle of that version.
-    [[nodiscard]] QByteArray archiveOf(int version) const;
+    [[nodiscard]] QUrl url(const QString &path) const {
+        QUrl url = m_server.url();
+        url.setQuery(QString());
+        url.setPath(path);
+        return url;
+    }
 
     [[nodiscard]] SimulatedApplication &application() { return desktop.application; }
     /// Lets the main thread work until so many alerts have been shown in all.
-    [[nodiscard]] bool awaitAlerts(std::size_t count);
-    [[nodiscard]] bool awaitLog(qsizetype lines);
-    /// Starts an install and waits for its end, which it may bring about itself.
-    void installFrom(const QString &path);
+    [[nodiscard]] bool awaitAlerts(std::size_t count) {
+        return desktop.mainQueue.runUntil([&] { return application().alerts.size() >= count; });
+    }
+    [[nodiscard]] bool awaitLog(qsizetype lines) {
+        // A line is written without telling the main thread.
+        return waitUntil([&] {
+            desktop.advance(0);
+            return desktop.log().size() >= lines;
+        });
+    }
     /// The names of what stands among the temporary files.
-    [[nodiscard]] QStringList temporaryFiles() const;
+    [[nodiscard]] QStringList temporaryFiles() const {
+        return QDir(folder.filePath(u"tmp"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
 
     QTemporaryDir folder{folderTemplate()};
     SimulatedDesktop desktop;
@@ -61,7 +87,15 @@ class UpdateStory : public testing::Test {
     QString target = folder.filePath(u"data/quillory/Applications/Quillory.app"_s);
 
   private:
-    void answer(LoopbackConnection &connection);
+    void answer(LoopbackConnection &connection) {
+        const QByteArray path = connection.readRequest().split(' ').value(1);
+        const bool isEndless = path == "/endless";
+        const auto found = answers.find(path);
+        connection.send(isEndless ? "HTTP/1.1 200 OK\r\n\r\n"
+                                  : (found == answers.end() ? answerWith("404 Not Found", "<html>") : found->second));
+        while (isEndless && connection.send(QByteArray(1 << 16, 'x'))) {
+        }
+    }
 
     LoopbackServer m_server{[this](LoopbackConnection &connection) { answer(connection); }};
     platform::desktop::CurlURLSession m_urlSession;

@@ -6,6 +6,7 @@
 #include "Quillory/Updates/VersionHistory.h"
 #include "RealDesktop/ChildProcess.h"
 #include "Updates/SampleBundle.h"
+#include "Updates/TracedChild.h"
 
 #include <QDir>
 #include <QFile>
@@ -16,7 +17,6 @@
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace quillory::test {
@@ -48,7 +48,6 @@ class UserApplications : public testing::Test {
 
     /// Version 3, signed.
     void makeWithProgram(const QByteArray &script) const {
-        makeBundle(own, 3);
         writeFile(own + u"/quillory"_s, "#!/bin/sh\n" + script + '\n', 0755);
         platform::desktop::signBundle(own, u"3"_s, platform::desktop::LinuxCodeSigning::hostArchitecture(), teamKey());
     }
@@ -67,32 +66,22 @@ TEST_F(UserApplications, RunInPlaceOfAnOlderInstalledOneWhenTheyAreGenuine) {
         std::function<void()> change;
         bool isPreferred;
     } cases[] = {
-        {"newer", [&] { makeSignedBundle(own, 3); }, true},
-        {"the same", [&] { makeSignedBundle(own, 2); }, false},
+        {"newer", [] {}, true},
         {"older", [&] { makeSignedBundle(own, 1); }, false},
-        {"unsigned", [&] { makeBundle(own, 3); }, false},
+        {"unsigned", [&] { QFile::remove(own + u"/Manifest.signature"_s); }, false},
         {"of another key", [&] { makeSignedBundle(own, 3, SigningKey::generated(team)); }, false},
-        {"changed since",
-         [&] {
-             makeSignedBundle(own, 3);
-             writeFile(own + u"/quillory"_s, "#!/bin/sh", 0755);
-         },
-         false},
+        {"changed since", [&] { writeFile(own + u"/quillory"_s, "#!/bin/sh", 0755); }, false},
         {"slow to start", [&] { makeWithProgram("sleep 0.4"); }, true},
         {"slow to fail", [&] { makeWithProgram("sleep 0.4; exit 127"); }, false},
         {"hanging", [&] { makeWithProgram("sleep 60"); }, false},
         {"without functions that are looked for late", [&] { makeWithProgram("exit $((1 - LD_BIND_NOW))"); }, true},
-        {"in a folder that others can change",
-         [&] {
-             makeSignedBundle(own, 3);
-             chmod(qPrintable(own), 0777);
-         },
-         false},
-        {"left half way where names cannot be exchanged", [&] { makeSignedBundle(own + u".previous"_s, 3); }, true},
-        {"none", [] {}, false},
+        {"in a folder that others can change", [&] { chmod(qPrintable(own), 0777); }, false},
+        {"left half way where names cannot be exchanged", [&] { QDir().rename(own, own + u".previous"_s); }, true},
+        {"none", [&] { QDir(own).removeRecursively(); }, false},
     };
     for (const auto &[what, change, isPreferred] : cases) {
         QDir(own).removeRecursively();
+        makeSignedBundle(own, 3);
         change();
         EXPECT_EQ(preferred(installed), isPreferred ? ownProgram : QByteArray()) << what;
     }
@@ -120,15 +109,12 @@ TEST_F(UserApplications, AreOpenedDetachedFromWhatEnds) {
                               ".new; mv " + seen.toUtf8() + ".new " + seen.toUtf8() + '\n';
     makeBundle(own, 3);
     writeFile(own + u"/quillory"_s, script, 0755);
-    const pid_t program = fork();
-    if (program == 0) {
-        (void)open(qPrintable(own + u"/Info.json"_s), O_RDONLY); // inherited, unless somebody sees to it
-        LinuxSystemTools().relaunchAfterExit(u"/Applications/Quillory.app"_s);
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(program, &status, 0);
-    ASSERT_EQ(status, 0);
+    ASSERT_EQ(runForked([&] {
+                  (void)open(qPrintable(own + u"/Info.json"_s), O_RDONLY); // inherited, unless somebody sees to it
+                  LinuxSystemTools().relaunchAfterExit(u"/Applications/Quillory.app"_s);
+                  return 0;
+              }),
+              0);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(seen); }));
     const std::string found = readFile(seen).toStdString();
     EXPECT_THAT(found, HasSubstr("/dev/null\n/dev/null\n"));
@@ -138,25 +124,22 @@ TEST_F(UserApplications, AreOpenedDetachedFromWhatEnds) {
 
 TEST_F(UserApplications, AreNotTakenForOpenedWhereThereIsNoShell) {
     makeBundle(own, 3);
-    const pid_t program = fork();
-    if (program == 0) {
+    const int status = runForked([this] {
         if ((geteuid() != 0 && unshare(CLONE_NEWUSER) != 0) || chroot(qPrintable(folder.path())) != 0) {
-            _exit(77);
+            return notAllowed;
         }
         qputenv("XDG_DATA_HOME", "/");
         try {
             LinuxSystemTools().relaunchAfterExit(u"/Applications/Quillory.app"_s);
         } catch (const FileError &error) {
-            _exit(std::string_view(error.what()).starts_with("/bin/sh could not be started: ") ? 0 : 1);
+            return std::string_view(error.what()).starts_with("/bin/sh could not be started: ") ? 0 : 1;
         }
-        _exit(2);
-    }
-    int status = 0;
-    waitpid(program, &status, 0);
-    if (WEXITSTATUS(status) == 77) {
+        return 2;
+    });
+    if (status == notAllowed) {
         GTEST_SKIP() << "a process may not be shut into a folder here";
     }
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(status, 0);
 }
 
 } // namespace
