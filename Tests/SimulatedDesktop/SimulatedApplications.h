@@ -40,13 +40,11 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
         m_children.push_back(child);
         return child;
     }
-    /// Adds a child with a frame.
     Node add(QLatin1StringView role, const platform::Rect &frame) {
         auto child = add(role);
         child->setFrame(frame);
         return child;
     }
-    /// Adds a line of text as a chat program shows it.
     Node addText(const QString &text, const platform::Rect &frame) {
         auto child = add(platform::axRole::staticText, frame);
         child->setValue(text);

@@ -16,8 +16,6 @@ class SimulatedEventTaps final : public platform::EventTaps {
     /// Another program holds the keys: no tap can be made, or none can be armed.
     bool refusesCreation = false;
     bool refusesArming = false;
-    /// How often a tap was asked for.
-    int requests = 0;
 
     /// The user presses a key: what the armed tap says, or pass when there is none.
     platform::TapVerdict press(platform::KeyCode key, platform::EventFlags flags = 0) {
@@ -31,7 +29,6 @@ class SimulatedEventTaps final : public platform::EventTaps {
     [[nodiscard]] bool isArmed() const { return m_armed; }
 
     [[nodiscard]] std::unique_ptr<platform::EventTap> create(platform::TapCallback callback) override {
-        ++requests;
         m_callback = std::move(callback);
         return refusesCreation ? nullptr : std::make_unique<Tap>(*this);
     }
