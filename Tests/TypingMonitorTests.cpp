@@ -154,12 +154,8 @@ TEST_F(RewriteStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
     EXPECT_FALSE(desktop.press(keyCode::tab));
     EXPECT_EQ(normalized(box->value()), normalized(rewrite));
     EXPECT_EQ(newLog().last(), u"inserted via AX set"_s);
-    type(u"thank you so much"_s, 1700);
-    EXPECT_EQ(requests(), 1) << "less than two seconds after the insert";
-    desktop.advance(500);
-    EXPECT_EQ(requests(), 2);
     type(rewrite, 5000);
-    EXPECT_EQ(requests(), 2) << "what was accepted is not asked about again";
+    EXPECT_EQ(requests(), 1) << "what was accepted is not asked about again";
 }
 
 TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
@@ -167,28 +163,20 @@ TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
     otherPage->set(AXAttribute::url, QUrl(u"https://example.com/"_s));
     const Node editor = desktop.applications.launch({3, u"org.example.editor"_s, std::nullopt}, u"Notes"_s);
     const Node own = desktop.applications.launch({desktop.process.ownPid, u"own"_s, u"Quillory"_s}, {});
-    struct Case {
-        Node field;
-        const char *log;
-    };
-    for (const auto &[field, log] : std::vector<Case>{
-             {browser->add(axRole::textField),
-              "focus -> AXTextField in Chromium [WhatsApp], textElement=true, browser UI (excluded), chat app"},
-             {otherPage->add(axRole::textArea), "focus -> AXTextArea in Chromium [WhatsApp], textElement=true"},
-             {editor->add(axRole::textArea), "focus -> AXTextArea in ? [Notes], textElement=true"},
-             {own->add(axRole::textField), nullptr},
-         }) {
+    for (const Node &field :
+         {browser->add(axRole::textField), otherPage->add(axRole::textArea), editor->add(axRole::textArea),
+          own->add(axRole::textField), page->add(axRole::secureTextField)}) {
         box = field;
         focus(field);
-        desktop.advance(100);
-        EXPECT_EQ(newLog(), log != nullptr ? QStringList{text(log)} : QStringList{});
+        desktop.advance(2700);
         type(draft, 2000);
     }
-    box = page->add(axRole::secureTextField);
-    focus(box);
-    desktop.advance(2700);
-    type(draft, 2000);
-    EXPECT_THAT(newLog(), ElementsAre(u"focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false"_s));
+    EXPECT_THAT(newLog(),
+                ElementsAre(u"focus -> AXTextField in Chromium [WhatsApp], textElement=true, browser UI (excluded), "
+                            "chat app"_s,
+                            u"focus -> AXTextArea in Chromium [WhatsApp], textElement=true"_s,
+                            u"focus -> AXTextArea in ? [Notes], textElement=true"_s,
+                            u"focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false"_s));
     EXPECT_EQ(requests(), 0);
     EXPECT_EQ(desktop.urlSession.requestCount(), 0);
 }
