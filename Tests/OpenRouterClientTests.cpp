@@ -29,7 +29,6 @@ class OpenRouterClientTest : public testing::Test {
     OpenRouterClientTest() { store().set(settingsKey::openRouterAPIKey, u" \nsk-test-key-1\n "_s); }
     platform::UserDefaults &store() { return desktop.userDefaults; }
 
-    /// A digest of all messages with their roles.
     std::string digestOf(SuggestionKind kind, const QString &text, const std::optional<QString> &context = {}) {
         QCryptographicHash hash(QCryptographicHash::Sha256);
         for (const Message &message : client.buildMessages(kind, text, context)) {
@@ -43,7 +42,6 @@ class OpenRouterClientTest : public testing::Test {
             SuggestionKind::rewrite, u"dear \"friend\", helo"_s, std::nullopt, u"a/model"_s,
             [this](const QString &chunk) { chunks += chunk; }, std::move(stop));
     }
-    /// What the service says to every request from now on.
     void willAnswer(std::optional<int> status, const QByteArrayList &lines) {
         desktop.urlSession.onRequest([=](SimulatedExchange &exchange) {
             exchange.respond(status);
@@ -53,12 +51,10 @@ class OpenRouterClientTest : public testing::Test {
             exchange.end();
         });
     }
-    /// Streams an answer of these lines.
     QString streamedFrom(std::optional<int> status, const QByteArrayList &lines) {
         willAnswer(status, lines);
         return streamed();
     }
-    /// The description of the error that a call ends with.
     template <typename Call> static QString failureOf(const Call &call) {
         try {
             call();
