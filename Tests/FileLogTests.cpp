@@ -26,7 +26,6 @@ TEST(FileLog, WritesOneTimedLineForEachCall) {
     const SimulatedDesktop desktop;
     FileLog::log(u"first é"_s);
     const std::string time = "[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9][0-9][0-9] ";
-    EXPECT_THAT(content(desktop.process.logPath()), MatchesRegex(time + "first é\n"));
     FileLog::log(QString());
     FileLog::log(u"a\nb"_s);
     EXPECT_THAT(content(desktop.process.logPath()), MatchesRegex(time + "first é\n" + time + "\n" + time + "a\nb\n"));

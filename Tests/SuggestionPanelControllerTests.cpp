@@ -16,7 +16,6 @@ using platform::Point;
 using platform::Rect;
 using platform::Screen;
 using platform::Size;
-using platform::TapEventType;
 using platform::TapVerdict;
 using testing::ElementsAre;
 namespace eventFlag = platform::eventFlag;
@@ -60,8 +59,7 @@ TEST_F(SuggestionPanel, RisesIntoPlaceOnceAndThenChangesWhereItStands) {
 
     cards.height = 700;
     show({card(u"a"_s), card(std::nullopt)});
-    EXPECT_EQ(desktop.panelWindows.frame.size(), (platform::Size{500, 700})) << "taller than there is room above";
-    EXPECT_EQ(desktop.panelWindows.frame.y, 8);
+    EXPECT_EQ(desktop.panelWindows.frame, (Rect{200, 8, 500, 700})) << "taller than there is room above";
     EXPECT_EQ(desktop.panelWindows.animations, 1);
     EXPECT_EQ(desktop.panelWindows.raised, 2);
     EXPECT_THAT(desktop.log(), ElementsAre(u"panel visible (1 cards)"_s));
@@ -133,16 +131,16 @@ TEST_F(SuggestionPanel, TriesForTheKeysAtEachShow) {
     show({card(u"a"_s)});
     desktop.eventTaps.refusesArming = false;
     show({card(u"a"_s)});
-    desktop.eventTaps.disarm(TapEventType::tapDisabledByTimeout);
+    desktop.eventTaps.disarm();
     EXPECT_TRUE(desktop.eventTaps.isArmed());
     desktop.eventTaps.refusesArming = true;
-    desktop.eventTaps.disarm(TapEventType::tapDisabledByUserInput);
+    desktop.eventTaps.disarm();
     desktop.advance(0);
     EXPECT_THAT(desktop.log(), ElementsAre(u"panel visible (1 cards)"_s, tapFailed, tapFailed, tapFailed));
     desktop.eventTaps.refusesArming = false;
     show({card(u"a"_s)});
     controller->hide();
-    desktop.eventTaps.disarm(TapEventType::tapDisabledByTimeout);
+    desktop.eventTaps.disarm();
     EXPECT_FALSE(desktop.eventTaps.isArmed()) << "not while nothing is shown";
 }
 

@@ -219,25 +219,17 @@ TEST_F(RewriteStory, TheFocusMayLeaveForAMoment) {
 TEST_F(RewriteStory, ARecreatedFieldIsTakenForTheSame) {
     type(draft, 600);
     newLog();
-    const auto recreate = [&](double x) {
-        box->gone = true;
-        box = page->add(axRole::textArea, {300 + x, 800, 500, 50});
-        box->setValue(draft);
-        focus(box);
-        desktop.advance(200);
-        return newLog();
-    };
-    EXPECT_EQ(recreate(79.9), QStringList{u"field re-created, adopted (chatApp=true)"_s});
+    box->gone = true;
+    box = page->add(axRole::textArea, {379.9, 800, 500, 50});
+    box->setValue(draft);
+    focus(box);
+    desktop.advance(200);
+    EXPECT_THAT(newLog(), ElementsAre(u"field re-created, adopted (chatApp=true)"_s));
     EXPECT_TRUE(panelVisible());
     finish(0, rewrite);
     EXPECT_FALSE(desktop.press(keyCode::tab));
     desktop.advance(3000);
     EXPECT_EQ(box->value(), rewrite) << "the cards were shown for the field that is gone";
-    type(draft, 600);
-    newLog();
-    EXPECT_EQ(recreate(79.9 + 80),
-              QStringList{u"focus -> AXTextArea in Chromium [WhatsApp], textElement=true, chat app"_s});
-    EXPECT_FALSE(panelVisible());
 }
 
 TEST_F(RewriteStory, SwitchesCountFromTheNextTick) {
@@ -340,9 +332,7 @@ TEST_F(CompareStory, TheDebugSwitchAcceptsOnceBothHaveEnded) {
     finish(haiku(), rewrite);
     EXPECT_EQ(newLog().last(), u"debug: auto-accepting card 0"_s);
     EXPECT_FALSE(desktop.userDefaults.boolean(settingsKey::debugAcceptOnce));
-    desktop.advance(590);
-    EXPECT_TRUE(panelVisible());
-    desktop.advance(1000);
+    desktop.advance(1590);
     EXPECT_EQ(box->value(), rewrite);
 }
 

@@ -93,13 +93,6 @@ class SimulatedElement final : public platform::AXElementBackend {
             const auto parent = m_node->m_parent.lock();
             return parent ? std::optional<platform::AXValue>(parent->element()) : std::nullopt;
         }
-        if (attribute == platform::AXAttribute::children) {
-            std::vector<platform::AXUIElement> children;
-            for (const auto &child : m_node->m_children) {
-                children.push_back(child->element());
-            }
-            return children;
-        }
         const auto found = m_node->m_attributes.find(attribute);
         return found == m_node->m_attributes.end() ? std::nullopt : std::optional(found->second);
     }

@@ -22,9 +22,9 @@ class SimulatedEventTaps final : public platform::EventTaps {
         return m_armed ? m_callback({platform::TapEventType::keyDown, key, flags}) : platform::TapVerdict::pass;
     }
     /// The system takes the tap out of service and says so.
-    void disarm(platform::TapEventType notice) {
+    void disarm() {
         m_armed = false;
-        m_callback({notice, 0, 0});
+        m_callback({platform::TapEventType::tapDisabledByUserInput, 0, 0});
     }
     [[nodiscard]] bool isArmed() const { return m_armed; }
 

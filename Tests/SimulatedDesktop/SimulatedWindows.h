@@ -30,7 +30,6 @@ class SimulatedApplication final : public platform::Application {
         }
         return texts;
     }
-    /// Presses a button of the last alert.
     void answer(int button) {
         std::exchange(m_answers.back(), [](int) {})(button);
     }
@@ -108,7 +107,6 @@ class SimulatedCards {
     SuggestionCards shown;
     double width = 0;
     int renders = 0;
-    /// The height of what is shown, in points.
     double height = 120;
     std::function<void(int)> clickAccept;
     std::function<void()> clickDismiss;
