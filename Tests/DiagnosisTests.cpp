@@ -26,7 +26,6 @@ QString utf16(const char *utf8) {
 
 ApplicationFacts program(const char *bundle, std::vector<PageFacts> pages, bool isWhole = true) {
     ApplicationFacts facts;
-    facts.pid = 1;
     facts.name = facts.bundleIdentifier = utf16(bundle);
     facts.isOnBus = true;
     facts.hasX11Window = true;

@@ -3,10 +3,6 @@
 #include "MonitorStory.h"
 #include "Quillory/Commands/InspectCommand.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <sstream>
 
 using namespace Qt::StringLiterals;

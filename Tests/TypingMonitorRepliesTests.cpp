@@ -4,7 +4,6 @@
 #include "Quillory/Records/ChoiceStats.h"
 
 #include <QFile>
-#include <QJsonArray>
 
 using namespace Qt::StringLiterals;
 

@@ -12,7 +12,6 @@ namespace quillory {
 namespace {
 
 using platform::AXAttribute;
-using platform::Rect;
 using test::Node;
 using test::text;
 using testing::ElementsAre;

@@ -60,7 +60,6 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
     }
     SimulatedNode &setValue(const QString &value) { return set(platform::AXAttribute::value, value); }
     [[nodiscard]] QString value() const { return attribute<QString>(platform::AXAttribute::value).value_or(QString()); }
-    /// Replaces the value as an application does it that is told to.
     bool write(const QString &text) {
         const auto outcome = onWrite(text);
         if (outcome) {
@@ -152,7 +151,6 @@ inline platform::AXUIElement SimulatedNode::element() {
     return platform::AXUIElement(std::make_shared<SimulatedElement>(shared_from_this()));
 }
 
-/// The applications of a simulated desktop, their windows and the keyboard focus.
 class SimulatedApplications final : public platform::Accessibility, public platform::Workspace {
   public:
     bool trusted = true;

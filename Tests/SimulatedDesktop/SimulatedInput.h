@@ -17,7 +17,6 @@ class SimulatedEventTaps final : public platform::EventTaps {
     bool refusesCreation = false;
     bool refusesArming = false;
 
-    /// The user presses a key: what the armed tap says, or pass when there is none.
     platform::TapVerdict press(platform::KeyCode key, platform::EventFlags flags = 0) {
         return m_armed ? m_callback({platform::TapEventType::keyDown, key, flags}) : platform::TapVerdict::pass;
     }
@@ -67,7 +66,6 @@ class SimulatedPasteboard final : public platform::Pasteboard {
         ++m_fetchCount;
         return string();
     }
-    /// The user copies something in another application.
     void copy(platform::PasteboardItems content) {
         items = std::move(content);
         ++m_changeCount;

@@ -41,7 +41,6 @@ class SimulatedExchange {
             m_lines.push_back(line);
         });
     }
-    /// Sends the next piece of a streamed answer, as the model service would.
     void piece(const QString &content) {
         const QJsonObject choice{{u"delta"_s, QJsonObject{{u"content"_s, content}}}};
         const QJsonDocument event(QJsonObject{{u"choices"_s, QJsonArray{choice}}});

@@ -66,7 +66,6 @@ class SimulatedPanelWindows final : public platform::PanelWindows {
   public:
     bool visible = false;
     platform::Rect frame;
-    /// How often it was put above the other windows.
     int raised = 0;
     int animations = 0;
 
