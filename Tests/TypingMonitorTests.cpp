@@ -4,8 +4,6 @@
 #include "Quillory/Monitor/DraftRules.h"
 #include "Quillory/Records/ChoiceStats.h"
 
-#include <QFile>
-
 using namespace Qt::StringLiterals;
 
 namespace quillory {
@@ -308,9 +306,8 @@ TEST_F(CompareStory, OneModelMayFailWhileTheOtherGoesOn) {
     EXPECT_FALSE(desktop.press(keyCode::tab));
     desktop.advance(1000);
     EXPECT_THAT(desktop.typed, testing::SizeIs(2));
-    QFile choices(ChoiceStats::fileURL(desktop.process.homeDirectory()));
-    ASSERT_TRUE(choices.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(choices.readAll().endsWith(",google/gemini-2.5-flash-lite,0.30,anthropic/claude-haiku-4.5=\n"));
+    const QByteArray choices = test::contentOf(ChoiceStats::fileURL(desktop.process.homeDirectory()));
+    EXPECT_TRUE(choices.endsWith(",google/gemini-2.5-flash-lite,0.30,anthropic/claude-haiku-4.5=\n"));
 }
 
 TEST_F(CompareStory, WhenBothFailThePanelGoes) {
