@@ -74,6 +74,9 @@ TEST_F(InspectStory, WaitsForAMessageBoxAndSaysWhyNothingWouldBeSent) {
     page->addText(text("\x1B[2J\x07gone?"), {300, 100, 100, 20});
     EXPECT_EQ(inspect({}), exitStatus::success);
     EXPECT_THAT(output.str(), HasSubstr("«customer» ?[2J?gone?"));
+    page->set(platform::AXAttribute::url, QUrl(u"https://example.com/"_s));
+    inspect({});
+    EXPECT_THAT(output.str(), HasSubstr("not a WhatsApp message box"));
     for (const QStringList &wrong : {QStringList{u"--wait"_s}, {u"--wait"_s, u"-1"_s}, {u"now"_s}}) {
         EXPECT_EQ(inspect(wrong), exitStatus::misuse);
     }
