@@ -23,13 +23,8 @@ struct AXTextTest : testing::Test {
 };
 
 TEST_F(AXTextTest, KnowsTextElementsByRoleOrByAWritableString) {
-    struct Case {
-        QLatin1StringView role;
-        std::optional<platform::AXValue> value;
-        bool settable;
-        bool isText;
-    };
     const auto group = QLatin1StringView("AXGroup");
+    using Case = std::tuple<QLatin1StringView, std::optional<platform::AXValue>, bool, bool>;
     for (const auto &[role, value, settable, isText] : std::vector<Case>{
              {axRole::textField, {}, false, true},
              {axRole::textArea, {}, false, true},
@@ -60,12 +55,11 @@ TEST_F(AXTextTest, TellsABrowsersOwnFieldsByTheirAncestors) {
     inner = inner->add(QLatin1StringView("AXGroup"));
     EXPECT_TRUE(ax.isBrowserUIField(inner->add(axRole::textArea)->element())) << "the page is the 31st ancestor";
 
-    const auto bundleOf = [&](const char *bundle) {
-        return desktop.applications.launch({2, QString::fromUtf8(bundle), {}}, {})->element();
+    const auto windowOf = [&](const QString &bundle) {
+        return desktop.applications.launch({2, bundle, {}}, {})->element();
     };
-    EXPECT_TRUE(ax.isBrowserApp(bundleOf("com.google.Chrome.beta")));
-    EXPECT_FALSE(ax.isBrowserApp(bundleOf("com.google.chrome")));
-    EXPECT_FALSE(ax.isBrowserUIField(bundleOf("org.example.editor")));
+    EXPECT_TRUE(ax.isBrowserApp(windowOf(u"com.google.Chrome.beta"_s)));
+    EXPECT_FALSE(ax.isBrowserUIField(windowOf(u"org.example.editor"_s)));
 }
 
 TEST_F(AXTextTest, ConvertsFramesAndNeedsThemWhole) {

@@ -26,9 +26,7 @@ QString utf16(const char *utf8) {
 
 ApplicationFacts program(const char *bundle, std::vector<PageFacts> pages, bool isWhole = true) {
     ApplicationFacts facts;
-    facts.pid = 1;
-    facts.name = utf16(bundle);
-    facts.bundleIdentifier = utf16(bundle);
+    facts.name = facts.bundleIdentifier = utf16(bundle);
     facts.isOnBus = true;
     facts.hasX11Window = true;
     facts.tree = {.pages = std::move(pages), .isWhole = isWhole};
@@ -117,25 +115,18 @@ TEST_F(Diagnosis, TellsWhatStandsInTheWayFromWhatIsWorthKnowing) {
 }
 
 TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
-    struct Case {
-        ApplicationFacts facts;
-        State state;
-        const char *says;
-    };
     ApplicationFacts unlisted = program("org.mozilla.firefox", {});
     unlisted.isOnBus = false;
     unlisted.tree.reset();
     ApplicationFacts hung = program("org.mozilla.firefox", {});
     hung.tree.reset();
-    const Case cases[]{
+    const std::tuple<ApplicationFacts, State, const char *> cases[]{
         {program("org.chromium.Chromium", {otherPage, chat}), State::good, "its message box were"},
         {program("org.chromium.Chromium", {chat}, false), State::good, "its message box were"},
         {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXTextField", {})}), State::good, "its message"},
         {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXTextArea", 140)}), State::note,
          "no message box"},
         {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXSearchField", 820)}), State::note, "no message"},
-        {program("org.chromium.Chromium", {page("web.whatsapp.com", "AXSecureTextField", 820)}), State::note,
-         "no mess"},
         {program("org.chromium.Chromium", {}, false), State::note, "too slowly"},
         {program("org.chromium.Chromium", {otherPage}), State::note, "none of them is WhatsApp"},
         {program("net.whatsapp.zapzap", {page("", "AXTextArea", 820)}), State::good, "its message box were"},
@@ -159,40 +150,42 @@ TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
     EXPECT_FALSE(works());
 }
 
-/// A desktop whose accessibility is off until it is switched on.
-struct RepairableDesktop final : platform::DesktopExamination, platform::DesktopRepair {
-    DesktopFacts facts;
-    [[nodiscard]] DesktopFacts examine(const std::stop_token & /*stop*/) override { return facts; }
+/// Commands on a desktop whose accessibility is off until it is switched on.
+struct SetupCommands : Diagnosis, platform::DesktopExamination, platform::DesktopRepair {
+    test::SimulatedDesktop simulated;
+    CommandServices services;
+    std::istringstream input;
+    std::ostringstream output;
+    std::ostringstream errors;
+
+    void SetUp() override {
+        Diagnosis::SetUp();
+        desktop.isAccessibilityEnabled = false;
+        simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
+        services.accessModel = [this] {
+            return std::shared_ptr<ModelAccess>(std::shared_ptr<void>(), &simulated.modelAccess);
+        };
+        services.examination = this;
+        services.repair = this;
+        services.setUpInWindow = [] { return std::nullopt; };
+    }
+    [[nodiscard]] DesktopFacts examine(const std::stop_token & /*stop*/) override { return desktop; }
     [[nodiscard]] std::vector<ApplicationFacts> examineApplications(const std::stop_token & /*stop*/) override {
-        return facts.applications;
+        return desktop.applications;
     }
     bool enableAccessibility(const std::stop_token & /*stop*/) override {
-        facts.isAccessibilityEnabled = facts.isAccessibilityKept = true;
+        desktop.isAccessibilityEnabled = desktop.isAccessibilityKept = true;
         return true;
     }
     bool setStartsAtLogin(bool starts) override {
-        facts.startsAtLogin = starts;
+        desktop.startsAtLogin = starts;
         return true;
     }
     bool start(const std::stop_token & /*stop*/) override { return false; }
 };
 
-TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
-    test::SimulatedDesktop simulated;
+TEST_F(SetupCommands, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     simulated.userDefaults.set(settingsKey::openRouterAPIKey, utf16("sk-secret"));
-    simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
-    RepairableDesktop repairable;
-    repairable.facts = desktop;
-    repairable.facts.isAccessibilityEnabled = false;
-    std::istringstream input;
-    std::ostringstream output;
-    std::ostringstream errors;
-    CommandServices services;
-    services.accessModel = [&] {
-        return std::shared_ptr<ModelAccess>(std::shared_ptr<void>(), &simulated.modelAccess);
-    };
-    services.examination = &repairable;
-    services.repair = &repairable;
     const auto doctor = [&](const QStringList &arguments) {
         return runDoctorCommand(arguments, services, {input, output, errors});
     };
@@ -200,48 +193,35 @@ TEST_F(Diagnosis, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
     EXPECT_EQ(doctor({utf16("--fix"), utf16("--json")}), exitStatus::success);
     EXPECT_THAT(errors.str(), HasSubstr("Switched accessibility on."));
     errors.str({});
-    repairable.facts.isAccessibilityKept = repairable.facts.isRunning = false;
+    desktop.isAccessibilityKept = desktop.isRunning = false;
     EXPECT_EQ(doctor({utf16("--fix")}), exitStatus::success);
     EXPECT_EQ(errors.str(), "Accessibility stays on at the next login.\n");
     EXPECT_THAT(output.str(), testing::EndsWith("ready to be started.\n"));
     simulated.userDefaults.set(settingsKey::enabled, false);
     EXPECT_EQ(doctor({}), exitStatus::failure);
     EXPECT_EQ(doctor({utf16("--fix"), utf16("now")}), exitStatus::misuse);
-    EXPECT_FALSE(repairable.facts.startsAtLogin);
+    EXPECT_FALSE(desktop.startsAtLogin);
     EXPECT_THAT(output.str(), testing::Not(HasSubstr("sk-secret")));
     for (const auto &[name, value] : simulated.urlSession.exchange(0)->request().headers) {
         EXPECT_FALSE(value.contains("sk-secret")) << name.toStdString();
     }
     EXPECT_EQ(runAutostartCommand({utf16("on")}, services, {input, output, errors}), exitStatus::success);
-    EXPECT_TRUE(repairable.facts.startsAtLogin);
+    EXPECT_TRUE(desktop.startsAtLogin);
 }
 
-TEST_F(Diagnosis, TheTerminalAsksForWhatIsMissing) {
-    test::SimulatedDesktop simulated;
-    simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
-    RepairableDesktop repairable;
-    repairable.facts = desktop;
-    repairable.facts.isAccessibilityEnabled = repairable.facts.isAccessibilityKept = false;
-    CommandServices services;
-    services.accessModel = [&] {
-        return std::shared_ptr<ModelAccess>(std::shared_ptr<void>(), &simulated.modelAccess);
-    };
-    services.examination = &repairable;
-    services.repair = &repairable;
-    services.setUpInWindow = [] { return std::nullopt; };
+TEST_F(SetupCommands, TheTerminalAsksForWhatIsMissing) {
+    desktop.isAccessibilityKept = false;
     // Accessibility, autostart, a key that is none, the key, whether to try it.
-    std::istringstream input("\n\nsk and more\n  sk-secret \nn\n");
-    std::ostringstream output;
-    std::ostringstream errors;
+    input.str("\n\nsk and more\n  sk-secret \nn\n");
     EXPECT_EQ(runSetupCommand({}, services, {input, output, errors}), exitStatus::success);
     EXPECT_EQ(simulated.userDefaults.string(settingsKey::openRouterAPIKey), utf16("sk-secret"));
-    EXPECT_TRUE(*repairable.facts.isAccessibilityEnabled);
-    EXPECT_FALSE(repairable.facts.startsAtLogin);
+    EXPECT_TRUE(*desktop.isAccessibilityEnabled);
+    EXPECT_FALSE(desktop.startsAtLogin);
     EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("copy the key again."), testing::Not(HasSubstr("sk"))));
     std::istringstream nothing;
-    repairable.facts.isAccessibilityEnabled = false;
+    desktop.isAccessibilityEnabled = false;
     EXPECT_EQ(runSetupCommand({}, services, {nothing, output, errors}), exitStatus::failure);
-    EXPECT_FALSE(*repairable.facts.isAccessibilityEnabled) << "an input that ends agrees to nothing";
+    EXPECT_FALSE(*desktop.isAccessibilityEnabled) << "an input that ends agrees to nothing";
 }
 
 } // namespace

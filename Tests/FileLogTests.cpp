@@ -3,8 +3,6 @@
 #include "Quillory/Records/FileLog.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
 
-#include <QFile>
-
 #include <gmock/gmock.h>
 
 #include <thread>
@@ -15,21 +13,14 @@ using namespace Qt::StringLiterals;
 
 using testing::MatchesRegex;
 
-namespace {
-std::string content(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "(none)";
-}
-} // namespace
-
 TEST(FileLog, WritesOneTimedLineForEachCall) {
     const SimulatedDesktop desktop;
     FileLog::log(u"first é"_s);
     const std::string time = "[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9][0-9][0-9] ";
-    EXPECT_THAT(content(desktop.process.logPath()), MatchesRegex(time + "first é\n"));
     FileLog::log(QString());
     FileLog::log(u"a\nb"_s);
-    EXPECT_THAT(content(desktop.process.logPath()), MatchesRegex(time + "first é\n" + time + "\n" + time + "a\nb\n"));
+    EXPECT_THAT(contentOf(desktop.process.logPath()).toStdString(),
+                MatchesRegex(time + "first é\n" + time + "\n" + time + "a\nb\n"));
 }
 
 TEST(FileLog, LinesOfSeveralThreadsStayWhole) {

@@ -2,11 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "MonitorStory.h"
 #include "Quillory/Commands/InspectCommand.h"
-#include "Quillory/Commands/RequestPlan.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <sstream>
 
@@ -75,36 +70,16 @@ TEST_F(InspectStory, WaitsForAMessageBoxAndSaysWhyNothingWouldBeSent) {
     EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("belongs to the browser itself"), Not(HasSubstr("a secret"))));
     meanwhile = [this] { focus(box); };
     EXPECT_EQ(inspect({u"--wait"_s, u"600"_s}), exitStatus::success);
+    EXPECT_THAT(output.str(), HasSubstr("no conversation"));
     page->addText(text("\x1B[2J\x07gone?"), {300, 100, 100, 20});
     EXPECT_EQ(inspect({}), exitStatus::success);
     EXPECT_THAT(output.str(), HasSubstr("«customer» ?[2J?gone?"));
+    page->set(platform::AXAttribute::url, QUrl(u"https://example.com/"_s));
+    inspect({});
+    EXPECT_THAT(output.str(), HasSubstr("not a WhatsApp message box"));
     for (const QStringList &wrong : {QStringList{u"--wait"_s}, {u"--wait"_s, u"-1"_s}, {u"now"_s}}) {
         EXPECT_EQ(inspect(wrong), exitStatus::misuse);
     }
-}
-
-// The gate itself has its own tests.
-TEST(RequestPlan, SaysWhatIsSentOrWhyNothingIs) {
-    FieldSituation field{.enabled = true,
-                         .assistantMode = true,
-                         .isTextElement = true,
-                         .isBrowserUI = false,
-                         .isChat = true,
-                         .length = 10,
-                         .value = u"helo there"_s,
-                         .placeholder = u"Type a message"_s,
-                         .conversation = u"hi"_s,
-                         .minChars = 8,
-                         .maxChars = 20};
-    EXPECT_EQ(planRequest(field).kind, SuggestionKind::rewrite);
-    EXPECT_EQ(planRequest(field).context, u"hi"_s);
-    field.value = u"Type a message\n"_s;
-    EXPECT_EQ(planRequest(field).kind, SuggestionKind::reply);
-    EXPECT_EQ(planRequest(field).source, u"hi"_s);
-    field.conversation.reset();
-    EXPECT_THAT(planRequest(field).whyNot.toStdString(), HasSubstr("no conversation"));
-    field.isChat = false;
-    EXPECT_THAT(planRequest(field).whyNot.toStdString(), HasSubstr("not a WhatsApp message box"));
 }
 
 } // namespace

@@ -16,17 +16,12 @@ using namespace Qt::StringLiterals;
 namespace quillory {
 namespace {
 
-ChoiceRecord record(const ChoiceEntry &chosen, const std::vector<ChoiceEntry> &others = {}) {
-    return {chosen, others};
-}
-
 TEST(ChoiceRecords, ReadsWhatTheFormatCanTellApart) {
     const std::pair<const char *, std::optional<ChoiceRecord>> cases[]{
-        {"a/b,1.23,c/d=2.50", record({u"a/b"_s, 1.23}, {{u"c/d"_s, 2.5}})},
-        {"a,,", record({u"a"_s, {}})},
-        {"a,0.40,b=;c=12.00", record({u"a"_s, 0.4}, {{u"b"_s, {}}, {u"c"_s, 12.0}})},
-        {"a,b;c,1.00,d,e;f=2.00", record({u"a,b;c"_s, 1.0}, {{u"d,e;f"_s, 2.0}})},
-        {"a=1.00;b,1.00,x=y=2.00", record({u"a=1.00;b"_s, 1.0}, {{u"x=y"_s, 2.0}})},
+        {"a,,", ChoiceRecord{{u"a"_s, {}}, {}}},
+        {"a/b,0.40,b=;c=12.00", ChoiceRecord{{u"a/b"_s, 0.4}, {{u"b"_s, {}}, {u"c"_s, 12.0}}}},
+        {"a,b;c,1.00,d,e;f=2.00", ChoiceRecord{{u"a,b;c"_s, 1.0}, {{u"d,e;f"_s, 2.0}}}},
+        {"a=1.00;b,1.00,x=y=2.00", ChoiceRecord{{u"a=1.00;b"_s, 1.0}, {{u"x=y"_s, 2.0}}}},
         {"a,1.00", std::nullopt},
         {"a,1.0,", std::nullopt},
         {"a,1.00,b", std::nullopt},

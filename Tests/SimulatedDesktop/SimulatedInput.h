@@ -16,22 +16,18 @@ class SimulatedEventTaps final : public platform::EventTaps {
     /// Another program holds the keys: no tap can be made, or none can be armed.
     bool refusesCreation = false;
     bool refusesArming = false;
-    /// How often a tap was asked for.
-    int requests = 0;
 
-    /// The user presses a key: what the armed tap says, or pass when there is none.
     platform::TapVerdict press(platform::KeyCode key, platform::EventFlags flags = 0) {
         return m_armed ? m_callback({platform::TapEventType::keyDown, key, flags}) : platform::TapVerdict::pass;
     }
     /// The system takes the tap out of service and says so.
-    void disarm(platform::TapEventType notice) {
+    void disarm() {
         m_armed = false;
-        m_callback({notice, 0, 0});
+        m_callback({platform::TapEventType::tapDisabledByUserInput, 0, 0});
     }
     [[nodiscard]] bool isArmed() const { return m_armed; }
 
     [[nodiscard]] std::unique_ptr<platform::EventTap> create(platform::TapCallback callback) override {
-        ++requests;
         m_callback = std::move(callback);
         return refusesCreation ? nullptr : std::make_unique<Tap>(*this);
     }
@@ -70,7 +66,6 @@ class SimulatedPasteboard final : public platform::Pasteboard {
         ++m_fetchCount;
         return string();
     }
-    /// The user copies something in another application.
     void copy(platform::PasteboardItems content) {
         items = std::move(content);
         ++m_changeCount;

@@ -13,6 +13,12 @@ namespace quillory::test {
 
 using namespace Qt::StringLiterals;
 
+/// Empty when the file cannot be read.
+inline QByteArray contentOf(const QString &path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 /// A process with a throwaway home folder, in which the folders that the program expects are made. Set its variables
 /// and information before other threads ask.
 class SimulatedProcess final : public platform::Process {
@@ -36,11 +42,7 @@ class SimulatedProcess final : public platform::Process {
     [[nodiscard]] QString logPath() const { return m_home.filePath(u"Library/Logs/Quillory.log"_s); }
     /// The lines of the log so far, without their times.
     [[nodiscard]] QStringList logMessages() const {
-        QFile file(logPath());
-        QStringList lines;
-        if (file.open(QIODevice::ReadOnly)) {
-            lines = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
-        }
+        QStringList lines = QString::fromUtf8(contentOf(logPath())).split(u'\n', Qt::SkipEmptyParts);
         for (QString &line : lines) {
             line.remove(0, QLatin1StringView("HH:mm:ss.SSS ").size());
         }

@@ -24,7 +24,6 @@ class SimulatedExchange {
     explicit SimulatedExchange(const platform::URLRequest &request) : m_request(request) {}
 
     [[nodiscard]] const platform::URLRequest &request() const { return m_request; }
-    /// The body of the request as a JSON object.
     [[nodiscard]] QJsonObject json() const { return QJsonDocument::fromJson(m_request.body).object(); }
 
     /// Sends the head of the answer; without a status it is not HTTP. Left out, the first line brings a 200.
@@ -42,13 +41,11 @@ class SimulatedExchange {
             m_lines.push_back(line);
         });
     }
-    /// Sends the next piece of a streamed answer, as the model service would.
     void piece(const QString &content) {
         const QJsonObject choice{{u"delta"_s, QJsonObject{{u"content"_s, content}}}};
         const QJsonDocument event(QJsonObject{{u"choices"_s, QJsonArray{choice}}});
         line("data: " + event.toJson(QJsonDocument::Compact));
     }
-    /// Ends the body.
     void end() {
         update([&] { m_headSent = m_ended = true; });
     }
@@ -56,7 +53,6 @@ class SimulatedExchange {
     void fail(const QString &message) {
         update([&] { m_failure = message; });
     }
-    /// Sends these pieces, "[DONE]" and the end.
     void answer(const QStringList &pieces) {
         for (const QString &content : pieces) {
             piece(content);
@@ -81,7 +77,6 @@ class SimulatedExchange {
 
   private:
     friend class SimulatedByteStream;
-    /// Changes something and wakes who waits.
     void update(const std::function<void()> &change) {
         const std::scoped_lock lock(m_mutex);
         change();

@@ -18,9 +18,11 @@ class SimulatedUserDefaults final : public platform::UserDefaults, public platfo
   public:
     /// While set, nothing reaches the disk.
     std::atomic<bool> diskIsFull = false;
-    /// What was written, without the registered defaults.
-    [[nodiscard]] Values stored() const { return copyOf(m_stored); }
-    [[nodiscard]] Values registered() const { return copyOf(m_registered); }
+    /// Without the registered defaults.
+    [[nodiscard]] Values stored() const {
+        const std::scoped_lock lock(m_mutex);
+        return m_stored;
+    }
 
     void registerDefaults(const Values &defaults) override {
         const std::scoped_lock lock(m_mutex);
@@ -56,11 +58,6 @@ class SimulatedUserDefaults final : public platform::UserDefaults, public platfo
         }
         return std::nullopt;
     }
-    [[nodiscard]] Values copyOf(const Values &values) const {
-        const std::scoped_lock lock(m_mutex);
-        return values;
-    }
-
     mutable std::mutex m_mutex;
     Values m_stored;
     Values m_registered;

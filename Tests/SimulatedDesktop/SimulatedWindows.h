@@ -30,7 +30,6 @@ class SimulatedApplication final : public platform::Application {
         }
         return texts;
     }
-    /// Presses a button of the last alert.
     void answer(int button) {
         std::exchange(m_answers.back(), [](int) {})(button);
     }
@@ -62,29 +61,15 @@ class SimulatedApplication final : public platform::Application {
     std::vector<std::function<void(int)>> m_answers;
 };
 
-/// The one panel window of a simulated desktop, as its user sees it. Animations end at once and are remembered.
+/// The one panel window of a simulated desktop, as its user sees it. Animations end at once and are counted.
 class SimulatedPanelWindows final : public platform::PanelWindows {
   public:
-    struct Animation {
-        platform::Point from;
-        platform::Point to;
-        double fromAlpha = 0;
-        double toAlpha = 0;
-        std::chrono::milliseconds duration{};
-        friend bool operator==(const Animation &, const Animation &) = default;
-    };
-
-    int made = 0;
     bool visible = false;
     platform::Rect frame;
-    /// How often it was put above the other windows.
     int raised = 0;
-    std::vector<Animation> animations;
+    int animations = 0;
 
-    [[nodiscard]] std::unique_ptr<platform::PanelWindow> create() override {
-        ++made;
-        return std::make_unique<Window>(*this);
-    }
+    [[nodiscard]] std::unique_ptr<platform::PanelWindow> create() override { return std::make_unique<Window>(*this); }
 
   private:
     struct Window final : platform::PanelWindow {
@@ -100,20 +85,18 @@ class SimulatedPanelWindows final : public platform::PanelWindows {
             desktop.frame = {origin.x, origin.y, desktop.frame.width, desktop.frame.height};
         }
         [[nodiscard]] platform::Rect frame() const override { return desktop.frame; }
-        void setAlpha(double newAlpha) override { alpha = newAlpha; }
+        void setAlpha(double /*alpha*/) override {}
         void orderFrontRegardless() override {
             desktop.visible = true;
             ++desktop.raised;
         }
         void orderOut() override { desktop.visible = false; }
         [[nodiscard]] bool isVisible() const override { return desktop.visible; }
-        void animate(platform::Point origin, double toAlpha, std::chrono::milliseconds duration) override {
-            desktop.animations.push_back({desktop.frame.origin(), origin, alpha, toAlpha, duration});
+        void animate(platform::Point origin, double /*alpha*/, std::chrono::milliseconds /*duration*/) override {
+            ++desktop.animations;
             setFrameOrigin(origin);
-            alpha = toAlpha;
         }
         SimulatedPanelWindows &desktop;
-        double alpha = 1;
     };
 };
 
@@ -123,12 +106,10 @@ class SimulatedCards {
     SuggestionCards shown;
     double width = 0;
     int renders = 0;
-    /// The height of what is shown, in points.
     double height = 120;
     std::function<void(int)> clickAccept;
     std::function<void()> clickDismiss;
 
-    /// To be handed to whatever makes the cards' view.
     [[nodiscard]] MakeSuggestionHost maker() {
         return [this] { return std::make_unique<Host>(*this); };
     }
