@@ -276,6 +276,29 @@ TEST(CurlURLSession, SlowsDownAServerThatIsFasterThanItsReader) {
     EXPECT_EQ(readAll(*stream), Lines(blocks * 100U, QByteArray(639, 'x')));
 }
 
+TEST(CurlURLSession, StreamsManyAnswersAtOnce) {
+    LoopbackServer server([](LoopbackConnection &connection) {
+        while (!connection.readRequest().isEmpty()) {
+            connection.send(chunkedHead);
+            for (int line = 0; line < 300; ++line) {
+                connection.sendChunk(QByteArray::number(line) + "\r\n");
+            }
+            connection.send("0\r\n\r\n");
+        }
+    });
+    CurlURLSession session;
+    std::vector<std::future<Lines>> readers;
+    for (int reader = 0; reader < 12; ++reader) {
+        readers.push_back(
+            std::async(std::launch::async, [&] { return readAll(*session.bytes(requestTo(server.url()), {})); }));
+    }
+    for (auto &reader : readers) {
+        const Lines lines = reader.get();
+        ASSERT_EQ(lines.size(), 300U);
+        EXPECT_EQ(lines.back(), "299");
+    }
+}
+
 /// Asks for an answer, stops once the condition holds, and tells whether the call was cancelled.
 template <typename Ready> bool isCancelled(CurlURLSession &session, const QUrl &url, Ready ready) {
     std::stop_source stop;
