@@ -96,10 +96,7 @@ TEST_F(FileUserDefaultsTest, ReadsWhatAHandWroteAndKeepsWhatItDoesNotKnow) {
 }
 
 TEST_F(FileUserDefaultsTest, ABrokenFileIsKeptAndTheDefaultsHold) {
-    const QByteArray cases[]{"",
-                             "{\"tone\": \"Fri",
-                             "{\"tone\": \"\xff\"}",
-                             QByteArray(9 << 20, ' '),
+    const QByteArray cases[]{"", "{\"tone\": \"Fri", "{\"tone\": \"\xff\"}", QByteArray(9 << 20, ' '),
                              "{\"a\":" + QByteArray(50'000, '[')};
     for (const QByteArray &broken : cases) {
         putOnDisk(broken);
