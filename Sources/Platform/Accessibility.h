@@ -92,10 +92,10 @@ class AXElementBackend {
     /// The value of an attribute.
     [[nodiscard]] virtual std::optional<AXValue> copyAttributeValue(AXAttribute attribute) const = 0;
     /// Whether the attribute can be written.
-    [[nodiscard]] virtual bool isAttributeSettable(AXAttribute attribute) const = 0;
+    [[nodiscard]] virtual bool isAttributeSettable(AXAttribute /*attribute*/) const { return false; }
     /// Writes an attribute; false when the application refused or did not answer. Reads that follow see the outcome,
     /// not a remembered value.
-    virtual bool setAttributeValue(AXAttribute attribute, const AXValue &value) const = 0;
+    virtual bool setAttributeValue(AXAttribute /*attribute*/, const AXValue & /*value*/) const { return false; }
     /// The identifier of the process that shows the element; 0 when unknown. Asks nobody.
     [[nodiscard]] virtual qint32 pid() const = 0;
     /// Whether both handles stand for one element. Asks nobody.
@@ -103,11 +103,13 @@ class AXElementBackend {
     /// The element and what lies below it, each element before its children and children in their order, cut off at
     /// the limits: exactly the first nodes that a walk in that order would meet. Empty when it cannot be read in time;
     /// a recent one may be there a moment later.
-    [[nodiscard]] virtual std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits limits,
-                                                                 AXFreshness freshness) const = 0;
+    [[nodiscard]] virtual std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits /*limits*/,
+                                                                 AXFreshness /*freshness*/) const {
+        return {};
+    }
     /// Announces a copySubtree() of a recent outcome. If the subtree is known to have changed, a copy older than the
     /// freshness given will not do for it. Never waits.
-    virtual void prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness) const = 0;
+    virtual void prepareSubtree(AXSubtreeLimits /*limits*/, AXFreshness /*freshness*/) const {}
 };
 
 /// A handle on one element (a window, a field, a text, a whole application) of some application's accessibility tree.
@@ -128,8 +130,6 @@ class AXUIElement {
     void prepareSubtree(AXSubtreeLimits limits, AXFreshness freshness) const {
         m_backend->prepareSubtree(limits, freshness);
     }
-    /// For the desktop layer, which knows what it put in.
-    [[nodiscard]] const AXElementBackend &backend() const { return *m_backend; }
 
     friend bool operator==(const AXUIElement &a, const AXUIElement &b) { return a.m_backend->isEqual(*b.m_backend); }
 

@@ -4,6 +4,8 @@
 
 #include "Platform/Linux/Accessibility/ElementQueries.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace platform::desktop::atspi {
@@ -59,7 +61,7 @@ class Element final : public AXElementBackend {
     Handle m_handle;
 };
 
-/// The desktop as a whole (without a process) or a whole application.
+/// The desktop as a whole (without a process) or a whole application. A bulk read starts at a window or a page.
 class RootElement final : public AXElementBackend {
   public:
     RootElement(std::shared_ptr<AccessibilityCore> core, std::optional<qint32> pid)
@@ -71,16 +73,11 @@ class RootElement final : public AXElementBackend {
         auto focused = attribute == AXAttribute::focusedUIElement ? m_core->focusedElement() : std::nullopt;
         return focused ? std::optional<AXValue>(std::move(*focused)) : std::nullopt;
     }
-    [[nodiscard]] bool isAttributeSettable(AXAttribute) const override { return false; }
-    bool setAttributeValue(AXAttribute, const AXValue &) const override { return false; }
     [[nodiscard]] qint32 pid() const override { return m_pid.value_or(0); }
     [[nodiscard]] bool isEqual(const AXElementBackend &other) const override {
         const auto *root = dynamic_cast<const RootElement *>(&other);
         return root != nullptr && root->m_pid == m_pid;
     }
-    /// Empty: a read starts at a window or a page.
-    [[nodiscard]] std::vector<AXSubtreeNode> copySubtree(AXSubtreeLimits, AXFreshness) const override { return {}; }
-    void prepareSubtree(AXSubtreeLimits, AXFreshness) const override {}
 
   private:
     std::shared_ptr<AccessibilityCore> m_core;
@@ -92,10 +89,11 @@ template <class T> std::optional<AXValue> given(const std::optional<T> &value) {
 }
 } // namespace
 
-AccessibilityCore::AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints,
-                                     AskActiveWindow activeWindow)
-    : m_ownPid(ownPid), m_inPoints(std::move(inPoints)), m_activeWindow(std::move(activeWindow)),
-      m_reader(std::move(sessionBusAddress), ownPid), m_pages(m_reader) {}
+AccessibilityCore::AccessibilityCore(AtspiAccessibility::Options options)
+    : m_options(std::move(options)),
+      m_ownPid(m_options.ownPid != 0 ? m_options.ownPid : static_cast<qint32>(QCoreApplication::applicationPid())),
+      m_reader(m_options.sessionBusAddress.empty() ? sessionBusAddress() : m_options.sessionBusAddress, m_ownPid),
+      m_pages(m_reader) {}
 
 // The outcome of a query on the reader's thread; an empty one when it takes longer than the limit, or when there is no
 // accessibility bus.
@@ -122,11 +120,6 @@ AXUIElement AccessibilityCore::wrap(const Handle &handle) {
 std::optional<AXValue> AccessibilityCore::wrapKnown(const ElementReading *reading) {
     return reading != nullptr && reading->element.pid != 0 ? std::optional<AXValue>(wrap(reading->element))
                                                            : std::nullopt;
-}
-
-Rect AccessibilityCore::inPoints(const PixelRect &rect) const {
-    return m_inPoints({static_cast<double>(rect.x), static_cast<double>(rect.y), static_cast<double>(rect.width),
-                       static_cast<double>(rect.height)});
 }
 
 TextWanted AccessibilityCore::wantedNow(const ElementRef &ref) const {
@@ -183,7 +176,7 @@ Focus AccessibilityCore::focusInFront(Clock::time_point askedAt) {
     if (!isTold(focus.element->ref) && askedAt - focus.confirmedAt > oldestConfirmation) {
         return {};
     }
-    const auto active = m_activeWindow();
+    const auto active = m_options.activeWindow();
     if (!active || isInFront(focus, *active, askedAt)) {
         return focus;
     }
@@ -281,9 +274,9 @@ std::optional<AXValue> AccessibilityCore::fromReading(const ElementReading &read
     case AXAttribute::numberOfCharacters:
         return reading.characters ? std::optional<AXValue>(static_cast<double>(*reading.characters)) : std::nullopt;
     case AXAttribute::position:
-        return reading.frame ? std::optional<AXValue>(inPoints(*reading.frame).origin()) : std::nullopt;
+        return reading.frame ? std::optional<AXValue>(m_options.inPoints(*reading.frame).origin()) : std::nullopt;
     case AXAttribute::size:
-        return reading.frame ? std::optional<AXValue>(inPoints(*reading.frame).size()) : std::nullopt;
+        return reading.frame ? std::optional<AXValue>(m_options.inPoints(*reading.frame).size()) : std::nullopt;
     default:
         return std::nullopt;
     }
@@ -366,15 +359,9 @@ bool AccessibilityCore::setAttribute(const Handle &element, AXAttribute name, co
 std::vector<AXSubtreeNode> AccessibilityCore::subtree(const Handle &element, AXSubtreeLimits limits,
                                                       AXFreshness freshness) {
     const auto copy = element.pid == m_ownPid ? nullptr : m_pages.copy({element.ref, limits}, freshness);
-    std::vector<AXSubtreeNode> nodes;
-    if (copy == nullptr) {
-        return nodes;
-    }
-    for (const auto &item : copy->items) {
-        nodes.push_back({item.depth, item.role, item.value, {}});
-        if (item.frame) {
-            nodes.back().frame = inPoints(*item.frame);
-        }
+    auto nodes = copy != nullptr ? copy->items : std::vector<AXSubtreeNode>();
+    for (auto &node : nodes) {
+        node.frame = node.frame ? std::optional(m_options.inPoints(*node.frame)) : std::nullopt;
     }
     return nodes;
 }

@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/Accessibility.h"
+#include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 #include "Platform/Linux/Accessibility/PageQuestions.h"
-#include "Platform/Linux/Applications/DesktopWindows.h"
 
 namespace platform::desktop::atspi {
 
@@ -12,12 +11,7 @@ namespace platform::desktop::atspi {
 /// element answers all questions of the same moment. Main thread only.
 class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore> {
   public:
-    using Conversion = std::function<Rect(const Rect &)>;
-    using AskActiveWindow = std::function<std::optional<ActiveWindow>()>;
-
-    /// inPoints: turns a rectangle of the screen's pixels into points, whenever coordinates are given out.
-    /// activeWindow: which window is active by the desktop's word, asked whenever the focused element is.
-    AccessibilityCore(std::string sessionBusAddress, qint32 ownPid, Conversion inPoints, AskActiveWindow activeWindow);
+    explicit AccessibilityCore(AtspiAccessibility::Options options);
 
     [[nodiscard]] Reader &reader() { return m_reader; }
     /// The element of the whole desktop.
@@ -52,11 +46,9 @@ class AccessibilityCore : public std::enable_shared_from_this<AccessibilityCore>
     [[nodiscard]] AXUIElement wrap(const Handle &handle);
     [[nodiscard]] std::optional<AXValue> wrapKnown(const ElementReading *reading);
     [[nodiscard]] std::optional<AXValue> focusedWindow(qint32 pid);
-    [[nodiscard]] Rect inPoints(const PixelRect &rect) const;
 
+    AtspiAccessibility::Options m_options;
     qint32 m_ownPid;
-    Conversion m_inPoints;
-    AskActiveWindow m_activeWindow;
     Reader m_reader;
     PageQuestions m_pages;
     /// The application whose process is that of its windows, as was seen when it had the active one.

@@ -3,9 +3,10 @@
 #include "Platform/Linux/Accessibility/AtspiAccessibility.h"
 
 #include "Platform/Linux/Accessibility/AccessibilityCore.h"
-#include "Platform/Linux/Accessibility/TrustDialog.h"
 
 #include <QCoreApplication>
+#include <QMessageBox>
+#include <QPushButton>
 
 #include <future>
 
@@ -17,17 +18,39 @@ using namespace std::chrono_literals;
 constexpr auto firstAnswerWait = 200ms;
 // At the start of a session the bus may be a moment late, and another window may offer the same.
 constexpr auto promptDelay = 3s;
+
+const QString switchedOff = QStringLiteral(
+    "It reads the message box that you are typing in through this service, which is switched off now.\n\n"
+    "It can be switched on for this session. Browsers and chat programs that are already running must be "
+    "restarted once before Quillory can see their fields.");
+const QString missing = QStringLiteral(
+    "It reads the message box that you are typing in through this service, which does not answer in this session.\n\n"
+    "It comes with the package at-spi2-core and is there after the next login.");
+
+/// Says that accessibility is off, and offers to switch it on for the session; where there is no service to switch on
+/// (enable is empty), says what is missing.
+std::unique_ptr<QMessageBox> makePrompt(const std::function<void()> &enable) {
+    auto box = std::make_unique<QMessageBox>(QMessageBox::Information, QStringLiteral("Quillory"),
+                                             QStringLiteral("Quillory needs the desktop's accessibility service."));
+    box->setModal(false);
+    box->setInformativeText(enable ? switchedOff : missing);
+    if (!enable) {
+        box->addButton(QMessageBox::Close);
+        return box;
+    }
+    auto *switchOn = box->addButton(QStringLiteral("Switch On"), QMessageBox::AcceptRole);
+    box->addButton(QStringLiteral("Not Now"), QMessageBox::RejectRole);
+    box->setDefaultButton(switchOn);
+    QObject::connect(box.get(), &QMessageBox::accepted, box.get(), enable);
+    return box;
+}
 } // namespace
 
 AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue) : AtspiAccessibility(mainQueue, Options()) {}
 
 AtspiAccessibility::AtspiAccessibility(MainQueue &mainQueue, Options options)
-    : m_mainQueue(mainQueue),
-      m_core(std::make_shared<atspi::AccessibilityCore>(
-          options.sessionBusAddress.empty() ? atspi::sessionBusAddress() : options.sessionBusAddress,
-          options.ownPid != 0 ? options.ownPid : static_cast<qint32>(QCoreApplication::applicationPid()),
-          std::move(options.inPoints), std::move(options.activeWindow))),
-      m_isOfferedElsewhere(std::move(options.isOfferedElsewhere)) {
+    : m_mainQueue(mainQueue), m_isOfferedElsewhere(options.isOfferedElsewhere),
+      m_core(std::make_shared<atspi::AccessibilityCore>(std::move(options))) {
     m_core->reader().ask(firstAnswerWait, [](atspi::Session &session) {
         session.process();
         return true;
@@ -59,8 +82,10 @@ void AtspiAccessibility::showSettings() {
         enable = [this] { m_core->reader().post([](atspi::Session &session) { session.enable(); }); };
     }
     // Made anew each time, since the service may have come or gone.
-    m_prompt = std::make_unique<atspi::TrustDialog>(std::move(enable));
+    m_prompt = makePrompt(enable);
     m_prompt->show();
+    m_prompt->raise();
+    m_prompt->activateWindow();
 }
 
 AXUIElement AtspiAccessibility::createSystemWide() {

@@ -10,11 +10,12 @@
 #include <functional>
 #include <string>
 
+class QMessageBox;
+
 namespace platform::desktop {
 
 namespace atspi {
 class AccessibilityCore;
-class TrustDialog;
 } // namespace atspi
 
 /// The accessibility interface on the desktop's accessibility bus. Made, used and destroyed on the main thread; a
@@ -57,9 +58,9 @@ class AtspiAccessibility final : public Accessibility {
 
   private:
     MainQueue &m_mainQueue;
-    std::shared_ptr<atspi::AccessibilityCore> m_core;
-    std::unique_ptr<atspi::TrustDialog> m_prompt;
     std::function<bool()> m_isOfferedElsewhere;
+    std::shared_ptr<atspi::AccessibilityCore> m_core;
+    std::unique_ptr<QMessageBox> m_prompt;
     int m_timesPrompted = 0;
     LifeToken m_life;
 };

@@ -17,23 +17,6 @@ Call startingIf(bool mayStart, Call call) {
     call.mayStart = mayStart;
     return call;
 }
-
-// A search for elements that are in all of these states and have the role (unknown: any role), with no condition on
-// attributes and interfaces.
-Call matches(const ElementRef &target, int states, Role role, int limit) {
-    return {target, "org.a11y.atspi.Collection", "GetMatches", [states, role, limit](sd_bus_message *message) {
-                constexpr int all = 1;
-                constexpr int any = 2;
-                constexpr std::uint32_t canonicalOrder = 1;
-                std::array<std::uint32_t, 4> roles{};
-                if (role != Role::unknown) {
-                    roles.at(static_cast<std::uint32_t>(role) / 32) = 1U << (static_cast<std::uint32_t>(role) % 32);
-                }
-                return sd_bus_message_append(message, "(aiia{ss}iaiiasib)uib", 2, states, 0, all, 0, all, 4, roles[0],
-                                             roles[1], roles[2], roles[3], role != Role::unknown ? any : all, 0, all, 0,
-                                             canonicalOrder, limit, 1);
-            }};
-}
 } // namespace
 
 Call extents(const ElementRef &target) {
@@ -44,16 +27,20 @@ Call rangeExtents(const ElementRef &target, int from, int to) {
     return method(target, textInterface, "GetRangeExtents", from, to, screenCoordinates);
 }
 
-Call focusedMatches(const ElementRef &target) {
-    return matches(target, 1 << static_cast<int>(State::focused), Role::unknown, 0);
-}
-
-Call allMatches(const ElementRef &target, int limit) {
-    return matches(target, 0, Role::unknown, limit);
-}
-
-Call staticTextMatches(const ElementRef &target, int limit) {
-    return matches(target, 0, Role::staticText, limit);
+Call matches(const ElementRef &target, Search search) {
+    return {target, "org.a11y.atspi.Collection", "GetMatches", [search](sd_bus_message *message) {
+                constexpr int all = 1;
+                constexpr int any = 2;
+                constexpr std::uint32_t canonicalOrder = 1;
+                const bool hasRole = search.role != Role::unknown;
+                const auto number = static_cast<std::uint32_t>(search.role);
+                std::array<std::uint32_t, 4> roles{};
+                roles.at(number / 32) = hasRole ? 1U << (number % 32) : 0;
+                // Without a condition on attributes and interfaces.
+                return sd_bus_message_append(message, "(aiia{ss}iaiiasib)uib", 2, search.states, 0, all, 0, all, 4,
+                                             roles[0], roles[1], roles[2], roles[3], hasRole ? any : all, 0, all, 0,
+                                             canonicalOrder, search.limit, 1);
+            }};
 }
 
 Call applications() {

@@ -7,6 +7,16 @@
 /// The calls of the accessibility protocol, and the few of the session bus that find the accessibility bus.
 namespace platform::desktop::atspi::calls {
 
+/// Appends a text, a number or a flag to a message; negative when that failed.
+template <class T> int append(sd_bus_message *message, const T &value) {
+    if constexpr (std::is_same_v<T, std::string>) {
+        return sd_bus_message_append(message, "s", value.c_str());
+    } else {
+        static_assert(std::is_integral_v<T> && sizeof(T) <= 4); // no const char *, for one
+        const char *type = std::is_same_v<T, bool> ? "b" : std::is_signed_v<T> ? "i" : "u";
+        return sd_bus_message_append(message, type, value);
+    }
+}
 /// A call with arguments that append() takes.
 template <class... Arguments>
 [[nodiscard]] Call method(ElementRef target, const char *interface, const char *member, Arguments... arguments) {
@@ -63,11 +73,15 @@ inline constexpr Method selection{textInterface, "GetSelection"};
 /// In coordinates of the screen.
 [[nodiscard]] Call extents(const ElementRef &target);
 [[nodiscard]] Call rangeExtents(const ElementRef &target, int from, int to);
-/// The elements below the target that have the focus.
-[[nodiscard]] Call focusedMatches(const ElementRef &target);
-/// The first elements below the target, in the order of a walk, at most the limit of them: all, or the static texts.
-[[nodiscard]] Call allMatches(const ElementRef &target, int limit);
-[[nodiscard]] Call staticTextMatches(const ElementRef &target, int limit);
+/// What the application itself is asked to find: elements with these states (bits) and of this role (unknown:
+/// any), at most the limit of them (0: all).
+struct Search {
+    int states = 0;
+    Role role = Role::unknown;
+    int limit = 0;
+};
+/// The elements below the target that a search finds, in the order of a walk.
+[[nodiscard]] Call matches(const ElementRef &target, Search search);
 /// The roots of all applications.
 [[nodiscard]] Call applications();
 /// Asks for events of a kind, or no longer. Applications send only events that somebody has registered for.

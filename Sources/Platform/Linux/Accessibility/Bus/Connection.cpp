@@ -3,6 +3,8 @@
 #include "Platform/Linux/Accessibility/Bus/Connection.h"
 
 #include <algorithm>
+#include <poll.h>
+#include <sys/eventfd.h>
 
 namespace platform::desktop::atspi {
 
@@ -17,48 +19,38 @@ constexpr int messagesInOneGo = 200;
 constexpr auto shortestSilence = 100ms;
 
 int runHandler(sd_bus_message *message, void *userdata, sd_bus_error *) {
-    (*static_cast<Connection::SignalHandler *>(userdata))(message);
+    (*static_cast<Connection::Handler *>(userdata))(message);
     return 0;
 }
 } // namespace
+
+StopSignal::StopSignal() : m_event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+void StopSignal::request() {
+    m_isRequested = true;
+    eventfd_write(m_event.get(), 1);
+}
+
+void waitForActivity(const std::vector<sd_bus *> &buses, int descriptor, Deadline until) {
+    std::vector<pollfd> activities{{descriptor, POLLIN, 0}};
+    for (auto *bus : buses) {
+        const int events = sd_bus_get_events(bus);
+        activities.push_back({sd_bus_get_fd(bus), static_cast<short>(std::max(events, 0)), 0});
+        std::uint64_t due = 0;
+        if (sd_bus_get_timeout(bus, &due) >= 0 && due != static_cast<std::uint64_t>(-1)) {
+            // The library counts on the same monotonic clock, in microseconds.
+            until = std::min(until, Clock::time_point(std::chrono::microseconds(due)));
+        }
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
+    poll(activities.data(), activities.size(), static_cast<int>(std::clamp<long long>(left, 0, 60'000)));
+}
 
 std::string sessionBusAddress() {
     const auto address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     const auto folder = qgetenv("XDG_RUNTIME_DIR");
     return (address.isEmpty() && !folder.isEmpty() ? "unix:path=" + folder + "/bus" : address).toStdString();
 }
-
-struct Connection::Batch {
-    struct Part {
-        Batch *batch = nullptr;
-        Reply reply;
-        SlotPtr slot;
-    };
-
-    explicit Batch(std::size_t size) : parts(size) {}
-
-    static int onReply(sd_bus_message *message, void *userdata, sd_bus_error *) {
-        auto &part = *static_cast<Part *>(userdata);
-        part.reply = Reply(MessagePtr(sd_bus_message_ref(message)));
-        --part.batch->outstanding;
-        return 0;
-    }
-
-    std::vector<Part> parts;
-    std::size_t outstanding = 0;
-};
-
-struct Connection::Ping {
-    Connection *connection = nullptr;
-    std::string name;
-    SlotPtr slot;
-
-    static int onReply(sd_bus_message *, void *userdata, sd_bus_error *) {
-        const auto &ping = *static_cast<Ping *>(userdata);
-        ping.connection->m_answering.insert(ping.name);
-        return 0;
-    }
-};
 
 Connection::Connection(const std::string &address, const StopSignal &stop) : m_stop(stop) {
     sd_bus *bus = nullptr;
@@ -77,8 +69,6 @@ Connection::Connection(const std::string &address, const StopSignal &stop) : m_s
               }
           });
 }
-
-Connection::~Connection() = default;
 
 bool Connection::isOpen() const {
     return m_bus != nullptr && !m_stop.isRequested() && sd_bus_is_open(m_bus.get()) > 0;
@@ -123,19 +113,16 @@ MessagePtr Connection::build(const Call &call) const {
     return !call.arguments || call.arguments(message) >= 0 ? std::move(built) : nullptr;
 }
 
-void Connection::sendPart(const Call &call, Batch &batch, std::size_t index) {
-    const auto message = isSilent(call.target.bus) || call.target.isNull() ? nullptr : build(call);
-    if (message == nullptr) {
-        return;
-    }
-    auto &part = batch.parts[index];
-    part.batch = &batch;
+Connection::Subscription Connection::sendAsync(const Call &call, Handler handler) {
+    Subscription answer{std::make_unique<Handler>(std::move(handler)), nullptr};
+    const auto message = build(call);
     sd_bus_slot *slot = nullptr;
-    if (sd_bus_call_async(m_bus.get(), &slot, message.get(), Batch::onReply, &part, noTimeout) >= 0) {
-        part.slot.reset(slot);
-        ++batch.outstanding;
+    if (message != nullptr &&
+        sd_bus_call_async(m_bus.get(), &slot, message.get(), runHandler, answer.handler.get(), noTimeout) >= 0) {
+        answer.slot.reset(slot);
         ++m_counters.messages;
     }
+    return answer;
 }
 
 std::vector<Reply> Connection::callAll(const std::vector<Call> &calls, Deadline deadline) {
@@ -144,40 +131,43 @@ std::vector<Reply> Connection::callAll(const std::vector<Call> &calls, Deadline 
     if (!isOpen() || calls.empty() || begin >= deadline) {
         return replies;
     }
-    Batch batch(calls.size());
+    std::vector<Subscription> sent(calls.size());
+    std::size_t outstanding = 0;
     ++m_counters.roundTrips;
     bool inTime = true;
     for (std::size_t i = 0; i < calls.size() && inTime; ++i) {
-        while (inTime && batch.outstanding >= callsInFlight) {
+        while (inTime && outstanding >= callsInFlight) {
             inTime = waitFor(deadline);
         }
-        if (inTime) {
-            sendPart(calls[i], batch, i);
+        if (inTime && !isSilent(calls[i].target.bus) && !calls[i].target.isNull()) {
+            sent[i] = sendAsync(calls[i], [&reply = replies[i], &outstanding](sd_bus_message *message) {
+                reply = Reply(MessagePtr(sd_bus_message_ref(message)));
+                --outstanding;
+            });
+            outstanding += sent[i].slot != nullptr ? 1 : 0;
         }
     }
-    while (inTime && batch.outstanding > 0) {
+    while (inTime && outstanding > 0) {
         inTime = waitFor(deadline);
     }
-    if (batch.outstanding > 0) {
+    if (outstanding > 0) {
         // Answers that arrived while this thread was not running came in time.
         handleArrived();
     }
     if (Clock::now() - begin >= shortestSilence) {
-        leaveSilentOnesAlone(calls, batch);
-    }
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        replies[i] = std::move(batch.parts[i].reply);
+        leaveSilentOnesAlone(calls, sent, replies);
     }
     return replies;
 }
 
 // An application that answered some of its calls is slow, not hung.
-void Connection::leaveSilentOnesAlone(const std::vector<Call> &calls, const Batch &batch) {
+void Connection::leaveSilentOnesAlone(const std::vector<Call> &calls, const std::vector<Subscription> &sent,
+                                      const std::vector<Reply> &replies) {
     std::map<std::string, bool> isAlive;
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        if (batch.parts[i].slot != nullptr) {
+        if (sent[i].slot != nullptr) {
             auto &hasAnswered = isAlive[calls[i].target.bus];
-            hasAnswered = hasAnswered || batch.parts[i].reply.isAnswered();
+            hasAnswered = hasAnswered || replies[i].isAnswered();
         }
     }
     for (const auto &[name, hasAnswered] : isAlive) {
@@ -202,12 +192,12 @@ void Connection::send(const Call &call) {
     }
 }
 
-void Connection::match(const char *rule, SignalHandler handler) {
+void Connection::match(const char *rule, Handler handler) {
     m_matches.push_back(subscribe(rule, std::move(handler)));
 }
 
-Connection::Subscription Connection::subscribe(const std::string &rule, SignalHandler handler) {
-    Subscription subscription{std::make_unique<SignalHandler>(std::move(handler)), nullptr};
+Connection::Subscription Connection::subscribe(const std::string &rule, Handler handler) {
+    Subscription subscription{std::make_unique<Handler>(std::move(handler)), nullptr};
     sd_bus_slot *slot = nullptr;
     if (m_bus != nullptr && sd_bus_add_match_async(m_bus.get(), &slot, rule.c_str(), runHandler, nullptr,
                                                    subscription.handler.get()) >= 0) {
@@ -225,16 +215,10 @@ void Connection::leaveAlone(const std::string &name) {
     if (name == busName || isSilent(name) || !isOpen()) {
         return;
     }
-    auto ping = std::make_unique<Ping>();
-    ping->connection = this;
-    ping->name = name;
-    const auto message = build(calls::method({name, rootPath}, "org.freedesktop.DBus.Peer", "Ping"));
-    sd_bus_slot *slot = nullptr;
-    if (message != nullptr &&
-        sd_bus_call_async(m_bus.get(), &slot, message.get(), Ping::onReply, ping.get(), noTimeout) >= 0) {
-        ping->slot.reset(slot);
+    auto ping = sendAsync(calls::method({name, rootPath}, "org.freedesktop.DBus.Peer", "Ping"),
+                          [this, name](sd_bus_message *) { m_answering.insert(name); });
+    if (ping.slot != nullptr) {
         m_silent.emplace(name, std::move(ping));
-        ++m_counters.messages;
     }
 }
 

@@ -3,13 +3,30 @@
 #pragma once
 
 #include "Platform/Linux/Accessibility/Bus/Calls.h"
-#include "Platform/Linux/Accessibility/Bus/Waiting.h"
+#include "Platform/Linux/FileDescriptor.h"
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <set>
 
 namespace platform::desktop::atspi {
+
+/// Ends a thread's waits at once and for good: a flag, and a descriptor to wait on beside others.
+class StopSignal {
+  public:
+    StopSignal();
+    void request();
+    [[nodiscard]] bool isRequested() const { return m_isRequested; }
+    [[nodiscard]] int descriptor() const { return m_event.get(); }
+
+  private:
+    FileDescriptor m_event;
+    std::atomic<bool> m_isRequested = false;
+};
+
+/// Waits until a connection has something to do, a descriptor can be read, or the time has come.
+void waitForActivity(const std::vector<sd_bus *> &buses, int descriptor, Deadline until);
 
 /// The address of the session bus, from the environment; empty where that tells of none.
 [[nodiscard]] std::string sessionBusAddress();
@@ -19,11 +36,11 @@ namespace platform::desktop::atspi {
 /// further call to it fails at once. Belongs to one thread.
 class Connection {
   public:
-    using SignalHandler = std::function<void(sd_bus_message *)>;
+    using Handler = std::function<void(sd_bus_message *)>;
 
-    /// Hears signals for as long as it lives, which must not be longer than the connection.
+    /// Hears signals or an answer for as long as it lives, which must not be longer than the connection.
     struct Subscription {
-        std::unique_ptr<SignalHandler> handler;
+        std::unique_ptr<Handler> handler;
         SlotPtr slot;
     };
 
@@ -32,7 +49,6 @@ class Connection {
     Connection(const std::string &address, const StopSignal &stop);
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
-    ~Connection();
 
     [[nodiscard]] bool isOpen() const;
     /// To wait on its activity together with others.
@@ -47,9 +63,9 @@ class Connection {
     /// Sends a call whose answer nobody waits for.
     void send(const Call &call);
     /// Calls the handler for every signal that matches the rule, while process() or callAll() runs.
-    void match(const char *rule, SignalHandler handler);
+    void match(const char *rule, Handler handler);
     /// The same, until the subscription ends.
-    [[nodiscard]] Subscription subscribe(const std::string &rule, SignalHandler handler);
+    [[nodiscard]] Subscription subscribe(const std::string &rule, Handler handler);
     /// Handles what arrives until the time given.
     void idle(Deadline until);
 
@@ -67,12 +83,12 @@ class Connection {
     [[nodiscard]] Counters counters() const { return m_counters; }
 
   private:
-    struct Batch;
-    struct Ping;
     bool handleArrived();
     bool waitFor(Deadline deadline);
-    void sendPart(const Call &call, Batch &batch, std::size_t index);
-    void leaveSilentOnesAlone(const std::vector<Call> &calls, const Batch &batch);
+    /// Sends a call for whose answer there is no time limit. Without a slot where that failed.
+    Subscription sendAsync(const Call &call, Handler handler);
+    void leaveSilentOnesAlone(const std::vector<Call> &calls, const std::vector<Subscription> &sent,
+                              const std::vector<Reply> &replies);
     void leaveAlone(const std::string &name);
     void forget(const std::string &name);
     [[nodiscard]] MessagePtr build(const Call &call) const;
@@ -80,7 +96,8 @@ class Connection {
     const StopSignal &m_stop;
     BusPtr m_bus;
     std::vector<Subscription> m_matches;
-    std::map<std::string, std::unique_ptr<Ping>, std::less<>> m_silent;
+    /// The pings of the applications that are left alone.
+    std::map<std::string, Subscription, std::less<>> m_silent;
     std::set<std::string, std::less<>> m_answering;
     std::map<std::string, qint32, std::less<>> m_pids;
     Counters m_counters;

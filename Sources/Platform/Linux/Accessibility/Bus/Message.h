@@ -2,10 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/Linux/Accessibility/Bus/TypedMessage.h"
+#include "Platform/Linux/Accessibility/Bus/Protocol.h"
+
+#include <QString>
+
+#include <systemd/sd-bus.h>
 
 #include <chrono>
 #include <memory>
+#include <vector>
 
 namespace platform::desktop::atspi {
 
@@ -24,6 +29,47 @@ using SlotPtr = std::unique_ptr<sd_bus_slot, SlotDeleter>;
 
 using Clock = std::chrono::steady_clock;
 using Deadline = Clock::time_point;
+
+// Messages are read by C++ types. Applications send what they like: reading fails as a whole when a message holds
+// anything else than what is asked for. Each readNext() reads the next value; false when there is none of that type.
+bool readNext(sd_bus_message *message, bool &value);
+bool readNext(sd_bus_message *message, std::int32_t &value);
+bool readNext(sd_bus_message *message, std::uint32_t &value);
+bool readNext(sd_bus_message *message, std::string &value);
+bool readNext(sd_bus_message *message, QString &value);
+bool readNext(sd_bus_message *message, Role &value);
+bool readNext(sd_bus_message *message, ElementRef &value);
+bool readNext(sd_bus_message *message, Rect &value);
+bool readNext(sd_bus_message *message, States &value);
+bool readNext(sd_bus_message *message, Attributes &value);
+/// Enters the container that comes next; false when that is none of the kind (SD_BUS_TYPE_ARRAY ...).
+bool enterNext(sd_bus_message *message, char kind);
+
+template <class T> bool readNext(sd_bus_message *message, std::vector<T> &values) {
+    if (!enterNext(message, SD_BUS_TYPE_ARRAY)) {
+        return false;
+    }
+    for (T value; readNext(message, value);) {
+        values.push_back(std::move(value));
+    }
+    return sd_bus_message_exit_container(message) >= 0;
+}
+
+/// The values that a message begins with: one of them as it is, several as a tuple. A single value may also stand in a
+/// variant, as those of properties do. A null message has no values.
+template <class First, class... More> auto readValues(sd_bus_message *message) {
+    std::tuple<First, More...> values;
+    bool isRead = message != nullptr && sd_bus_message_rewind(message, 1) >= 0;
+    if (isRead && sizeof...(More) == 0) {
+        enterNext(message, SD_BUS_TYPE_VARIANT);
+    }
+    isRead = isRead && std::apply([&](auto &...value) { return (readNext(message, value) && ...); }, values);
+    if constexpr (sizeof...(More) == 0) {
+        return isRead ? std::optional(std::get<0>(std::move(values))) : std::nullopt;
+    } else {
+        return isRead ? std::optional(std::move(values)) : std::nullopt;
+    }
+}
 
 /// A method call to send: to which element, which method, and what appends its arguments to the message (negative when
 /// that fails).
@@ -48,8 +94,9 @@ class Reply {
 
     /// The values of these types that the answer begins with, see readValues(); absent for an error or other types.
     template <class... T> [[nodiscard]] auto as() const { return readValues<T...>(content()); }
-    /// The rectangle. (-1, -1, -1, -1), which stands for an element that is not on the screen, is absent.
-    [[nodiscard]] std::optional<PixelRect> extents() const;
+    /// The rectangle, in pixels of the screen from its top left. (-1, -1, -1, -1), which stands for an element that is
+    /// not on the screen, is absent.
+    [[nodiscard]] std::optional<Rect> extents() const;
     /// The element; absent for a null reference.
     [[nodiscard]] std::optional<ElementRef> reference() const;
     /// The elements, at most the limit of them; null references are left out.

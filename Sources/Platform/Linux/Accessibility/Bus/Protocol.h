@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/Geometry.h"
+
 #include <QtGlobal>
 
 #include <cstdint>
@@ -37,23 +39,17 @@ struct Handle {
     qint32 pid = 0;
 };
 
-/// A rectangle as applications report it: pixels of the screen, from its top left.
-struct PixelRect {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-    friend bool operator==(const PixelRect &, const PixelRect &) = default;
-};
-
 /// Role numbers of the protocol that the code tells apart.
 enum class Role : std::uint32_t {
     comboBox = 11,
     dialog = 16,
     frame = 23,
+    icon = 26,
+    image = 27,
     label = 29,
     panel = 39,
     passwordText = 40,
+    pushButton = 43,
     terminal = 60,
     text = 61,
     unknown = 67,
@@ -63,6 +59,7 @@ enum class Role : std::uint32_t {
     documentFrame = 82,
     link = 88,
     documentWeb = 95,
+    levelBar = 103,
     staticText = 116,
     subscript = 119,
     superscript = 120,

@@ -5,62 +5,47 @@
 #include "Platform/Accessibility.h"
 
 #include <algorithm>
-#include <array>
+#include <initializer_list>
 
 namespace platform::desktop::atspi {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-struct Entry {
-    std::uint32_t role;
+// The names that depend on nothing but the role, and the numbers of the roles that have them.
+constexpr struct {
     QLatin1StringView name;
-};
-
-// Roles whose name depends on nothing but the role number, in the order of the numbers.
-constexpr std::array table{
-    Entry{2, QLatin1StringView("AXGroup")},        // alert
-    Entry{7, QLatin1StringView("AXCheckBox")},     // check box
-    Entry{8, QLatin1StringView("AXMenuItem")},     // check menu item
-    Entry{10, QLatin1StringView("AXCell")},        // column header
-    Entry{16, axRole::window},                     // dialog
-    Entry{19, axRole::window},                     // file chooser
-    Entry{22, axRole::window},                     // font chooser
-    Entry{23, axRole::window},                     // frame
-    Entry{26, QLatin1StringView("AXImage")},       // icon
-    Entry{27, QLatin1StringView("AXImage")},       // image
-    Entry{31, QLatin1StringView("AXList")},        // list
-    Entry{33, QLatin1StringView("AXMenu")},        // menu
-    Entry{34, QLatin1StringView("AXMenuBar")},     // menu bar
-    Entry{35, QLatin1StringView("AXMenuItem")},    // menu item
-    Entry{37, QLatin1StringView("AXRadioButton")}, // page tab
-    Entry{38, QLatin1StringView("AXTabGroup")},    // page tab list
-    Entry{40, axRole::secureTextField},            // password text
-    Entry{41, QLatin1StringView("AXMenu")},        // pop-up menu
-    Entry{42, QLatin1StringView("AXProgressIndicator")},
-    Entry{43, QLatin1StringView("AXButton")},      // push button
-    Entry{44, QLatin1StringView("AXRadioButton")}, // radio button
-    Entry{45, QLatin1StringView("AXMenuItem")},    // radio menu item
-    Entry{48, QLatin1StringView("AXScrollBar")},   // scroll bar
-    Entry{49, QLatin1StringView("AXScrollArea")},  // scroll pane
-    Entry{50, QLatin1StringView("AXSplitter")},    // separator
-    Entry{51, QLatin1StringView("AXSlider")},      // slider
-    Entry{53, QLatin1StringView("AXSplitGroup")},  // split pane
-    Entry{55, QLatin1StringView("AXTable")},       // table
-    Entry{56, QLatin1StringView("AXCell")},        // table cell
-    Entry{62, QLatin1StringView("AXButton")},      // toggle button
-    Entry{63, QLatin1StringView("AXToolbar")},     // tool bar
-    Entry{65, QLatin1StringView("AXOutline")},     // tree
-    Entry{66, QLatin1StringView("AXTable")},       // tree table
-    Entry{67, QLatin1StringView("AXUnknown")},     // unknown
-    Entry{69, axRole::window},                     // window
-    Entry{75, QLatin1StringView("AXApplication")}, // application
-    Entry{83, QLatin1StringView("AXHeading")},     // heading
-    Entry{88, QLatin1StringView("AXLink")},        // link
-    Entry{90, QLatin1StringView("AXRow")},         // table row
-    Entry{91, QLatin1StringView("AXRow")},         // tree item
-    Entry{95, axRole::webArea},                    // document web
-    Entry{98, QLatin1StringView("AXList")},        // list box
-    Entry{129, QLatin1StringView("AXMenuButton")}, // push button menu
+    std::initializer_list<std::uint32_t> roles;
+} table[]{
+    {"AXApplication"_L1, {75}},
+    {"AXButton"_L1, {43, 62}}, // push button, toggle button
+    {"AXCell"_L1, {10, 56}},   // column header, table cell
+    {"AXCheckBox"_L1, {7}},
+    {"AXHeading"_L1, {83}},
+    {"AXImage"_L1, {26, 27}}, // icon, image
+    {"AXLink"_L1, {88}},
+    {"AXList"_L1, {31, 98}}, // list, list box
+    {"AXMenu"_L1, {33, 41}}, // menu, pop-up menu
+    {"AXMenuBar"_L1, {34}},
+    {"AXMenuButton"_L1, {129}},
+    {"AXMenuItem"_L1, {8, 35, 45}}, // plain ones between those with a check mark or a radio button
+    {"AXOutline"_L1, {65}},         // tree
+    {"AXProgressIndicator"_L1, {42}},
+    {"AXRadioButton"_L1, {37, 44}}, // page tab, radio button
+    {"AXRow"_L1, {90, 91}},         // table row, tree item
+    {"AXScrollArea"_L1, {49}},
+    {"AXScrollBar"_L1, {48}},
+    {"AXSlider"_L1, {51}},
+    {"AXSplitGroup"_L1, {53}},
+    {"AXSplitter"_L1, {50}},
+    {"AXTabGroup"_L1, {38}},
+    {"AXTable"_L1, {55, 66}}, // table, tree table
+    {"AXToolbar"_L1, {63}},
+    {"AXUnknown"_L1, {67}},
+    {axRole::secureTextField, {40}},
+    {axRole::webArea, {95}},
+    {axRole::window, {16, 19, 22, 23, 69}}, // dialogs, frame, window
 };
 
 bool hasAttribute(const Kind &kind, std::string_view name, std::string_view value) {
@@ -102,23 +87,32 @@ QString axRoleName(const Kind &kind) {
     default:
         break;
     }
-    const auto *found = std::lower_bound(table.begin(), table.end(), static_cast<std::uint32_t>(kind.role),
-                                         [](const Entry &entry, std::uint32_t role) { return entry.role < role; });
-    if (found != table.end() && found->role == static_cast<std::uint32_t>(kind.role)) {
-        return found->name;
+    const auto number = static_cast<std::uint32_t>(kind.role);
+    for (const auto &[name, roles] : table) {
+        if (std::ranges::find(roles, number) != roles.end()) {
+            return name;
+        }
     }
     return isEditableBox(kind) ? textFieldName(kind) : QStringLiteral("AXGroup");
 }
 
 bool isBlock(Role role) {
-    constexpr std::array inlineRoles{Role::label, Role::link,        Role::staticText,      Role::subscript,
-                                     Role::text,  Role::superscript, Role::contentDeletion, Role::contentInsertion,
-                                     Role::mark,  Role::suggestion};
     // Images and buttons stand in a line of text, too.
-    constexpr std::array<std::uint32_t, 4> inlineNumbers{26, 27, 43, 103};
-    return std::find(inlineRoles.begin(), inlineRoles.end(), role) == inlineRoles.end() &&
-           std::find(inlineNumbers.begin(), inlineNumbers.end(), static_cast<std::uint32_t>(role)) ==
-               inlineNumbers.end();
+    static constexpr auto inlineRoles = {Role::label,
+                                         Role::link,
+                                         Role::staticText,
+                                         Role::subscript,
+                                         Role::text,
+                                         Role::superscript,
+                                         Role::contentDeletion,
+                                         Role::contentInsertion,
+                                         Role::mark,
+                                         Role::suggestion,
+                                         Role::icon,
+                                         Role::image,
+                                         Role::pushButton,
+                                         Role::levelBar};
+    return std::ranges::find(inlineRoles, role) == inlineRoles.end();
 }
 
 } // namespace platform::desktop::atspi

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Platform/Linux/Accessibility/Bus/Questions.h"
-#include "Platform/Linux/Accessibility/Focus/ElementReading.h"
+#include "Platform/Linux/Accessibility/Focus/FieldReader.h"
 
 namespace platform::desktop::atspi {
 

@@ -69,7 +69,8 @@ std::vector<ElementRef> FocusSearch::otherWindows() {
 
 std::optional<ElementRef> FocusSearch::focusedBelow(const ElementRef &window) {
     const auto deadline = Clock::now() + searchTime;
-    const auto reply = m_connection.call(calls::focusedMatches(window), deadline);
+    const auto reply =
+        m_connection.call(calls::matches(window, {.states = 1 << static_cast<int>(State::focused)}), deadline);
     const auto matches = reply.references(searchedElements);
     if (matches) {
         // The innermost comes last.

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "Platform/Linux/Accessibility/Focus/Ancestry.h"
-#include "Platform/Linux/Accessibility/Focus/FieldReader.h"
 #include "Platform/Linux/Accessibility/Focus/FocusSearch.h"
 
 #include <memory>

@@ -70,7 +70,7 @@ void PageMirror::refresh(const PageName &page, Clock::time_point notBefore) {
     }
 }
 
-void PageMirror::settle(const std::optional<PixelRect> &field) {
+void PageMirror::settle(const std::optional<Rect> &field) {
     if (field && field != m_field) {
         const bool hasMoved = std::exchange(m_field, field).has_value();
         if (hasMoved) {

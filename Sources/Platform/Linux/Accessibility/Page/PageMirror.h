@@ -19,7 +19,8 @@ struct PageName {
 /// A whole read of a page; never changed once it is given out.
 struct PageCopy {
     PageName page;
-    std::vector<SubtreeItem> items;
+    /// With frames in pixels of the screen.
+    std::vector<AXSubtreeNode> items;
     Clock::time_point begunAt;
 };
 
@@ -50,7 +51,7 @@ class PageMirror {
     /// any age will do (a default value), the application gets its pause first.
     void refresh(const PageName &page, Clock::time_point notBefore);
     /// Does what is due. field: where the focused field stands; when it has moved, so has the page's content.
-    void settle(const std::optional<PixelRect> &field);
+    void settle(const std::optional<Rect> &field);
     /// When settle() must be called again.
     [[nodiscard]] Clock::time_point nextLook() const;
 
@@ -84,7 +85,7 @@ class PageMirror {
     Clock::time_point m_lastChangeAt;
     /// When the application may be read again.
     Clock::time_point m_readyAt;
-    std::optional<PixelRect> m_field;
+    std::optional<Rect> m_field;
     std::vector<Connection::Subscription> m_subscriptions;
 };
 

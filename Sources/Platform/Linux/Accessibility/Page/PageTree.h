@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/Accessibility.h"
+#include "Platform/Linux/Accessibility/Bus/Questions.h"
 #include "Platform/Linux/Accessibility/Bus/Roles.h"
 #include "Platform/Linux/Accessibility/Text/TextRuns.h"
 
@@ -77,5 +78,12 @@ struct PageWalk {
     AXSubtreeLimits m_limits;
     bool m_foldsText;
 };
+
+/// What a bulk read asks of single elements; what is not answered in time stays unknown. Asks about the roles, the
+/// children and, where texts are folded, the texts of elements.
+void askElements(const Asking &asking, const PageRequest &request, PageTree &tree,
+                 const std::vector<ElementRef> &unknown);
+/// Asks for the static texts of a walk that are not known yet, and for what the names of some roles depend on.
+void askTexts(const Asking &asking, PageTree &tree, const std::vector<PageWalk::Step> &steps);
 
 } // namespace platform::desktop::atspi

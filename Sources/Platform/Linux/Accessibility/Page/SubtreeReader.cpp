@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Accessibility/Page/SubtreeReader.h"
 
-#include "Platform/Linux/Accessibility/Page/TreeQuestions.h"
-
 #include <algorithm>
 
 namespace platform::desktop::atspi {
@@ -146,7 +144,7 @@ SubtreeReader::Outcome SubtreeReader::read(const Asking &asking, const ElementRe
     return {std::move(items), m_known.begunAt};
 }
 
-std::vector<SubtreeItem> SubtreeReader::refine(const Asking &asking, const PageRequest &request, PageTree &tree) {
+std::vector<AXSubtreeNode> SubtreeReader::refine(const Asking &asking, const PageRequest &request, PageTree &tree) {
     const auto &root = request.root;
     const auto &connection = asking.connection;
     while (Clock::now() < asking.deadline && connection.isOpen() && !connection.isSilent(root.bus)) {
@@ -187,14 +185,14 @@ PageListing SubtreeReader::list(const Asking &asking, const PageRequest &request
         asking.giveWay();
         return reply.references(static_cast<std::size_t>(limit)).value_or(std::vector<ElementRef>());
     };
-    auto all = search(calls::allMatches(request.root, limit));
+    auto all = search(calls::matches(request.root, {.limit = limit}));
     const auto &last = m_known.request;
     const bool isKnown =
         last.isLike(request) && m_known.isWhole && last.listing.all == all && isWalkKnown(Clock::now());
     if (all.empty() || isKnown) {
         return {std::move(all), isKnown ? last.listing.texts : std::vector<ElementRef>()};
     }
-    return {std::move(all), search(calls::staticTextMatches(request.root, limit))};
+    return {std::move(all), search(calls::matches(request.root, {.role = Role::staticText, .limit = limit}))};
 }
 
 bool SubtreeReader::isWalkKnown(Clock::time_point now) const {
@@ -232,12 +230,12 @@ PageTree SubtreeReader::begin(const Asking &asking, const PageRequest &request, 
     return tree;
 }
 
-std::vector<SubtreeItem> SubtreeReader::finish(const Asking &asking, const PageTree &tree,
-                                               const std::vector<PageWalk::Step> &steps) {
-    std::vector<SubtreeItem> items;
+std::vector<AXSubtreeNode> SubtreeReader::finish(const Asking &asking, const PageTree &tree,
+                                                 const std::vector<PageWalk::Step> &steps) {
+    std::vector<AXSubtreeNode> items;
     for (const auto &step : steps) {
         const auto &element = tree.at(step.ref);
-        auto &item = items.emplace_back(SubtreeItem{.depth = step.depth});
+        auto &item = items.emplace_back(AXSubtreeNode{.depth = step.depth, .role = {}, .value = {}, .frame = {}});
         item.role = step.run != nullptr ? QString(axRole::staticText) : axRoleName(element.kind);
         if (step.run != nullptr) {
             item.value = step.run->text;
@@ -246,7 +244,7 @@ std::vector<SubtreeItem> SubtreeReader::finish(const Asking &asking, const PageT
         }
     }
     const bool isPlaced = m_places.read(asking, steps, items);
-    return isPlaced && Clock::now() < asking.deadline ? items : std::vector<SubtreeItem>();
+    return isPlaced && Clock::now() < asking.deadline ? items : std::vector<AXSubtreeNode>();
 }
 
 } // namespace platform::desktop::atspi

@@ -12,7 +12,7 @@ namespace platform::desktop::atspi {
 class SubtreeReader {
   public:
     struct Outcome {
-        std::vector<SubtreeItem> items;
+        std::vector<AXSubtreeNode> items;
         /// When the first question that it rests on was asked.
         Clock::time_point begunAt = {};
     };
@@ -36,11 +36,11 @@ class SubtreeReader {
 
     [[nodiscard]] QString toolkit(const Asking &asking, const std::string &bus);
     [[nodiscard]] PageTree begin(const Asking &asking, const PageRequest &request, bool isSame);
-    std::vector<SubtreeItem> refine(const Asking &asking, const PageRequest &request, PageTree &tree);
+    std::vector<AXSubtreeNode> refine(const Asking &asking, const PageRequest &request, PageTree &tree);
     PageListing list(const Asking &asking, const PageRequest &request);
     [[nodiscard]] bool isWalkKnown(Clock::time_point now) const;
-    std::vector<SubtreeItem> finish(const Asking &asking, const PageTree &tree,
-                                    const std::vector<PageWalk::Step> &steps);
+    std::vector<AXSubtreeNode> finish(const Asking &asking, const PageTree &tree,
+                                      const std::vector<PageWalk::Step> &steps);
 
     /// Of the application that was read last.
     std::string m_toolkitOf;

@@ -12,26 +12,23 @@ constexpr int placeAttempts = 3;
 constexpr auto placePause = 12ms;
 constexpr auto placePatience = 1s;
 
-bool isEmpty(const std::optional<PixelRect> &frame) {
+bool isEmpty(const std::optional<Rect> &frame) {
     return frame && frame->width <= 0 && frame->height <= 0;
 }
 
 // The frame around both.
-void addFrame(std::optional<PixelRect> &frame, const std::optional<PixelRect> &other) {
+void addFrame(std::optional<Rect> &frame, const std::optional<Rect> &other) {
     if (!frame || isEmpty(frame) || !other || isEmpty(other)) {
         frame = !frame || isEmpty(frame) ? (other ? other : frame) : frame;
         return;
     }
-    const int right = std::max(frame->x + frame->width, other->x + other->width);
-    const int bottom = std::max(frame->y + frame->height, other->y + other->height);
-    frame->x = std::min(frame->x, other->x);
-    frame->y = std::min(frame->y, other->y);
-    frame->width = right - frame->x;
-    frame->height = bottom - frame->y;
+    const double x = std::min(frame->x, other->x);
+    const double y = std::min(frame->y, other->y);
+    frame = {x, y, std::max(frame->maxX(), other->maxX()) - x, std::max(frame->maxY(), other->maxY()) - y};
 }
 
 void askFrames(const Asking &asking, const std::vector<PageWalk::Step> &steps, const std::vector<std::size_t> &which,
-               std::vector<SubtreeItem> &items) {
+               std::vector<AXSubtreeNode> &items) {
     Questions frames;
     for (const auto i : which) {
         auto &frame = items[i].frame;
@@ -50,7 +47,8 @@ void askFrames(const Asking &asking, const std::vector<PageWalk::Step> &steps, c
 
 // Firefox finds out where a text stands only once it is asked, and until then gives it a frame without extent. Texts
 // for which it goes on doing so get their element's frame.
-bool TextPlaces::read(const Asking &asking, const std::vector<PageWalk::Step> &steps, std::vector<SubtreeItem> &items) {
+bool TextPlaces::read(const Asking &asking, const std::vector<PageWalk::Step> &steps,
+                      std::vector<AXSubtreeNode> &items) {
     std::vector<std::size_t> which;
     for (std::size_t i = 0; i < items.size(); ++i) {
         // Many blank texts stand between the words of a page; their places do not matter.

@@ -2,25 +2,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/Linux/Accessibility/Bus/Questions.h"
 #include "Platform/Linux/Accessibility/Page/PageTree.h"
 
 namespace platform::desktop::atspi {
 
-/// An element of a bulk read as the bus gives it.
-struct SubtreeItem {
-    int depth = 0;
-    QString role = {};
-    std::optional<QString> value = {};
-    std::optional<PixelRect> frame = {};
-};
-
 /// Finds out where the texts of a page stand.
 class TextPlaces {
   public:
-    /// Reads the frames of all texts that are not blank; items holds one item for each step. False if some places are
-    /// still to come.
-    bool read(const Asking &asking, const std::vector<PageWalk::Step> &steps, std::vector<SubtreeItem> &items);
+    /// Reads the frames (pixels of the screen) of all texts that are not blank; items holds one item for each step.
+    /// False if some places are still to come.
+    bool read(const Asking &asking, const std::vector<PageWalk::Step> &steps, std::vector<AXSubtreeNode> &items);
 
   private:
     /// Since when there are texts that their application cannot place.

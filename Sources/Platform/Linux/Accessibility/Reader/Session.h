@@ -13,22 +13,10 @@ namespace platform::desktop::atspi {
 /// What the reader's thread shows to all threads.
 class Board {
   public:
-    [[nodiscard]] Focus focus() const {
-        const std::scoped_lock lock(m_mutex);
-        return m_focus;
-    }
-    void setFocus(const Focus &focus) {
-        const std::scoped_lock lock(m_mutex);
-        m_focus = focus;
-    }
-    [[nodiscard]] MirroredPage page() const {
-        const std::scoped_lock lock(m_mutex);
-        return m_page;
-    }
-    void setPage(const MirroredPage &page) {
-        const std::scoped_lock lock(m_mutex);
-        m_page = page;
-    }
+    [[nodiscard]] Focus focus() const { return get(m_focus); }
+    void setFocus(const Focus &focus) { set(m_focus, focus); }
+    [[nodiscard]] MirroredPage page() const { return get(m_page); }
+    void setPage(const MirroredPage &page) { set(m_page, page); }
 
     /// Whether the bus answers and accessibility is on for the session.
     std::atomic<bool> isTrusted = false;
@@ -36,6 +24,15 @@ class Board {
     std::atomic<bool> hasBus = false;
 
   private:
+    template <class T> T get(const T &place) const {
+        const std::scoped_lock lock(m_mutex);
+        return place;
+    }
+    template <class T> void set(T &place, const T &value) {
+        const std::scoped_lock lock(m_mutex);
+        place = value;
+    }
+
     mutable std::mutex m_mutex;
     Focus m_focus;
     MirroredPage m_page;
