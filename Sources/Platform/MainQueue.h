@@ -6,6 +6,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace platform {
 
@@ -17,7 +18,19 @@ inline constexpr Instant distantPast = std::numeric_limits<double>::lowest();
 /// A registration that ends when this is destroyed.
 class Registration {
   public:
-    virtual ~Registration() = default;
+    Registration() = default;
+    /// end: called when this is destroyed.
+    explicit Registration(std::function<void()> end) : m_end(std::move(end)) {}
+    virtual ~Registration() {
+        if (m_end) {
+            m_end();
+        }
+    }
+    Registration(const Registration &) = delete;
+    Registration &operator=(const Registration &) = delete;
+
+  private:
+    std::function<void()> m_end;
 };
 using RegistrationHandle = std::unique_ptr<Registration>;
 

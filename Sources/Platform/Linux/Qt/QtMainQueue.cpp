@@ -6,20 +6,6 @@
 
 namespace platform::desktop {
 
-namespace {
-class RepeatingTimer final : public Registration {
-  public:
-    RepeatingTimer(std::chrono::milliseconds interval, std::function<void()> work) {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        m_timer.callOnTimeout(std::move(work));
-        m_timer.start(interval);
-    }
-
-  private:
-    QTimer m_timer;
-};
-} // namespace
-
 void QtMainQueue::post(std::function<void()> work) {
     QMetaObject::invokeMethod(&m_receiver, std::move(work), Qt::QueuedConnection);
 }
@@ -32,7 +18,11 @@ void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void(
 }
 
 RegistrationHandle QtMainQueue::repeat(std::chrono::milliseconds interval, std::function<void()> work) {
-    return std::make_unique<RepeatingTimer>(interval, std::move(work));
+    auto timer = std::make_shared<QTimer>();
+    timer->setTimerType(Qt::PreciseTimer);
+    timer->callOnTimeout(std::move(work));
+    timer->start(interval);
+    return std::make_unique<Registration>([timer] { timer->stop(); });
 }
 
 Instant QtMainQueue::now() const {

@@ -24,17 +24,6 @@ constexpr int longestAnswer = 5000;
 constexpr auto settling = 1s;
 } // namespace
 
-class LinuxStatusBar::Listening final : public Registration {
-  public:
-    explicit Listening(LinuxStatusBar &bar) : m_end(bar.m_life.whileAlive([&bar] { bar.m_changed = nullptr; })) {}
-    ~Listening() override { m_end(); }
-    Listening(const Listening &) = delete;
-    Listening &operator=(const Listening &) = delete;
-
-  private:
-    std::function<void()> m_end;
-};
-
 LinuxStatusBar::LinuxStatusBar(MainQueue &mainQueue, bool hasEmbeddingTray)
     : m_mainQueue(mainQueue), m_hasTray(hasEmbeddingTray) {
     watchNotifiers();
@@ -45,7 +34,7 @@ LinuxStatusBar::~LinuxStatusBar() = default;
 
 RegistrationHandle LinuxStatusBar::onChange(std::function<void()> changed) {
     m_changed = std::move(changed);
-    return std::make_unique<Listening>(*this);
+    return std::make_unique<Registration>(m_life.whileAlive([this] { m_changed = nullptr; }));
 }
 
 void LinuxStatusBar::tell(const QString &title, const QString &text) {

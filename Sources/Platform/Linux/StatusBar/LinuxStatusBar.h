@@ -30,7 +30,6 @@ class LinuxStatusBar final : public StatusBar {
     void embeddingTrayChanged(bool isThere);
 
   private:
-    class Listening;
     void watchNotifiers();
     void askForNotifiers();
     void update();

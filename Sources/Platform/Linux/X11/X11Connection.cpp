@@ -24,42 +24,7 @@ const xcb_screen_t *screenOf(xcb_connection_t *connection, int number) {
     return screens.data;
 }
 
-class HandlerRegistration final : public Registration {
-  public:
-    using Handlers = std::vector<std::shared_ptr<X11Connection::EventHandler>>;
-    HandlerRegistration(Handlers &handlers, std::shared_ptr<X11Connection::EventHandler> handler)
-        : m_handlers(handlers), m_handler(std::move(handler)) {}
-    ~HandlerRegistration() override {
-        std::erase(m_handlers, m_handler);
-        // Perhaps an event is being handed out, from a copy of the list.
-        *m_handler = nullptr;
-    }
-
-  private:
-    Handlers &m_handlers;
-    std::shared_ptr<X11Connection::EventHandler> m_handler;
-};
-
 } // namespace
-
-class X11Connection::EventSelection final : public Registration {
-  public:
-    EventSelection(X11Connection &connection, xcb_window_t window, std::uint32_t mask)
-        : m_connection(connection), m_mask(connection.m_eventMasks.emplace(window, mask)) {
-        m_connection.sendEventMask(window);
-    }
-    ~EventSelection() override {
-        const xcb_window_t window = m_mask->first;
-        m_connection.m_eventMasks.erase(m_mask);
-        m_connection.sendEventMask(window);
-    }
-    EventSelection(const EventSelection &) = delete;
-    EventSelection &operator=(const EventSelection &) = delete;
-
-  private:
-    X11Connection &m_connection;
-    std::multimap<xcb_window_t, std::uint32_t>::iterator m_mask;
-};
 
 std::unique_ptr<X11Connection> X11Connection::open(const QByteArray &display) {
     int screenNumber = 0;
@@ -139,11 +104,19 @@ std::uint8_t X11Connection::firstEvent(xcb_extension_t *extension) const {
 RegistrationHandle X11Connection::onEvent(EventHandler handler) {
     auto shared = std::make_shared<EventHandler>(std::move(handler));
     m_handlers.push_back(shared);
-    return std::make_unique<HandlerRegistration>(m_handlers, std::move(shared));
+    return std::make_unique<Registration>([this, shared] {
+        std::erase(m_handlers, shared);
+        *shared = nullptr; // perhaps an event is being handed out, from a copy of the list
+    });
 }
 
 RegistrationHandle X11Connection::selectEvents(xcb_window_t window, std::uint32_t mask) {
-    return std::make_unique<EventSelection>(*this, window, mask);
+    const auto selected = m_eventMasks.emplace(window, mask);
+    sendEventMask(window);
+    return std::make_unique<Registration>([this, window, selected] {
+        m_eventMasks.erase(selected);
+        sendEventMask(window);
+    });
 }
 
 void X11Connection::sendEventMask(xcb_window_t window) {

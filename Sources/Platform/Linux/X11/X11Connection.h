@@ -101,8 +101,6 @@ class X11Connection {
     void dispatchWithin(int milliseconds);
 
   private:
-    class EventSelection;
-
     X11Connection(xcb_connection_t *connection, int screenNumber);
     void sendEventMask(xcb_window_t window);
     void readQueued();
