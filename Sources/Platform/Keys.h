@@ -50,7 +50,7 @@ class EventTap {
     virtual bool setEnabled(bool enabled) = 0;
 };
 
-/// Makes key taps. Main thread only.
+/// Makes key taps, of which one is enabled at a time. Main thread only.
 class EventTaps {
   public:
     virtual ~EventTaps() = default;

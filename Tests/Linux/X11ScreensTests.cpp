@@ -120,7 +120,6 @@ TEST(X11ScreensAtScale, CardsStandAboveTheirFieldsOnEveryMonitor) {
              {std::tuple(left, scales[0].mid(5).toDouble(), screens.screens()[1].frame),
               {right, scales[1].mid(6).toDouble(), screens.screens()[0].frame}}) {
             SCOPED_TRACE(scale);
-            EXPECT_EQ(screens.scaleAt({double(monitor.center().x()), double(monitor.center().y())}), scale);
             EXPECT_EQ(frame.width, monitor.width() / scale);
             EXPECT_EQ(frame.height, monitor.height() / scale);
             const QScreen *const shown = QGuiApplication::screenAt(monitor.topLeft() + QPoint(1, 1));

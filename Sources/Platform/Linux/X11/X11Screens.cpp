@@ -121,10 +121,13 @@ void X11Screens::refresh() {
     const std::vector<Strut> struts = readStruts();
     if (struts.empty()) {
         reserveByWorkAreas();
-    } else {
-        reserve(struts);
+    }
+    QRect all;
+    for (const Monitor &monitor : m_monitors) {
+        all |= monitor.pixels;
     }
     for (Monitor &monitor : m_monitors) {
+        std::ranges::for_each(struts, [&](const Strut &strut) { cut(monitor, strut, all); });
         monitor.frame = toQt(monitor.pixels, monitor.scale, fromQRect(monitor.pixels));
         monitor.visibleFrame = toQt(monitor.pixels, monitor.scale, fromQRect(monitor.visiblePixels));
     }
@@ -173,18 +176,6 @@ std::vector<X11Screens::Strut> X11Screens::readStruts() {
 }
 
 /// Struts are measured from the edges of all monitors together, so each applies to the monitor in which it ends.
-void X11Screens::reserve(const std::vector<Strut> &struts) {
-    QRect all;
-    for (const Monitor &monitor : m_monitors) {
-        all |= monitor.pixels;
-    }
-    for (Monitor &monitor : m_monitors) {
-        for (const Strut &strut : struts) {
-            cut(monitor, strut, all);
-        }
-    }
-}
-
 void X11Screens::cut(Monitor &monitor, const Strut &s, const QRect &all) {
     const QRect &frame = monitor.pixels;
     QRect &visible = monitor.visiblePixels;
@@ -254,13 +245,9 @@ const X11Screens::Monitor *X11Screens::monitorAt(Point pixel) const {
     return &*std::ranges::min_element(m_monitors, {}, [&](const Monitor &one) { return distance(one.pixels, pixel); });
 }
 
-double X11Screens::primaryBottom() const {
-    return m_monitors.front().frame.maxY();
-}
-
 Screen X11Screens::screenOf(const Monitor &monitor) const {
     const double left = m_monitors.front().frame.x;
-    const double bottom = primaryBottom();
+    const double bottom = m_monitors.front().frame.maxY();
     const auto convert = [&](const Rect &rect) {
         return Rect{rect.x - left, bottom - rect.maxY(), rect.width, rect.height};
     };
@@ -281,11 +268,6 @@ std::optional<Screen> X11Screens::mainScreen() {
     return screenOf(m_monitors[m_main]);
 }
 
-double X11Screens::scaleAt(Point pixel) {
-    refresh();
-    return monitorAt(pixel)->scale;
-}
-
 Rect X11Screens::accessibilityRect(const Rect &pixels) {
     refresh();
     const Monitor *monitor = monitorAt({pixels.midX(), pixels.midY()});
@@ -298,13 +280,7 @@ Rect X11Screens::accessibilityRect(const Rect &pixels) {
 QPoint X11Screens::qtPosition(const Rect &screenRect) {
     refresh();
     return {static_cast<int>(std::lround(screenRect.x + m_monitors.front().frame.x)),
-            static_cast<int>(std::lround(primaryBottom() - screenRect.maxY()))};
-}
-
-Rect X11Screens::screenRect(const QRect &qtGeometry) {
-    refresh();
-    const Rect rect = fromQRect(qtGeometry);
-    return {rect.x - m_monitors.front().frame.x, primaryBottom() - rect.maxY(), rect.width, rect.height};
+            static_cast<int>(std::lround(m_monitors.front().frame.maxY() - screenRect.maxY()))};
 }
 
 } // namespace platform::desktop

@@ -29,14 +29,10 @@ class X11Screens final : public Screens {
     [[nodiscard]] std::vector<Screen> screens() override;
     [[nodiscard]] std::optional<Screen> mainScreen() override;
 
-    /// Device pixels per point on the monitor that contains this pixel, or is nearest to it.
-    [[nodiscard]] double scaleAt(Point pixel);
     /// A rectangle of pixels in accessibility coordinates, by the monitor that contains its centre.
     [[nodiscard]] Rect accessibilityRect(const Rect &pixels);
     /// Where Qt has to put the top left corner of a window that is to cover this rectangle of screen coordinates.
     [[nodiscard]] QPoint qtPosition(const Rect &screenRect);
-    /// The screen coordinates of a window's geometry in Qt.
-    [[nodiscard]] Rect screenRect(const QRect &qtGeometry);
 
   private:
     struct Monitor {
@@ -53,14 +49,13 @@ class X11Screens final : public Screens {
     void handle(const xcb_generic_event_t &event);
     void refresh();
     void readMonitors();
-    void reserve(const std::vector<Strut> &struts);
     static void cut(Monitor &monitor, const Strut &strut, const QRect &all);
     void reserveByWorkAreas();
     [[nodiscard]] std::vector<Strut> readStruts();
     void findMain();
+    /// The monitor that contains this pixel, or is nearest to it.
     [[nodiscard]] const Monitor *monitorAt(Point pixel) const;
     [[nodiscard]] Screen screenOf(const Monitor &monitor) const;
-    [[nodiscard]] double primaryBottom() const;
 
     X11Connection &m_connection;
     std::vector<Monitor> m_monitors;

@@ -53,11 +53,8 @@ void X11Pasteboard::ownerChanged(const X11SelectionWatch::Change &change) {
     }
     ++m_changeCount;
     m_owner.lose();
-    std::vector<X11SelectionReader *> readers;
-    std::ranges::transform(m_readings, std::back_inserter(readers),
-                           [](const Reading &one) { return one.reader.get(); });
-    for (X11SelectionReader *reader : readers) {
-        reader->ownerChanged(change.owner);
+    for (const auto &[number, reading] : m_readings) {
+        reading.reader->ownerChanged(change.owner);
     }
 }
 
@@ -76,27 +73,17 @@ void X11Pasteboard::copyItems(std::function<void(std::optional<PasteboardItems>)
             &m_context, [done = std::move(done), items = std::move(items)] { done(items); }, Qt::QueuedConnection);
         return;
     }
-    m_readings.push_back({nullptr, std::move(done)});
-    Reading &reading = m_readings.back();
-    auto self = std::make_shared<const X11SelectionReader *>(nullptr);
-    reading.reader = std::make_unique<X11SelectionReader>(
-        m_connection, m_watch.selection(), [this, self](const std::optional<std::vector<X11SelectionValue>> &values) {
-            // Later, since that destroys the reader, which is still at work.
-            QMetaObject::invokeMethod(
-                &m_context, [this, self, values] { finishReading(*self, values); }, Qt::QueuedConnection);
-        });
-    *self = reading.reader.get();
+    const auto finished = [this, number = ++m_lastReading](const auto &values) {
+        // Later, since that destroys the reader, which is still at work.
+        QMetaObject::invokeMethod(
+            &m_context, [this, number, values] { finishReading(number, values); }, Qt::QueuedConnection);
+    };
+    m_readings[m_lastReading] = {std::make_unique<X11SelectionReader>(m_connection, m_watch.selection(), finished),
+                                 std::move(done)};
 }
 
-void X11Pasteboard::finishReading(const X11SelectionReader *reader,
-                                  const std::optional<std::vector<X11SelectionValue>> &values) {
-    const auto reading =
-        std::ranges::find_if(m_readings, [&](const Reading &one) { return one.reader.get() == reader; });
-    if (reading == m_readings.end()) {
-        return;
-    }
-    const auto done = std::move(reading->done);
-    m_readings.erase(reading);
+void X11Pasteboard::finishReading(int number, const std::optional<std::vector<X11SelectionValue>> &values) {
+    const auto done = m_readings.extract(number).mapped().done;
     if (!values) {
         done(std::nullopt);
         return;

@@ -39,14 +39,16 @@ class X11Pasteboard final : public Pasteboard {
     void ownerChanged(const X11SelectionWatch::Change &change);
     void write(std::vector<X11SelectionValue> values);
     void giveUpIfStillCleared();
-    void finishReading(const X11SelectionReader *reader, const std::optional<std::vector<X11SelectionValue>> &values);
+    void finishReading(int number, const std::optional<std::vector<X11SelectionValue>> &values);
     [[nodiscard]] PasteboardItems itemsFrom(const std::vector<X11SelectionValue> &values);
     [[nodiscard]] X11SelectionValue valueFrom(const QString &type, const QByteArray &data);
 
     X11Connection &m_connection;
     X11SelectionWatch m_watch;
     X11SelectionOwner m_owner;
-    std::vector<Reading> m_readings;
+    /// By their numbers.
+    std::map<int, Reading> m_readings;
+    int m_lastReading = 0;
     /// The form in which each type last came, so that it can be given back in the same form.
     std::map<QString, Form> m_forms;
     bool m_isCleared = false;

@@ -94,7 +94,9 @@ void X11SelectionOwner::handle(const xcb_generic_event_t &event) {
         }
         break;
     case XCB_DESTROY_NOTIFY:
-        dropRequestor(eventAs<xcb_destroy_notify_event_t>(event).window);
+        std::erase_if(m_sending, [gone = eventAs<xcb_destroy_notify_event_t>(event).window](const Sending &one) {
+            return one.requestor == gone;
+        });
         break;
     default:
         break;
@@ -162,7 +164,9 @@ bool X11SelectionOwner::convert(xcb_window_t requestor, xcb_atom_t target, xcb_a
         return false;
     }
     if (target == m_connection.atom("TARGETS")) {
-        return putValues(XCB_ATOM_ATOM, targets());
+        std::vector targets{target, m_connection.atom("TIMESTAMP"), m_connection.atom("MULTIPLE")};
+        std::ranges::transform(m_values, std::back_inserter(targets), &X11SelectionValue::target);
+        return putValues(XCB_ATOM_ATOM, targets);
     }
     if (target == m_connection.atom("TIMESTAMP")) {
         return putValues(XCB_ATOM_INTEGER, {m_since});
@@ -173,13 +177,6 @@ bool X11SelectionOwner::convert(xcb_window_t requestor, xcb_atom_t target, xcb_a
     }
     ++m_timesServed;
     return send(requestor, property, *value);
-}
-
-std::vector<xcb_atom_t> X11SelectionOwner::targets() {
-    std::vector<xcb_atom_t> result{m_connection.atom("TARGETS"), m_connection.atom("TIMESTAMP"),
-                                   m_connection.atom("MULTIPLE")};
-    std::ranges::transform(m_values, std::back_inserter(result), &X11SelectionValue::target);
-    return result;
 }
 
 bool X11SelectionOwner::send(xcb_window_t requestor, xcb_atom_t property, const X11SelectionValue &value) {
@@ -225,10 +222,6 @@ void X11SelectionOwner::put(xcb_window_t requestor, xcb_atom_t property, const X
     const auto count = static_cast<std::uint32_t>(size / (value.format / 8));
     xcb_change_property(m_connection.get(), XCB_PROP_MODE_REPLACE, requestor, property, value.type, value.format, count,
                         data);
-}
-
-void X11SelectionOwner::dropRequestor(xcb_window_t requestor) {
-    std::erase_if(m_sending, [&](const Sending &one) { return one.requestor == requestor; });
 }
 
 void X11SelectionOwner::dropStalled() {

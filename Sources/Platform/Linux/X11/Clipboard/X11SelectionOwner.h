@@ -46,10 +46,8 @@ class X11SelectionOwner {
     void serveMultiple(const xcb_selection_request_event_t &request);
     void answer(const xcb_selection_request_event_t &request, xcb_atom_t property);
     [[nodiscard]] bool convert(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
-    [[nodiscard]] std::vector<xcb_atom_t> targets();
     [[nodiscard]] bool send(xcb_window_t requestor, xcb_atom_t property, const X11SelectionValue &value);
     void sendNext(xcb_window_t requestor, xcb_atom_t property);
-    void dropRequestor(xcb_window_t requestor);
     void dropStalled();
     void put(xcb_window_t requestor, xcb_atom_t property, const X11SelectionValue &value, const char *data,
              qsizetype size);

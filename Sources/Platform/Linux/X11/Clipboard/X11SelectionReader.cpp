@@ -16,8 +16,6 @@ constexpr std::chrono::milliseconds longestReading{1500};
 constexpr std::chrono::milliseconds longestLargeReading{4000};
 /// A type that would make the content larger than this is left out.
 constexpr qsizetype maximumBytes = 256LL * 1024 * 1024;
-/// The most memory that is reserved on an owner's word; larger content grows as it comes.
-constexpr qsizetype largestReservation = 32LL * 1024 * 1024;
 /// Programs offer a dozen types, some of them forty image formats, and a few targets that are no content.
 constexpr std::size_t maximumTypes = 128;
 constexpr std::uint32_t maximumOffers = 256;
@@ -31,13 +29,6 @@ constexpr std::array<QLatin1StringView, 7> notContent{
     QLatin1StringView("TARGETS"),        QLatin1StringView("TIMESTAMP"), QLatin1StringView("MULTIPLE"),
     QLatin1StringView("SAVE_TARGETS"),   QLatin1StringView("DELETE"),    QLatin1StringView("INSERT_SELECTION"),
     QLatin1StringView("INSERT_PROPERTY")};
-
-/// How much to reserve before portions arrive. Growing bit by bit would copy the content again and again.
-qsizetype announcedSize(const xcb_get_property_reply_t &announcement) {
-    const bool isSizeSaid = announcement.format == 32 && announcement.value_len == 1;
-    const qsizetype said = isSizeSaid ? *static_cast<const std::uint32_t *>(xcb_get_property_value(&announcement)) : 0;
-    return said > 0 ? said : largestReservation;
-}
 
 bool isContent(const QString &target) {
     return !target.isEmpty() && std::ranges::find(notContent, target) == notContent.end();
@@ -64,7 +55,7 @@ X11SelectionReader::~X11SelectionReader() {
 void X11SelectionReader::start() {
     ++m_attempts;
     m_transfers.clear();
-    m_total = m_reserved = 0;
+    m_total = 0;
     if (m_window != XCB_NONE) {
         xcb_destroy_window(m_connection.get(), m_window);
     }
@@ -173,19 +164,11 @@ void X11SelectionReader::fetch(Transfer &transfer) {
     }
 }
 
-/// Trusts the owner's figure within limits: many types may be announced as large at once.
-void X11SelectionReader::makeRoom(QByteArray &data, qsizetype wanted) {
-    const qsizetype room = std::min({wanted, largestReservation, maximumBytes - m_reserved});
-    m_reserved += room;
-    data.reserve(room);
-}
-
 /// Whether the property holds more. After the last piece the transfer may be gone.
 bool X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_reply_t &answer) {
     X11SelectionValue &value = transfer.value;
     if (transfer.stage == Stage::asked && answer.type == m_connection.atom("INCR")) {
         transfer.stage = Stage::incremental;
-        makeRoom(value.data, announcedSize(answer));
         return false;
     }
     if (answer.type == XCB_NONE) {
@@ -206,9 +189,6 @@ bool X11SelectionReader::receive(Transfer &transfer, const xcb_get_property_repl
     }
     value.type = answer.type;
     value.format = answer.format;
-    if (transfer.stage == Stage::asked && transfer.offset == 0) {
-        makeRoom(value.data, length + qsizetype{answer.bytes_after});
-    }
     value.data.append(static_cast<const char *>(xcb_get_property_value(&answer)), length);
     const bool isEnd = length == 0 && transfer.offset == 0;
     transfer.offset = answer.bytes_after > 0 ? transfer.offset + static_cast<std::uint32_t>(length) : 0;

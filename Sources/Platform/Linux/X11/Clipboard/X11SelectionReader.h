@@ -52,7 +52,6 @@ class X11SelectionReader {
     void askForAll(const std::vector<xcb_atom_t> &targets);
     [[nodiscard]] Transfer *transfer(xcb_atom_t target);
     void fetch(Transfer &transfer);
-    void makeRoom(QByteArray &data, qsizetype wanted);
     [[nodiscard]] bool receive(Transfer &transfer, const xcb_get_property_reply_t &answer);
     void settle(Transfer &transfer, Stage stage);
     void handleDeadline();
@@ -65,8 +64,6 @@ class X11SelectionReader {
     xcb_window_t m_window = XCB_NONE;
     std::vector<Transfer> m_transfers;
     qsizetype m_total = 0;
-    /// The memory reserved for what is still to come, in bytes.
-    qsizetype m_reserved = 0;
     int m_attempts = 0;
     bool m_isExtended = false;
     QTimer m_stall;

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/X11/Keys/X11EventTaps.h"
 
-#include <algorithm>
-
 namespace platform::desktop {
 
 class X11EventTaps::Tap final : public EventTap {
@@ -48,17 +46,16 @@ std::unique_ptr<EventTap> X11EventTaps::create(TapCallback callback) {
 }
 
 bool X11EventTaps::arm(Tap &tap) {
-    if (m_armed.empty() && !grab()) {
+    if (m_armed == nullptr && !grab()) {
         return false;
     }
-    if (std::ranges::find(m_armed, &tap) == m_armed.end()) {
-        m_armed.push_back(&tap);
-    }
+    m_armed = &tap;
     return true;
 }
 
 void X11EventTaps::disarm(Tap &tap) {
-    if (std::erase(m_armed, &tap) > 0 && m_armed.empty()) {
+    if (m_armed == &tap) {
+        m_armed = nullptr;
         ungrab();
         m_connection.sync();
     }
@@ -95,16 +92,12 @@ void X11EventTaps::ungrab() {
 
 /// The keys may have moved with the new mapping.
 void X11EventTaps::regrab() {
-    if (m_armed.empty()) {
+    if (m_armed == nullptr) {
         return;
     }
     ungrab();
-    if (grab()) {
-        return;
-    }
-    const auto disarmed = std::exchange(m_armed, {});
-    for (const Tap *tap : disarmed) {
-        (void)tap->tell({TapEventType::tapDisabledByUserInput, 0, 0});
+    if (!grab()) {
+        (void)std::exchange(m_armed, nullptr)->tell({TapEventType::tapDisabledByUserInput, 0, 0});
     }
 }
 
@@ -127,7 +120,8 @@ void X11EventTaps::handlePress(const xcb_key_press_event_t &press) {
     // Any other key, or a press that came after the tap was disarmed, belongs to the application.
     m_swallowed.reset();
     const std::optional<KeyCode> key = m_keyboard.key(press.detail);
-    if (key && ask(*key, X11Keyboard::flags(press.state)) == TapVerdict::swallow) {
+    const TapEvent event{TapEventType::keyDown, key.value_or(0), X11Keyboard::flags(press.state)};
+    if (key && m_armed != nullptr && m_armed->tell(event) == TapVerdict::swallow) {
         m_swallowed = m_lastSwallowed = press.detail;
         m_releasedAt.reset();
         // Holds back the next key too, whichever it is: until the swallowed key comes up all keys come here, and what
@@ -146,17 +140,6 @@ void X11EventTaps::handleRelease(const xcb_key_release_event_t &release) {
     // Either the end of the grab, after which the keyboard goes on by itself, or the first half of a repeat, whose
     // press, with the same time, is the one to answer.
     m_releasedAt = release.time;
-}
-
-TapVerdict X11EventTaps::ask(KeyCode key, EventFlags flags) {
-    auto verdict = TapVerdict::pass;
-    const auto armed = m_armed;
-    for (const Tap *tap : armed) {
-        if (verdict == TapVerdict::pass && std::ranges::find(m_armed, tap) != m_armed.end()) {
-            verdict = tap->tell({TapEventType::keyDown, key, flags});
-        }
-    }
-    return verdict;
 }
 
 void X11EventTaps::allow(std::uint8_t mode, xcb_timestamp_t time) {

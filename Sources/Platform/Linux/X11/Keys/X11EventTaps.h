@@ -6,7 +6,8 @@
 
 namespace platform::desktop {
 
-/// Key taps as synchronous grabs of the keys on the root window. Outlives the taps it made. See ../README.md.
+/// Key taps as synchronous grabs of the keys on the root window; the one that was enabled last is asked. Outlives the
+/// taps it made. See ../README.md.
 class X11EventTaps final : public EventTaps {
   public:
     X11EventTaps(X11Connection &connection, X11Keyboard &keyboard);
@@ -32,12 +33,11 @@ class X11EventTaps final : public EventTaps {
     void handle(const xcb_generic_event_t &event);
     void handlePress(const xcb_key_press_event_t &press);
     void handleRelease(const xcb_key_release_event_t &release);
-    [[nodiscard]] TapVerdict ask(KeyCode key, EventFlags flags);
     void allow(std::uint8_t mode, xcb_timestamp_t time);
 
     X11Connection &m_connection;
     X11Keyboard &m_keyboard;
-    std::vector<Tap *> m_armed;
+    Tap *m_armed = nullptr;
     /// The grabbed key codes, to be given back even if the mapping has changed since.
     std::vector<xcb_keycode_t> m_grabbed;
     /// The key whose press was swallowed and whose repeats and release still have to be.

@@ -12,22 +12,6 @@ namespace platform::desktop {
 
 namespace {
 
-/// Keeps all other clients from acting, so that neither the focus nor a key can change between a press and its release.
-/// It does not stop the user's fingers.
-class ServerGrab {
-  public:
-    explicit ServerGrab(X11Connection &connection) : m_connection(connection) { xcb_grab_server(connection.get()); }
-    ~ServerGrab() {
-        xcb_ungrab_server(m_connection.get());
-        m_connection.sync();
-    }
-    ServerGrab(const ServerGrab &) = delete;
-    ServerGrab &operator=(const ServerGrab &) = delete;
-
-  private:
-    X11Connection &m_connection;
-};
-
 template <typename Call> void forEachKey(const KeysDown &keys, Call call) {
     for (std::size_t code = 0; code < keys.size(); ++code) {
         if (keys[code]) {
@@ -79,22 +63,24 @@ bool X11KeyPoster::postKey(KeyCode key, EventFlags flags) {
         return false;
     }
     m_taps.releaseKeyboard();
-    {
-        const ServerGrab grab(m_connection);
-        const Holders before = holders();
-        const KeysDown down = m_keyboard.keysDown();
-        const KeysDown lifted = modifiersToLift(flags, down);
-        std::vector<xcb_keycode_t> added;
-        for (const int modifier : X11Keyboard::modifiers(flags)) {
-            added.push_back(unheldKey(modifier, down));
-        }
-        forEachKey(lifted, [this](xcb_keycode_t code) { release(code); });
-        std::ranges::for_each(added, [this](xcb_keycode_t code) { press(code); });
-        press(codes.front());
-        release(codes.front());
-        std::for_each(added.rbegin(), added.rend(), [this](xcb_keycode_t code) { release(code); });
-        giveBack(lifted, before);
+    // Keeps all other clients from acting, so that neither the focus nor a key can change between a press and its
+    // release. It does not stop the user's fingers.
+    xcb_grab_server(m_connection.get());
+    const Holders before = holders();
+    const KeysDown down = m_keyboard.keysDown();
+    const KeysDown lifted = modifiersToLift(flags, down);
+    std::vector<xcb_keycode_t> added;
+    for (const int modifier : X11Keyboard::modifiers(flags)) {
+        added.push_back(unheldKey(modifier, down));
     }
+    forEachKey(lifted, [this](xcb_keycode_t code) { release(code); });
+    std::ranges::for_each(added, [this](xcb_keycode_t code) { press(code); });
+    press(codes.front());
+    release(codes.front());
+    std::for_each(added.rbegin(), added.rend(), [this](xcb_keycode_t code) { release(code); });
+    giveBack(lifted, before);
+    xcb_ungrab_server(m_connection.get());
+    m_connection.sync();
     return !m_connection.isBroken();
 }
 

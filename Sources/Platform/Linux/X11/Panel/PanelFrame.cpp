@@ -44,19 +44,13 @@ void refuseForeignShadow(xcb_connection_t *connection, xcb_window_t window) {
     }
 }
 
-std::vector<xcb_rectangle_t> nativeRectangles(const QRegion &region) {
+void setShape(xcb_window_t window, xcb_shape_kind_t kind, const QRegion &region) {
     std::vector<xcb_rectangle_t> rectangles;
     for (const QRect &rect : region) {
         rectangles.push_back({static_cast<std::int16_t>(rect.x()), static_cast<std::int16_t>(rect.y()),
                               static_cast<std::uint16_t>(rect.width()), static_cast<std::uint16_t>(rect.height())});
     }
-    return rectangles;
-}
-
-void setShape(xcb_window_t window, xcb_shape_kind_t kind, const QRegion &region) {
-    xcb_connection_t *connection = qtConnection();
-    const auto rectangles = nativeRectangles(region);
-    xcb_shape_rectangles(connection, XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
+    xcb_shape_rectangles(qtConnection(), XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
                          static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
 }
 
@@ -88,18 +82,14 @@ PanelFrame::PanelFrame()
     setAttribute(Qt::WA_QuitOnClose, false);
     setFocusPolicy(Qt::NoFocus);
     create();
-    setNativeHints();
+    if (xcb_connection_t *connection = qtConnection(); connection != nullptr) {
+        refuseForeignShadow(connection, static_cast<xcb_window_t>(winId()));
+    }
 }
 
 PanelFrame::~PanelFrame() {
     if (m_content) {
         m_content->setParent(nullptr);
-    }
-}
-
-void PanelFrame::setNativeHints() {
-    if (xcb_connection_t *connection = qtConnection(); connection != nullptr) {
-        refuseForeignShadow(connection, static_cast<xcb_window_t>(winId()));
     }
 }
 

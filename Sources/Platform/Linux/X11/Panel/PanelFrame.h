@@ -33,7 +33,6 @@ class PanelFrame final : public QWidget {
     [[nodiscard]] int margin() const { return m_composited ? PanelShadow::extent : outlineWidth; }
     [[nodiscard]] QList<QRectF> shape() const;
     [[nodiscard]] double cornerRadius() const;
-    void setNativeHints();
     void applyShape();
     void paintOpaque(QPainter &painter, const QRect &rect, const QColor &ground) const;
 

@@ -22,16 +22,6 @@ int wholePoints(double value) {
     return static_cast<int>(std::lround(withinReach(value)));
 }
 
-QEasingCurve easeOut() {
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    curve.addCubicBezierSegment({0, 0}, {0.58, 1}, {1, 1});
-    return curve;
-}
-
-double between(double from, double to, double progress) {
-    return from + (to - from) * progress;
-}
-
 } // namespace
 
 QtPanelWindow::QtPanelWindow(X11Screens &screens)
@@ -43,7 +33,9 @@ QtPanelWindow::QtPanelWindow(X11Screens &screens)
     m_apply.callOnTimeout([this] { applyGeometry(); });
     m_animation.setStartValue(0.0);
     m_animation.setEndValue(1.0);
-    m_animation.setEasingCurve(easeOut());
+    QEasingCurve easeOut(QEasingCurve::BezierSpline);
+    easeOut.addCubicBezierSegment({0, 0}, {0.58, 1}, {1, 1});
+    m_animation.setEasingCurve(easeOut);
     QObject::connect(&m_animation, &QVariantAnimation::valueChanged, &m_window,
                      [this](const QVariant &value) { animateTo(value.toDouble()); });
 }
@@ -61,7 +53,7 @@ void QtPanelWindow::setContentView(QObject *view) {
 void QtPanelWindow::setContentSize(Size size) {
     m_frame.width = size.width;
     m_frame.height = size.height;
-    applyLater();
+    m_apply.start();
 }
 
 void QtPanelWindow::setFrameOrigin(Point origin) {
@@ -72,7 +64,7 @@ void QtPanelWindow::setFrameOrigin(Point origin) {
     m_flight.moves = false;
     m_frame.x = origin.x;
     m_frame.y = origin.y;
-    applyLater();
+    m_apply.start();
 }
 
 void QtPanelWindow::setAlpha(double alpha) {
@@ -102,22 +94,17 @@ void QtPanelWindow::animate(Point origin, double alpha, std::chrono::millisecond
 
 void QtPanelWindow::animateTo(double progress) {
     if (m_flight.moves) {
-        m_frame.x = between(m_flight.from.x, m_flight.to.x, progress);
-        m_frame.y = between(m_flight.from.y, m_flight.to.y, progress);
+        m_frame.x = std::lerp(m_flight.from.x, m_flight.to.x, progress);
+        m_frame.y = std::lerp(m_flight.from.y, m_flight.to.y, progress);
         applyGeometry();
     }
     if (m_flight.fades) {
-        m_alpha = between(m_flight.fromAlpha, m_flight.toAlpha, progress);
+        m_alpha = std::lerp(m_flight.fromAlpha, m_flight.toAlpha, progress);
         applyAlpha();
     }
     if (progress >= 1) {
         m_flight = {};
     }
-}
-
-// A new size is mostly followed by a new place: applied together they do not flicker.
-void QtPanelWindow::applyLater() {
-    m_apply.start();
 }
 
 void QtPanelWindow::applyGeometry() {

@@ -34,7 +34,6 @@ class QtPanelWindow final : public PanelWindow {
   private:
     void setComposited(bool composited);
     void animateTo(double progress);
-    void applyLater();
     void applyGeometry();
     void applyAlpha();
 
@@ -45,6 +44,7 @@ class QtPanelWindow final : public PanelWindow {
     bool m_isComposited = false;
     Rect m_frame;
     double m_alpha = 1;
+    /// A new size is mostly followed by a new place: applied together they do not flicker.
     QTimer m_apply;
     struct Flight {
         Point from;
