@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QStringConverter>
 
 #include <algorithm>
@@ -16,16 +17,9 @@ namespace {
 constexpr qint64 largestFile = 1 << 20;
 
 bool isBundleIdentifier(const QString &text) {
-    const auto isPlain = [](QChar unit) {
-        return unit.unicode() < 0x80 && (unit.isLetterOrNumber() || unit == u'.' || unit == u'-' || unit == u'_');
-    };
-    return text.contains(u'.') && std::ranges::all_of(text, isPlain) && !text.startsWith(u'.') &&
-           !text.endsWith(u'.') && !text.contains(QStringLiteral(".."));
-}
-
-QString withoutDesktopSuffix(const QString &name) {
-    constexpr QLatin1StringView suffix(".desktop");
-    return name.endsWith(suffix) ? name.chopped(suffix.size()) : name;
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(QStringLiteral("[A-Za-z0-9_-]+(\\.[A-Za-z0-9_-]+)+")));
+    return form.match(text).hasMatch();
 }
 
 /// False when the line is neither entry nor comment.
@@ -34,7 +28,10 @@ bool takeLine(const QString &line, QHash<QString, QString> &identifiers) {
         return true;
     }
     const qsizetype equals = line.lastIndexOf(u'=');
-    const QString name = withoutDesktopSuffix(line.left(std::max<qsizetype>(equals, 0)).trimmed());
+    QString name = line.left(std::max<qsizetype>(equals, 0)).trimmed();
+    if (constexpr QLatin1StringView suffix(".desktop"); name.endsWith(suffix)) {
+        name.chop(suffix.size());
+    }
     const QString identifier = line.sliced(equals + 1).trimmed();
     if (name.isEmpty() || !isBundleIdentifier(identifier)) {
         return false;

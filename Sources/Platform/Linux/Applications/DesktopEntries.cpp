@@ -8,47 +8,31 @@
 #include <QFileInfo>
 #include <QLocale>
 
+#include <glib.h>
+#include <memory>
+
 namespace platform::desktop {
 
 namespace {
 constexpr qint64 largestEntry = 1 << 18;
 
-/// The value of a line "key=value"; absent for another key.
-std::optional<QByteArrayView> valueOf(QByteArrayView line, const QByteArray &key) {
-    if (!line.startsWith(key) || !line.sliced(key.size()).trimmed().startsWith('=')) {
-        return std::nullopt;
-    }
-    return line.sliced(line.indexOf('=') + 1).trimmed();
-}
+/// A text that GLib has allocated; null when there is none.
+using GlibText = std::unique_ptr<gchar, decltype(&g_free)>;
 } // namespace
 
 std::optional<QString> nameInDesktopEntry(const QByteArray &entry, const QString &locale) {
-    const QByteArray language = locale.section(u'_', 0, 0).toLatin1();
-    const QByteArray keys[]{"Name", "Name[" + language + ']', "Name[" + locale.toLatin1() + ']'};
-    QByteArrayView names[std::size(keys)];
-    bool isInMainGroup = false;
-    bool isApplication = false;
-    for (qsizetype at = 0, end = 0; at < entry.size(); at = end + 1) {
-        end = entry.indexOf('\n', at);
-        end = end < 0 ? entry.size() : end;
-        const QByteArrayView line = QByteArrayView(entry).sliced(at, end - at).trimmed();
-        if (line.startsWith('[')) {
-            isInMainGroup = line == "[Desktop Entry]";
-        }
-        if (!isInMainGroup) {
-            continue;
-        }
-        isApplication = isApplication || valueOf(line, "Type") == QByteArrayView("Application");
-        for (std::size_t i = 0; i < std::size(keys); ++i) {
-            names[i] = valueOf(line, keys[i]).value_or(names[i]);
-        }
+    const std::unique_ptr<GKeyFile, decltype(&g_key_file_unref)> file(g_key_file_new(), &g_key_file_unref);
+    constexpr auto group = G_KEY_FILE_DESKTOP_GROUP;
+    const auto size = static_cast<gsize>(entry.size());
+    if (!g_key_file_load_from_data(file.get(), entry.constData(), size, G_KEY_FILE_KEEP_TRANSLATIONS, nullptr)) {
+        return std::nullopt;
     }
-    for (const QByteArrayView name : {names[2], names[1], names[0]}) {
-        if (isApplication && !name.isEmpty()) {
-            return QString::fromUtf8(name);
-        }
-    }
-    return std::nullopt;
+    const GlibText type(g_key_file_get_string(file.get(), group, G_KEY_FILE_DESKTOP_KEY_TYPE, nullptr), &g_free);
+    const GlibText name(g_key_file_get_locale_string(file.get(), group, G_KEY_FILE_DESKTOP_KEY_NAME,
+                                                     locale.toLatin1().constData(), nullptr),
+                        &g_free);
+    const bool isNamed = g_strcmp0(type.get(), G_KEY_FILE_DESKTOP_TYPE_APPLICATION) == 0 && name && *name != '\0';
+    return isNamed ? std::optional(QString::fromUtf8(name.get())) : std::nullopt;
 }
 
 QStringList DesktopEntries::standardFolders() {

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,7 +18,7 @@ namespace {
 constexpr qint64 longestFile = 1 << 18;
 
 /// A process can put anything into a root folder of its own; a pipe that nobody writes to must not be waited for.
-QByteArray contentOf(qint32 pid, const char *name) {
+QByteArray contentOf(qint32 pid, const char *name, qint64 longest = longestFile) {
     const QByteArray path = "/proc/" + QByteArray::number(pid) + '/' + name;
     constexpr int withoutWaiting = O_NONBLOCK | O_NOCTTY | O_NOFOLLOW;
     const FileDescriptor descriptor(::open(path.constData(), O_RDONLY | O_CLOEXEC | withoutWaiting));
@@ -27,23 +26,7 @@ QByteArray contentOf(qint32 pid, const char *name) {
     const bool isFile = descriptor && ::fstat(descriptor.get(), &status) == 0 && S_ISREG(status.st_mode);
     QFile file;
     const bool isOpen = isFile && file.open(descriptor.get(), QIODevice::ReadOnly | QIODevice::Unbuffered);
-    return isOpen ? file.read(longestFile) : QByteArray();
-}
-
-/// With a small buffer, unlike the other files: this one is read again and again.
-QByteArray statusOf(qint32 pid) {
-    std::array<char, 1024> status;
-    const QByteArray path = "/proc/" + QByteArray::number(pid) + "/stat";
-    const FileDescriptor file(::open(path.constData(), O_RDONLY | O_CLOEXEC));
-    const ssize_t length = ::read(file.get(), status.data(), status.size());
-    return length > 0 ? QByteArray(status.data(), length) : QByteArray();
-}
-
-QString executableOf(qint32 pid) {
-    std::array<char, PATH_MAX> target;
-    const QByteArray link = "/proc/" + QByteArray::number(pid) + "/exe";
-    const ssize_t length = ::readlink(link.constData(), target.data(), target.size());
-    return length > 0 ? QFile::decodeName(QByteArray(target.data(), length)) : QString();
+    return isOpen ? file.read(longest) : QByteArray();
 }
 
 QStringList decoded(const QByteArray &zeroSeparated) {
@@ -125,7 +108,7 @@ QString desktopEntry(qint32 pid) {
 
 std::optional<Fingerprint> fingerprint(qint32 pid) {
     // The second field is the program's name in parentheses, which may itself hold spaces and parentheses.
-    const QByteArray status = statusOf(pid);
+    const QByteArray status = contentOf(pid, "stat", 1024);
     const QByteArrayList fields = status.sliced(status.lastIndexOf(')') + 1).simplified().split(' ');
     constexpr qsizetype state = 0;
     constexpr qsizetype parent = 1;
@@ -133,7 +116,8 @@ std::optional<Fingerprint> fingerprint(qint32 pid) {
     if (pid <= 0 || fields.size() <= startTime || fields[state] == "Z" || fields[state] == "X") {
         return std::nullopt;
     }
-    return Fingerprint{fields[startTime].toULongLong(), executableOf(pid), fields[parent].toInt()};
+    return Fingerprint{fields[startTime].toULongLong(), QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(pid)),
+                       fields[parent].toInt()};
 }
 
 QString withoutDeletedMark(const QString &path) {
