@@ -81,7 +81,7 @@ void makeLargeBundle(const QString &bundle, const SigningKey &key) {
     write(bundle + QStringLiteral("/Info.json"), R"({"CFBundleShortVersionString": "1"})", readable);
     write(bundle + QStringLiteral("/quillory"), "#!/bin/sh\nexit 0\n",
           readable | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther);
-    signBundle(bundle, QStringLiteral("1"), LinuxCodeSigning::hostArchitecture(), key);
+    signBundle(bundle, QStringLiteral("1"), key);
 }
 
 } // namespace

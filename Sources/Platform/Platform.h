@@ -8,7 +8,7 @@ class Accessibility;
 class Application;
 class CodeSigning;
 class EventTaps;
-class FileSystem;
+class Installation;
 class KeyPoster;
 class MainQueue;
 class PanelWindows;
@@ -16,7 +16,6 @@ class Pasteboard;
 class Process;
 class Screens;
 class StatusBar;
-class SystemTools;
 class URLSession;
 class UserDefaults;
 class Workspace;
@@ -38,12 +37,14 @@ struct Platform {
     Workspace &workspace;
 };
 
-/// What putting a newer version in the program's place asks of it besides.
-struct InstallServices {
+/// What checking for updates and installing them ask of it.
+struct UpdateServices {
     Application &application;
     CodeSigning &codeSigning;
-    FileSystem &fileSystem;
-    SystemTools &systemTools;
+    Installation &installation;
+    MainQueue &mainQueue;
+    Process &process;
+    URLSession &urlSession;
 };
 
 } // namespace platform

@@ -184,9 +184,7 @@ int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> co
     quillory::FileLog::open(linuxPlatform.services().process.homeDirectory());
     const auto instance = std::move(claim); // listens while the application is there
     const platform::Platform &services = linuxPlatform.services();
-    const platform::InstallServices &install = linuxPlatform.installServices();
-    quillory::UpdateChecker updates({install.application, install.codeSigning, install.fileSystem, services.mainQueue,
-                                     services.process, install.systemTools, services.urlSession});
+    quillory::UpdateChecker updates(linuxPlatform.updateServices());
     quillory::ui::AppDelegate delegate(services, {.startPeriodicChecks = [&] { updates.startPeriodicChecks(); },
                                                   .check = [&](bool userInitiated) { updates.check(userInitiated); },
                                                   .launchSetup = [&] { setup.launch(); }});

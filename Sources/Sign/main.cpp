@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The maintainer's tool for making keys, signing bundles and replacing keys. Docs/releasing.md says when to use it.
-#include "Platform/FileSystem.h"
+#include "Platform/FileError.h"
 #include "Platform/Linux/FileDescriptor.h"
 #include "Platform/Linux/Updates/FileTree.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
@@ -74,7 +74,7 @@ void checkTeam(const QString &team) {
 void sign(const QString &keyFile, const QString &version, const QString &bundle) {
     const auto key = readKey(keyFile);
     checkTeam(key.team());
-    desktop::signBundle(bundle, version, desktop::LinuxCodeSigning::hostArchitecture(), key);
+    desktop::signBundle(bundle, version, key);
 }
 
 /// Throws unless users of the previous release can install this one.

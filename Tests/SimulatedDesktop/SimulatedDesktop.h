@@ -70,18 +70,8 @@ class SimulatedDesktop final : private platform::KeyPoster {
     }
 
     bool m_allSelected = false;
-    platform::Platform m_services{.accessibility = applications,
-                                  .eventTaps = eventTaps,
-                                  .keyPoster = *this,
-                                  .mainQueue = mainQueue,
-                                  .panelWindows = panelWindows,
-                                  .pasteboard = pasteboard,
-                                  .process = process,
-                                  .screens = screens,
-                                  .statusBar = statusBar,
-                                  .urlSession = urlSession,
-                                  .userDefaults = userDefaults,
-                                  .workspace = applications};
+    platform::Platform m_services{applications, eventTaps, *this,     mainQueue,  panelWindows, pasteboard,
+                                  process,      screens,   statusBar, urlSession, userDefaults, applications};
 };
 
 } // namespace quillory::test

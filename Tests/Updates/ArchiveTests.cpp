@@ -36,14 +36,6 @@ class Archive : public testing::Test {
         }
     }
     [[nodiscard]] QString work() const { return folder.filePath(u"work/inside"_s); }
-    [[nodiscard]] static QByteArray zipWith(const std::vector<ZipWriter::Item> &items) {
-        ZipWriter zip;
-        for (const ZipWriter::Item &item : items) {
-            zip.add(item);
-        }
-        return zip.bytes();
-    }
-
     /// With other bytes in the first file's own head and in its head in the directory.
     [[nodiscard]] static QByteArray patched(QByteArray zip, qsizetype inHead, qsizetype inDirectory, char byte) {
         zip[inHead] = byte;
@@ -72,7 +64,7 @@ TEST_F(Archive, IsRefusedWhenItCouldDoHarm) {
     constexpr unsigned link = 0120777;
     const QByteArray zeros(2 << 20, '\0');
     const QByteArray whole = zipWith({{"a", "content"}, {"b", "more"}});
-    std::vector<ZipWriter::Item> many;
+    std::vector<ZipItem> many;
     for (int i = 0; i < 101; ++i) {
         many.push_back({QByteArray::number(i), ""});
     }

@@ -29,11 +29,11 @@ class BundleSignature : public testing::Test {
     [[nodiscard]] QByteArray path(const char *name) const { return QFile::encodeName(in(name)); }
     /// The manifest as another one would like it, with the signature of the right one.
     void rewriteManifest(const QByteArray &before, const QByteArray &after) const {
-        writeFile(in("Manifest"), readFile(in("Manifest")).replace(before, after));
+        writeFile(in("Manifest"), contentOf(in("Manifest")).replace(before, after));
     }
     void signWith(const SigningKey &key, const QString &architecture = LinuxCodeSigning::hostArchitecture(),
                   const QString &identifier = platform::desktop::applicationIdentifier) const {
-        platform::desktop::signBundle(bundle, u"2"_s, architecture, key, identifier);
+        platform::desktop::signBundle(bundle, u"2"_s, key, architecture, identifier);
     }
 
     QTemporaryDir folder{folderTemplate()};
@@ -47,7 +47,7 @@ TEST_F(BundleSignature, VouchesForExactlyWhatWasSigned) {
     } attacks[] = {
         {"a changed byte",
          [&] {
-             QByteArray icon = readFile(in("Resources/icons/quillory.svg"));
+             QByteArray icon = contentOf(in("Resources/icons/quillory.svg"));
              icon[5000] = 'y';
              writeFile(in("Resources/icons/quillory.svg"), icon);
          }},
@@ -88,7 +88,7 @@ TEST_F(BundleSignature, VouchesForExactlyWhatWasSigned) {
          [&] {
              makeSignedBundle(folder.filePath(u"Other.app"_s), 3);
              for (const char *name : {"Manifest", "Manifest.signature"}) {
-                 writeFile(in(name), readFile(folder.filePath(u"Other.app/"_s + QLatin1StringView(name))));
+                 writeFile(in(name), contentOf(folder.filePath(u"Other.app/"_s + QLatin1StringView(name))));
              }
          }},
         {"the key of nobody we know", [&] { signWith(SigningKey::generated(team)); }},

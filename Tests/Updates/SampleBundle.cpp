@@ -8,7 +8,6 @@
 #include <QFileInfo>
 #include <QtEndian>
 
-#include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -46,11 +45,6 @@ void writeFile(const QString &path, const QByteArray &bytes, unsigned mode) {
     ::chmod(QFile::encodeName(path).constData(), mode);
 }
 
-QByteArray readFile(const QString &path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 void makeBundle(const QString &path, int version) {
     const QString resources = path + u"/Resources/icons"_s;
     QDir().mkpath(resources);
@@ -66,7 +60,7 @@ void makeBundle(const QString &path, int version) {
 
 void makeSignedBundle(const QString &path, int version, const SigningKey &key) {
     makeBundle(path, version);
-    platform::desktop::signBundle(path, QString::number(version), LinuxCodeSigning::hostArchitecture(), key);
+    platform::desktop::signBundle(path, QString::number(version), key);
 }
 
 std::string vouchedVersion(const QString &bundle) {
@@ -97,50 +91,42 @@ quint32 checksum(const QByteArray &bytes) {
     return ~sum;
 }
 
-/// Without the length, the head and the checksum that the toolkit puts around it.
-QByteArray deflated(const QByteArray &content) {
-    return qCompress(content, 9).sliced(6).chopped(4);
-}
 } // namespace
 
-void ZipWriter::add(const Item &item) {
-    const QByteArray data = item.isCompressed ? deflated(item.content) : item.content;
-    const QByteArray common = little<quint16>(0x800) + little<quint16>(item.isCompressed ? 8 : 0) + little<quint32>(0) +
-                              little(checksum(item.content)) + little(static_cast<quint32>(data.size())) +
-                              little(static_cast<quint32>(item.content.size())) +
-                              little(static_cast<quint16>(item.name.size())) + little<quint16>(0);
+QByteArray zipWith(const std::vector<ZipItem> &items) {
     constexpr quint16 madeOnUnix = 0x314;
-    m_directory += "PK\x01\x02" + little(madeOnUnix) + little<quint16>(20) + common + little<quint16>(0) +
-                   little<quint32>(0) + little(item.mode << 16) + little(static_cast<quint32>(m_files.size())) +
-                   item.name;
-    m_files += "PK\x03\x04" + little<quint16>(20) + common + item.name + data;
-    ++m_count;
-}
-
-QByteArray ZipWriter::bytes() const {
-    const auto count = static_cast<quint16>(m_count);
-    return m_files + m_directory + "PK\x05\x06" + little<quint32>(0) + little(count) + little(count) +
-           little(static_cast<quint32>(m_directory.size())) + little(static_cast<quint32>(m_files.size())) +
+    QByteArray files;
+    QByteArray directory;
+    for (const auto &[name, content, mode, isCompressed] : items) {
+        // Without the length, the head and the checksum that Qt puts around it.
+        const QByteArray data = isCompressed ? qCompress(content, 9).sliced(6).chopped(4) : content;
+        const QByteArray common = little<quint16>(0x800) + little<quint16>(isCompressed ? 8 : 0) + little<quint32>(0) +
+                                  little(checksum(content)) + little(static_cast<quint32>(data.size())) +
+                                  little(static_cast<quint32>(content.size())) +
+                                  little(static_cast<quint16>(name.size())) + little<quint16>(0);
+        directory += "PK\x01\x02" + little(madeOnUnix) + little<quint16>(20) + common + little<quint16>(0) +
+                     little<quint32>(0) + little(mode << 16) + little(static_cast<quint32>(files.size())) + name;
+        files += "PK\x03\x04" + little<quint16>(20) + common + name + data;
+    }
+    const QByteArray count = little(static_cast<quint16>(items.size()));
+    return files + directory + "PK\x05\x06" + little<quint32>(0) + count + count +
+           little(static_cast<quint32>(directory.size())) + little(static_cast<quint32>(files.size())) +
            little<quint16>(0);
 }
 
 QByteArray zipOf(const QString &folder, const QByteArray &name) {
-    QStringList paths;
+    std::vector<ZipItem> items;
     for (QDirIterator files(folder, QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
                             QDirIterator::Subdirectories);
          files.hasNext();) {
-        paths += files.next();
-    }
-    std::ranges::sort(paths);
-    ZipWriter zip;
-    for (const QString &path : paths) {
+        const QString path = files.next();
         struct stat status {};
         ::stat(QFile::encodeName(path).constData(), &status);
         const bool isFolder = S_ISDIR(status.st_mode);
-        zip.add({name + QFile::encodeName(path.sliced(folder.size())) + (isFolder ? "/" : ""),
-                 isFolder ? QByteArray() : readFile(path), status.st_mode, !isFolder});
+        items.push_back({name + QFile::encodeName(path.sliced(folder.size())) + (isFolder ? "/" : ""),
+                         isFolder ? QByteArray() : contentOf(path), status.st_mode, !isFolder});
     }
-    return zip.bytes();
+    return zipWith(items);
 }
 
 } // namespace quillory::test

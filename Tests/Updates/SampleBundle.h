@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
+#include "SimulatedDesktop/SimulatedProcess.h"
 
 #include <QByteArray>
 #include <QString>
@@ -30,26 +31,16 @@ void makeSignedBundle(const QString &path, int version, const platform::desktop:
 /// For throwaway folders in memory, where that can be: tests sync files by the thousand.
 [[nodiscard]] QString folderTemplate();
 void writeFile(const QString &path, const QByteArray &bytes, unsigned mode = 0644);
-[[nodiscard]] QByteArray readFile(const QString &path);
 
-/// A zip archive, written with all the freedom that an attacker has.
-class ZipWriter {
-  public:
-    struct Item {
-        QByteArray name;
-        QByteArray content;
-        /// As in a file's status: kind and permissions.
-        unsigned mode = 0100644;
-        bool isCompressed = false;
-    };
-    void add(const Item &item);
-    [[nodiscard]] QByteArray bytes() const;
-
-  private:
-    QByteArray m_files;
-    QByteArray m_directory;
-    int m_count = 0;
+struct ZipItem {
+    QByteArray name;
+    QByteArray content;
+    /// As in a file's status: kind and permissions.
+    unsigned mode = 0100644;
+    bool isCompressed = false;
 };
+/// A zip archive, written with all the freedom that an attacker has.
+[[nodiscard]] QByteArray zipWith(const std::vector<ZipItem> &items);
 /// An archive with everything in a folder, below a name.
 [[nodiscard]] QByteArray zipOf(const QString &folder, const QByteArray &name = "Quillory.app");
 

@@ -65,29 +65,18 @@ class SecureServer {
     std::thread m_thread;
 };
 
-class SecureConnection : public testing::Test {
-  protected:
-    ~SecureConnection() override { qunsetenv("SSL_CERT_FILE"); }
-    QTemporaryDir folder;
-};
-
-const std::string notVerified = "The server's certificate could not be verified.";
-
-TEST_F(SecureConnection, IsMadeOnlyToWhomACertificateVouchesFor) {
+TEST(SecureConnection, IsMadeOnlyToWhomACertificateVouchesForAndNeverLeftForAPlainOne) {
+    const std::string notVerified = "The server's certificate could not be verified.";
+    const QTemporaryDir folder;
     const SecureServer server(folder, u"localhost"_s);
     EXPECT_EQ(server.answerTo("/page"), notVerified) << "nobody we know signed it";
     const SecureServer other(folder, u"elsewhere.example"_s);
     qputenv("SSL_CERT_FILE", other.certificate());
     EXPECT_EQ(other.answerTo("/page"), notVerified) << "it is another host's";
     qputenv("SSL_CERT_FILE", server.certificate());
-    EXPECT_EQ(server.answerTo("/page"), "hello");
-}
-
-TEST_F(SecureConnection, IsNeverLeftForAPlainOne) {
-    const SecureServer server(folder, u"localhost"_s);
-    qputenv("SSL_CERT_FILE", server.certificate());
     EXPECT_EQ(server.answerTo("/to-page"), "hello");
     EXPECT_EQ(server.answerTo("/to-http"), "The server points to an address that is not secure.");
+    qunsetenv("SSL_CERT_FILE");
 }
 
 } // namespace

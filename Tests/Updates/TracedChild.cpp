@@ -107,7 +107,7 @@ pid_t forked(const std::function<int()> &work) {
 bool changesDisk(const TracedCall &call) {
     static const std::set<unsigned long long> changing{SYS_mkdir,     SYS_mkdirat,   SYS_chmod,  SYS_fchmod,
                                                        SYS_fsync,     SYS_ftruncate, SYS_rename, SYS_renameat,
-                                                       SYS_renameat2, SYS_unlinkat};
+                                                       SYS_renameat2, SYS_unlinkat,  SYS_unlink, SYS_rmdir};
     if (call.number == SYS_write || call.number == SYS_pwrite64) {
         return writesToFile(call);
     }

@@ -38,88 +38,70 @@ TEST(UpdateVersion, IsComparedNumberByNumber) {
     }
 }
 
-TEST_F(UpdateCheck, TellsTheUserWhoAsked) {
-    const QByteArray current = R"({"version": "1", "url": "https://a/b"})";
-    const struct {
-        const char *what;
-        QByteArray answer;
-        /// What is offered; empty for an alert that there is nothing.
-        QString version;
-        QString notes = QString();
-    } cases[] = {
-        {"an older one, with a status that does not count",
-         answerWith("404 Not Found", R"({"version": "0.9", "url": "https://a/b", "more": [1]})"),
-         {}},
-        {"a redirect to nowhere", answerWith("302 Found", current), {}},
-        {"a redirect", "HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n", {}},
-        {"notes", answerWith("200 OK", R"({"version": "1.1", "url": "https://a/b", "notes": "Fast.\nGood."})"),
-         u"1.1"_s, u"Fast.\nGood."_s},
-        {"notes that are no text", answerWith("200 OK", R"({"version": "1.1", "url": "https://a/b", "notes": 7})"),
-         u"1.1"_s},
-        {"a version that would write a line of the log",
-         answerWith("200 OK", R"({"version": "2.\n12:00 x", "url": "https://a/b"})"), u"2. 12:00 x"_s},
-        {"more than anybody reads",
-         answerWith("200 OK", R"({"version": "2.)" + QByteArray(1000, '0') + R"(", "url": "https://a/b", "notes": ")" +
-                                  QByteArray(900'000, 'n') + "\"}"),
-         u"2."_s + QString(62, u'0'), QString(4000, u'n') + u'…'},
-    };
-    answers["/elsewhere"] = answerWith("200 OK", current);
-    for (const auto &[what, answer, version, notes] : cases) {
-        answers["/version.json"] = answer;
-        application().alerts.clear();
-        checker.check(true);
-        ASSERT_TRUE(awaitAlerts(1)) << what;
-        const QString offer = u"Quillory %1 is available|%2Install now and relaunch?|Install & Relaunch|Later"_s.arg(
-            version, notes.isEmpty() ? notes : notes + u"\n\n"_s);
-        const QString alert = u"You're up to date|Quillory 1 is the latest version."_s;
-        EXPECT_THAT(application().shown(), ElementsAre(version.isEmpty() ? alert : offer)) << what;
-        EXPECT_EQ(desktop.log().last(), version.isEmpty() ? u"update check: up to date (1)"_s
-                                                          : u"update available: %1 (running 1)"_s.arg(version));
-        if (!version.isEmpty()) {
-            application().answer(1);
-        }
-    }
-    EXPECT_EQ(desktop.log().size(), std::size(cases)) << "one line each, and nothing was installed";
+/// What a check shows and logs.
+using Report = std::pair<QString, QString>;
+
+Report failure(const QString &description) {
+    return {u"Update check failed|"_s + description, u"update check failed: "_s + description};
 }
 
-TEST_F(UpdateCheck, SaysWhatWentWrong) {
+/// notes: with the empty line after them.
+Report offer(const QString &version, const QString &notes = {}) {
+    return {u"Quillory %1 is available|%2Install now and relaunch?|Install & Relaunch|Later"_s.arg(version, notes),
+            u"update available: %1 (running 1)"_s.arg(version)};
+}
+
+TEST_F(UpdateCheck, TellsTheUserWhoAsked) {
+    const auto feed = [](const QByteArray &members) {
+        return answerWith("200 OK", R"({"url": "https://a/b", )" + members + '}');
+    };
     const QByteArray redirect = "HTTP/1.1 302 Found\r\nContent-Length: 0\r\nLocation: ";
-    const QString format = u"The version feed is not in the correct format."_s;
-    const QString bad = u"bad version feed"_s;
-    const QString tooLong = u"The answer is too long."_s;
+    const Report upToDate{u"You're up to date|Quillory 1 is the latest version."_s, u"update check: up to date (1)"_s};
+    const Report badFormat = failure(u"The version feed is not in the correct format."_s);
+    const Report bad = failure(u"bad version feed"_s);
+    const Report tooLong = failure(u"The answer is too long."_s);
     const struct {
         const char *what;
         QByteArray answer;
-        QString description;
+        Report report;
     } cases[] = {
-        {"no JSON", answerWith("404 Not Found", "<html>"), format},
-        {"deep JSON",
-         answerWith("200 OK", R"({"version": "2", "url": "https://a", "x": )" + QByteArray(5000, '[') +
-                                  QByteArray(5000, ']') + "}"),
-         format},
+        {"an older one, with a status that does not count", feed(R"("version": "0.9")").replace("200", "404"),
+         upToDate},
+        {"a redirect to nowhere", feed(R"("version": "1")").replace("200", "302"), upToDate},
+        {"a redirect", redirect + "/elsewhere\r\n\r\n", upToDate},
+        {"notes", feed(R"("version": "1.1", "notes": "Fast.\nGood.")"), offer(u"1.1"_s, u"Fast.\nGood.\n\n"_s)},
+        {"notes that are no text", feed(R"("version": "1.1", "notes": 7)"), offer(u"1.1"_s)},
+        {"a version that would write a line of the log", feed(R"("version": "2.\n12:00 x")"), offer(u"2. 12:00 x"_s)},
+        {"more than anybody reads",
+         feed(R"("version": "2.)" + QByteArray(1000, '0') + R"(", "notes": ")" + QByteArray(900'000, 'n') + '"'),
+         offer(u"2."_s + QString(62, u'0'), QString(4000, u'n') + u"…\n\n"_s)},
+        {"no JSON", answerWith("404 Not Found", "<html>"), badFormat},
+        {"deep JSON", feed(R"("version": "2", "x": )" + QByteArray(5000, '[') + QByteArray(5000, ']')), badFormat},
         {"an array", answerWith("200 OK", "[]"), bad},
-        {"an address that is none", answerWith("200 OK", R"({"version": "2", "url": "https://a b:x"})"), bad},
-        {"a version that is a number", answerWith("200 OK", R"({"version": 2, "url": "https://a/b"})"), bad},
+        {"an address that is none", feed(R"("version": "2")").replace("a/b", "a b"), bad},
+        {"a version that is a number", feed(R"("version": 2)"), bad},
         {"10 MB", answerWith("200 OK", QByteArray(10 << 20, ' ')), tooLong},
         {"a body without end", redirect + "/endless\r\n\r\n", tooLong},
         {"less than announced", "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n{",
-         u"The connection to the server was lost."_s},
+         failure(u"The connection to the server was lost."_s)},
         {"a redirect to http", redirect + "http://192.0.2.1/version.json\r\n\r\n",
-         u"The address is not secure: it must begin with https://."_s},
+         failure(u"The address is not secure: it must begin with https://."_s)},
         {"a redirect to a file", redirect + "file:///etc/passwd\r\n\r\n",
-         u"The server points to an address that is not secure."_s},
+         failure(u"The server points to an address that is not secure."_s)},
         {"a redirect to itself", redirect + "/version.json\r\n\r\n",
-         u"The server points from one address to the next without end."_s},
+         failure(u"The server points from one address to the next without end."_s)},
     };
-    for (const auto &[what, answer, description] : cases) {
+    answers["/elsewhere"] = feed(R"("version": "1")");
+    for (const auto &[what, answer, report] : cases) {
         answers["/version.json"] = answer;
         application().alerts.clear();
         checker.check(true);
         ASSERT_TRUE(awaitAlerts(1)) << what;
-        EXPECT_THAT(application().shown(), ElementsAre(u"Update check failed|"_s + description)) << what;
-        EXPECT_EQ(desktop.log().last(), u"update check failed: "_s + description) << what;
+        EXPECT_THAT(application().shown(), ElementsAre(report.first)) << what;
+        EXPECT_EQ(desktop.log().last(), report.second) << what;
+        application().answer(1);
     }
-    EXPECT_EQ(desktop.log().size(), std::size(cases));
+    EXPECT_EQ(desktop.log().size(), std::size(cases)) << "one line each, and nothing was installed";
 }
 
 TEST_F(UpdateCheck, IsMadeAtLaunchAndEverySixHoursAndIsSilentUnlessThereIsSomethingNew) {
@@ -157,16 +139,17 @@ TEST_F(UpdateCheck, ClearsAwayWhatAnInterruptedInstallLeft) {
     }
     // Another process has been installing since before the computer was put to sleep.
     const platform::desktop::LinuxCodeSigning signing = trustingTeam();
-    platform::desktop::LinuxFileSystem other(signing);
-    writeFile(temporary + u"quillory-download-LIVING"_s, "x");
-    other.hold(temporary + u"quillory-download-LIVING"_s);
-    other.createDirectory(temporary + u"QuilloryUpdate-LIVING"_s);
-    makeOld(temporary + u"quillory-download-LIVING"_s);
-    makeOld(temporary + u"QuilloryUpdate-LIVING"_s);
+    platform::desktop::LinuxInstallation other(signing);
+    const QString download = temporary + u"quillory-download-LIVING"_s;
+    writeFile(download, "x");
+    other.hold(download);
+    const QString work = other.makeWorkFolder(u"QuilloryUpdate-"_s);
+    makeOld(download);
+    makeOld(work);
     checker.check(false);
     ASSERT_TRUE(awaitLog(1));
     EXPECT_THAT(temporaryFiles(),
-                testing::UnorderedElementsAre(u"quillory-download-LIVING"_s, u"QuilloryUpdate-LIVING"_s,
+                testing::UnorderedElementsAre(u"quillory-download-LIVING"_s, work.sliced(temporary.size()),
                                               u"QuilloryUpdate-NEW"_s, u"another-old"_s));
 }
 

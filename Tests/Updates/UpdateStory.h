@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/Linux/Folders.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
-#include "Platform/Linux/Updates/LinuxFileSystem.h"
-#include "Platform/Linux/Updates/LinuxSystemTools.h"
+#include "Platform/Linux/Updates/LinuxInstallation.h"
 #include "Quillory/Updates/UpdateChecker.h"
 #include "RealDesktop/ChildProcess.h"
 #include "SimulatedDesktop/SimulatedDesktop.h"
@@ -22,18 +22,12 @@ namespace quillory::test {
 
 using namespace Qt::StringLiterals;
 
-/// The real tools, except that a relaunch is only noted.
-class NotingTools final : public platform::SystemTools {
+/// The real thing, except that a relaunch is only noted.
+class NotingInstallation final : public platform::desktop::LinuxInstallation {
   public:
-    [[nodiscard]] bool unpackArchive(const QString &archive, const QString &folder,
-                                     const std::stop_token &stop) override {
-        return m_real.unpackArchive(archive, folder, stop);
-    }
+    using LinuxInstallation::LinuxInstallation;
     void relaunchAfterExit(const QString &application) override { relaunched = application; }
     QString relaunched;
-
-  private:
-    platform::desktop::LinuxSystemTools m_real;
 };
 
 /// Version 1 runs and is installed, among a simulated user's real files and with a real server at its maker's.
@@ -44,7 +38,7 @@ class UpdateStory : public testing::Test {
         QDir().mkpath(temporary);
         qputenv("XDG_DATA_HOME", folder.filePath(u"data"_s).toUtf8());
         qputenv("TMPDIR", temporary.toUtf8());
-        m_fileSystem.createDirectory(target);
+        platform::desktop::folders::make(target);
         makeSignedBundle(target, 1);
         desktop.process.information[u"CFBundleShortVersionString"_s] = u"1"_s;
         desktop.process.variables[u"QUILLORY_UPDATE_FEED"_s] = url({}).toString();
@@ -54,11 +48,9 @@ class UpdateStory : public testing::Test {
         qunsetenv("TMPDIR");
     }
 
-    /// What the server sends for a path, from its status line on.
-    std::map<QByteArray, QByteArray> answers;
     void announce(const QByteArray &feed) { answers["/version.json"] = answerWith("200 OK", feed); }
     [[nodiscard]] QUrl url(const QString &path) const {
-        QUrl url = m_server.url();
+        QUrl url = server.url();
         url.setQuery(QString());
         url.setPath(path);
         return url;
@@ -81,12 +73,6 @@ class UpdateStory : public testing::Test {
         return QDir(folder.filePath(u"tmp"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 
-    QTemporaryDir folder{folderTemplate()};
-    SimulatedDesktop desktop;
-    NotingTools tools;
-    QString target = folder.filePath(u"data/quillory/Applications/Quillory.app"_s);
-
-  private:
     void answer(LoopbackConnection &connection) {
         const QByteArray path = connection.readRequest().split(' ').value(1);
         const bool isEndless = path == "/endless";
@@ -97,14 +83,17 @@ class UpdateStory : public testing::Test {
         }
     }
 
-    LoopbackServer m_server{[this](LoopbackConnection &connection) { answer(connection); }};
-    platform::desktop::CurlURLSession m_urlSession;
-    platform::desktop::LinuxCodeSigning m_codeSigning = trustingTeam();
-    platform::desktop::LinuxFileSystem m_fileSystem{m_codeSigning};
-
-  protected:
+    /// What the server sends for a path, from its status line on.
+    std::map<QByteArray, QByteArray> answers;
+    QTemporaryDir folder{folderTemplate()};
+    SimulatedDesktop desktop;
+    QString target = folder.filePath(u"data/quillory/Applications/Quillory.app"_s);
+    LoopbackServer server{[this](LoopbackConnection &connection) { answer(connection); }};
+    platform::desktop::CurlURLSession urlSession;
+    platform::desktop::LinuxCodeSigning codeSigning = trustingTeam();
+    NotingInstallation installation{codeSigning};
     UpdateChecker checker{
-        {desktop.application, m_codeSigning, m_fileSystem, desktop.mainQueue, desktop.process, tools, m_urlSession}};
+        {desktop.application, codeSigning, installation, desktop.mainQueue, desktop.process, urlSession}};
 };
 
 } // namespace quillory::test

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Folders.h"
 
-#include "Platform/FileSystem.h"
+#include "Platform/FileError.h"
 
 #include <QDir>
 #include <QFile>

@@ -11,8 +11,7 @@
 #include "Platform/Linux/StatusBar/LinuxStatusBar.h"
 #include "Platform/Linux/Storage/SecretUserDefaults.h"
 #include "Platform/Linux/Updates/LinuxCodeSigning.h"
-#include "Platform/Linux/Updates/LinuxFileSystem.h"
-#include "Platform/Linux/Updates/LinuxSystemTools.h"
+#include "Platform/Linux/Updates/LinuxInstallation.h"
 #include "Platform/Linux/Updates/UserApplications.h"
 #include "Platform/Linux/X11/Clipboard/X11Pasteboard.h"
 #include "Platform/Linux/X11/Keys/X11EventTaps.h"
@@ -33,14 +32,6 @@ struct LinuxPlatform::Private {
         connection->watch();
     }
 
-    [[nodiscard]] AtspiAccessibility::Options accessibilityOptions() {
-        AtspiAccessibility::Options options;
-        options.inPoints = [this](const Rect &pixels) { return screens.accessibilityRect(pixels); };
-        options.isOfferedElsewhere = isTrustOfferedElsewhere;
-        options.activeWindow = [this] { return windows.active(); };
-        return options;
-    }
-
     std::function<bool()> isTrustOfferedElsewhere;
     QtMainQueue mainQueue;
     LinuxProcess process;
@@ -48,8 +39,7 @@ struct LinuxPlatform::Private {
     SecretUserDefaults userDefaults{secrets, folders::configuration(), Saving::inBackground};
     CurlURLSession urlSession;
     LinuxCodeSigning codeSigning = LinuxCodeSigning::ofBundle(applications::runningBundle());
-    LinuxFileSystem fileSystem{codeSigning};
-    LinuxSystemTools systemTools;
+    LinuxInstallation installation{codeSigning};
     QtApplication application{[this] { workspace.activate(process.identifier()); }};
     std::unique_ptr<X11Connection> connection;
     X11Screens screens{*connection};
@@ -57,27 +47,20 @@ struct LinuxPlatform::Private {
     X11SelectionWatch tray{*connection, connection->ofScreen("_NET_SYSTEM_TRAY_S"),
                            [this](const auto &change) { statusBar.embeddingTrayChanged(change.owner != XCB_NONE); }};
     LinuxStatusBar statusBar{mainQueue, tray.isOwned()};
-    AtspiAccessibility accessibility{mainQueue, accessibilityOptions()};
+    AtspiAccessibility accessibility{mainQueue,
+                                     {.inPoints = [this](const Rect &rect) { return screens.accessibilityRect(rect); },
+                                      .activeWindow = [this] { return windows.active(); },
+                                      .isOfferedElsewhere = isTrustOfferedElsewhere,
+                                      .sessionBusAddress = {}}};
     LinuxWorkspace workspace{&windows};
     X11Keyboard keyboard{*connection};
     X11EventTaps eventTaps{*connection, keyboard};
     X11KeyPoster keyPoster{*connection, keyboard, eventTaps};
     X11Pasteboard pasteboard{*connection};
     QtPanelWindows panelWindows{screens};
-    Platform services{.accessibility = accessibility,
-                      .eventTaps = eventTaps,
-                      .keyPoster = keyPoster,
-                      .mainQueue = mainQueue,
-                      .panelWindows = panelWindows,
-                      .pasteboard = pasteboard,
-                      .process = process,
-                      .screens = screens,
-                      .statusBar = statusBar,
-                      .urlSession = urlSession,
-                      .userDefaults = userDefaults,
-                      .workspace = workspace};
-    InstallServices installServices{
-        .application = application, .codeSigning = codeSigning, .fileSystem = fileSystem, .systemTools = systemTools};
+    Platform services{accessibility, eventTaps, keyPoster, mainQueue,  panelWindows, pasteboard,
+                      process,       screens,   statusBar, urlSession, userDefaults, workspace};
+    UpdateServices updateServices{application, codeSigning, installation, mainQueue, process, urlSession};
 };
 
 LinuxPlatform::LinuxPlatform(std::unique_ptr<X11Connection> connection, std::function<bool()> isTrustOfferedElsewhere)
@@ -89,8 +72,8 @@ const Platform &LinuxPlatform::services() const {
     return m_private->services;
 }
 
-const InstallServices &LinuxPlatform::installServices() const {
-    return m_private->installServices;
+const UpdateServices &LinuxPlatform::updateServices() const {
+    return m_private->updateServices;
 }
 
 } // namespace platform::desktop

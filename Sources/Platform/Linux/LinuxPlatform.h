@@ -23,7 +23,7 @@ class LinuxPlatform {
     LinuxPlatform &operator=(const LinuxPlatform &) = delete;
 
     [[nodiscard]] const Platform &services() const;
-    [[nodiscard]] const InstallServices &installServices() const;
+    [[nodiscard]] const UpdateServices &updateServices() const;
 
   private:
     struct Private;

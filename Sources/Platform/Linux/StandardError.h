@@ -4,9 +4,14 @@
 
 #include <QString>
 
+#include <cstdio>
+
 namespace platform::desktop {
 
 /// Writes a line with the program's name before it to standard error. Any thread.
-void sayOnStandardError(const QString &sentence);
+inline void sayOnStandardError(const QString &sentence) {
+    const QByteArray line = (QStringLiteral("quillory: ") + sentence + u'\n').toUtf8();
+    std::fputs(line.constData(), stderr);
+}
 
 } // namespace platform::desktop

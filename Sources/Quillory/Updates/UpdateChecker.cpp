@@ -73,7 +73,7 @@ void UpdateChecker::check(bool userInitiated) {
 UpdateChecker::Ending UpdateChecker::checked(bool userInitiated, const std::stop_token &stop) {
     VersionHistory(m_services.process.homeDirectory()).remember(currentVersion(m_services.process));
     // Of installs that were killed.
-    m_services.fileSystem.removeAbandoned({updateWorkName, QLatin1StringView(platform::downloadName)});
+    m_services.installation.removeAbandoned({updateWorkName, QLatin1StringView(platform::downloadName)});
     try {
         return reported(fetchedFeed(stop), userInitiated);
     } catch (const platform::CancellationError &) {

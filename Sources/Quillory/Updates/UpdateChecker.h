@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/Application.h"
 #include "Platform/LifeToken.h"
+#include "Platform/MainQueue.h"
 #include "Quillory/Tasks.h"
 #include "Quillory/Updates/UpdateFeed.h"
 #include "Quillory/Updates/UpdateInstall.h"
@@ -13,7 +15,7 @@ namespace quillory {
 /// nothing blocks there. Going away, it ends what runs and waits for that.
 class UpdateChecker {
   public:
-    explicit UpdateChecker(const UpdateServices &services) : m_services(services) {}
+    explicit UpdateChecker(const platform::UpdateServices &services) : m_services(services) {}
 
     /// Checks now and every six hours, silently unless there is something to offer.
     void startPeriodicChecks();
@@ -41,7 +43,7 @@ class UpdateChecker {
     [[nodiscard]] Ending alert(const QString &title, const QString &body);
     [[nodiscard]] UpdateFeed fetchedFeed(const std::stop_token &stop) const;
 
-    UpdateServices m_services;
+    platform::UpdateServices m_services;
     platform::RegistrationHandle m_timer;
     bool m_isOfferOpen = false;
     /// Set while an install runs.

@@ -5,34 +5,10 @@
 #include "Platform/URLSession.h"
 #include "Quillory/RewriteError.h"
 
-#include <nlohmann/json.hpp>
+#include <QJsonDocument>
+#include <QJsonValue>
 
 namespace quillory {
-
-namespace {
-/// A string member; absent when it is missing or of another type.
-std::optional<QString> feedText(const nlohmann::json &object, const char *member) {
-    const auto found = object.find(member);
-    if (found == object.end() || !found->is_string()) {
-        return std::nullopt;
-    }
-    return QString::fromStdString(found->get_ref<const std::string &>());
-}
-
-nlohmann::json parsedFeed(const QByteArray &json) {
-    constexpr int deepest = 64;
-    bool isTooDeep = false;
-    const auto watchDepth = [&isTooDeep](int depth, nlohmann::json::parse_event_t, nlohmann::json &) {
-        isTooDeep = isTooDeep || depth > deepest;
-        return depth <= deepest;
-    };
-    nlohmann::json feed = nlohmann::json::parse(json.begin(), json.end(), watchDepth, /*allow_exceptions=*/false);
-    if (feed.is_discarded() || isTooDeep) {
-        throw RewriteError::badResponse(QStringLiteral("The version feed is not in the correct format."));
-    }
-    return feed;
-}
-} // namespace
 
 QUrl feedURL(const platform::Process &process) {
     const auto variable = process.environment(QStringLiteral("QUILLORY_UPDATE_FEED"));
@@ -53,14 +29,16 @@ QUrl feedURL(const platform::Process &process) {
 }
 
 UpdateFeed updateFeedFromJSON(const QByteArray &json) {
-    const nlohmann::json feed = parsedFeed(json);
-    const auto version = feed.is_object() ? feedText(feed, "version") : std::nullopt;
-    const auto address = feed.is_object() ? feedText(feed, "url") : std::nullopt;
-    const QUrl url(address.value_or(QString()), QUrl::StrictMode);
-    if (!version || url.isEmpty() || !url.isValid()) {
+    const QJsonDocument feed = QJsonDocument::fromJson(json);
+    if (feed.isNull()) {
+        throw RewriteError::badResponse(QStringLiteral("The version feed is not in the correct format."));
+    }
+    const QJsonValue version = feed[QStringLiteral("version")];
+    const QUrl url(feed[QStringLiteral("url")].toString(), QUrl::StrictMode);
+    if (!version.isString() || url.isEmpty() || !url.isValid()) {
         throw RewriteError::badResponse(QStringLiteral("bad version feed"));
     }
-    return {*version, url, feedText(feed, "notes").value_or(QString())};
+    return {version.toString(), url, feed[QStringLiteral("notes")].toString()};
 }
 
 } // namespace quillory

@@ -6,9 +6,7 @@
 #include "Quillory/RewriteError.h"
 #include "Quillory/Updates/VersionHistory.h"
 
-#include <QUuid>
-
-#include <algorithm>
+#include <QDir>
 
 namespace quillory {
 
@@ -16,17 +14,27 @@ namespace {
 const QString installedApplication = QStringLiteral("/Applications/Quillory.app");
 constexpr qint64 longestArchive = qint64{256} << 20;
 
+/// The path of the application in a folder.
+QString applicationIn(const QString &folder) {
+    const auto everything = QDir::AllEntries | QDir::Hidden | QDir::CaseSensitive;
+    const QStringList names = QDir(folder).entryList({QStringLiteral("*.app")}, everything);
+    if (names.isEmpty()) {
+        throw RewriteError::badResponse(QStringLiteral("no app in update archive"));
+    }
+    return folder + u'/' + names.first();
+}
+
 /// A file or folder that is removed with this object.
 class Temporary {
   public:
-    Temporary(platform::FileSystem &files, const QString &path) : m_files(files), m_path(path) {}
-    ~Temporary() { m_files.removeItem(m_path); }
+    Temporary(platform::Installation &installation, const QString &path) : m_installation(installation), m_path(path) {}
+    ~Temporary() { m_installation.removeItem(m_path); }
     Temporary(const Temporary &) = delete;
     Temporary &operator=(const Temporary &) = delete;
     [[nodiscard]] const QString &path() const { return m_path; }
 
   private:
-    platform::FileSystem &m_files;
+    platform::Installation &m_installation;
     QString m_path;
 };
 } // namespace
@@ -39,26 +47,25 @@ bool isFromOurTeam(const platform::SigningInformation &bundle) {
     return bundle.teamIdentifier == QStringLiteral(QUILLORY_TEAM_ID);
 }
 
-UpdateInstall::UpdateInstall(const UpdateServices &services, QUrl archive, Progress progress, std::stop_token stop)
+UpdateInstall::UpdateInstall(const platform::UpdateServices &services, QUrl archive, Progress progress,
+                             std::stop_token stop)
     : m_services(services), m_archive(std::move(archive)), m_progress(std::move(progress)), m_stop(std::move(stop)) {}
 
 void UpdateInstall::run() {
-    platform::FileSystem &files = m_services.fileSystem;
-    const Temporary archive(files, downloaded());
-    files.hold(archive.path());
-    const Temporary work(files, files.temporaryDirectory() + u'/' + updateWorkName +
-                                    QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
-    files.createDirectory(work.path());
+    platform::Installation &installation = m_services.installation;
+    const Temporary archive(installation, downloaded());
+    installation.hold(archive.path());
+    const Temporary work(installation, installation.makeWorkFolder(updateWorkName));
     show(QStringLiteral("Unpacking the update…"), std::nullopt);
-    if (!m_services.systemTools.unpackArchive(archive.path(), work.path(), m_stop)) {
+    if (!installation.unpackArchive(archive.path(), work.path(), m_stop)) {
         throw RewriteError::badResponse(QStringLiteral("unzip failed"));
     }
     const QString application = applicationIn(work.path());
     approve(application);
-    files.replaceItem(
+    installation.replaceItem(
         installedApplication, application, [this](const QString &bundle) { approve(bundle); }, m_stop);
     FileLog::log(QStringLiteral("update installed, relaunching"));
-    m_services.systemTools.relaunchAfterExit(installedApplication);
+    installation.relaunchAfterExit(installedApplication);
 }
 
 QString UpdateInstall::downloaded() {
@@ -72,16 +79,6 @@ QString UpdateInstall::downloaded() {
              isKnown ? std::optional(static_cast<double>(received) / static_cast<double>(*expected)) : std::nullopt);
     };
     return m_services.urlSession.download(request, progress, m_stop);
-}
-
-QString UpdateInstall::applicationIn(const QString &folder) const {
-    const QStringList names = m_services.fileSystem.contentsOfDirectory(folder);
-    const auto found =
-        std::ranges::find_if(names, [](const QString &name) { return name.endsWith(QStringLiteral(".app")); });
-    if (found == names.end()) {
-        throw RewriteError::badResponse(QStringLiteral("no app in update archive"));
-    }
-    return folder + u'/' + *found;
 }
 
 /// Throws unless a bundle is ours and newer than everything that has run here.

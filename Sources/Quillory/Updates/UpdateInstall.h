@@ -2,12 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/Application.h"
 #include "Platform/CodeSigning.h"
-#include "Platform/FileSystem.h"
-#include "Platform/MainQueue.h"
+#include "Platform/Installation.h"
+#include "Platform/Platform.h"
 #include "Platform/Process.h"
-#include "Platform/SystemTools.h"
 #include "Platform/URLSession.h"
 
 #include <QString>
@@ -18,17 +16,6 @@
 #include <stop_token>
 
 namespace quillory {
-
-/// The services that checking for updates and installing them take. They outlive whatever uses them.
-struct UpdateServices {
-    platform::Application &application;
-    platform::CodeSigning &codeSigning;
-    platform::FileSystem &fileSystem;
-    platform::MainQueue &mainQueue;
-    platform::Process &process;
-    platform::SystemTools &systemTools;
-    platform::URLSession &urlSession;
-};
 
 /// The name of an update's work folder begins with this.
 inline const QString updateWorkName = QStringLiteral("QuilloryUpdate-");
@@ -47,18 +34,17 @@ class UpdateInstall {
     /// Called on the installing thread, at most once per percent.
     using Progress = std::function<void(const QString &work, std::optional<double> done)>;
 
-    UpdateInstall(const UpdateServices &services, QUrl archive, Progress progress, std::stop_token stop);
+    UpdateInstall(const platform::UpdateServices &services, QUrl archive, Progress progress, std::stop_token stop);
     /// Throws RewriteError, FileError, URLError or CancellationError. The installed application is then unchanged,
     /// unless only the relaunch failed.
     void run();
 
   private:
     [[nodiscard]] QString downloaded();
-    [[nodiscard]] QString applicationIn(const QString &folder) const;
     void approve(const QString &bundle);
     void show(const QString &work, std::optional<double> done);
 
-    UpdateServices m_services;
+    platform::UpdateServices m_services;
     QUrl m_archive;
     Progress m_progress;
     std::stop_token m_stop;

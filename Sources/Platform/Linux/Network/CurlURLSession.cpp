@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Network/CurlURLSession.h"
 
-#include "Platform/FileSystem.h"
+#include "Platform/FileError.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/Network/LineSplitter.h"
 

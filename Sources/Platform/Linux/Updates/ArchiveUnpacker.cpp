@@ -38,6 +38,8 @@ void check(la_ssize_t result, archive *from) {
     }
 }
 
+using ArchiveHandle = std::unique_ptr<archive, decltype([](archive *opened) { archive_free(opened); })>;
+
 struct Item {
     QByteArray path;
     bool isFolder = false;
@@ -96,10 +98,7 @@ class Reader {
         return {path, isFolder, isFolder ? folderMode : fileBits, archive_entry_size(m_entry)};
     }
 
-    struct End {
-        void operator()(archive *reader) const { archive_read_free(reader); }
-    };
-    std::unique_ptr<archive, End> m_archive{archive_read_new()};
+    ArchiveHandle m_archive{archive_read_new()};
     archive_entry *m_entry = nullptr;
 };
 
@@ -182,10 +181,7 @@ class Writer {
   private:
     [[nodiscard]] archive *get() const { return m_archive.get(); }
 
-    struct End {
-        void operator()(archive *writer) const { archive_write_free(writer); }
-    };
-    std::unique_ptr<archive, End> m_archive{archive_write_disk_new()};
+    ArchiveHandle m_archive{archive_write_disk_new()};
     QByteArray m_prefix;
 };
 

@@ -150,7 +150,7 @@ void putInPlace(int folder, const QByteArray &name) {
 void takeBack(int folder, const QByteArray &name) {
     const QByteArray staged = newName(name);
     if (exists(folder, previousName(name))) {
-        fileTree::remove(folder, staged.constData());
+        fileTree::remove(folder, staged);
         rename(folder, name, staged);
         rename(folder, previousName(name), name);
     } else if (exists(folder, staged)) {
@@ -175,14 +175,14 @@ void undo(int folder, const QByteArray &name, bool isInPlace) {
         takeBack(folder, name);
     }
     giveNameBack(folder, name);
-    fileTree::remove(folder, newName(name).constData());
+    fileTree::remove(folder, newName(name));
     ::fsync(folder);
 }
 
 /// Removes the leftovers of installs. The bundle under the name must be genuine.
 void removeOthers(int folder, const QByteArray &name) {
-    fileTree::remove(folder, previousName(name).constData());
-    fileTree::remove(folder, newName(name).constData());
+    fileTree::remove(folder, previousName(name));
+    fileTree::remove(folder, newName(name));
 }
 
 bool hasOthers(int folder, const QByteArray &name) {
@@ -219,7 +219,7 @@ void BundleInstaller::restore(int folder, const QByteArray &name) const {
     }
 }
 
-void BundleInstaller::install(const QString &found, const QByteArray &name, const FileSystem::Approval &approve,
+void BundleInstaller::install(const QString &found, const QByteArray &name, const Installation::Approval &approve,
                               const std::stop_token &stop) const {
     folders::make(m_folder);
     const FileDescriptor folder = openFolder();
@@ -229,13 +229,13 @@ void BundleInstaller::install(const QString &found, const QByteArray &name, cons
     }
     restore(folder.get(), name);
     const QByteArray staged = newName(name);
-    fileTree::remove(folder.get(), staged.constData());
+    fileTree::remove(folder.get(), staged);
     const QString prefix = m_folder + u'/';
     bool isInPlace = false;
     try {
         const FileDescriptor copy = stage(folder.get(), staged, found, stop);
         approve(prefix + QFile::decodeName(staged));
-        if (tryProgram(prefix + QFile::decodeName(staged), installPatience, stop) != ProgramTrial::works) {
+        if (!canStart(prefix + QFile::decodeName(staged), installPatience, stop)) {
             throw FileError("The new version does not start on this computer.");
         }
         putInPlace(folder.get(), name);

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Platform/CodeSigning.h"
-#include "Platform/FileSystem.h"
+#include "Platform/Installation.h"
 #include "Platform/Linux/FileDescriptor.h"
 
 namespace platform::desktop {
@@ -24,7 +24,7 @@ class BundleInstaller {
     /// Copies a bundle into the folder under a name, replacing the one that has the name. Throws FileError, also when
     /// its program does not start on this computer, CancellationError, or what the approval threw; nothing is changed
     /// then.
-    void install(const QString &found, const QByteArray &name, const FileSystem::Approval &approve,
+    void install(const QString &found, const QByteArray &name, const Installation::Approval &approve,
                  const std::stop_token &stop) const;
     /// Repairs what a killed install left behind. Does nothing while another process installs.
     void recover(const QByteArray &name) const noexcept;

@@ -10,8 +10,9 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <dirent.h>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,29 +24,22 @@ constexpr int deepestFolder = 32;
 constexpr std::size_t pieceSize = 128 * 1024;
 constexpr mode_t modeBits = 07777;
 
-using Directory = std::unique_ptr<DIR, decltype([](DIR *stream) { ::closedir(stream); })>;
+/// For functions that take no open folder. An absolute name stays as it is.
+std::filesystem::path pathBelow(int folder, const QByteArray &name) {
+    return std::filesystem::path("/proc/self/fd") / std::to_string(folder) / name.constData();
+}
 
-/// The names in a folder, which stays open. When they cannot be read, errno says why; otherwise errno is 0.
+/// The names in an open folder, of which more than there may be are not all read.
 std::vector<QByteArray> namesIn(int folder) {
     std::vector<QByteArray> names;
-    const int again = ::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const Directory stream(again < 0 ? nullptr : ::fdopendir(again));
-    if (!stream) {
-        const int reason = errno;
-        ::close(again);
-        errno = reason;
-        return names;
+    std::error_code error;
+    std::filesystem::directory_iterator found(pathBelow(folder, {}), error);
+    for (; !error && found != end(found) && names.size() <= mostEntries; found.increment(error)) {
+        names.emplace_back(found->path().filename().c_str());
     }
-    errno = 0;
-    while (const dirent *const found = ::readdir(stream.get())) {
-        const QByteArray name(found->d_name);
-        if (name != "." && name != "..") {
-            names.push_back(name);
-        }
-        if (names.size() > mostEntries) {
-            errno = EOVERFLOW;
-            break;
-        }
+    if (error) {
+        errno = error.value();
+        fail(QStringLiteral("A folder could not be read"));
     }
     return names;
 }
@@ -55,11 +49,7 @@ class Lister {
     std::vector<BundleEntry> entries;
 
     void add(int folder, const QByteArray &prefix, int depth) {
-        const std::vector<QByteArray> names = namesIn(folder);
-        if (errno != 0 || depth > deepestFolder) {
-            fail(QStringLiteral("A folder could not be read"));
-        }
-        for (const QByteArray &name : names) {
+        for (const QByteArray &name : namesIn(folder)) {
             addOne(folder, name, prefix + name, depth);
         }
     }
@@ -70,7 +60,8 @@ class Lister {
         checked(::fstatat(folder, name.constData(), &status, AT_SYMLINK_NOFOLLOW),
                 QStringLiteral("A file could not be read"));
         const bool isFolder = S_ISDIR(status.st_mode);
-        if (entries.size() >= mostEntries || (!isFolder && (!S_ISREG(status.st_mode) || status.st_nlink != 1))) {
+        if (entries.size() >= mostEntries || depth > deepestFolder ||
+            (!isFolder && (!S_ISREG(status.st_mode) || status.st_nlink != 1))) {
             errno = EINVAL;
             fail(QStringLiteral("A folder holds something that does not belong there"));
         }
@@ -80,18 +71,6 @@ class Lister {
         }
     }
 };
-
-bool removeFolder(int parent, const char *name) {
-    const FileDescriptor folder(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!folder) {
-        return false;
-    }
-    ::fchmod(folder.get(), S_IRWXU); // or nothing could be removed from it
-    for (const QByteArray &inside : namesIn(folder.get())) {
-        remove(folder.get(), inside.constData());
-    }
-    return ::unlinkat(parent, name, AT_REMOVEDIR) == 0;
-}
 } // namespace
 
 void fail(const QString &what) {
@@ -180,8 +159,9 @@ QByteArray digestOf(int folder, const QByteArray &path, const std::function<void
     return bytes.first(size).toHex();
 }
 
-bool remove(int parent, const char *name) noexcept {
-    return ::unlinkat(parent, name, 0) == 0 || errno == ENOENT || removeFolder(parent, name);
+void remove(int parent, const QByteArray &name) noexcept {
+    std::error_code ignored;
+    std::filesystem::remove_all(pathBelow(parent, name), ignored);
 }
 
 } // namespace platform::desktop::fileTree

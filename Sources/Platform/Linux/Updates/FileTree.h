@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Platform/FileSystem.h"
+#include "Platform/FileError.h"
 #include "Platform/Linux/FileDescriptor.h"
 #include "Platform/Linux/Updates/Manifest.h"
 
@@ -39,7 +39,7 @@ void writeAll(int file, std::span<const char> bytes);
 /// SHA-256 of a file in lower-case hexadecimal digits. The function is told the size of each piece that was read.
 [[nodiscard]] QByteArray digestOf(int folder, const QByteArray &path,
                                   const std::function<void(std::size_t)> &onPiece = {});
-/// Removes a file, or a folder and everything in it. False when something is left.
-bool remove(int parent, const char *name) noexcept;
+/// Removes a file, or a folder and everything in it. What cannot be removed stays.
+void remove(int parent, const QByteArray &name) noexcept;
 
 } // namespace platform::desktop::fileTree

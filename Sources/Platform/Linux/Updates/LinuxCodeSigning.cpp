@@ -94,9 +94,6 @@ void writeSealing(int bundle, const char *name, const QByteArray &text) {
 }
 } // namespace
 
-LinuxCodeSigning::LinuxCodeSigning(TrustedKeys keys, const QString &identifier, const QString &architecture)
-    : m_keys(std::move(keys)), m_identifier(identifier), m_architecture(architecture) {}
-
 LinuxCodeSigning LinuxCodeSigning::ofBundle(const QString &bundle) {
     const auto read = [&bundle](const char *name) {
         QFile file(bundle + u'/' + QLatin1StringView(name));
@@ -110,7 +107,8 @@ std::optional<SigningInformation> LinuxCodeSigning::signingInformation(const QSt
     try {
         const FileDescriptor folder = fileTree::openFolder(bundle);
         const std::optional<Manifest> manifest = signedManifest(folder.get(), m_keys);
-        if (!manifest || manifest->identifier != m_identifier || manifest->architecture != m_architecture ||
+        if (!manifest || manifest->identifier != applicationIdentifier ||
+            manifest->architecture != hostArchitecture() ||
             contentsOf(folder.get()) != withoutDigests(manifest->entries) ||
             !digestsAgree(folder.get(), *manifest, watch)) {
             return std::nullopt;
@@ -125,7 +123,7 @@ QString LinuxCodeSigning::hostArchitecture() {
     return QSysInfo::buildCpuArchitecture();
 }
 
-void signBundle(const QString &bundle, const QString &version, const QString &architecture, const SigningKey &key,
+void signBundle(const QString &bundle, const QString &version, const SigningKey &key, const QString &architecture,
                 const QString &identifier) {
     const FileDescriptor folder = fileTree::openFolder(bundle);
     fileTree::remove(folder.get(), bundleName::manifest);

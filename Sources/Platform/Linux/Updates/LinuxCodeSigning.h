@@ -15,8 +15,7 @@ inline const QString applicationIdentifier = QStringLiteral("org.quillory.Quillo
 /// in the bundle that say so are followed, starting from the keys that are trusted here.
 class LinuxCodeSigning final : public CodeSigning {
   public:
-    explicit LinuxCodeSigning(TrustedKeys keys, const QString &identifier = applicationIdentifier,
-                              const QString &architecture = hostArchitecture());
+    explicit LinuxCodeSigning(TrustedKeys keys) : m_keys(std::move(keys)) {}
     /// Trusts the keys that a bundle, such as that of the running program, names, or the keys that replaced them.
     /// Trusts nobody when there is no bundle.
     [[nodiscard]] static LinuxCodeSigning ofBundle(const QString &bundle);
@@ -28,12 +27,11 @@ class LinuxCodeSigning final : public CodeSigning {
 
   private:
     TrustedKeys m_keys;
-    QString m_identifier;
-    QString m_architecture;
 };
 
 /// Writes a bundle's manifest and its signature. Throws FileError, also for a bundle that would never verify.
-void signBundle(const QString &bundle, const QString &version, const QString &architecture, const SigningKey &key,
+void signBundle(const QString &bundle, const QString &version, const SigningKey &key,
+                const QString &architecture = LinuxCodeSigning::hostArchitecture(),
                 const QString &identifier = applicationIdentifier);
 
 } // namespace platform::desktop

@@ -19,14 +19,6 @@ bool isSafeName(const QByteArray &name) {
     return !name.isEmpty() && name != "." && name != "..";
 }
 
-/// The rest of a line after a label and a space; absent when the line does not begin with those.
-std::optional<QString> labelled(const QByteArray &line, const QByteArray &label) {
-    if (!line.startsWith(label + ' ')) {
-        return std::nullopt;
-    }
-    return QString::fromUtf8(line.sliced(label.size() + 1));
-}
-
 /// Reads "folder MODE PATH" or "file MODE SIZE DIGEST PATH". That this is the only way to write it is checked later, by
 /// writing it again.
 std::optional<BundleEntry> entryFrom(const QByteArray &line) {
@@ -82,21 +74,17 @@ QByteArray Manifest::written() const {
 std::optional<Manifest> Manifest::parsed(const QByteArray &text) {
     constexpr qsizetype headLines = 5;
     const QList<QByteArray> lines = text.split('\n');
-    if (lines.size() <= headLines || lines.first() != manifestTitle || !lines.last().isEmpty()) {
+    if (lines.size() <= headLines) {
         return std::nullopt;
     }
-    const auto identifier = labelled(lines.at(1), "application");
-    const auto version = labelled(lines.at(2), "version");
-    const auto architecture = labelled(lines.at(3), "architecture");
-    const auto team = labelled(lines.at(4), "team");
-    if (!identifier || !version || !architecture || !team) {
-        return std::nullopt;
-    }
-    Manifest manifest{*identifier, *version, *architecture, *team, {}};
+    // The title and the labels, too, are checked by writing them again.
+    const auto rest = [&lines](qsizetype at) {
+        return QString::fromUtf8(lines[at].sliced(lines[at].indexOf(' ') + 1));
+    };
+    Manifest manifest{rest(1), rest(2), rest(3), rest(4), {}};
     for (const QByteArray &line : lines.sliced(headLines, lines.size() - headLines - 1)) {
         const std::optional<BundleEntry> entry = entryFrom(line);
-        const bool isInOrder = manifest.entries.empty() || !entry || manifest.entries.back().path < entry->path;
-        if (!entry || !isInOrder) {
+        if (!entry || (!manifest.entries.empty() && manifest.entries.back().path >= entry->path)) {
             return std::nullopt;
         }
         manifest.entries.push_back(*entry);

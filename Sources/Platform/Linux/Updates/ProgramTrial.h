@@ -9,17 +9,10 @@
 
 namespace platform::desktop {
 
-enum class ProgramTrial {
-    works,
-    /// It cannot be loaded or ends with an error, for example because this computer lacks a library.
-    fails,
-    /// It took too long and was killed.
-    hangs,
-};
-
-/// Runs a bundle's program with --version, its output discarded and all its libraries bound. Blocks until it ends, for
-/// at most the patience. Throws CancellationError.
-[[nodiscard]] ProgramTrial tryProgram(const QString &bundle, std::chrono::milliseconds patience,
-                                      const std::stop_token &stop = {});
+/// Runs a bundle's program with --version, its output discarded and all its libraries bound. False when it cannot be
+/// loaded or ends with an error, for example because this computer lacks a library, and when it has not ended in time;
+/// it is killed then. Blocks meanwhile. Throws CancellationError.
+[[nodiscard]] bool canStart(const QString &bundle, std::chrono::milliseconds patience,
+                            const std::stop_token &stop = {});
 
 } // namespace platform::desktop

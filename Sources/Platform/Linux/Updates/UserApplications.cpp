@@ -57,7 +57,7 @@ QByteArray programToPrefer(const QString &running, const Precedence &takesPreced
         folders::checkOwn(folder());
         folders::checkOwn(own);
         const auto found = signing.signingInformation(own, {});
-        return found && takesPrecedence(*found, version) && tryProgram(own, startPatience) == ProgramTrial::works
+        return found && takesPrecedence(*found, version) && canStart(own, startPatience)
                    ? QFile::encodeName(own + u'/' + QLatin1StringView(bundleName::program))
                    : QByteArray();
     } catch (const FileError &) {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Platform/CodeSigning.h"
-#include "Platform/FileSystem.h"
+#include "Platform/Installation.h"
 #include "Platform/Linux/FileDescriptor.h"
 
 #include <map>
@@ -11,20 +11,22 @@
 
 namespace platform::desktop {
 
-/// Files on Linux. Held files and folders are locked with flock(), so that no other process takes them for abandoned.
-class LinuxFileSystem final : public FileSystem {
+/// Installing on Linux. Held files and folders are locked with flock(), so that no other process takes them for
+/// abandoned.
+class LinuxInstallation : public Installation {
   public:
     /// signing: see BundleInstaller.
-    explicit LinuxFileSystem(const CodeSigning &signing) : m_signing(signing) {}
+    explicit LinuxInstallation(const CodeSigning &signing) : m_signing(signing) {}
 
-    [[nodiscard]] QString temporaryDirectory() const override;
-    void createDirectory(const QString &path) override;
-    [[nodiscard]] QStringList contentsOfDirectory(const QString &path) override;
+    [[nodiscard]] QString makeWorkFolder(const QString &beginning) override;
     void hold(const QString &path) noexcept override;
     void removeItem(const QString &path) noexcept override;
     void removeAbandoned(const QStringList &beginnings) noexcept override;
+    [[nodiscard]] bool unpackArchive(const QString &archive, const QString &folder,
+                                     const std::stop_token &stop) override;
     void replaceItem(const QString &installed, const QString &found, const Approval &approve,
                      const std::stop_token &stop) override;
+    void relaunchAfterExit(const QString &application) override;
 
   private:
     const CodeSigning &m_signing;
