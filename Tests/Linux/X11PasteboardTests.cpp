@@ -4,6 +4,7 @@
 #include "Platform/Linux/X11/Clipboard/X11Pasteboard.h"
 #include "Platform/Linux/X11/Keys/X11Keyboard.h"
 #include "RealDesktop/RealDesktop.h"
+#include "SimulatedDesktop/SimulatedProcess.h"
 
 #include <QFile>
 #include <QGuiApplication>
@@ -53,8 +54,7 @@ class X11Clipboard : public testing::Test {
         ChildProcess other(
             {"sh", "-c", "xclip -o -selection clipboard -t '" + type + "' > '" + path.toStdString() + "' 2>/dev/null"});
         EXPECT_TRUE(spinUntil([&] { return !other.isRunning(); }));
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return contentOf(path);
     }
     /// Another program that owns the clipboard, and its process, to be stopped or ended.
     ChildProcess ownByOther(const std::string &type, const QByteArray &data) {
