@@ -9,11 +9,9 @@
 #include <cstdint>
 #include <fcntl.h>
 #include <filesystem>
-#include <sched.h>
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <sys/mount.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
 #include <sys/user.h>
@@ -129,15 +127,6 @@ int runTraced(const std::function<int()> &work, const std::function<Verdict(cons
         return work();
     });
     return Tracer(child, before).follow();
-}
-
-int runOnSmallDisk(const char *folder, const std::string &options, const std::function<int()> &work) {
-    return runForked([&] {
-        const bool isMounted = unshare(CLONE_NEWNS) == 0 &&
-                               mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                               mount("tmpfs", folder, "tmpfs", 0, options.c_str()) == 0;
-        return isMounted ? work() : notAllowed;
-    });
 }
 
 } // namespace quillory::test

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <functional>
-#include <string>
 #include <sys/types.h>
 
 namespace quillory::test {
@@ -26,14 +25,8 @@ inline constexpr Verdict killed = -1;
 
 /// Runs work in a process of its own. The result is the exit status: what the work returned, or killedStatus.
 inline constexpr int killedStatus = 200;
-/// What work returns that the system does not let it do.
-inline constexpr int notAllowed = 201;
 int runForked(const std::function<int()> &work);
 /// The same, with the process stopped before every system call.
 int runTraced(const std::function<int()> &work, const std::function<Verdict(const TracedCall &)> &before);
-
-/// Runs work in a process that sees an empty file system of that size, such as "size=64k", in place of a folder.
-/// notAllowed where such a one cannot be mounted.
-int runOnSmallDisk(const char *folder, const std::string &options, const std::function<int()> &work);
 
 } // namespace quillory::test
