@@ -76,8 +76,7 @@ TEST(Applications, UserLinesComeFirstAndBadOnesAreNamed) {
 TEST(Applications, ProcessesAreRecognised) {
     const QTemporaryDir folder;
     put(folder, u"applications/firefox.desktop"_s, "[Desktop Entry]\nType=Application\nName=Fire\n");
-    LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()),
-                             DesktopEntries({folder.filePath(u"applications/"_s)}));
+    LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), {folder.filePath(u"applications/"_s)});
 
     ChildProcess browser({copyOf("sleep", folder, u"firefox"_s), "1000"});
     EXPECT_TRUE(waitUntil([&] { return identifier(workspace, browser.pid()) == u"org.mozilla.firefox"_s; }));
@@ -113,7 +112,7 @@ TEST(Applications, SandboxesTellWhoIsInThem) {
         GTEST_SKIP() << "this user may not change the root of a process";
     }
     const auto identifierNow = [sandboxed] {
-        LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), DesktopEntries(QStringList()));
+        LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), {});
         return identifier(workspace, sandboxed).toStdString();
     };
     put(root, u".flatpak-info"_s, "[Application]\nname=com.microsoft.Edge\nruntime=runtime/a/b/c\n");
@@ -125,7 +124,7 @@ TEST(Applications, SandboxesTellWhoIsInThem) {
 
 TEST(Applications, AProcessThatChangesIsSeenAnew) {
     const QTemporaryDir folder;
-    LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), DesktopEntries(QStringList()));
+    LinuxWorkspace workspace(nullptr, ApplicationCatalogue(QString()), {});
     const std::string shell = copyOf("dash", folder, u"chromium"_s);
     const std::string viewer = copyOf("sleep", folder, u"WebKitWebProcess"_s);
     const std::string go = folder.filePath(u"go"_s).toStdString();

@@ -35,7 +35,7 @@ std::optional<QString> nameInDesktopEntry(const QByteArray &entry, const QString
     return isNamed ? std::optional(QString::fromUtf8(name.get())) : std::nullopt;
 }
 
-QStringList DesktopEntries::standardFolders() {
+QStringList entryFolders() {
     QStringList bases{QFileInfo(folders::data()).path()};
     const QString shared = qEnvironmentVariable("XDG_DATA_DIRS");
     bases +=
@@ -46,9 +46,9 @@ QStringList DesktopEntries::standardFolders() {
     return bases;
 }
 
-std::optional<QString> DesktopEntries::displayName(const QStringList &ids) const {
+std::optional<QString> nameInFolders(const QStringList &ids, const QStringList &folders) {
     for (const QString &id : ids) {
-        for (const QString &folder : m_folders) {
+        for (const QString &folder : folders) {
             QFile file(folder + id + QStringLiteral(".desktop"));
             if (id.contains(u'/') || !file.open(QIODevice::ReadOnly)) {
                 continue;

@@ -14,19 +14,10 @@ namespace platform::desktop {
 /// absent when it is no application's entry.
 [[nodiscard]] std::optional<QString> nameInDesktopEntry(const QByteArray &entry, const QString &locale);
 
-/// The desktop entries of the applications that are installed.
-class DesktopEntries {
-  public:
-    /// folders: the most important first; by default those of the XDG data folders.
-    explicit DesktopEntries(QStringList folders = standardFolders()) : m_folders(std::move(folders)) {}
-
-    /// The name of the application that has the first of these desktop ids for which there is an entry.
-    [[nodiscard]] std::optional<QString> displayName(const QStringList &ids) const;
-
-  private:
-    [[nodiscard]] static QStringList standardFolders();
-
-    QStringList m_folders;
-};
+/// The folders of the desktop entries of installed applications, the most important first.
+[[nodiscard]] QStringList entryFolders();
+/// The name of the application that has the first of these desktop ids for which there is an entry in one of the
+/// folders.
+[[nodiscard]] std::optional<QString> nameInFolders(const QStringList &ids, const QStringList &folders);
 
 } // namespace platform::desktop

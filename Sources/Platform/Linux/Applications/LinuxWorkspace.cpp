@@ -12,9 +12,6 @@ constexpr qsizetype mostKnown = 256;
 constexpr std::chrono::seconds strangersAreKept{1};
 } // namespace
 
-LinuxWorkspace::LinuxWorkspace(DesktopWindows *windows, ApplicationCatalogue catalogue, DesktopEntries entries)
-    : m_windows(windows), m_catalogue(std::move(catalogue)), m_entries(std::move(entries)) {}
-
 std::optional<RunningApplication> LinuxWorkspace::runningApplication(qint32 pid) {
     const std::optional<processes::Fingerprint> process = processes::fingerprint(pid);
     if (!process) {
@@ -49,7 +46,7 @@ RunningApplication LinuxWorkspace::recognise(qint32 pid, const processes::Finger
         servedPid = served->parent;
         served = processes::fingerprint(servedPid);
     }
-    application.localizedName = m_entries.displayName(names);
+    application.localizedName = nameInFolders(names, m_entryFolders);
     if (!application.localizedName && !names.isEmpty()) {
         application.localizedName = processes::fileName(names.first());
     }

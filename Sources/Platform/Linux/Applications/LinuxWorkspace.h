@@ -20,7 +20,8 @@ class LinuxWorkspace final : public Workspace {
   public:
     /// windows: activate() works through it; outlives this. Null where there is no desktop.
     explicit LinuxWorkspace(DesktopWindows *windows, ApplicationCatalogue catalogue = ApplicationCatalogue(),
-                            DesktopEntries entries = DesktopEntries());
+                            QStringList folders = entryFolders())
+        : m_windows(windows), m_catalogue(std::move(catalogue)), m_entryFolders(std::move(folders)) {}
 
     [[nodiscard]] std::optional<RunningApplication> runningApplication(qint32 pid) override;
     void activate(qint32 pid) override;
@@ -35,7 +36,7 @@ class LinuxWorkspace final : public Workspace {
 
     DesktopWindows *m_windows;
     ApplicationCatalogue m_catalogue;
-    DesktopEntries m_entries;
+    QStringList m_entryFolders;
     QHash<qint32, Known> m_known;
 };
 

@@ -9,11 +9,9 @@
 #include <QPainter>
 
 #include <xcb/shape.h>
-#include <xcb/xcb.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <vector>
 
 namespace platform::desktop {
@@ -30,18 +28,6 @@ const QColor outlineOnDark(88, 89, 95);
 xcb_connection_t *qtConnection() {
     const auto *native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return native != nullptr ? native->connection() : nullptr;
-}
-
-// Tells picom and similar compositors to draw no shadow: ours follows the cards, theirs the whole rectangle.
-void refuseForeignShadow(xcb_connection_t *connection, xcb_window_t window) {
-    const QByteArray name = "_COMPTON_SHADOW";
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.constData());
-    xcb_intern_atom_reply_t *reply = xcb_intern_atom_reply(connection, cookie, nullptr);
-    if (reply != nullptr) {
-        const std::uint32_t none = 0;
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, reply->atom, XCB_ATOM_CARDINAL, 32, 1, &none);
-        std::free(reply);
-    }
 }
 
 void setShape(xcb_window_t window, xcb_shape_kind_t kind, const QRegion &region) {
@@ -73,7 +59,7 @@ QRegion roundedRegion(const QRect &rect, double radius) {
 
 } // namespace
 
-PanelFrame::PanelFrame()
+PanelFrame::PanelFrame(xcb_atom_t shadowHint)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowStaysOnTopHint |
                            Qt::WindowDoesNotAcceptFocus) {
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -83,7 +69,9 @@ PanelFrame::PanelFrame()
     setFocusPolicy(Qt::NoFocus);
     create();
     if (xcb_connection_t *connection = qtConnection(); connection != nullptr) {
-        refuseForeignShadow(connection, static_cast<xcb_window_t>(winId()));
+        const std::uint32_t none = 0;
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(winId()), shadowHint,
+                            XCB_ATOM_CARDINAL, 32, 1, &none);
     }
 }
 

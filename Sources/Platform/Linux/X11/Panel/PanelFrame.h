@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <xcb/xcb.h>
+
 namespace platform::desktop {
 
 /// The native window of a panel: an override-redirect window, which no window manager focuses, moves, decorates or
@@ -14,7 +16,9 @@ namespace platform::desktop {
 /// the margin and the gaps. Without a compositor it is opaque, cut to the content's shape, with a line around it.
 class PanelFrame final : public QWidget {
   public:
-    PanelFrame();
+    /// shadowHint: the atom of the property by which picom and similar compositors are told to draw no shadow. Ours
+    /// follows the cards, theirs the whole rectangle.
+    explicit PanelFrame(xcb_atom_t shadowHint);
     ~PanelFrame() override;
     PanelFrame(const PanelFrame &) = delete;
     PanelFrame &operator=(const PanelFrame &) = delete;

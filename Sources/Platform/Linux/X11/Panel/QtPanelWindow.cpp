@@ -25,8 +25,9 @@ int wholePoints(double value) {
 } // namespace
 
 QtPanelWindow::QtPanelWindow(X11Screens &screens)
-    : m_screens(screens), m_compositor(screens.connection(), screens.connection().ofScreen("_NET_WM_CM_S"),
-                                       [this](const auto &change) { setComposited(change.owner != XCB_NONE); }) {
+    : m_screens(screens), m_window(screens.connection().atom("_COMPTON_SHADOW")),
+      m_compositor(screens.connection(), screens.connection().ofScreen("_NET_WM_CM_S"),
+                   [this](const auto &change) { setComposited(change.owner != XCB_NONE); }) {
     setComposited(m_compositor.isOwned());
     m_apply.setSingleShot(true);
     m_apply.setInterval(0);
