@@ -13,7 +13,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using platform::desktop::BundleInstaller;
-using testing::AnyOf;
 using testing::HasSubstr;
 
 TEST_F(Installing, ReplacesTheBundleAndLeavesNothingElse) {
@@ -27,12 +26,30 @@ TEST_F(Installing, ReplacesTheBundleAndLeavesNothingElse) {
     EXPECT_EQ(vouchedVersion(target), "2");
 }
 
-TEST_F(Installing, LeavesTheOldOneWhereTheNewOneCannotStart) {
-    for (const char *program : {"#!/lib/that/is/missing\n", "#!/bin/sh\nexit 127\n", "#!/bin/sh\nkill -SEGV $$\n"}) {
+TEST_F(Installing, LeavesTheOldOneWhereTheNewOneWasChangedOrCannotStart) {
+    const std::string noStart = "The new version does not start on this computer.";
+    const auto signProgram = [this](const QByteArray &program) {
         writeFile(found + u"/quillory"_s, program, 0755);
         platform::desktop::signBundle(found, u"2"_s, teamKey());
-        EXPECT_EQ(failure(), "The new version does not start on this computer.") << program;
-        EXPECT_EQ(vouchedVersion(target), "1");
+    };
+    const std::pair<std::function<void()>, std::string> attacks[] = {
+        {[&] { writeFile(found + u"/Info.json"_s, "{}"); }, "not genuine"},
+        {[&] { chmod(qPrintable(found + u"/Info.json"_s), 04777); }, "not genuine"},
+        {[&] { makeSignedBundle(found, 9, platform::desktop::SigningKey::generated(team)); }, "not genuine"},
+        {[&] { QFile::link(u"/etc/passwd"_s, found + u"/link"_s); },
+         "A folder holds something that does not belong there: Invalid argument."},
+        {[&] { QDir(found).removeRecursively(); },
+         "The folder " + found.toStdString() + " could not be opened: No such file or directory."},
+        {[&] { signProgram("#!/lib/that/is/missing\n"); }, noStart},
+        {[&] { signProgram("#!/bin/sh\nexit 127\n"); }, noStart},
+        {[&] { signProgram("#!/bin/sh\nkill -SEGV $$\n"); }, noStart},
+    };
+    for (const auto &[change, why] : attacks) {
+        QDir(found).removeRecursively();
+        makeSignedBundle(found, 2);
+        change();
+        EXPECT_EQ(failure(), why);
+        EXPECT_EQ(vouchedVersion(target), "1") << why;
         expectClean();
     }
 }
@@ -61,28 +78,10 @@ TEST_F(Installing, TakesBackWhatWasChangedBetweenTheCheckAndTheExchange) {
                                              }
                                              return isExchange(call) ? exchange : goOn;
                                          });
-            EXPECT_THAT(status, AnyOf(failed, refused)) << attack;
+            EXPECT_EQ(status, failed) << attack;
             EXPECT_EQ(vouchedVersion(target), "1") << attack << ", exchange " << exchange;
             expectClean();
         }
-    }
-}
-
-TEST_F(Installing, RefusesWhatWasChangedSinceItWasUnpacked) {
-    const std::function<void()> attacks[] = {
-        [&] { writeFile(found + u"/Info.json"_s, "{}"); },
-        [&] { chmod(qPrintable(found + u"/Info.json"_s), 04777); },
-        [&] { QFile::link(u"/etc/passwd"_s, found + u"/link"_s); },
-        [&] { makeSignedBundle(found, 9, platform::desktop::SigningKey::generated(team)); },
-        [&] { QDir(found).removeRecursively(); },
-    };
-    for (const auto &change : attacks) {
-        QDir(found).removeRecursively();
-        makeSignedBundle(found, 2);
-        change();
-        EXPECT_THAT(install(), AnyOf(failed, refused));
-        EXPECT_EQ(vouchedVersion(target), "1");
-        expectClean();
     }
 }
 
