@@ -300,13 +300,13 @@ std::optional<AXValue> AccessibilityCore::attribute(const Handle &element, AXAtt
         return std::nullopt;
     }
     switch (name) {
-    case AXAttribute::parent: {
-        const auto ancestry = ancestryAbove(element);
-        return ancestry != nullptr ? wrapKnown(ancestry->above(element.ref)) : std::nullopt;
-    }
+    case AXAttribute::parent:
     case AXAttribute::window: {
         const auto ancestry = ancestryAbove(element);
-        return ancestry != nullptr ? wrapKnown(ancestry->window()) : std::nullopt;
+        if (ancestry == nullptr) {
+            return std::nullopt;
+        }
+        return wrapKnown(name == AXAttribute::parent ? ancestry->above(element.ref) : ancestry->window());
     }
     case AXAttribute::url: {
         const auto *level = levelOf(element.ref);

@@ -17,13 +17,6 @@ constexpr auto pauseBetweenLooks = 200ms;
 constexpr std::size_t maxWindows = 100;
 constexpr std::size_t maxElements = 8000;
 
-std::optional<Rect> rectangle(const Reply &reply) {
-    const auto extents = reply.extents();
-    return extents ? std::optional(Rect{static_cast<double>(extents->x), static_cast<double>(extents->y),
-                                        static_cast<double>(extents->width), static_cast<double>(extents->height)})
-                   : std::nullopt;
-}
-
 /// Walks level by level through an application's whole tree.
 class PageWalk {
   public:
@@ -93,7 +86,7 @@ class PageWalk {
     void askAboutPage(const Place &place) {
         const std::size_t at = place.page;
         m_questions.ask(calls::extents(place.element),
-                        [this, at](const Reply &reply) { m_facts.pages[at].frame = rectangle(reply); });
+                        [this, at](const Reply &reply) { m_facts.pages[at].frame = reply.extents(); });
         // Chromium gives its address under the first name, Firefox under the second.
         for (const char *key : {"URI", "DocURL"}) {
             m_questions.ask(calls::documentAttribute(place.element, key), [this, at](const Reply &reply) {
@@ -108,7 +101,7 @@ class PageWalk {
     void askAboutField(Place &place) {
         m_questions.fetch(calls::attributes(place.element), place.kind.attributes);
         m_questions.ask(calls::extents(place.element), [this, &place](const Reply &reply) {
-            m_facts.pages[place.page].fields.push_back({axRoleName(place.kind), rectangle(reply)});
+            m_facts.pages[place.page].fields.push_back({axRoleName(place.kind), reply.extents()});
         });
     }
 

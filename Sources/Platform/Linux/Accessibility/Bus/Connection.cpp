@@ -178,9 +178,7 @@ void Connection::leaveSilentOnesAlone(const std::vector<Call> &calls, const std:
 }
 
 Reply Connection::call(Call call, Deadline deadline) {
-    std::vector<Call> one;
-    one.push_back(std::move(call));
-    return std::move(callAll(one, deadline).front());
+    return std::move(callAll({std::move(call)}, deadline).front());
 }
 
 void Connection::send(const Call &call) {

@@ -5,6 +5,7 @@
 #include "Platform/Accessibility.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
 
 namespace platform::desktop::atspi {
@@ -98,20 +99,20 @@ QString axRoleName(const Kind &kind) {
 
 bool isBlock(Role role) {
     // Images and buttons stand in a line of text, too.
-    static constexpr auto inlineRoles = {Role::label,
-                                         Role::link,
-                                         Role::staticText,
-                                         Role::subscript,
-                                         Role::text,
-                                         Role::superscript,
-                                         Role::contentDeletion,
-                                         Role::contentInsertion,
-                                         Role::mark,
-                                         Role::suggestion,
-                                         Role::icon,
-                                         Role::image,
-                                         Role::pushButton,
-                                         Role::levelBar};
+    constexpr std::array inlineRoles{Role::label,
+                                     Role::link,
+                                     Role::staticText,
+                                     Role::subscript,
+                                     Role::text,
+                                     Role::superscript,
+                                     Role::contentDeletion,
+                                     Role::contentInsertion,
+                                     Role::mark,
+                                     Role::suggestion,
+                                     Role::icon,
+                                     Role::image,
+                                     Role::pushButton,
+                                     Role::levelBar};
     return std::ranges::find(inlineRoles, role) == inlineRoles.end();
 }
 

@@ -35,7 +35,8 @@ void Session::process() {
     if (m_session != nullptr && std::exchange(m_mustReadEnabled, false)) {
         readEnabled(false);
     }
-    decide();
+    m_board.hasBus = m_bus != nullptr;
+    m_board.isTrusted = m_bus != nullptr && m_isEnabled;
     if (m_focus != nullptr) {
         m_focus->settle();
         const auto &field = m_focus->focus().reading;
@@ -113,11 +114,6 @@ void Session::connectAccessibility(bool mayStart) {
 void Session::readEnabled(bool mayStart) {
     const auto reply = m_session->call(calls::isAccessibilityOn(mayStart), deadlineOf(mayStart));
     m_isEnabled = reply.as<bool>().value_or(false);
-}
-
-void Session::decide() {
-    m_board.hasBus = m_bus != nullptr;
-    m_board.isTrusted = m_bus != nullptr && m_isEnabled;
 }
 
 void Session::enable() {

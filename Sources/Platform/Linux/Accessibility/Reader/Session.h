@@ -68,7 +68,6 @@ class Session {
     void connectAccessibility(bool mayStart);
     void loseAccessibility();
     void readEnabled(bool mayStart);
-    void decide();
 
     std::string m_sessionBusAddress;
     qint32 m_ownPid;
