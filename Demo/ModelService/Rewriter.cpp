@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ModelService/Rewriter.h"
 
-#include "ModelService/Words.h"
-
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -20,7 +18,7 @@ namespace {
 QRegularExpression rule(QString pattern) {
     static const std::pair<QString, QString> lists[]{
         {u"{verb}"_s,
-         uR"((?:send|give|call|tell|let|share|check|confirm|bring|come|reply|show|deliver|make|write|ship|)"
+         uR"((?:send|give|call|tell|let(?!')|share|check|confirm|bring|come|reply|show|deliver|make|write|ship|)"
          uR"(pay|update|help|forward|email|message|book|reserve|cancel|change|keep|wait|look|explain|)"
          uR"(provide|arrange|add)\b(?! (?:is|was|are|has|will|not|received|sent)\b))"_s},
         {u"{filler}"_s, u"(?:just|really|very|actually|basically|kindly|simply|literally)"_s},
@@ -170,16 +168,13 @@ void applyTone(Sentence &sentence, Tone tone) {
 ^i was wondering if you could(?: please)? => please
 ^(?:can|could|would|will) you (?:please )?(?={verb})(.*?)[?]*$ => please \1
 )"_s);
-    static const auto warm = changesOf(u"^hello\\b => hi"_s);
-    static const QRegularExpression bareHello = rule(u"^(?:hi|hey)$"_s);
+    static const auto warm = changesOf(u"^hello\\b => hi\n^(hi|hey)$ => \\1 there"_s);
     static const QRegularExpression name(u" [A-Z]"_s);
     if (tone == Tone::professional) {
         sentence.greeting = changed(sentence.greeting, formal);
         sentence.body = askedPolitely(changed(sentence.body, formal));
     } else if (tone == Tone::friendly) {
         sentence.greeting = changed(sentence.greeting, warm);
-        sentence.greeting +=
-            sentence.greeting.contains(bareHello) && !sentence.body.isEmpty() ? u" there"_s : QString();
         sentence.body = askedPolitely(sentence.body);
     } else if (tone == Tone::concise) {
         if (!sentence.body.isEmpty() && !sentence.greeting.contains(name)) {
@@ -275,8 +270,7 @@ bool Rewriter::isOtherLanguage(const QString &line) const {
     int balance = 0;
     for (auto matches = wordPattern().globalMatch(line); matches.hasNext();) {
         const QString word = matches.next().captured().toLower();
-        const bool isEnglish =
-            words::writtenOut(word) || m_speller.knows(word) || words::isCommon(m_speller.corrected(word));
+        const bool isEnglish = writtenOut(word) || m_speller.knows(word) || isCommon(m_speller.corrected(word));
         balance += isEnglish ? 1 : -1;
     }
     return balance <= 0;
@@ -298,7 +292,7 @@ QString Rewriter::withWordsCorrected(const QString &line) const {
 QString Rewriter::correctedWord(const QString &word, bool followsGreeting) const {
     static const QRegularExpression digitOrHyphen(u"[0-9-]"_s);
     const QString lower = word.toLower();
-    if (const auto written = words::writtenOut(lower)) {
+    if (const auto written = writtenOut(lower)) {
         return word[0].isUpper() ? capitalised(*written) : *written;
     }
     if (word.contains(digitOrHyphen) || m_speller.knows(word)) {
@@ -306,10 +300,10 @@ QString Rewriter::correctedWord(const QString &word, bool followsGreeting) const
     }
     const QString corrected = m_speller.corrected(lower);
     if (word == lower) {
-        return followsGreeting && !words::isCommon(corrected) ? capitalised(word) : corrected;
+        return followsGreeting && !isCommon(corrected) ? capitalised(word) : corrected;
     }
     // A capital may begin a name: only a misspelling of an everyday word is certain to be one.
-    const bool isCertain = words::isCommon(corrected) && word.sliced(1) == lower.sliced(1);
+    const bool isCertain = isCommon(corrected) && word.sliced(1) == lower.sliced(1);
     return isCertain ? capitalised(corrected) : word;
 }
 

@@ -5,10 +5,17 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class Hunspell;
 
 namespace quillory::demo {
+
+/// The full form of chat shorthand (in lower case) and of words that lack their apostrophe ("pls", "dont"); it may be
+/// several words.
+[[nodiscard]] std::optional<QString> writtenOut(const QString &word);
+/// Whether a word, in lower case, is so frequent that a misspelling probably means it.
+[[nodiscard]] bool isCommon(const QString &word);
 
 /// American English spelling. A correction is made only when it is near and plausible: a name that the dictionary
 /// does not know is better left alone than turned into some word. Not for several threads at once.
