@@ -130,7 +130,7 @@ void compare(const platform::AXUIElement &page, AtspiAccessible *samePage, bool 
         inBulk.push_back(millisecondsSince(start));
         nodes = std::max(nodes, read.size());
         walked = {};
-        // What the library remembers is forgotten, so that every attribute is one call.
+        // Clears what libatspi remembers, so that every attribute costs a call.
         atspi_accessible_clear_cache(samePage);
         start = Clock::now();
         walk(samePage, 0, isFolded, walked);
@@ -184,7 +184,8 @@ platform::AXUIElement pageOf(bench::BrowserPage &browser, platform::Accessibilit
     return *page;
 }
 
-// The library comes last: it knows only what is there when it starts, and waits for ever for what changes meanwhile.
+// libatspi comes last: it knows only what was there when it was initialised, and waits for ever for what has changed
+// since.
 void measure(Browser kind, int bubbles) {
     const char *name = kind == Browser::firefox ? "Firefox" : "Chromium";
     std::printf("%s, %d messages\n", name, bubbles);
@@ -204,7 +205,7 @@ void measure(Browser kind, int bubbles) {
     AtspiAccessible *everything = atspi_get_desktop(0);
     AtspiAccessible *samePage = findPage(everything, 0);
     if (samePage == nullptr) {
-        throw std::runtime_error("no page found by the library");
+        throw std::runtime_error("libatspi found no page");
     }
     atspi_accessible_set_cache_mask(everything, ATSPI_CACHE_NONE);
     compare(page, samePage, kind == Browser::firefox, question);
@@ -216,7 +217,7 @@ int main(int argc, char **argv) {
     setvbuf(stdout, nullptr, _IOLBF, 0);
     for (const auto kind : {Browser::chromium, Browser::firefox}) {
         for (const int bubbles : {shortChat, longChat}) {
-            // Each in a process of its own, as the library serves one browser.
+            // Each in a process of its own, because libatspi serves one browser only.
             const pid_t child = fork();
             if (child == 0) {
                 const test::RealDesktop desktop;

@@ -88,7 +88,7 @@ class Latencies {
     std::vector<double> m_values;
 };
 
-/// Fetches the answer with nothing but libcurl, which drops it.
+/// Fetches the answer with libcurl alone and drops it.
 class PlainCurl {
   public:
     explicit PlainCurl(const QString &address) {

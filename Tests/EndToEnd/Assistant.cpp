@@ -3,7 +3,6 @@
 #include "EndToEnd/Assistant.h"
 
 #include <QFile>
-#include <QProcess>
 
 #include <stdexcept>
 
@@ -37,10 +36,7 @@ Assistant::Assistant(const QByteArray &modelService, const Settings &settings)
 }
 
 void Assistant::set(const QString &setting, const QString &value) {
-    QProcess program;
-    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    program.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_s, u"write"_s, setting, value});
-    if (!program.waitForFinished() || program.exitCode() != 0) {
+    if (run({QUILLORY_PROGRAM, "defaults", "write", setting.toStdString(), value.toStdString()}) != 0) {
         throw std::runtime_error("the setting could not be written: " + setting.toStdString());
     }
 }

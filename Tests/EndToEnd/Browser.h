@@ -23,15 +23,15 @@ class Browser {
         QString query = QString();
         /// A window with tabs and an address bar, instead of one that holds the page alone. Firefox has no other.
         bool wholeWindow = false;
-        /// Build the tree whatever the desktop says. Otherwise as users have it: Firefox builds it if accessibility
-        /// was on at its start, Chromium then only once it is asked for.
+        /// Have the browser build its tree whatever the desktop says. Otherwise it does as for users: Firefox builds
+        /// it if accessibility was on at its start, Chromium then waits until somebody asks for it.
         bool forceAccessibility = true;
     };
 
     /// Why this browser cannot be tested; empty if it can. In CI it must be there.
     [[nodiscard]] static QString whatIsMissing(Kind kind);
-    /// Chromium insists on HTTPS for this host and can be told to accept any certificate; Firefox is the other way
-    /// round.
+    /// Chromium insists on HTTPS for this host, but can be told to accept any certificate. Firefox takes no such
+    /// certificate, but can be told not to insist.
     [[nodiscard]] static bool takesHttps(Kind kind) { return kind == Kind::chromium; }
 
     Browser(int pagePort, const QString &profile, const Options &options);

@@ -71,11 +71,6 @@ ChatPage::ChatPage(bool https) : m_server(makeServer(https)) {
 }
 
 ChatPage::~ChatPage() {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_ending = true;
-    }
-    m_changed.notify_all();
     m_server->stop();
 }
 
@@ -84,12 +79,10 @@ void ChatPage::serve() {
     serveFile(*m_server, "/", folder + u"/index.html"_s, "text/html; charset=utf-8");
     serveFile(*m_server, "/chat.css", folder + u"/chat.css"_s, "text/css");
     serveFile(*m_server, "/chat.js", QStringLiteral(QUILLORY_PAGE_BUNDLE), "text/javascript; charset=utf-8");
-    m_server->Post("/report", [this](const httplib::Request &request, httplib::Response &) {
-        take(QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object());
-    });
-    m_server->Get("/order", [this](const httplib::Request &request, httplib::Response &response) {
-        const QJsonDocument order(nextOrder(std::stoul(request.get_param_value("after"))));
-        response.set_content(order.toJson().toStdString(), "application/json");
+    m_server->Post("/report", [this](const httplib::Request &request, httplib::Response &response) {
+        const auto news = take(QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object());
+        response.set_content(QJsonDocument(QJsonArray::fromStringList(news)).toJson().toStdString(),
+                             "application/json");
     });
 }
 
@@ -98,32 +91,18 @@ ChatPage::State ChatPage::state() const {
     return m_state;
 }
 
-bool ChatPage::order(const char *what, const QString &argument) {
-    std::size_t number = 0;
+bool ChatPage::receive(const QString &message) {
     {
         const std::lock_guard lock(m_mutex);
-        m_orders.push_back({QString::fromLatin1(what), argument});
-        number = m_orders.size();
+        m_incoming.append(message);
     }
-    m_changed.notify_all();
-    return waitUntil([&] { return state().done == static_cast<int>(number); });
+    return waitUntil([&] { return state().received == m_incoming.size(); });
 }
 
-/// Waits a second for an order that the page has not carried out yet.
-QJsonObject ChatPage::nextOrder(std::size_t after) {
-    std::unique_lock lock(m_mutex);
-    m_changed.wait_for(lock, std::chrono::seconds(1), [&] { return m_ending || m_orders.size() > after; });
-    if (m_ending || m_orders.size() <= after) {
-        return {};
-    }
-    const Order &order = m_orders[after];
-    return {{u"number"_s, static_cast<int>(after + 1)}, {u"what"_s, order.what}, {u"argument"_s, order.argument}};
-}
-
-void ChatPage::take(const QJsonObject &report) {
+QStringList ChatPage::take(const QJsonObject &report) {
     const std::lock_guard lock(m_mutex);
     if (report[u"load"_s].toDouble() < m_load) {
-        return; // from the page before
+        return {}; // from the page before
     }
     m_load = report[u"load"_s].toDouble();
     m_state.address = report[u"page"_s].toString();
@@ -132,7 +111,7 @@ void ChatPage::take(const QJsonObject &report) {
     m_state.sent = report[u"sent"_s].toVariant().toStringList();
     m_state.keys = report[u"keys"_s].toVariant().toStringList();
     m_state.blurs = report[u"blurs"_s].toInt();
-    m_state.done = report[u"done"_s].toInt();
+    m_state.received = report[u"received"_s].toInt();
     m_state.focused = report[u"focused"_s].toBool();
     m_state.box = place(report[u"box"_s]);
     const QJsonObject chats = report[u"chats"_s].toObject();
@@ -143,6 +122,7 @@ void ChatPage::take(const QJsonObject &report) {
     for (const QJsonValue &told : report[u"texts"_s].toArray()) {
         m_state.texts.push_back({told[u"kind"_s].toString(), told[u"side"_s].toString(), told[u"text"_s].toString()});
     }
+    return m_incoming.mid(m_state.received);
 }
 
 } // namespace quillory::test

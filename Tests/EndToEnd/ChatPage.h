@@ -6,7 +6,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <condition_variable>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -21,8 +20,7 @@ class Server;
 
 namespace quillory::test {
 
-/// A web chat of our own. The page itself reports what its document holds, so the browser is not asked, and carries out
-/// the test's orders.
+/// A web chat of our own. The page itself reports what its document holds, so the browser is not asked.
 class ChatPage {
   public:
     /// One text of the document between the chat list and the message box.
@@ -50,8 +48,8 @@ class ChatPage {
         /// The centre on the screen of the message box, and of each chat in the list.
         QPoint box;
         std::map<QString, QPoint> chats;
-        /// How many orders have been carried out.
-        int done = 0;
+        /// How many messages from the customer it has received.
+        int received = 0;
     };
 
     explicit ChatPage(bool https);
@@ -63,25 +61,17 @@ class ChatPage {
     [[nodiscard]] State state() const;
     [[nodiscard]] QString text() const { return state().text; }
 
-    /// Lets the page do something of its own accord: "receive" a message or "rebuildBox". True once it is done and
-    /// painted.
-    bool order(const char *what, const QString &argument = {});
+    /// The customer writes. True once the message has been painted.
+    bool receive(const QString &message);
 
   private:
-    struct Order {
-        QString what;
-        QString argument;
-    };
-
     void serve();
-    void take(const QJsonObject &report);
-    [[nodiscard]] QJsonObject nextOrder(std::size_t after);
+    /// Returns what the page has not received yet.
+    QStringList take(const QJsonObject &report);
 
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
     State m_state;
-    std::vector<Order> m_orders;
-    bool m_ending = false;
+    QStringList m_incoming;
     double m_load = 0;
     int m_port = 0;
     std::unique_ptr<httplib::Server> m_server;

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// English times, presences and dividers are recognised as noise; those in other languages count as messages.
+/// The program recognises English times, presences and dividers as noise; in other languages they count as messages.
 bool isNoise(const ChatPage::Text &text, bool english) {
     return text.text.trimmed().size() < 2 || text.kind == u"time"_s ||
            (english && (text.kind == u"presence"_s || text.kind == u"divider"_s));

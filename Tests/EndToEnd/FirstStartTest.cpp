@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "EndToEnd/AccessibleTree.h"
 #include "EndToEnd/ChatStory.h"
 #include "EndToEnd/Keyboard.h"
+#include "RealDesktop/AccessibleTree.h"
 #include "RealDesktop/RealDesktop.h"
 
 #include <QFile>
-#include <QProcess>
 
 namespace quillory::test {
 
@@ -18,23 +17,14 @@ constexpr auto setupTitle = "Set Up Quillory";
 constexpr auto programTitle = "Quillory"; // of the settings and of the prompt
 constexpr auto pageTitle = "Chats";
 
-bool isUp(const std::string &title) {
-    return run({"xdotool", "search", "--onlyvisible", "--name", '^' + title + '$'}, Output::dropped) == 0;
-}
-
-bool isActive(const std::string &title) {
-    return run({"sh", "-c", "xdotool getactivewindow getwindowname | grep -q '^" + title + "\\($\\| [-—]\\)'"},
-               Output::dropped) == 0;
-}
-
 /// Switches windows with the keyboard until this one is active.
 bool bringUp(const std::string &title) {
     return waitUntil(
         [&] {
-            if (!isActive(title)) {
+            if (!keyboard::isAtWindow(title)) {
                 keyboard::tap("alt+Tab");
             }
-            return waitUntil([&] { return isActive(title); }, 500);
+            return waitUntil([&] { return keyboard::isAtWindow(title); }, 500);
         },
         20'000);
 }
@@ -42,7 +32,7 @@ bool bringUp(const std::string &title) {
 bool closeWithEscape(const std::string &title) {
     return bringUp(title) && waitUntil([&] {
                keyboard::tap("Escape");
-               return waitUntil([&] { return !isUp(title); }, 500);
+               return waitUntil([&] { return !keyboard::seesWindow(title); }, 500);
            });
 }
 
@@ -56,16 +46,16 @@ class FirstStart : public ChatStory {
     void SetUp() override {
         ChatStory::SetUp();
         RealDesktop::setAccessibilityEnabled(false);
-        // A password store of the test's own, so that the desktop's is not used.
+        // A password store in a file of the test, instead of the desktop's.
         qputenv("SECRET_BACKEND", "file");
         qputenv("SECRET_FILE_TEST_PATH", qgetenv("HOME") + "/passwords");
         qputenv("SECRET_FILE_TEST_PASSWORD", "opens it");
         qputenv("QUILLORY_MODEL_SERVICE", m_model.address());
-        // Lets this test read the windows from the start, without switching the desktop's accessibility on.
+        // Makes the program's windows readable for this test while the desktop's accessibility is off.
         qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
         m_tree.emplace();
     }
-    /// Presses Tab until an element has the focus whose name ends with this.
+    /// Presses Tab until the name of the focused element ends with this.
     bool tabTo(const QString &name) {
         QString focused;
         return waitUntil([&] {
@@ -80,20 +70,18 @@ class FirstStart : public ChatStory {
     }
     /// Whether the set-up, which runs in a process of its own, shows the text in time.
     bool setupShows(const QString &text) {
-        QProcess search;
-        search.start(u"xdotool"_s, {u"search"_s, u"--name"_s, u"^Set Up Quillory$"_s, u"getwindowpid"_s});
-        search.waitForFinished();
-        const int pid = search.readAllStandardOutput().trimmed().toInt();
+        const int pid =
+            outputOf({"xdotool", "search", "--name", "^Set Up Quillory$", "getwindowpid"}).trimmed().toInt();
         return waitUntil([&] { return m_tree->windowShows(pid, text); }, 60'000);
     }
-    /// Puts the focus into the message box of the window that is active.
+    /// Presses Tab until the message box of the active window has the focus.
     bool tabIntoBox() {
         return waitUntil(
             [&] {
                 if (!m_page.state().focused) {
                     keyboard::tap("Tab");
                 }
-                return waitUntil([&] { return m_page.state().focused; }, 1500); // the page may report it late
+                return waitUntil([&] { return m_page.state().focused; }, 1500); // the page may be late to report it
             },
             30'000);
     }
@@ -102,16 +90,16 @@ class FirstStart : public ChatStory {
 };
 INSTANTIATE_TEST_SUITE_P(In, FirstStart, everyBrowser, testing::PrintToStringParamName());
 
-/// From a fresh home, without a key, with accessibility off and the browser running already, to the first accepted
-/// rewrite, with nothing but the keyboard.
+/// From an empty home to the first accepted rewrite with nothing but the keyboard. At first there is no key, and
+/// accessibility is off although the browser is already running.
 TEST_P(FirstStart, LeadsToTheFirstRewriteByKeyboardAlone) {
     const QString answer = u"Hello, can you please send me the price list?"_s;
     m_model.willAnswer(answer, Manner::answersAtOnce);
     startBrowser({.kind = GetParam(), .forceAccessibility = false});
     ASSERT_TRUE(waitUntil([&] { return !m_page.state().address.isEmpty(); }, 60'000));
     const ChildProcess program({QUILLORY_PROGRAM});
-    ASSERT_TRUE(waitUntil([] { return isActive(setupTitle); }, 20'000));
-    EXPECT_TRUE(waitUntil([] { return isUp(programTitle); }));
+    ASSERT_TRUE(waitUntil([] { return keyboard::isAtWindow(setupTitle); }, 20'000));
+    EXPECT_TRUE(waitUntil([] { return keyboard::seesWindow(programTitle); }));
     EXPECT_EQ(run({QUILLORY_PROGRAM, "setup"}), 0) << "the first one comes to the front instead";
     EXPECT_NE(run({QUILLORY_PROGRAM, "doctor"}, Output::dropped), 0);
 
@@ -149,7 +137,7 @@ TEST(BrokenSetup, LeavesTheOfferToThePrompt) {
     const ChildProcess started({program.toStdString()});
     ASSERT_TRUE(waitUntil([] { return Assistant::timesLogged(u"launched, "_s) == 1; }));
     ASSERT_TRUE(QFile::remove(program) && QFile::copy(u"/bin/false"_s, program));
-    ASSERT_TRUE(waitUntil([] { return isActive(programTitle); }));
+    ASSERT_TRUE(waitUntil([] { return keyboard::isAtWindow(programTitle); }));
     keyboard::tap("Return");
     EXPECT_TRUE(waitUntil([] { return Assistant::timesLogged(u"trusted -> true"_s) == 1; }));
 }

@@ -9,7 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-/// The user's hands: keys and clicks that come from the X server like real ones, and the clipboard.
+/// The user's hands and eyes: keys and clicks that come from the X server like real ones, windows, and the clipboard.
 namespace quillory::test::keyboard {
 
 inline void type(const QString &text) {
@@ -21,6 +21,16 @@ inline void tap(const char *key) {
 }
 inline void click(QPoint place) {
     run({"xdotool", "mousemove", std::to_string(place.x()), std::to_string(place.y()), "click", "1"});
+}
+
+/// Whether a window has exactly this title.
+[[nodiscard]] inline bool seesWindow(const std::string &title) {
+    return run({"xdotool", "search", "--onlyvisible", "--name", '^' + title + '$'}, Output::dropped) == 0;
+}
+/// Whether the active window has this title, be it with a browser's name behind it.
+[[nodiscard]] inline bool isAtWindow(const std::string &title) {
+    return run({"sh", "-c", "xdotool getactivewindow getwindowname | grep -q '^" + title + "\\($\\| [-—]\\)'"},
+               Output::dropped) == 0;
 }
 
 /// Copies as another program would, which goes on owning the clipboard.
@@ -36,10 +46,7 @@ inline void copy(const QByteArray &content, const char *type) {
 }
 /// The clipboard's content as that type; empty if it is not offered.
 [[nodiscard]] inline QByteArray clipboard(const char *type) {
-    QProcess reader;
-    reader.start(u"xclip"_s, {u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(type), u"-o"_s});
-    reader.waitForFinished();
-    return reader.readAllStandardOutput();
+    return outputOf({"xclip", "-selection", "clipboard", "-t", type, "-o"});
 }
 
 } // namespace quillory::test::keyboard

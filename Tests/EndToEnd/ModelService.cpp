@@ -26,8 +26,7 @@ std::string event(const QString &content) {
 ModelService::Question parsed(const httplib::Request &request) {
     const QJsonObject body = QJsonDocument::fromJson(QByteArray::fromStdString(request.body)).object();
     const QJsonArray messages = body[u"messages"_s].toArray();
-    return {.model = body[u"model"_s].toString(),
-            .authorization = QString::fromStdString(request.get_header_value("Authorization")),
+    return {.authorization = QString::fromStdString(request.get_header_value("Authorization")),
             .system = messages.first()[u"content"_s].toString(),
             .user = messages.last()[u"content"_s].toString(),
             .isForReply = messages.size() == 2};
@@ -72,12 +71,6 @@ QByteArray ModelService::address() const {
 void ModelService::willAnswer(const QString &text, Manner manner) {
     const std::lock_guard lock(m_mutex);
     m_answer = {text, manner};
-    m_answersOfModels.clear();
-}
-
-void ModelService::modelWillAnswer(const QString &model, const QString &text, Manner manner) {
-    const std::lock_guard lock(m_mutex);
-    m_answersOfModels[model] = {text, manner};
 }
 
 std::vector<ModelService::Question> ModelService::questions() const {
@@ -88,10 +81,9 @@ std::vector<ModelService::Question> ModelService::questions() const {
 void ModelService::answer(const httplib::Request &request, httplib::Response &response) {
     const std::lock_guard lock(m_mutex);
     m_questions.push_back(parsed(request));
-    const auto special = m_answersOfModels.find(m_questions.back().model);
-    const Answer &answer = special == m_answersOfModels.end() ? m_answer : special->second;
     response.set_chunked_content_provider(
-        "text/event-stream", [this, answer](std::size_t, httplib::DataSink &sink) { return stream(sink, answer); });
+        "text/event-stream",
+        [this, answer = m_answer](std::size_t, httplib::DataSink &sink) { return stream(sink, answer); });
 }
 
 bool ModelService::stream(httplib::DataSink &sink, const Answer &answer) {

@@ -6,7 +6,6 @@
 #include <QString>
 
 #include <atomic>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -31,7 +30,6 @@ class ModelService {
         answersAtOnce
     };
     struct Question {
-        QString model;
         QString authorization;
         QString system;
         /// The last message.
@@ -51,10 +49,8 @@ class ModelService {
     ModelService &operator=(const ModelService &) = delete;
 
     [[nodiscard]] QByteArray address() const;
-    /// The answer to every request from now on, whatever its model.
+    /// The answer to every request from now on.
     void willAnswer(const QString &text, Manner manner = Manner::answers);
-    /// The answer to requests for this model instead.
-    void modelWillAnswer(const QString &model, const QString &text, Manner manner);
     [[nodiscard]] std::vector<Question> questions() const;
 
   private:
@@ -68,7 +64,6 @@ class ModelService {
 
     mutable std::mutex m_mutex;
     Answer m_answer;
-    std::map<QString, Answer> m_answersOfModels;
     std::vector<Question> m_questions;
     std::atomic<bool> m_isEnding = false;
     int m_port = 0;

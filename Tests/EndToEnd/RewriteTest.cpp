@@ -11,7 +11,7 @@ namespace {
 const QString draft = u"helo can u send me the price list"_s;
 const QString answer = u"Hello, can you please send me the price list?"_s;
 
-/// A user who types into a chat; replies to what customers write are not asked for.
+/// A user types into a chat; drafting replies is switched off.
 class Rewrite : public ChatStory {
   protected:
     Rewrite() {
@@ -29,7 +29,7 @@ class Rewrite : public ChatStory {
     }
 };
 
-/// What does not depend on the browser is tried in one.
+/// What does not depend on the browser runs in one of them.
 class RewriteInChromium : public Rewrite {};
 
 INSTANTIATE_TEST_SUITE_P(In, Rewrite, everyBrowser, testing::PrintToStringParamName());
@@ -45,7 +45,7 @@ TEST_P(Rewrite, TabPutsTheRewriteIntoTheRichTextBox) {
     const ModelService::Question question = m_model.questions().back();
     EXPECT_EQ(question.draft(), draft);
     EXPECT_EQ(question.authorization, u"Bearer made-up-key"_s);
-    // A browser may show the draft once more, below the conversation.
+    // A browser may list the draft as a text of the page as well, below the conversation.
     EXPECT_THAT(question.conversation(), testing::StartsWith(transcriptOfPage()));
     EXPECT_FALSE(Assistant::log().contains(u"price list"_s)) << "words of the user in the log";
 }
@@ -65,7 +65,7 @@ TEST_P(Rewrite, ArabicLinesArriveUnderAnArabicLayoutAndACopiedPictureComesBack) 
 TEST_P(RewriteInChromium, NothingIsAskedForOtherFields) {
     startAssistant();
     startBrowser({.host = u"shop.example"_s, .wholeWindow = true});
-    // No address may begin another: the address bar would complete it.
+    // None of these addresses may be the beginning of another, or the address bar would complete it.
     const auto goTo = [this](const QString &address) {
         keyboard::tap("ctrl+l");
         keyboard::type(address);
@@ -84,7 +84,7 @@ TEST_P(RewriteInChromium, NothingIsAskedForOtherFields) {
     keyboard::type(draft);
     ASSERT_TRUE(boxHolds(draft)) << "a password field";
 
-    // The box comes last: had any of the others asked, its question would have come before this one.
+    // The message box comes last: a question about any other field would have come before this one.
     ASSERT_TRUE(goTo(u"https://web.whatsapp.com/?box=rich"_s));
     ASSERT_TRUE(logged(u", textElement=true, chat app"_s));
     keyboard::type(u"only this is a draft"_s);

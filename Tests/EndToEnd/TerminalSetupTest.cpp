@@ -17,7 +17,7 @@ namespace quillory::test {
 
 namespace {
 
-/// A user's terminal with a shell in it that runs one line.
+/// A terminal with a shell that runs one line.
 class Terminal {
   public:
     explicit Terminal(const std::string &line) {
@@ -36,7 +36,7 @@ class Terminal {
     Terminal &operator=(const Terminal &) = delete;
 
     void type(const std::string &keys) const { EXPECT_EQ(write(m_screen, keys.data(), keys.size()), keys.size()); }
-    /// Whether it shows the text in time, after what was waited for before.
+    /// Whether the text appears in time, after the text that was waited for last.
     bool shows(const std::string &text) {
         return waitUntil(
             [&] {

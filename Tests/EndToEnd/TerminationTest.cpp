@@ -14,7 +14,7 @@ using namespace platform::desktop;
 
 namespace {
 
-/// The desktop's clipboard manager: takes over the content of a program that ends.
+/// A clipboard manager, which takes over the content of a program that ends.
 class ClipboardManager {
   public:
     ClipboardManager() {
@@ -35,14 +35,14 @@ class ClipboardManager {
         if (request.selection != m_manager) {
             return;
         }
-        // Without an answer the program serves its content for a moment, which is long enough.
+        // Even without an answer the program goes on serving its content for a moment, which is long enough.
         m_pasteboard.copyItems(
             [this](const auto &items) { m_pasteboard.writeObjects(items.value_or(platform::PasteboardItems())); });
     }
 
     std::unique_ptr<X11Connection> m_connection = X11Connection::open();
     xcb_atom_t m_manager = m_connection->atom("CLIPBOARD_MANAGER");
-    /// Another one, since a pasteboard turns down what it is asked for about other selections.
+    /// A connection of its own, since a pasteboard refuses requests for other selections.
     std::unique_ptr<X11Connection> m_content = X11Connection::open();
     X11Pasteboard m_pasteboard{*m_content};
     platform::RegistrationHandle m_events;
@@ -55,7 +55,7 @@ bool isAnyKeyDown(X11Connection &connection) {
 
 class Termination : public ChatStory {
   protected:
-    /// Waits while this process serves the clipboard.
+    /// Waits for a condition and serves the clipboard meanwhile.
     template <typename Condition> static bool serveUntil(Condition condition) {
         return waitUntil([&] {
             QCoreApplication::processEvents();
@@ -63,7 +63,7 @@ class Termination : public ChatStory {
         });
     }
 
-    /// Accepts a rewrite, asks the program to end at a moment of the paste, and looks at what it leaves behind.
+    /// Accepts a rewrite, sends SIGTERM at the given moment of the paste, and checks what the program leaves behind.
     void endWhen(const std::function<bool()> &isReached) {
         const QByteArray copied = "what the user had copied";
         m_settings = {{u"assistantMode"_s, u"false"_s}};

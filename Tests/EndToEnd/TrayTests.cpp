@@ -2,10 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EndToEnd/Assistant.h"
 #include "EndToEnd/Keyboard.h"
-#include "EndToEnd/StatusNotifierHost.h"
 #include "RealDesktop/RealDesktop.h"
 
-#include <QProcess>
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 
 #include <gmock/gmock.h>
 
@@ -18,10 +22,121 @@ namespace {
 const auto menuAtFirst =
     u"✓ Suggestions Enabled | Compare Two Models | - | Settings… | Check for Updates… | - | Quit Quillory"_s;
 
-/// Long enough for a machine that has much else to do.
+/// Waits long enough for a busy machine.
 template <typename Condition> bool eventually(Condition condition) {
     return waitUntil(condition, 60'000);
 }
+
+const auto watcher = u"org.kde.StatusNotifierWatcher"_s;
+
+/// A tray that speaks the StatusNotifierItem protocol, as a desktop's panel does, and reads the menu of the item that
+/// registers with it.
+class StatusNotifierHost final : private QDBusVirtualObject {
+  public:
+    StatusNotifierHost() : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"tray"_s)) {
+        if (!m_bus.registerVirtualObject(u"/StatusNotifierWatcher"_s, this)) {
+            throw std::runtime_error("the tray has no session bus");
+        }
+    }
+    ~StatusNotifierHost() override { QDBusConnection::disconnectFromBus(u"tray"_s); }
+
+    /// Takes the name under which items look for a tray.
+    void appear() { m_bus.registerService(watcher); }
+    /// Takes the name first, waits until an item asks whether there is a tray, and only then announces one.
+    bool appearInSteps() {
+        m_isShown = false;
+        m_timesAsked = 0;
+        appear();
+        const bool isAsked = await([this] { return m_timesAsked > 0; });
+        m_isShown = true;
+        m_bus.send(QDBusMessage::createSignal(u"/StatusNotifierWatcher"_s, watcher, u"StatusNotifierHostRegistered"_s));
+        return isAsked;
+    }
+    void vanish() {
+        m_bus.unregisterService(watcher);
+        m_item.clear();
+    }
+    /// Waits until an item has registered since the tray appeared.
+    bool hasItem() {
+        return await([this] { return !m_item.isEmpty(); });
+    }
+    /// Opens the menu and returns its visible items in order, with check marks.
+    QString openedMenu() {
+        askMenu("AboutToShow", {0});
+        QStringList lines;
+        for (const auto &[id, properties] : menuItems()) {
+            if (!properties.value(u"visible"_s, true).toBool()) {
+                continue;
+            }
+            const bool isChecked = properties.value(u"toggle-state"_s).toInt() == 1;
+            const QString line = (isChecked ? u"✓ "_s : QString()) + properties.value(u"label"_s).toString();
+            lines += properties.value(u"type"_s) == u"separator"_s ? u"-"_s : line;
+        }
+        return lines.join(u" | "_s);
+    }
+    /// Chooses an item by its title.
+    void choose(const QString &title) {
+        for (const auto &[id, properties] : menuItems()) {
+            if (properties.value(u"label"_s) == title) {
+                askMenu("Event", {id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), 0U});
+            }
+        }
+    }
+
+  private:
+    template <typename Condition> static bool await(Condition condition) {
+        return eventually([&] {
+            QCoreApplication::processEvents();
+            return condition();
+        });
+    }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override {
+        if (message.member() == u"RegisterStatusNotifierItem"_s) {
+            m_item = message.arguments().value(0).toString();
+            return connection.send(message.createReply());
+        }
+        if (message.member() == u"Get"_s) {
+            ++m_timesAsked;
+            return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(m_isShown))));
+        }
+        return false;
+    }
+    [[nodiscard]] QString introspect(const QString & /*path*/) const override {
+        return u"<interface name=\"org.kde.StatusNotifierWatcher\">"
+               "<method name=\"RegisterStatusNotifierItem\"><arg type=\"s\" direction=\"in\"/></method>"
+               "<property name=\"IsStatusNotifierHostRegistered\" type=\"b\" access=\"read\"/></interface>"_s;
+    }
+    [[nodiscard]] std::vector<std::pair<int, QVariantMap>> menuItems() const {
+        const QDBusMessage layout = askMenu("GetLayout", {0, -1, QStringList()});
+        const auto root = layout.arguments().value(1).value<QDBusArgument>();
+        int id = 0;
+        QVariantMap properties;
+        QVariantList entries;
+        root.beginStructure();
+        root >> id >> properties >> entries;
+        root.endStructure();
+        std::vector<std::pair<int, QVariantMap>> items(static_cast<std::size_t>(entries.size()));
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            const auto entry = entries[static_cast<qsizetype>(i)].value<QDBusArgument>();
+            entry.beginStructure();
+            entry >> items[i].first >> items[i].second;
+            entry.endStructure();
+        }
+        return items;
+    }
+    QDBusMessage askMenu(const char *method, const QVariantList &arguments) const {
+        // Qt exports the menu of a status item here.
+        QDBusMessage question = QDBusMessage::createMethodCall(m_item, u"/MenuBar"_s, u"com.canonical.dbusmenu"_s,
+                                                               QString::fromLatin1(method));
+        question.setArguments(arguments);
+        return m_bus.call(question);
+    }
+
+    QDBusConnection m_bus;
+    QString m_item;
+    bool m_isShown = true;
+    int m_timesAsked = 0;
+};
 
 /// The built program with a key in its environment.
 ChildProcess started() {
@@ -30,18 +145,7 @@ ChildProcess started() {
 }
 
 QByteArray setting(const char *key) {
-    QProcess reader;
-    reader.start(QStringLiteral(QUILLORY_PROGRAM), {u"defaults"_s, u"read"_s, QString::fromLatin1(key)});
-    reader.waitForFinished();
-    return reader.readAllStandardOutput().trimmed();
-}
-
-bool windowIsUp() {
-    return run({"xdotool", "search", "--onlyvisible", "--name", "^Quillory$"}, Output::dropped) == 0;
-}
-
-bool windowIsActive() {
-    return run({"sh", "-c", "xdotool getactivewindow getwindowname | grep -qx Quillory"}, Output::dropped) == 0;
+    return outputOf({QUILLORY_PROGRAM, "defaults", "read", key}).trimmed();
 }
 
 TEST(Tray, MenuIsReadAndChosenFromByTheDesktop) {
@@ -59,7 +163,16 @@ TEST(Tray, MenuIsReadAndChosenFromByTheDesktop) {
     EXPECT_TRUE(eventually([] { return setting("enabled") == "false" && setting("compareMode") == "true"; }));
     EXPECT_TRUE(tray.openedMenu().startsWith(u"Suggestions Enabled | ✓ Compare Two Models"_s));
     tray.choose(u"Settings…"_s);
-    EXPECT_TRUE(eventually(windowIsUp));
+    ASSERT_TRUE(eventually([] { return keyboard::isAtWindow("Quillory"); }));
+    for (const char *key : {"alt+e", "alt+t", "Down", "Down"}) {
+        keyboard::tap(key);
+    }
+    EXPECT_TRUE(eventually([] { return setting("enabled") == "true" && setting("tone") == "Concise"; }));
+    keyboard::tap("Escape");
+    EXPECT_TRUE(eventually([] { return !keyboard::seesWindow("Quillory"); }));
+    EXPECT_EQ(run({QUILLORY_PROGRAM}, Output::dropped), 0);
+    EXPECT_TRUE(eventually([] { return keyboard::seesWindow("Quillory"); }))
+        << "a second start shows the window of the first";
     RealDesktop::setAccessibilityEnabled(false);
     EXPECT_TRUE(eventually([&] { return tray.openedMenu().contains(u"Grant Accessibility Access…"_s); }));
     tray.choose(u"Quit Quillory"_s);
@@ -76,39 +189,6 @@ TEST(Tray, EmbedsTheIconWhereOnlyTheOldKindIs) {
         return !program.isRunning();
     }));
     EXPECT_EQ(program.end(), 0);
-}
-
-TEST(Settings, AreMadeByKeyboardAlone) {
-    ChildProcess program = started();
-    StatusNotifierHost tray;
-    tray.appear();
-    ASSERT_TRUE(tray.hasItem());
-    EXPECT_EQ(run({QUILLORY_PROGRAM}, Output::dropped), 0) << "a second start shows the window of the first";
-    ASSERT_TRUE(eventually(windowIsActive));
-    const auto becomes = [](const char *key, const QByteArray &value) {
-        EXPECT_TRUE(eventually([&] { return setting(key).contains(value); })) << key << " is " << setting(key).data();
-    };
-    struct Choice {
-        std::vector<const char *> keys;
-        const char *setting;
-        const char *value;
-    };
-    for (const auto &[keys, key, value] :
-         std::vector<Choice>{{{"alt+e"}, "enabled", "false"},
-                             {{"alt+s"}, "assistantMode", "false"},
-                             {{"alt+t", "Down", "Down"}, "tone", "Concise"},
-                             {{"alt+d", "Right"}, "debounceMs", "550"},
-                             {{"alt+m", "Up", "Tab", "shift+Tab", "Up"}, "minChars", "10"}}) {
-        std::ranges::for_each(keys, keyboard::tap);
-        becomes(key, value);
-    }
-    keyboard::tap("alt+b");
-    keyboard::tap("alt+y");
-    keyboard::type(u"A shop"_s);
-    becomes("businessProfile", "A shop");
-    keyboard::tap("Escape");
-    EXPECT_TRUE(eventually([] { return !windowIsUp(); }));
-    EXPECT_TRUE(program.isRunning());
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "EndToEnd/AccessibleTree.h"
 #include "EndToEnd/Assistant.h"
 #include "EndToEnd/Keyboard.h"
 #include "Platform/Linux/Updates/ArchiveUnpacker.h"
+#include "RealDesktop/AccessibleTree.h"
 #include "RealDesktop/ChildProcess.h"
 
 #include <QDir>
@@ -22,7 +22,7 @@ namespace quillory::test {
 using namespace Qt::StringLiterals;
 namespace {
 
-/// Runs a program that must succeed, and gives what it printed.
+/// Runs a program and returns what it prints. Throws when the program fails.
 QByteArray succeed(const QString &program, const QStringList &arguments) {
     QProcess process;
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -40,7 +40,7 @@ void write(const QString &path, const QByteArray &text) {
     }
 }
 
-/// The maker's side: a key, the program's packages as versions of it, and a server that announces one.
+/// The maker's side: a key, packages of several versions of the program, and a server that announces one of them.
 class Maker {
   public:
     Maker() {
@@ -49,17 +49,11 @@ class Maker {
         const QString sign = QStringLiteral(QUILLORY_BUILD "/bin/quillory-sign");
         write(in("keys"), succeed(sign, {u"make-key"_s, QStringLiteral(QUILLORY_TEAM_ID), in("key")}));
         succeed(u"cmake"_s, {u"--install"_s, QStringLiteral(QUILLORY_BUILD), u"--prefix"_s, in("tree"), u"--strip"_s});
-        m_server.Get("/version.json", [this](const httplib::Request &, httplib::Response &answer) {
-            answer.set_content(R"({"version": "2", "notes": "Faster answers.", "url": ")" + address() +
-                                   "/Quillory.zip\"}",
-                               "application/json");
-        });
-        m_server.Get("/Quillory.zip", [this](const httplib::Request &, httplib::Response &answer) {
-            QFile archive(packageOf(u"2"_s, "archive"));
-            answer.set_content(archive.open(QIODevice::ReadOnly) ? archive.readAll().toStdString() : "",
-                               "application/zip");
-        });
+        QFile::copy(packageOf(u"2"_s, "archive"), in("Quillory.zip"));
+        m_server.set_mount_point("/", m_folder.path().toStdString());
         m_port = m_server.bind_to_any_port("127.0.0.1");
+        write(in("version.json"), R"({"version": "2", "notes": "Faster answers.", "url": ")" +
+                                      QByteArray::fromStdString(address()) + "/Quillory.zip\"}");
         m_thread = std::thread([this] { m_server.listen_after_bind(); });
     }
     ~Maker() {
@@ -70,7 +64,7 @@ class Maker {
     Maker &operator=(const Maker &) = delete;
 
     [[nodiscard]] std::string address() const { return "http://127.0.0.1:" + std::to_string(m_port); }
-    /// Makes a package of a version and gives its path; a second time, the path alone.
+    /// The path of a package of a version, which is made at the first call.
     QString packageOf(const QString &version, const char *kind) {
         const QString folder = m_folder.filePath(version + QLatin1StringView(kind));
         if (!QFileInfo::exists(folder)) {
@@ -95,7 +89,7 @@ class Maker {
     std::thread m_thread;
 };
 
-/// The processes that run a program: an update is started by nobody's child.
+/// The processes that run a program. The updated one is no child of the test.
 std::vector<pid_t> processesOf(const QString &program) {
     std::vector<pid_t> found;
     for (const QString &name : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
@@ -120,7 +114,6 @@ class Update : public testing::Test {
         // Qt's accessibility bridge leaks the release of a key whose window has closed, here that of Return.
         qputenv("LSAN_OPTIONS", qgetenv("LSAN_OPTIONS") + ":exitcode=0");
         qputenv("QUILLORY_UPDATE_FEED", QByteArray::fromStdString(maker.address()));
-        maker.packageOf(u"2"_s, "archive");
     }
     ~Update() override { end(updated); }
 

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/Linux/Accessibility/AtspiAccessibility.h"
-#include "Platform/Linux/Qt/QtMainQueue.h"
+#include "RealDesktop/AccessibleTree.h"
 #include "RealDesktop/BrowserSettings.h"
 #include "RealDesktop/ChildProcess.h"
 
@@ -27,11 +26,6 @@ struct DesktopAccessibility : testing::Test {
     desktop::QtMainQueue queue;
     desktop::AtspiAccessibility accessibility{queue};
 
-    template <class T> static std::optional<T> read(const std::optional<AXUIElement> &element, AXAttribute name) {
-        const auto value = element ? element->copyAttributeValue(name) : std::nullopt;
-        const auto *found = value ? std::get_if<T>(&*value) : nullptr;
-        return found != nullptr ? std::optional(*found) : std::nullopt;
-    }
     std::optional<AXUIElement> focused() {
         QCoreApplication::processEvents();
         return read<AXUIElement>(accessibility.createSystemWide(), AXAttribute::focusedUIElement);

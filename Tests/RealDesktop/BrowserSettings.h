@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-/// What makes browsers ask nobody anything, load nothing that is not asked for, and show no page of their own.
+/// Settings with which browsers ask no questions, load nothing on their own and show no pages of their own.
 namespace quillory::test::browserSettings {
 
 [[nodiscard]] std::vector<std::string> chromiumSwitches();
-/// Makes a profile in which every host name stands on this machine, so that nothing leaves it. Throws
+/// Makes a profile in which every host name leads to this machine, so that nothing leaves it. Throws
 /// std::runtime_error when it cannot be written.
 void makeFirefoxProfile(const QString &folder);
 

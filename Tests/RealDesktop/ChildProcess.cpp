@@ -2,111 +2,75 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "RealDesktop/ChildProcess.h"
 
-#include <array>
 #include <chrono>
 #include <csignal>
-#include <fcntl.h>
 #include <stdexcept>
 #include <sys/prctl.h>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
-#include <utility>
 
 namespace quillory::test {
-namespace {
 
-std::vector<char *> pointers(const std::vector<std::string> &arguments) {
-    std::vector<char *> result;
-    result.reserve(arguments.size() + 1);
-    for (const std::string &argument : arguments) {
-        result.push_back(const_cast<char *>(argument.c_str()));
+ChildProcess::ChildProcess(const std::vector<std::string> &arguments, Output output)
+    : m_process(std::make_unique<QProcess>()) {
+    m_process->setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    m_process->setProcessChannelMode(QProcess::ForwardedChannels);
+    m_process->setInputChannelMode(QProcess::ForwardedInputChannel);
+    if (output != Output::shown) {
+        m_process->setProcessChannelMode(QProcess::SeparateChannels);
+        m_process->setStandardErrorFile(QProcess::nullDevice());
     }
-    result.push_back(nullptr);
-    return result;
-}
-
-[[noreturn]] void becomeProgram(const std::vector<char *> &arguments, Output output, int keepOpen) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (output == Output::dropped) {
-        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        dup2(nowhere, STDOUT_FILENO);
-        dup2(nowhere, STDERR_FILENO);
+        m_process->setStandardOutputFile(QProcess::nullDevice());
     }
-    if (keepOpen >= 0) {
-        fcntl(keepOpen, F_SETFD, 0);
+    QStringList words;
+    for (const std::string &argument : arguments) {
+        words.append(QString::fromStdString(argument));
     }
-    execvp(arguments.front(), arguments.data());
-    _exit(127);
-}
-
-int exitStatus(int status) {
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
-
-} // namespace
-
-ChildProcess::ChildProcess(const std::vector<std::string> &arguments, Output output, int keepOpen) {
-    const std::vector<char *> raw = pointers(arguments);
-    m_pid = fork();
-    if (m_pid < 0) {
+    const QString program = words.takeFirst();
+    m_process->start(program, words);
+    if (!m_process->waitForStarted()) {
         throw std::runtime_error("cannot start " + arguments.front());
     }
-    if (m_pid == 0) {
-        becomeProgram(raw, output, keepOpen);
-    }
 }
-
-ChildProcess::~ChildProcess() {
-    end();
-}
-
-ChildProcess::ChildProcess(ChildProcess &&other) noexcept
-    : m_pid(std::exchange(other.m_pid, -1)), m_status(other.m_status) {}
 
 ChildProcess &ChildProcess::operator=(ChildProcess &&other) noexcept {
     end();
-    m_pid = std::exchange(other.m_pid, -1);
-    m_status = other.m_status;
+    m_process = std::move(other.m_process);
     return *this;
 }
 
+pid_t ChildProcess::pid() const {
+    return static_cast<pid_t>(m_process->processId());
+}
+
 bool ChildProcess::isRunning() {
-    int status = 0;
-    if (m_pid > 0 && waitpid(m_pid, &status, WNOHANG) == m_pid) {
-        m_status = exitStatus(status);
-        m_pid = -1;
+    return m_process != nullptr && m_process->state() != QProcess::NotRunning && !m_process->waitForFinished(0);
+}
+
+std::string ChildProcess::line() {
+    while (!m_process->canReadLine() && m_process->waitForReadyRead()) {
     }
-    return m_pid > 0;
+    return m_process->readLine().trimmed().toStdString();
+}
+
+QByteArray ChildProcess::rest() {
+    m_process->waitForFinished(60'000);
+    return m_process->readAllStandardOutput();
 }
 
 int ChildProcess::end() {
-    if (!isRunning()) {
-        return m_status;
+    if (isRunning()) {
+        m_process->terminate();
+        kill(pid(), SIGCONT);
+        if (!m_process->waitForFinished(2000)) {
+            m_process->kill();
+            m_process->waitForFinished(2000);
+        }
     }
-    kill(m_pid, SIGTERM);
-    kill(m_pid, SIGCONT);
-    if (!waitUntil([this] { return !isRunning(); }, 2000)) {
-        kill(m_pid, SIGKILL);
-        waitUntil([this] { return !isRunning(); }, 2000);
+    if (m_process == nullptr) {
+        return 0;
     }
-    return m_status;
-}
-
-std::string startAndListen(ChildProcess &program, std::vector<std::string> arguments) {
-    std::array<int, 2> ends{};
-    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
-        throw std::runtime_error("no pipe");
-    }
-    arguments.back() += std::to_string(ends[1]);
-    program = ChildProcess(arguments, Output::dropped, ends[1]);
-    close(ends[1]);
-    std::string line;
-    for (char c = 0; read(ends[0], &c, 1) == 1 && c != '\n';) {
-        line += c;
-    }
-    close(ends[0]);
-    return line;
+    return m_process->exitStatus() == QProcess::NormalExit ? m_process->exitCode() : 128 + m_process->exitCode();
 }
 
 int run(const std::vector<std::string> &arguments, Output output) {
@@ -115,6 +79,10 @@ int run(const std::vector<std::string> &arguments, Output output) {
         sleepBriefly();
     }
     return program.end();
+}
+
+QByteArray outputOf(const std::vector<std::string> &arguments) {
+    return ChildProcess(arguments, Output::read).rest();
 }
 
 void sleepBriefly() {

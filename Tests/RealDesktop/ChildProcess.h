@@ -2,44 +2,48 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QProcess>
+
+#include <memory>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace quillory::test {
 
-/// Whether what a program prints is seen, or dropped because it says nothing about the test.
-enum class Output { shown, dropped };
+/// Whether what a program prints is seen, read by the test, or dropped because it says nothing about the test.
+enum class Output { shown, read, dropped };
 
 /// A program started by a test. It is ended with this object, and by the kernel should the test itself die.
 class ChildProcess {
   public:
     ChildProcess() = default;
-    /// Starts a program found on the PATH, in this process's environment. keepOpen: a file descriptor that the program
-    /// inherits under the same number, or -1. Throws std::runtime_error when it cannot be started.
-    explicit ChildProcess(const std::vector<std::string> &arguments, Output output = Output::shown, int keepOpen = -1);
-    ~ChildProcess();
-    ChildProcess(ChildProcess &&other) noexcept;
+    /// Starts a program found on the PATH, in this process's environment. Throws std::runtime_error when it cannot be
+    /// started.
+    explicit ChildProcess(const std::vector<std::string> &arguments, Output output = Output::shown);
+    ~ChildProcess() { end(); }
+    ChildProcess(ChildProcess &&other) noexcept = default;
     ChildProcess &operator=(ChildProcess &&other) noexcept;
     ChildProcess(const ChildProcess &) = delete;
     ChildProcess &operator=(const ChildProcess &) = delete;
 
-    [[nodiscard]] pid_t pid() const { return m_pid; }
+    /// 0 once it has been seen to have ended.
+    [[nodiscard]] pid_t pid() const;
     [[nodiscard]] bool isRunning();
+    /// The next line that it prints; empty when there is no further one.
+    [[nodiscard]] std::string line();
+    /// All that it prints until it ends.
+    [[nodiscard]] QByteArray rest();
     /// Asks the program to end, insists after two seconds, and returns its exit status (128 + the signal's number).
     int end();
 
   private:
-    pid_t m_pid = -1;
-    int m_status = 0;
+    std::unique_ptr<QProcess> m_process;
 };
-
-/// Starts a program that writes a line to the file descriptor whose number it finds at the end of its last argument,
-/// and returns that line; empty when none comes.
-std::string startAndListen(ChildProcess &program, std::vector<std::string> arguments);
 
 /// Runs a program to its end and returns its exit status.
 int run(const std::vector<std::string> &arguments, Output output = Output::shown);
+/// Runs a program to its end and returns what it prints on its standard output.
+QByteArray outputOf(const std::vector<std::string> &arguments);
 
 void sleepBriefly();
 [[nodiscard]] long long millisecondsNow();

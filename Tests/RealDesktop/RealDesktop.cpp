@@ -28,9 +28,9 @@ RealDesktop::RealDesktop() : RealDesktop(Options{}) {}
 RealDesktop::RealDesktop(const Options &options) {
     setEnvironment();
     startServer("DISPLAY", ":",
-                {"Xvfb", "-screen", "0", options.screen, "-nolisten", "tcp", "-noreset", "-displayfd", ""});
+                {"Xvfb", "-screen", "0", options.screen, "-nolisten", "tcp", "-noreset", "-displayfd", "1"});
     startServer("DBUS_SESSION_BUS_ADDRESS", "",
-                {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address="});
+                {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address"});
     m_programs.emplace_back(std::vector<std::string>{"openbox", "--sm-disable"}, Output::dropped);
     if (options.compositor) {
         m_programs.emplace_back(std::vector<std::string>{"picom", "--backend", "xrender", "--config", "/dev/null"},
@@ -87,7 +87,7 @@ void RealDesktop::setEnvironment() {
 }
 
 void RealDesktop::startServer(const char *variable, const char *prefix, const std::vector<std::string> &arguments) {
-    const std::string told = startAndListen(m_programs.emplace_back(), arguments);
+    const std::string told = m_programs.emplace_back(arguments, Output::read).line();
     if (told.empty()) {
         throw std::runtime_error(arguments.front() + " did not start");
     }

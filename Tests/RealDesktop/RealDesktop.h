@@ -32,7 +32,7 @@ class RealDesktop {
 
   private:
     void setEnvironment();
-    /// Starts a program that tells where it is to be found, which goes into an environment variable.
+    /// Starts a server that prints its address, and puts the address into an environment variable.
     void startServer(const char *variable, const char *prefix, const std::vector<std::string> &arguments);
 
     QTemporaryDir m_folder;

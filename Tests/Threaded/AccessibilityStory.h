@@ -3,8 +3,7 @@
 #pragma once
 
 #include "FakeAccessibilityBus.h"
-#include "Platform/Linux/Accessibility/AtspiAccessibility.h"
-#include "Platform/Linux/Qt/QtMainQueue.h"
+#include "RealDesktop/AccessibleTree.h"
 
 #include <gmock/gmock.h>
 
@@ -27,12 +26,6 @@ inline constexpr unsigned passwordRole = 40;
 inline constexpr unsigned entryRole = 79;
 inline constexpr unsigned pageRole = 95;
 inline constexpr unsigned staticRole = 116;
-
-template <class T> std::optional<T> read(const std::optional<AXUIElement> &element, AXAttribute name) {
-    const auto value = element ? element->copyAttributeValue(name) : std::nullopt;
-    const auto *found = value ? std::get_if<T>(&*value) : nullptr;
-    return found != nullptr ? std::optional(*found) : std::nullopt;
-}
 
 /// A chat on a private bus, and the program's side of it, which start() makes.
 struct AtspiAccessibility : testing::Test {

@@ -94,8 +94,7 @@ class FakeAccessibilityBus {
     using Answer = std::function<bool(const std::string &path, const std::string &member, sd_bus_message *reply)>;
 
     FakeAccessibilityBus() {
-        m_address =
-            startAndListen(m_daemon, {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address="});
+        m_address = m_daemon.line();
         m_elements[root] = FakeElement{.role = 75, .name = "fake"};
         m_service = connectTo(m_address);
         m_application = connectTo(m_address);
@@ -328,7 +327,7 @@ class FakeAccessibilityBus {
         }
     }
 
-    ChildProcess m_daemon;
+    ChildProcess m_daemon{{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address"}, Output::read};
     std::string m_address;
     std::recursive_mutex m_mutex;
     std::map<std::string, FakeElement> m_elements;

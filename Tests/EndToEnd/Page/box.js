@@ -1,17 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The message box: a rich-text editor, a plain text area or a password field. Each tells its text whenever it changes.
-import { createEditor, $getRoot, $createParagraphNode, $createTextNode, KEY_ENTER_COMMAND, COMMAND_PRIORITY_HIGH } from 'lexical';
+import { createEditor, $getRoot, $createParagraphNode, KEY_ENTER_COMMAND, COMMAND_PRIORITY_HIGH } from 'lexical';
 import { registerRichText } from '@lexical/rich-text';
 import { registerHistory, createEmptyHistoryState } from '@lexical/history';
 
 const place = document.getElementById('place');
 
-/** Makes the box in its place, instead of the one that is there. */
-export function makeBox(kind, label, text, changed, send) {
+/** Puts a new box in the place of the present one. */
+export function makeBox(kind, label, changed, send) {
   place.textContent = '';
-  const box = kind === 'rich' ? makeEditor(label, text, changed, send)
-    : makeField(kind === 'textarea' ? 'textarea' : 'input', label, text, changed);
+  const box = kind === 'rich' ? makeEditor(label, changed, send)
+    : makeField(kind === 'textarea' ? 'textarea' : 'input', label, changed);
   box.id = 'box';
   return box;
 }
@@ -21,7 +21,7 @@ function editorText(editor) {
   return editor.getEditorState().read(() => $getRoot().getChildren().map((block) => block.getTextContent()).join('\n'));
 }
 
-function makeEditor(label, text, changed, send) {
+function makeEditor(label, changed, send) {
   const box = place.appendChild(document.createElement('div'));
   box.contentEditable = 'true';
   box.setAttribute('role', 'textbox');
@@ -31,34 +31,27 @@ function makeEditor(label, text, changed, send) {
   registerRichText(editor);
   registerHistory(editor, createEmptyHistoryState(), 300);
   // Without a paragraph to type into, the editor takes no keys.
-  const fill = (words) => editor.update(() => {
-    const paragraph = $createParagraphNode();
-    if (words !== '') {
-      paragraph.append($createTextNode(words));
-    }
-    $getRoot().clear().append(paragraph);
-  });
-  fill(text);
+  const clear = () => editor.update(() => { $getRoot().clear().append($createParagraphNode()); });
+  clear();
   editor.registerCommand(KEY_ENTER_COMMAND, (event) => {
     if (event.shiftKey) {
       return false;
     }
     event.preventDefault();
     send(editorText(editor));
-    fill('');
+    clear();
     return true;
   }, COMMAND_PRIORITY_HIGH);
   editor.registerUpdateListener(() => changed(editorText(editor)));
   return box;
 }
 
-function makeField(tag, label, text, changed) {
+function makeField(tag, label, changed) {
   const box = place.appendChild(document.createElement(tag));
   if (tag === 'input') {
     box.type = 'password';
   }
   box.placeholder = label;
-  box.value = text;
   box.addEventListener('input', () => changed(box.value));
   return box;
 }

@@ -4,14 +4,15 @@
 //   ?box=textarea, ?box=password   another message box than the rich-text editor
 //   ?language=ar                   in Arabic, from right to left
 //   ?remake                        each chat that is opened makes the message box anew
-// It tells its server what its own document holds, so that a test need not ask the browser, and does what the server says.
+// It tells its server what its own document holds, so that a test need not ask the browser; the answer brings what the
+// customer writes.
 import { languages } from './chats.js';
 import * as conversation from './conversation.js';
 import { makeBox } from './box.js';
 
 const options = new URLSearchParams(location.search);
 const { direction, words, chats } = languages[options.get('language') ?? 'en'];
-const state = { load: performance.timeOrigin, chat: '', done: 0, text: '', sent: [], keys: [], blurs: 0 };
+const state = { load: performance.timeOrigin, chat: '', received: 0, text: '', sent: [], keys: [], blurs: 0 };
 let reporting = false;
 let stale = false;
 
@@ -24,9 +25,20 @@ async function report() {
   reporting = true;
   while (stale) {
     stale = false;
-    await fetch('/report', { method: 'POST', body: JSON.stringify(currentState()) }).catch(() => {});
+    await fetch('/report', { method: 'POST', body: JSON.stringify(currentState()) })
+      .then((answer) => answer.json()).then(receive).catch(() => {});
   }
   reporting = false;
+}
+
+// A message counts as received when it has been painted.
+async function receive(messages) {
+  for (const text of messages) {
+    conversation.append({ from: 'them', text, time: '12:56 PM' });
+    await new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done)));
+    state.received += 1;
+    stale = true;
+  }
 }
 
 // The middle of an element on the screen.
@@ -69,7 +81,7 @@ function show(chat) {
   document.querySelector('.presence').textContent = chat.presence;
   conversation.open(chat.messages);
   if (options.has('remake') && document.getElementById('box')) {
-    buildBox('').focus();
+    buildBox().focus();
   }
 }
 
@@ -80,31 +92,11 @@ function send(text) {
   }
 }
 
-function buildBox(text) {
-  const box = makeBox(options.get('box') ?? 'rich', words.type, text, (now) => { state.text = now; report(); }, send);
+function buildBox() {
+  const box = makeBox(options.get('box') ?? 'rich', words.type, (now) => { state.text = now; report(); }, send);
   box.addEventListener('focus', report);
   box.addEventListener('blur', () => { state.blurs += 1; report(); });
   return box;
-}
-
-const orders = {
-  receive: (text) => conversation.append({ from: 'them', text, time: '12:56 PM' }),
-  rebuildBox: () => buildBox(state.text).focus(),
-};
-
-// What was ordered counts as done when it has been painted.
-const painted = () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done)));
-
-async function obey() {
-  for (;;) {
-    const order = await fetch('/order?after=' + state.done).then((answer) => answer.json());
-    if (order.number) {
-      orders[order.what](order.argument);
-      await painted();
-      state.done = order.number;
-      report();
-    }
-  }
 }
 
 document.documentElement.lang = options.get('language') ?? 'en';
@@ -114,7 +106,7 @@ for (const [id, label] of [['chats', words.list], ['conversation', words.convers
 }
 showChats();
 show(chats[0]);
-buildBox('');
+buildBox();
 window.addEventListener('blur', () => { state.blurs += 1; report(); });
 window.addEventListener('focus', report);
 window.addEventListener('resize', report);
@@ -122,4 +114,3 @@ window.addEventListener('keydown', (event) => { state.keys.push(event.key); repo
 // A window manager may move the window without any event.
 setInterval(report, 500);
 report();
-obey();

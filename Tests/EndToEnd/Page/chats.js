@@ -1,6 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the chats of the page hold. A message is from "them" or "us"; a divider or a day stands apart from both.
+// The chats of the page. A message is from "them" or "us"; days and dividers are from nobody.
 
 const them = (text, time, extra) => ({ from: 'them', text, time, ...extra });
 const us = (text, time, extra) => ({ from: 'us', text, time, ...extra });
@@ -45,9 +45,6 @@ const arabic = {
       { divider: '٢ رسائل غير مقروءة' },
       them('عنواني:\nطريق ١٢، مجمع ٩٣٤', '١٢:٥١'),
       them('كم السعر مع التوصيل؟', '١٢:٥١'),
-    ] },
-    { id: 'bakery', name: 'مخبز النور', presence: '', last: 'الفاتورة مرفقة', when: 'أمس', messages: [
-      them('الفاتورة مرفقة', '٩:٠٥'),
     ] },
   ],
 };

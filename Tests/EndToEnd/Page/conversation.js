@@ -61,7 +61,7 @@ function fillText(place, text) {
   }
 }
 
-/** Every text of the document between the header and the message box, in order, and whose bubble it stands in. */
+/** Every text of the header and the conversation in document order, with its kind and the side of its bubble. */
 export function texts() {
   const found = [];
   for (const root of [document.getElementById('header'), view]) {

@@ -12,8 +12,9 @@ namespace quillory::test {
 using platform::AXAttribute;
 using platform::AXUIElement;
 
-template <class T> std::optional<T> read(const AXUIElement &element, AXAttribute attribute) {
-    const auto value = element.copyAttributeValue(attribute);
+/// An attribute of this type; absent as well when there is no element.
+template <class T> std::optional<T> read(const std::optional<AXUIElement> &element, AXAttribute attribute) {
+    const auto value = element ? element->copyAttributeValue(attribute) : std::nullopt;
     const auto *found = value ? std::get_if<T>(&*value) : nullptr;
     return found != nullptr ? std::optional(*found) : std::nullopt;
 }
@@ -32,15 +33,15 @@ inline bool oneBegins(const QStringList &texts, const QString &start) {
     return std::ranges::any_of(texts, [&](const QString &text) { return text.startsWith(start); });
 }
 
-/// What applications tell about their windows. A page tells of a change a little after its document has changed.
+/// What applications say about their windows. A browser reports a change a little after it happened in the document.
 class AccessibleTree {
   public:
     /// Whether the page around the focused field can be read, has for each of wanted a text that begins with it, and
     /// has none that begins with unwanted.
     [[nodiscard]] bool pageShows(const QStringList &wanted, const QString &unwanted) {
         auto element = read<AXUIElement>(m_accessibility.createSystemWide(), AXAttribute::focusedUIElement);
-        while (element && read<QString>(*element, AXAttribute::role) != platform::axRole::webArea) {
-            element = read<AXUIElement>(*element, AXAttribute::parent);
+        while (element && read<QString>(element, AXAttribute::role) != platform::axRole::webArea) {
+            element = read<AXUIElement>(element, AXAttribute::parent);
         }
         const QStringList texts = textsIn(element);
         return !oneBegins(texts, unwanted) &&
@@ -49,7 +50,7 @@ class AccessibleTree {
     /// The name of the element with the keyboard focus; empty when there is none or it has no name.
     [[nodiscard]] QString focusedName() {
         const auto element = read<AXUIElement>(m_accessibility.createSystemWide(), AXAttribute::focusedUIElement);
-        return element ? read<QString>(*element, AXAttribute::title).value_or(QString()) : QString();
+        return read<QString>(element, AXAttribute::title).value_or(QString());
     }
     /// Whether a window of the process shows a text that contains this one.
     [[nodiscard]] bool windowShows(qint32 pid, const QString &text) {
