@@ -79,12 +79,7 @@ void makeFolder(int parent, const QByteArray &path, mode_t mode) {
 
 void copyFile(int from, int to, const BundleEntry &entry, const std::stop_token &stop) {
     const FileDescriptor source = fileTree::openBelow(from, entry.path);
-    const qsizetype slash = entry.path.lastIndexOf('/');
-    const FileDescriptor above = slash < 0 ? FileDescriptor() : fileTree::openBelow(to, entry.path.first(slash));
-    const FileDescriptor copy(
-        fileTree::checked(::openat(slash < 0 ? to : above.get(), entry.path.sliced(slash + 1).constData(),
-                                   O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR),
-                          QStringLiteral("A file could not be made")));
+    const FileDescriptor copy = fileTree::openBelow(to, entry.path, O_WRONLY | O_CREAT | O_EXCL);
     fileTree::readAll(source.get(), [&](std::span<const char> piece) {
         throwIfStopped(stop);
         fileTree::writeAll(copy.get(), piece);

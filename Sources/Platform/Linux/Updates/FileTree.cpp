@@ -89,8 +89,10 @@ FileDescriptor openBelow(int folder, const QByteArray &path, int flags) {
         return openBelow(next.get(), path.sliced(slash + 1), flags);
     }
     // O_NONBLOCK, because a pipe in the file's place would wait for a writer.
-    const int opened = ::openat(folder, path.constData(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    return FileDescriptor(checked(opened, QStringLiteral("%1 could not be opened").arg(QString::fromUtf8(path))));
+    const int opened =
+        ::openat(folder, path.constData(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    const auto done = (flags & O_CREAT) != 0 ? QStringLiteral("made") : QStringLiteral("opened");
+    return FileDescriptor(checked(opened, QStringLiteral("%1 could not be %2").arg(QString::fromUtf8(path), done)));
 }
 
 void readAll(int file, const std::function<void(std::span<const char>)> &take) {

@@ -25,7 +25,8 @@ template <typename Result> Result checked(Result result, const QString &what) {
 }
 
 [[nodiscard]] FileDescriptor openFolder(const QString &path);
-/// Opens a file or folder below a folder, one component of its path after the other.
+/// Opens a file or folder below a folder, one component of its path after the other. A file that is made by it is its
+/// owner's alone.
 [[nodiscard]] FileDescriptor openBelow(int folder, const QByteArray &path, int flags = O_RDONLY);
 /// Reads to the end and hands each piece to the function.
 void readAll(int file, const std::function<void(std::span<const char>)> &take);

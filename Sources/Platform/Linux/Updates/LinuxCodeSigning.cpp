@@ -86,9 +86,7 @@ void checkVersion(int bundle, const QString &version) {
 
 void writeSealing(int bundle, const char *name, const QByteArray &text) {
     fileTree::remove(bundle, name);
-    const FileDescriptor file(
-        fileTree::checked(::openat(bundle, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, plainFile),
-                          QStringLiteral("%1 could not be written").arg(QLatin1StringView(name))));
+    const FileDescriptor file = fileTree::openBelow(bundle, name, O_WRONLY | O_CREAT | O_EXCL);
     fileTree::writeAll(file.get(), {text.constData(), static_cast<std::size_t>(text.size())});
     fileTree::checked(::fchmod(file.get(), plainFile), QStringLiteral("A mode could not be set"));
 }

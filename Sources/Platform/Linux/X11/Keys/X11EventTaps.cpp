@@ -28,7 +28,6 @@ class X11EventTaps::Tap final : public EventTap {
 X11EventTaps::X11EventTaps(X11Connection &connection, X11Keyboard &keyboard)
     : m_connection(connection), m_keyboard(keyboard) {
     m_events = m_connection.onEvent([this](const xcb_generic_event_t &event) { handle(event); });
-    m_mappingChanges = m_keyboard.onChange([this] { regrab(); });
 }
 
 X11EventTaps::~X11EventTaps() {
@@ -106,6 +105,8 @@ void X11EventTaps::handle(const xcb_generic_event_t &event) {
         handlePress(eventAs<xcb_key_press_event_t>(event));
     } else if (eventType(event) == XCB_KEY_RELEASE) {
         handleRelease(eventAs<xcb_key_release_event_t>(event));
+    } else if (eventType(event) == XCB_MAPPING_NOTIFY) {
+        regrab(); // by the new mapping: the keyboard gets every event first
     }
 }
 

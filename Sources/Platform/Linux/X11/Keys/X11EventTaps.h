@@ -10,6 +10,7 @@ namespace platform::desktop {
 /// taps it made. See ../README.md.
 class X11EventTaps final : public EventTaps {
   public:
+    /// keyboard: made before this, so that it learns of a new mapping first.
     X11EventTaps(X11Connection &connection, X11Keyboard &keyboard);
     ~X11EventTaps() override;
     X11EventTaps(const X11EventTaps &) = delete;
@@ -46,7 +47,6 @@ class X11EventTaps final : public EventTaps {
     /// The time of the swallowed key's release; a press with the very same time is a repeat.
     std::optional<xcb_timestamp_t> m_releasedAt;
     RegistrationHandle m_events;
-    RegistrationHandle m_mappingChanges;
 };
 
 } // namespace platform::desktop

@@ -58,15 +58,6 @@ X11Keyboard::X11Keyboard(X11Connection &connection) : m_connection(connection) {
     });
 }
 
-RegistrationHandle X11Keyboard::onChange(std::function<void()> handler) {
-    // Handlers are called in the order of registration, so the new mapping has been read by then.
-    return m_connection.onEvent([handler = std::move(handler)](const xcb_generic_event_t &event) {
-        if (eventType(event) == XCB_MAPPING_NOTIFY) {
-            handler();
-        }
-    });
-}
-
 void X11Keyboard::read() {
     const xcb_setup_t *setup = xcb_get_setup(m_connection.get());
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);

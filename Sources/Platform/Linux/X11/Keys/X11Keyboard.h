@@ -20,9 +20,6 @@ class X11Keyboard {
   public:
     explicit X11Keyboard(X11Connection &connection);
 
-    /// Calls the handler after the keyboard's mapping changed, until the handle is destroyed.
-    [[nodiscard]] RegistrationHandle onChange(std::function<void()> handler);
-
     /// The X key codes that act as this key under the current mapping. Never empty for a key of namespace keyCode.
     [[nodiscard]] std::vector<xcb_keycode_t> keyCodes(KeyCode key) const;
     /// The key at an X key code; absent when namespace keyCode does not have it.
