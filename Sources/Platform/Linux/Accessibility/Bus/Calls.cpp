@@ -7,8 +7,6 @@
 namespace platform::desktop::atspi::calls {
 
 namespace {
-constexpr std::uint32_t screenCoordinates = 0;
-constexpr const char *busInterface = "org.freedesktop.DBus";
 constexpr const char *serviceName = "org.a11y.Bus";
 constexpr const char *servicePath = "/org/a11y/bus";
 constexpr const char *statusInterface = "org.a11y.Status";
@@ -18,14 +16,6 @@ Call startingIf(bool mayStart, Call call) {
     return call;
 }
 } // namespace
-
-Call extents(const ElementRef &target) {
-    return method(target, componentInterface, "GetExtents", screenCoordinates);
-}
-
-Call rangeExtents(const ElementRef &target, int from, int to) {
-    return method(target, textInterface, "GetRangeExtents", from, to, screenCoordinates);
-}
 
 Call matches(const ElementRef &target, Search search) {
     return {target, "org.a11y.atspi.Collection", "GetMatches", [search](sd_bus_message *message) {
@@ -41,10 +31,6 @@ Call matches(const ElementRef &target, Search search) {
                                              roles[0], roles[1], roles[2], roles[3], hasRole ? any : all, 0, all, 0,
                                              canonicalOrder, search.limit, 1);
             }};
-}
-
-Call applications() {
-    return children({registryName, rootPath});
 }
 
 Call registration(const char *event, bool isOn) {
@@ -74,14 +60,6 @@ Call switchAccessibilityOn() {
                 return sd_bus_message_append(message, "ssv", statusInterface, "IsEnabled", "b", 1);
             },
             true};
-}
-
-Call busId() {
-    return method({busName, "/org/freedesktop/DBus"}, busInterface, "GetId");
-}
-
-Call processOf(const std::string &connection) {
-    return method({busName, "/org/freedesktop/DBus"}, busInterface, "GetConnectionUnixProcessID", connection);
 }
 
 } // namespace platform::desktop::atspi::calls

@@ -70,9 +70,14 @@ inline constexpr Method selection{textInterface, "GetSelection"};
 [[nodiscard]] inline Call documentAttribute(const ElementRef &target, const char *attribute) {
     return method(target, documentInterface, "GetAttributeValue", std::string(attribute));
 }
-/// In coordinates of the screen.
-[[nodiscard]] Call extents(const ElementRef &target);
-[[nodiscard]] Call rangeExtents(const ElementRef &target, int from, int to);
+/// Frames are asked for in coordinates of the screen.
+inline constexpr std::uint32_t screenCoordinates = 0;
+[[nodiscard]] inline Call extents(const ElementRef &target) {
+    return method(target, componentInterface, "GetExtents", screenCoordinates);
+}
+[[nodiscard]] inline Call rangeExtents(const ElementRef &target, int from, int to) {
+    return method(target, textInterface, "GetRangeExtents", from, to, screenCoordinates);
+}
 /// What the application itself is asked to find: elements with these states (bits) and of this role (unknown:
 /// any), at most the limit of them (0: all).
 struct Search {
@@ -83,7 +88,9 @@ struct Search {
 /// The elements below the target that a search finds, in the order of a walk.
 [[nodiscard]] Call matches(const ElementRef &target, Search search);
 /// The roots of all applications.
-[[nodiscard]] Call applications();
+[[nodiscard]] inline Call applications() {
+    return children({registryName, rootPath});
+}
 /// Asks for events of a kind, or no longer. Applications send only events that somebody has registered for.
 [[nodiscard]] Call registration(const char *event, bool isOn);
 
@@ -92,8 +99,12 @@ struct Search {
 [[nodiscard]] Call isAccessibilityOn(bool mayStart = false);
 [[nodiscard]] Call switchAccessibilityOn();
 /// A question that the bus itself answers, so that it shows whether the connection works.
-[[nodiscard]] Call busId();
+[[nodiscard]] inline Call busId() {
+    return method({busName, "/org/freedesktop/DBus"}, busName, "GetId");
+}
 /// The process behind a name on the bus.
-[[nodiscard]] Call processOf(const std::string &connection);
+[[nodiscard]] inline Call processOf(const std::string &connection) {
+    return method({busName, "/org/freedesktop/DBus"}, busName, "GetConnectionUnixProcessID", connection);
+}
 
 } // namespace platform::desktop::atspi::calls

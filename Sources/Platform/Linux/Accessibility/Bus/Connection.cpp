@@ -227,11 +227,6 @@ void Connection::forget(const std::string &name) {
     }
 }
 
-qint32 Connection::knownPid(const std::string &name) const {
-    const auto found = m_pids.find(name);
-    return found != m_pids.end() ? found->second : 0;
-}
-
 std::vector<Handle> Connection::handles(std::vector<ElementRef> refs, Deadline deadline) {
     std::set<std::string> unknown;
     for (const auto &ref : refs) {
@@ -250,8 +245,8 @@ std::vector<Handle> Connection::handles(std::vector<ElementRef> refs, Deadline d
     }
     std::vector<Handle> handles;
     for (auto &ref : refs) {
-        const qint32 pid = knownPid(ref.bus);
-        handles.push_back({std::move(ref), pid});
+        const auto known = m_pids.find(ref.bus);
+        handles.push_back({std::move(ref), known != m_pids.end() ? known->second : 0});
     }
     return handles;
 }

@@ -73,8 +73,6 @@ class Connection {
     [[nodiscard]] bool isSilent(const std::string &name) const { return m_silent.contains(name); }
     /// The elements with their processes, which the bus itself is asked for once per name.
     std::vector<Handle> handles(std::vector<ElementRef> refs, Deadline deadline);
-    /// The process behind a name, as far as it was asked for; else 0.
-    [[nodiscard]] qint32 knownPid(const std::string &name) const;
     /// How many messages were sent and batches awaited so far, for measurements.
     struct Counters {
         std::uint64_t messages = 0;

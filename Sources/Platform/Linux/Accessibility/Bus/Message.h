@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace platform::desktop::atspi {

@@ -6,12 +6,12 @@
 
 #include <QtGlobal>
 
+#include <compare>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
-#include <tuple>
 
 namespace platform::desktop::atspi {
 
@@ -21,10 +21,7 @@ struct ElementRef {
     std::string path;
 
     [[nodiscard]] bool isNull() const { return bus.empty() || path.empty(); }
-    friend bool operator==(const ElementRef &, const ElementRef &) = default;
-    friend bool operator<(const ElementRef &a, const ElementRef &b) {
-        return std::tie(a.bus, a.path) < std::tie(b.bus, b.path);
-    }
+    friend auto operator<=>(const ElementRef &, const ElementRef &) = default;
 };
 
 struct ElementRefHash {
