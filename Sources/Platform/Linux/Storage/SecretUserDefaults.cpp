@@ -19,20 +19,14 @@ constexpr auto untilNextLookUp = 10s;
 } // namespace
 
 SecretUserDefaults::SecretUserDefaults(SecretStore &secrets, const QString &folder, Saving saving)
-    : m_secrets(secrets), m_file(folder, saving) {}
-
-SecretUserDefaults::~SecretUserDefaults() = default;
-
-void SecretUserDefaults::registerDefaults(const std::map<QString, DefaultsValue> &defaults) {
-    m_file.registerDefaults(defaults);
-}
+    : FileUserDefaults(folder, saving), m_secrets(secrets) {}
 
 std::optional<QString> SecretUserDefaults::string(const QString &key) const {
-    auto stored = m_file.string(key);
+    auto stored = FileUserDefaults::string(key);
     if (key != keySetting || (stored && !stored->isEmpty())) {
         return stored;
     }
-    const auto mark = m_file.string(markSetting);
+    const auto mark = FileUserDefaults::string(markSetting);
     if (!mark) {
         return stored;
     }
@@ -66,7 +60,7 @@ void SecretUserDefaults::startLookUp(const QString &mark) const {
 }
 
 bool SecretUserDefaults::isKept(const QString &key) const {
-    return UserDefaults::isKept(key == keySetting && m_file.isKept(markSetting) ? markSetting : key);
+    return UserDefaults::isKept(key == keySetting && FileUserDefaults::string(markSetting) ? markSetting : key);
 }
 
 void SecretUserDefaults::askAgain() {
@@ -77,37 +71,27 @@ void SecretUserDefaults::askAgain() {
     }
 }
 
-bool SecretUserDefaults::boolean(const QString &key) const {
-    return m_file.boolean(key);
-}
-
-qint64 SecretUserDefaults::integer(const QString &key) const {
-    return m_file.integer(key);
-}
-
-std::optional<QByteArray> SecretUserDefaults::data(const QString &key) const {
-    return m_file.data(key);
-}
-
 bool SecretUserDefaults::set(const QString &key, const DefaultsValue &value) {
     // If the old key stays in the password store it does no harm: the new one comes first.
     const bool isForgotten = key != keySetting || forgetSecret();
-    return m_file.set(key, value) && (isForgotten || m_file.isKept(key));
+    return FileUserDefaults::set(key, value) &&
+           (isForgotten || !FileUserDefaults::string(key).value_or(QString()).isEmpty());
 }
 
 bool SecretUserDefaults::remove(const QString &key) {
     const bool isForgotten = key != keySetting || forgetSecret();
-    return m_file.remove(key) && isForgotten;
+    return FileUserDefaults::remove(key) && isForgotten;
 }
 
 /// The mark stays for as long as the password store may have a key: without it that key would never be cleared.
 bool SecretUserDefaults::forgetSecret() {
-    return !m_file.string(markSetting) || (m_secrets.clear({}) && m_file.remove(markSetting));
+    return !FileUserDefaults::string(markSetting) || (m_secrets.clear({}) && FileUserDefaults::remove(markSetting));
 }
 
 KeyPlace SecretUserDefaults::storeKey(const QString &key, const std::stop_token &stop) {
     const bool isStored = m_secrets.store(key, stop);
-    if (isStored && m_file.set(markSetting, QUuid::createUuid().toString()) && m_file.remove(keySetting)) {
+    if (isStored && FileUserDefaults::set(markSetting, QUuid::createUuid().toString()) &&
+        FileUserDefaults::remove(keySetting)) {
         return KeyPlace::passwordStore;
     }
     if (stop.stop_requested()) {
@@ -116,7 +100,7 @@ KeyPlace SecretUserDefaults::storeKey(const QString &key, const std::stop_token 
     if (isStored) { // otherwise a user who has just dismissed the password store would be asked again
         forgetSecret();
     }
-    return m_file.set(keySetting, key) ? KeyPlace::settingsFile : KeyPlace::nowhere;
+    return FileUserDefaults::set(keySetting, key) ? KeyPlace::settingsFile : KeyPlace::nowhere;
 }
 
 } // namespace platform::desktop

@@ -15,25 +15,19 @@ namespace platform::desktop {
 /// Settings in the file, except that the API key may be in the desktop's password store instead. The file then holds a
 /// mark that changes with every new key: a running program notices a new key, and a program whose user never used the
 /// password store never asks it. A key in the file comes first.
-class SecretUserDefaults final : public UserDefaults, public KeyStorage {
+class SecretUserDefaults final : public FileUserDefaults, public KeyStorage {
   public:
     /// The password store outlives this.
     explicit SecretUserDefaults(SecretStore &secrets, const QString &folder = folders::configuration(),
                                 Saving saving = Saving::atOnce);
-    ~SecretUserDefaults() override;
 
-    void registerDefaults(const std::map<QString, DefaultsValue> &defaults) override;
     /// For the key: waits a moment for a locked password store, and is absent until it has been unlocked.
     [[nodiscard]] std::optional<QString> string(const QString &key) const override;
     [[nodiscard]] bool isKept(const QString &key) const override;
-    [[nodiscard]] bool boolean(const QString &key) const override;
-    [[nodiscard]] qint64 integer(const QString &key) const override;
-    [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override;
     bool set(const QString &key, const DefaultsValue &value) override;
     /// For the key: also false when the password store still has it, or may have it.
     bool remove(const QString &key) override;
     void askAgain() override;
-    [[nodiscard]] bool isFailingToSave() const override { return m_file.isFailingToSave(); }
     KeyPlace storeKey(const QString &key, const std::stop_token &stop) override;
 
   private:
@@ -41,7 +35,6 @@ class SecretUserDefaults final : public UserDefaults, public KeyStorage {
     bool forgetSecret();
 
     SecretStore &m_secrets;
-    mutable FileUserDefaults m_file;
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_found;
     /// The key that was found last, if any, and the mark that belongs to it.
