@@ -4,10 +4,11 @@
 
 #include "Quillory/Text.h"
 
+#include <QRegularExpression>
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cctype>
 
 namespace quillory {
 
@@ -18,21 +19,8 @@ static_assert(toneNames.size() == allTones.size());
 
 /// QUuid itself also takes braces, and other text after them.
 std::optional<QUuid> uuidFromText(const QString &text) {
-    constexpr qsizetype canonicalLength = 36;
-    const auto belongs = [&text](qsizetype at) {
-        const char16_t unit = text[at].unicode();
-        const bool isHyphenPlace = at == 8 || at == 13 || at == 18 || at == 23;
-        return isHyphenPlace ? unit == u'-' : unit < 0x80 && std::isxdigit(static_cast<int>(unit)) != 0;
-    };
-    if (text.size() != canonicalLength) {
-        return std::nullopt;
-    }
-    for (qsizetype at = 0; at < canonicalLength; ++at) {
-        if (!belongs(at)) {
-            return std::nullopt;
-        }
-    }
-    return QUuid::fromString(text);
+    static const QRegularExpression form(QStringLiteral("^[[:xdigit:]]{8}(-[[:xdigit:]]{4}){3}-[[:xdigit:]]{12}\\z"));
+    return form.match(text).hasMatch() ? std::optional(QUuid::fromString(text)) : std::nullopt;
 }
 
 std::optional<QString> stringMember(const nlohmann::json &object, const char *name) {
