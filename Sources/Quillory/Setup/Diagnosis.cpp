@@ -9,109 +9,102 @@
 #include <algorithm>
 #include <iterator>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 
 namespace {
 using platform::ApplicationFacts;
 using platform::DesktopFacts;
 using State = Finding::State;
-const auto browserCheck = QStringLiteral("browser");
-const auto keptCheck = QStringLiteral("accessibility-kept");
-const auto runningCheck = QStringLiteral("running");
+const auto browserCheck = u"browser"_s;
+const auto keptCheck = u"accessibility-kept"_s;
+const auto runningCheck = u"running"_s;
+const auto reopen = u"Close all its windows, then open it again."_s;
 
-Finding about(const QString &check, const QString &title) {
-    Finding finding;
-    finding.check = check;
-    finding.title = title;
-    return finding;
-}
+/// What a finding is about.
+struct Subject {
+    QString check;
+    QString title;
 
-QString startForX11(const ApplicationFacts *application) {
-    const QString chromium = QStringLiteral("chromium --ozone-platform=x11");
-    const QString firefox = QStringLiteral("MOZ_ENABLE_WAYLAND=0 firefox");
-    if (application == nullptr) {
-        return chromium + QStringLiteral("  or  ") + firefox;
+    [[nodiscard]] Finding is(State state, const QString &found, const QString &advice = {},
+                             Remedy remedy = Remedy::none) const {
+        return {check, title, state, found, advice, remedy};
     }
-    return programKind(application->bundleIdentifier) == ProgramKind::firefox ? firefox : chromium;
+    [[nodiscard]] Finding good(const QString &found) const { return is(State::good, found); }
+    [[nodiscard]] Finding note(const QString &found, const QString &advice = {}, Remedy remedy = Remedy::none) const {
+        return is(State::note, found, advice, remedy);
+    }
+    [[nodiscard]] Finding problem(const QString &found, const QString &advice = {},
+                                  Remedy remedy = Remedy::none) const {
+        return is(State::problem, found, advice, remedy);
+    }
+};
+
+QString startForX11(ProgramKind kind) {
+    const QString chromium = u"chromium --ozone-platform=x11"_s;
+    const QString firefox = u"MOZ_ENABLE_WAYLAND=0 firefox"_s;
+    return kind == ProgramKind::firefox ? firefox : chromium;
 }
 
 Finding aboutSession(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("session"), QStringLiteral("Session"));
+    const Subject session{u"session"_s, u"Session"_s};
     const QString name = desktop.desktopName.isEmpty() ? desktop.windowManager : desktop.desktopName;
-    const QString where = name.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(name);
+    const QString where = name.isEmpty() ? QString() : u" (%1)"_s.arg(name);
+    const bool isWayland = desktop.session == platform::SessionType::wayland;
     if (!desktop.hasDisplay) {
-        finding.state = State::problem;
-        finding.found = desktop.session == platform::SessionType::wayland
-                            ? QStringLiteral("Wayland%1, without an X display").arg(where)
-                            : QStringLiteral("no X display can be reached");
-        finding.advice = desktop.session == platform::SessionType::wayland
-                             ? QStringLiteral("Install XWayland, or log in to an X11 session.")
-                             : QStringLiteral("Run this in a desktop session.");
-        return finding;
+        return isWayland ? session.problem(u"Wayland%1, without an X display"_s.arg(where),
+                                           u"Install XWayland, or log in to an X11 session."_s)
+                         : session.problem(u"no X display can be reached"_s, u"Run this in a desktop session."_s);
     }
-    if (desktop.session == platform::SessionType::wayland) {
-        finding.state = State::note;
-        finding.found = QStringLiteral("Wayland%1: only browsers that run through XWayland work").arg(where);
-        finding.advice = QStringLiteral("Start the browser with: ") + startForX11(nullptr);
-        return finding;
+    if (isWayland) {
+        return session.note(u"Wayland%1: only browsers that run through XWayland work"_s.arg(where),
+                            u"Start the browser with: %1  or  %2"_s.arg(startForX11(ProgramKind::browser),
+                                                                        startForX11(ProgramKind::firefox)));
     }
-    finding.found = QStringLiteral("X11") + where;
-    if (desktop.windowManager.isEmpty()) {
-        finding.state = State::note;
-        finding.found += QStringLiteral(", no window manager");
-        finding.advice = QStringLiteral("Start one: without it, no window gets the keyboard focus.");
-    }
-    return finding;
+    return desktop.windowManager.isEmpty()
+               ? session.note(u"X11%1, no window manager"_s.arg(where),
+                              u"Start one: without it, no window gets the keyboard focus."_s)
+               : session.good(u"X11"_s + where);
 }
 
 Finding aboutAccessibilityBus(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("accessibility-bus"), QStringLiteral("Accessibility service"));
+    const Subject bus{u"accessibility-bus"_s, u"Accessibility service"_s};
     if (desktop.hasAccessibilityBus) {
-        finding.found = QStringLiteral("running");
-        return finding;
+        return bus.good(u"running"_s);
     }
-    finding.state = State::problem;
-    finding.found =
-        desktop.hasSessionBus ? QStringLiteral("does not answer") : QStringLiteral("no session bus was found");
-    finding.advice = desktop.hasSessionBus ? QStringLiteral("Install the package at-spi2-core, then log in again.")
-                                           : QStringLiteral("Run this in a desktop session.");
-    return finding;
+    return desktop.hasSessionBus
+               ? bus.problem(u"does not answer"_s, u"Install the package at-spi2-core, then log in again."_s)
+               : bus.problem(u"no session bus was found"_s, u"Run this in a desktop session."_s);
 }
 
 Finding aboutAccessibilitySwitch(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("accessibility"), QStringLiteral("Accessibility"));
+    const Subject accessibility{u"accessibility"_s, u"Accessibility"_s};
     if (desktop.isAccessibilityEnabled.value_or(false)) {
-        finding.found = QStringLiteral("switched on");
-        return finding;
+        return accessibility.good(u"switched on"_s);
     }
-    finding.state = State::problem;
-    finding.found =
-        desktop.isAccessibilityEnabled ? QStringLiteral("switched off") : QStringLiteral("could not be determined");
-    if (desktop.hasAccessibilityBus) {
-        finding.advice =
-            QStringLiteral("Run quillory doctor --fix to switch it on, then close your browsers and open them again.");
-        finding.remedy = Remedy::enableAccessibility;
-    }
-    return finding;
+    const QString found = desktop.isAccessibilityEnabled ? u"switched off"_s : u"could not be determined"_s;
+    return desktop.hasAccessibilityBus
+               ? accessibility.problem(found,
+                                       u"Run quillory doctor --fix to switch it on, then close your browsers and open "
+                                       "them again."_s,
+                                       Remedy::enableAccessibility)
+               : accessibility.problem(found);
 }
 
 Finding aboutAccessibilityLater(const DesktopFacts &desktop) {
-    Finding finding = about(keptCheck, QStringLiteral("At the next login"));
+    const Subject later{keptCheck, u"At the next login"_s};
     if (!desktop.isAccessibilityKept) {
-        finding.found = QStringLiteral("this desktop cannot keep accessibility switched on");
-        finding.state = State::note;
-        finding.advice = QStringLiteral("Quillory offers to switch it on whenever it is off.");
-    } else if (*desktop.isAccessibilityKept) {
-        finding.found = QStringLiteral("accessibility stays on");
-    } else {
-        finding.state = State::note;
-        finding.found = QStringLiteral("accessibility will be off again");
-        if (desktop.hasAccessibilityBus) {
-            finding.advice = QStringLiteral("Keep it on with: quillory doctor --fix");
-            finding.remedy = Remedy::enableAccessibility;
-        }
+        return later.note(u"this desktop cannot keep accessibility switched on"_s,
+                          u"Quillory offers to switch it on whenever it is off."_s);
     }
-    return finding;
+    if (*desktop.isAccessibilityKept) {
+        return later.good(u"accessibility stays on"_s);
+    }
+    const QString found = u"accessibility will be off again"_s;
+    return desktop.hasAccessibilityBus
+               ? later.note(found, u"Keep it on with: quillory doctor --fix"_s, Remedy::enableAccessibility)
+               : later.note(found);
 }
 
 bool isChatProgram(const ApplicationFacts &application) {
@@ -128,60 +121,49 @@ bool hasMessageBox(const platform::PageFacts &page) {
     return std::ranges::any_of(page.fields, [&](const auto &field) { return isMessageBox(field, page); });
 }
 
-void askToReopen(Finding &finding) {
-    finding.advice = QStringLiteral("Close all its windows, then open it again.");
+Finding toReopen(Finding finding) {
     finding.needsReopening = true;
+    return finding;
 }
 
 /// Judges a program by its pages, once its tree has answered.
-void judgePages(Finding &finding, const ApplicationFacts &application) {
+Finding aboutPages(const Subject &browser, const ApplicationFacts &application) {
     const auto &[pages, isWhole] = *application.tree;
     std::vector<platform::PageFacts> chats;
     std::ranges::copy_if(pages, std::back_inserter(chats), [&](const platform::PageFacts &page) {
         return isChatProgram(application) || ChatContext::isChatHost(page.host);
     });
     if (std::ranges::any_of(chats, hasMessageBox)) {
-        finding.found = QStringLiteral("WhatsApp and its message box were found");
-        return;
+        return browser.good(u"WhatsApp and its message box were found"_s);
     }
-    finding.state = State::note;
     if (!isWhole) {
-        finding.found = QStringLiteral("answers too slowly to be read completely; no message box found so far");
-        finding.advice = QStringLiteral("Check again when it is less busy.");
-    } else if (pages.empty()) {
-        finding.state = State::problem;
-        finding.found = QStringLiteral("shows no page; it was probably started before accessibility was switched on");
-        askToReopen(finding);
-    } else if (!chats.empty()) {
-        finding.found = QStringLiteral("WhatsApp was found, but no message box");
-        finding.advice = QStringLiteral("Open a chat in it. If one is open, close the program and open it again.");
-    } else {
-        finding.found = QStringLiteral("shows pages, but none of them is WhatsApp");
-        finding.advice = QStringLiteral("Open web.whatsapp.com in it.");
+        return browser.note(u"answers too slowly to be read completely; no message box found so far"_s,
+                            u"Check again when it is less busy."_s);
     }
+    if (pages.empty()) {
+        return toReopen(
+            browser.problem(u"shows no page; it was probably started before accessibility was switched on"_s, reopen));
+    }
+    return chats.empty()
+               ? browser.note(u"shows pages, but none of them is WhatsApp"_s, u"Open web.whatsapp.com in it."_s)
+               : browser.note(u"WhatsApp was found, but no message box"_s,
+                              u"Open a chat in it. If one is open, close the program and open it again."_s);
 }
 
 Finding aboutBrowser(const ApplicationFacts &application, const DesktopFacts &desktop) {
-    Finding finding = about(browserCheck, application.name);
+    const Subject browser{browserCheck, application.name};
     if (desktop.session == platform::SessionType::wayland && !application.hasX11Window) {
-        finding.state = State::problem;
-        finding.found =
-            QStringLiteral("runs directly on Wayland, where Quillory can neither place cards nor take keys");
-        finding.advice = QStringLiteral("Close it, then start it with: ") + startForX11(&application);
-        finding.needsReopening = true;
-    } else if (!application.isOnBus) {
-        finding.state = State::problem;
-        finding.found =
-            QStringLiteral("is not on the accessibility bus; it was started before accessibility was switched on");
-        askToReopen(finding);
-    } else if (!application.tree) {
-        finding.state = State::problem;
-        finding.found = QStringLiteral("does not answer");
-        finding.advice = QStringLiteral("Wait until it is less busy, or close it and open it again.");
-    } else {
-        judgePages(finding, application);
+        return toReopen(browser.problem(
+            u"runs directly on Wayland, where Quillory can neither place cards nor take keys"_s,
+            u"Close it, then start it with: "_s + startForX11(programKind(application.bundleIdentifier))));
     }
-    return finding;
+    if (!application.isOnBus) {
+        return toReopen(browser.problem(
+            u"is not on the accessibility bus; it was started before accessibility was switched on"_s, reopen));
+    }
+    return application.tree
+               ? aboutPages(browser, application)
+               : browser.problem(u"does not answer"_s, u"Wait until it is less busy, or close it and open it again."_s);
 }
 
 /// Once one program works, problems of the others are only notes.
@@ -193,11 +175,7 @@ std::vector<Finding> aboutBrowsers(const DesktopFacts &desktop) {
         }
     }
     if (findings.empty()) {
-        Finding none = about(browserCheck, QStringLiteral("Browser"));
-        none.state = State::note;
-        none.found = QStringLiteral("not running");
-        none.advice = QStringLiteral("Open web.whatsapp.com in a browser.");
-        return {none};
+        return {Subject{browserCheck, u"Browser"_s}.note(u"not running"_s, u"Open web.whatsapp.com in a browser."_s)};
     }
     const bool oneWorks = std::ranges::any_of(findings, [](const Finding &f) { return f.state == State::good; });
     for (Finding &finding : findings) {
@@ -209,131 +187,93 @@ std::vector<Finding> aboutBrowsers(const DesktopFacts &desktop) {
 }
 
 Finding aboutKeys(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("keys"), QStringLiteral("Tab and Esc"));
+    const Subject keys{u"keys"_s, u"Tab and Esc"_s};
     if (!desktop.canGrabTab || !desktop.canGrabEscape) {
-        finding.state = State::problem;
-        finding.found = QStringLiteral("cannot be tested without an X display");
-        return finding;
+        return keys.problem(u"cannot be tested without an X display"_s);
     }
     if (*desktop.canGrabTab && *desktop.canGrabEscape) {
-        finding.found = QStringLiteral("free for Quillory to use while cards are up");
-        return finding;
+        return keys.good(u"free for Quillory to use while cards are up"_s);
     }
-    const QString key = *desktop.canGrabTab ? QStringLiteral("Esc")
-                                            : (*desktop.canGrabEscape ? QStringLiteral("Tab") : QStringLiteral("both"));
-    finding.state = State::problem;
-    finding.found = QStringLiteral("another program has taken %1; the X server does not reveal which").arg(key);
-    finding.advice = QStringLiteral("Look among the desktop's keyboard shortcuts and in hotkey tools. While Quillory "
-                                    "shows a card, that program is Quillory.");
-    return finding;
+    const QString key = *desktop.canGrabTab ? u"Esc"_s : (*desktop.canGrabEscape ? u"Tab"_s : u"both"_s);
+    return keys.problem(u"another program has taken %1; the X server does not reveal which"_s.arg(key),
+                        u"Look among the desktop's keyboard shortcuts and in hotkey tools. While Quillory shows a "
+                        "card, that program is Quillory."_s);
 }
 
 Finding aboutStatusArea(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("tray"), QStringLiteral("Status area"));
+    const Subject tray{u"tray"_s, u"Status area"_s};
     if (desktop.hasStatusNotifier || desktop.hasTray) {
-        finding.found = desktop.hasStatusNotifier ? QStringLiteral("found (status notifier)")
-                                                  : QStringLiteral("found (system tray)");
-        return finding;
+        return tray.good(desktop.hasStatusNotifier ? u"found (status notifier)"_s : u"found (system tray)"_s);
     }
-    finding.state = State::note;
-    finding.found = QStringLiteral("not found, so Quillory has no icon");
-    finding.advice =
-        QStringLiteral("Start Quillory again to open its menu. On GNOME, the AppIndicator extension shows the icon.");
-    return finding;
+    return tray.note(u"not found, so Quillory has no icon"_s,
+                     u"Start Quillory again to open its menu. On GNOME, the AppIndicator extension shows the icon."_s);
 }
 
 Finding aboutCompositor(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("compositor"), QStringLiteral("Compositor"));
-    finding.found = desktop.hasCompositor ? QStringLiteral("running")
-                                          : QStringLiteral("not running: cards have plain edges and do not fade");
-    return finding;
+    return Subject{u"compositor"_s, u"Compositor"_s}.good(
+        desktop.hasCompositor ? u"running"_s : u"not running: cards have plain edges and do not fade"_s);
 }
 
 Finding aboutClipboardManager(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("clipboard-manager"), QStringLiteral("Clipboard manager"));
-    finding.found = desktop.hasClipboardManager
-                        ? QStringLiteral("running; pasted answers are marked so that its history leaves them out")
-                        : QStringLiteral("not found, and not needed");
-    return finding;
+    return Subject{u"clipboard-manager"_s, u"Clipboard manager"_s}.good(
+        desktop.hasClipboardManager ? u"running; pasted answers are marked so that its history leaves them out"_s
+                                    : u"not found, and not needed"_s);
 }
 
 Finding aboutKey(const ProgramFacts &program) {
-    Finding finding = about(QStringLiteral("key"), QStringLiteral("API key"));
+    const Subject key{u"key"_s, u"API key"_s};
     if (program.hasKey && program.keyFault.isEmpty()) {
-        finding.found = QStringLiteral("set (neither shown nor tried here)");
-        return finding;
+        return key.good(u"set (neither shown nor tried here)"_s);
     }
-    finding.state = State::problem;
     if (!program.hasKey && program.isKeyKept) {
-        finding.found = QStringLiteral("in the password store, which is locked or does not answer");
-        finding.advice = QStringLiteral("Unlock the store and check again. If that does not help, enter the key again "
-                                        "with: quillory setup");
-        return finding;
+        return key.problem(u"in the password store, which is locked or does not answer"_s,
+                           u"Unlock the store and check again. If that does not help, enter the key again with: "
+                           "quillory setup"_s);
     }
-    finding.found = program.hasKey ? program.keyFault : QStringLiteral("not set");
-    finding.advice = QStringLiteral("Enter one with: quillory setup");
-    finding.remedy = Remedy::enterKey;
-    return finding;
+    return key.problem(program.hasKey ? program.keyFault : u"not set"_s, u"Enter one with: quillory setup"_s,
+                       Remedy::enterKey);
 }
 
 Finding aboutService(const ProgramFacts &program) {
-    Finding finding = about(QStringLiteral("service"), QStringLiteral("Model service"));
+    const Subject service{u"service"_s, u"Model service"_s};
     if (program.serviceFault.isEmpty()) {
-        finding.found = program.serviceHost + QStringLiteral(" answers");
-        return finding;
+        return service.good(program.serviceHost + u" answers"_s);
     }
-    finding.state = State::problem;
-    finding.found = program.serviceFault;
-    finding.advice = program.isServiceChosen
-                         ? QStringLiteral("The variable QUILLORY_MODEL_SERVICE sets this address: change or unset it.")
-                         : QStringLiteral("Check whether a proxy or firewall is in the way.");
-    return finding;
+    return service.problem(program.serviceFault,
+                           program.isServiceChosen
+                               ? u"The variable QUILLORY_MODEL_SERVICE sets this address: change or unset it."_s
+                               : u"Check whether a proxy or firewall is in the way."_s);
 }
 
 Finding aboutSuggestions(const ProgramFacts &program) {
-    Finding finding = about(QStringLiteral("suggestions"), QStringLiteral("Suggestions"));
-    finding.found = program.areSuggestionsOn ? QStringLiteral("on") : QStringLiteral("switched off");
-    if (!program.areSuggestionsOn) {
-        finding.state = State::problem;
-        finding.advice = QStringLiteral("Switch them on in Quillory's menu or settings, or with: quillory defaults "
-                                        "write enabled true");
-    }
-    return finding;
+    const Subject suggestions{u"suggestions"_s, u"Suggestions"_s};
+    return program.areSuggestionsOn
+               ? suggestions.good(u"on"_s)
+               : suggestions.problem(u"switched off"_s, u"Switch them on in Quillory's menu or settings, or with: "
+                                                        "quillory defaults write enabled true"_s);
 }
 
 /// Only a note: the doctor may be asked before Quillory is started.
 Finding aboutRunning(const DesktopFacts &desktop) {
-    Finding finding = about(runningCheck, QStringLiteral("Quillory"));
-    if (desktop.isRunning.value_or(false)) {
-        finding.found = QStringLiteral("running");
-        return finding;
+    const Subject running{runningCheck, u"Quillory"_s};
+    if (!desktop.isRunning) {
+        return running.note(u"cannot run without an X display"_s);
     }
-    finding.state = State::note;
-    if (desktop.isRunning) {
-        finding.found = QStringLiteral("not running, so nothing is suggested yet");
-        finding.advice = QStringLiteral("Start it with: quillory");
-        finding.remedy = Remedy::start;
-    } else {
-        finding.found = QStringLiteral("cannot run without an X display");
-    }
-    return finding;
+    return *desktop.isRunning ? running.good(u"running"_s)
+                              : running.note(u"not running, so nothing is suggested yet"_s,
+                                             u"Start it with: quillory"_s, Remedy::start);
 }
 
 Finding aboutStartsAtLogin(const DesktopFacts &desktop) {
-    Finding finding = about(QStringLiteral("autostart"), QStringLiteral("Start at login"));
-    finding.found = desktop.startsAtLogin ? QStringLiteral("on") : QStringLiteral("off");
-    if (!desktop.startsAtLogin) {
-        finding.advice = QStringLiteral("If you want it: quillory autostart on");
-        finding.remedy = Remedy::startAtLogin;
-    }
-    return finding;
+    const Subject autostart{u"autostart"_s, u"Start at login"_s};
+    return desktop.startsAtLogin
+               ? autostart.good(u"on"_s)
+               : autostart.is(State::good, u"off"_s, u"If you want it: quillory autostart on"_s, Remedy::startAtLogin);
 }
 
 Finding aboutVersions(const DesktopFacts &desktop, const ProgramFacts &program) {
-    Finding finding = about(QStringLiteral("versions"), QStringLiteral("Versions"));
-    finding.found =
-        (QStringList{QStringLiteral("quillory ") + program.version} + desktop.versions).join(QStringLiteral(", "));
-    return finding;
+    const QStringList versions = QStringList{u"quillory "_s + program.version} + desktop.versions;
+    return Subject{u"versions"_s, u"Versions"_s}.good(versions.join(u", "));
 }
 
 } // namespace
@@ -358,15 +298,15 @@ std::optional<Offer> offerFor(const Finding &finding) {
     case Remedy::none:
         return std::nullopt;
     case Remedy::enableAccessibility:
-        return Offer{QStringLiteral("Switch On"), QStringLiteral("Switch accessibility on, now and for later logins?")};
+        return Offer{u"Switch On"_s, u"Switch accessibility on, now and for later logins?"_s};
     case Remedy::startAtLogin:
-        return Offer{QStringLiteral("Switch On"), QStringLiteral("Start Quillory at every login?"), false};
+        return Offer{u"Switch On"_s, u"Start Quillory at every login?"_s, false};
     case Remedy::start:
-        return Offer{QStringLiteral("Start"), {}}; // no question in a terminal, where users start it themselves
+        return Offer{u"Start"_s, {}}; // no question in a terminal, where users start it themselves
     case Remedy::enterKey:
         break;
     }
-    return Offer{QStringLiteral("Enter Key"), {}};
+    return Offer{u"Enter Key"_s, {}};
 }
 
 bool isOnlyForLater(const Finding &finding) {
