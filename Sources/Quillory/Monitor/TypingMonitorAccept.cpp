@@ -100,14 +100,14 @@ void TypingMonitor::recordChoice(std::size_t index) const {
     if (index >= m_streams.size()) {
         return;
     }
-    QList<ChoiceStats::Competitor> competitors;
+    const auto entry = [](const ModelStream &stream) { return ChoiceEntry{stream.model, stream.elapsed()}; };
+    ChoiceRecord choice{entry(*m_streams[index]), {}};
     for (std::size_t i = 0; i < m_streams.size(); ++i) {
         if (i != index) {
-            competitors.append({m_streams[i]->model, m_streams[i]->elapsed()});
+            choice.competitors.push_back(entry(*m_streams[i]));
         }
     }
-    const ModelStream &chosen = *m_streams[index];
-    m_stats.record(chosen.model, chosen.elapsed(), competitors);
+    m_stats.record(choice);
 }
 
 void TypingMonitor::dismiss() {

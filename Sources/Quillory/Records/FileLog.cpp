@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Records/FileLog.h"
 
-#include "Quillory/Records/AppendLine.h"
-
 #include <QDateTime>
+#include <QFile>
 #include <QLocale>
 
 namespace quillory::FileLog {
@@ -18,13 +17,19 @@ void open(const QString &homeDirectory) {
     path = homeDirectory + QStringLiteral("/Library/Logs/Quillory.log");
 }
 
+bool append(const QString &file, const QByteArray &bytes) {
+    QFile appended(file);
+    return appended.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered) &&
+           appended.write(bytes) == bytes.size();
+}
+
 void log(const QString &message) {
     if (path.isEmpty()) {
         return;
     }
     static const QLocale locale = QLocale::system();
     const QString time = locale.toString(QTime::currentTime(), QStringLiteral("HH:mm:ss.zzz"));
-    appendToFile(path, (time + u' ' + message + u'\n').toUtf8());
+    append(path, (time + u' ' + message + u'\n').toUtf8());
 }
 
 } // namespace quillory::FileLog

@@ -13,5 +13,8 @@ void open(const QString &homeDirectory);
 /// Appends the time of day ("HH:mm:ss.SSS"), a space and the message as one line. From any thread. Never fails: what
 /// cannot be written is lost.
 void log(const QString &message);
+/// Appends bytes to any file in a single write, so that lines of several threads or processes never mix. Creates the
+/// file if needed, but not its folder. False if the bytes were lost.
+bool append(const QString &file, const QByteArray &bytes);
 
 } // namespace quillory::FileLog
