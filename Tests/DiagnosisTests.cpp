@@ -1,14 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Quillory/Commands/DoctorCommand.h"
-#include "Quillory/Commands/SetupCommand.h"
-#include "Quillory/Settings/AppSettings.h"
 #include "Quillory/Setup/Diagnosis.h"
-#include "SimulatedDesktop/SimulatedDesktop.h"
+#include "Terminal.h"
 
-#include <gmock/gmock.h>
-
-#include <sstream>
+using namespace Qt::StringLiterals;
 
 namespace quillory {
 
@@ -50,14 +45,14 @@ struct Diagnosis : testing::Test {
         own = {};
         desktop.session = platform::SessionType::x11;
         desktop.hasDisplay = desktop.hasSessionBus = desktop.hasAccessibilityBus = true;
-        desktop.windowManager = utf16("Openbox");
+        desktop.windowManager = u"Openbox"_s;
         desktop.isAccessibilityEnabled = desktop.isAccessibilityKept = true;
         desktop.applications = {program("org.chromium.Chromium", {chat})};
         desktop.hasStatusNotifier = true;
         desktop.isRunning = true;
         desktop.canGrabTab = desktop.canGrabEscape = true;
         own.hasKey = own.isKeyKept = true;
-        own.serviceHost = utf16("service.example");
+        own.serviceHost = u"service.example"_s;
     }
     Finding of(const char *check) const {
         for (const Finding &finding : diagnose(desktop, own)) {
@@ -93,8 +88,8 @@ TEST_F(Diagnosis, TellsWhatStandsInTheWayFromWhatIsWorthKnowing) {
         {"tray", [](auto &d) { d.desktop.hasStatusNotifier = false; }, State::note, "not found"},
         {"key", [](auto &d) { d.own.hasKey = d.own.isKeyKept = false; }, State::problem, "not set", Remedy::enterKey},
         {"key", [](auto &d) { d.own.hasKey = false; }, State::problem, "is locked"},
-        {"key", [](auto &d) { d.own.keyFault = utf16("broken"); }, State::problem, "broken", Remedy::enterKey},
-        {"service", [](auto &d) { d.own.serviceFault = utf16("unreachable"); }, State::problem, "unreachable"},
+        {"key", [](auto &d) { d.own.keyFault = u"broken"_s; }, State::problem, "broken", Remedy::enterKey},
+        {"service", [](auto &d) { d.own.serviceFault = u"unreachable"_s; }, State::problem, "unreachable"},
         {"suggestions", [](auto &d) { d.own.areSuggestionsOn = false; }, State::problem, "switched off"},
         {"running", [](auto &d) { d.desktop.isRunning = false; }, State::note, "not running", Remedy::start},
         {"browser", [](auto &d) { d.desktop.applications.clear(); }, State::note, "not running"},
@@ -151,23 +146,16 @@ TEST_F(Diagnosis, JudgesBrowsersByWhatTheirTreesShow) {
 }
 
 /// Commands on a desktop whose accessibility is off until it is switched on.
-struct SetupCommands : Diagnosis, platform::DesktopExamination, platform::DesktopRepair {
+struct SetupCommands : Diagnosis, platform::DesktopDoctor {
     test::SimulatedDesktop simulated;
-    CommandServices services;
-    std::istringstream input;
-    std::ostringstream output;
-    std::ostringstream errors;
+    test::Terminal terminal{simulated};
 
     void SetUp() override {
         Diagnosis::SetUp();
         desktop.isAccessibilityEnabled = false;
         simulated.urlSession.onRequest([](test::SimulatedExchange &exchange) { exchange.answer({}); });
-        services.accessModel = [this] {
-            return std::shared_ptr<ModelAccess>(std::shared_ptr<void>(), &simulated.modelAccess);
-        };
-        services.examination = this;
-        services.repair = this;
-        services.setUpInWindow = [] { return std::nullopt; };
+        terminal.services.doctor = this;
+        terminal.services.setUpInWindow = [] { return std::nullopt; };
     }
     [[nodiscard]] DesktopFacts examine(const std::stop_token & /*stop*/) override { return desktop; }
     [[nodiscard]] std::vector<ApplicationFacts> examineApplications(const std::stop_token & /*stop*/) override {
@@ -185,42 +173,36 @@ struct SetupCommands : Diagnosis, platform::DesktopExamination, platform::Deskto
 };
 
 TEST_F(SetupCommands, TheDoctorFixesWhatIsSafeAndAsksTheServiceWithoutTheKey) {
-    simulated.userDefaults.set(settingsKey::openRouterAPIKey, utf16("sk-secret"));
-    const auto doctor = [&](const QStringList &arguments) {
-        return runDoctorCommand(arguments, services, {input, output, errors});
-    };
-    EXPECT_EQ(doctor({}), exitStatus::failure);
-    EXPECT_EQ(doctor({utf16("--fix"), utf16("--json")}), exitStatus::success);
-    EXPECT_THAT(errors.str(), HasSubstr("Switched accessibility on."));
-    errors.str({});
+    simulated.userDefaults.set(settingsKey::openRouterAPIKey, u"sk-secret"_s);
+    EXPECT_EQ(terminal.run({u"doctor"_s}), exitStatus::failure);
+    EXPECT_THAT(terminal.output, testing::Not(HasSubstr("sk-secret")));
+    EXPECT_EQ(terminal.run({u"doctor"_s, u"--fix"_s, u"--json"_s}), exitStatus::success);
+    EXPECT_THAT(terminal.errors, HasSubstr("Switched accessibility on."));
+    EXPECT_THAT(terminal.output, testing::Not(HasSubstr("sk-secret")));
     desktop.isAccessibilityKept = desktop.isRunning = false;
-    EXPECT_EQ(doctor({utf16("--fix")}), exitStatus::success);
-    EXPECT_EQ(errors.str(), "Accessibility stays on at the next login.\n");
-    EXPECT_THAT(output.str(), testing::EndsWith("ready to be started.\n"));
+    EXPECT_EQ(terminal.run({u"doctor"_s, u"--fix"_s}), exitStatus::success);
+    EXPECT_EQ(terminal.errors, "Accessibility stays on at the next login.\n");
+    EXPECT_THAT(terminal.output, testing::EndsWith("ready to be started.\n"));
     simulated.userDefaults.set(settingsKey::enabled, false);
-    EXPECT_EQ(doctor({}), exitStatus::failure);
-    EXPECT_EQ(doctor({utf16("--fix"), utf16("now")}), exitStatus::misuse);
-    EXPECT_FALSE(desktop.startsAtLogin);
-    EXPECT_THAT(output.str(), testing::Not(HasSubstr("sk-secret")));
+    EXPECT_EQ(terminal.run({u"doctor"_s}), exitStatus::failure);
     for (const auto &[name, value] : simulated.urlSession.exchange(0)->request().headers) {
         EXPECT_FALSE(value.contains("sk-secret")) << name.toStdString();
     }
-    EXPECT_EQ(runAutostartCommand({utf16("on")}, services, {input, output, errors}), exitStatus::success);
+    EXPECT_FALSE(desktop.startsAtLogin);
+    EXPECT_EQ(terminal.run({u"autostart"_s, u"on"_s}), exitStatus::success);
     EXPECT_TRUE(desktop.startsAtLogin);
 }
 
 TEST_F(SetupCommands, TheTerminalAsksForWhatIsMissing) {
     desktop.isAccessibilityKept = false;
     // Accessibility, autostart, a key that is none, the key, whether to try it.
-    input.str("\n\nsk and more\n  sk-secret \nn\n");
-    EXPECT_EQ(runSetupCommand({}, services, {input, output, errors}), exitStatus::success);
-    EXPECT_EQ(simulated.userDefaults.string(settingsKey::openRouterAPIKey), utf16("sk-secret"));
+    EXPECT_EQ(terminal.run({u"setup"_s}, "\n\nsk and more\n  sk-secret \nn\n"), exitStatus::success);
+    EXPECT_EQ(simulated.userDefaults.string(settingsKey::openRouterAPIKey), u"sk-secret"_s);
     EXPECT_TRUE(*desktop.isAccessibilityEnabled);
     EXPECT_FALSE(desktop.startsAtLogin);
-    EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("copy the key again."), testing::Not(HasSubstr("sk"))));
-    std::istringstream nothing;
+    EXPECT_THAT(terminal.output, testing::AllOf(HasSubstr("copy the key again."), testing::Not(HasSubstr("sk"))));
     desktop.isAccessibilityEnabled = false;
-    EXPECT_EQ(runSetupCommand({}, services, {nothing, output, errors}), exitStatus::failure);
+    EXPECT_EQ(terminal.run({u"setup"_s}), exitStatus::failure);
     EXPECT_FALSE(*desktop.isAccessibilityEnabled) << "an input that ends agrees to nothing";
 }
 

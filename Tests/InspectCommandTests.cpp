@@ -1,9 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "MonitorStory.h"
-#include "Quillory/Commands/InspectCommand.h"
-
-#include <sstream>
+#include "Terminal.h"
 
 using namespace Qt::StringLiterals;
 
@@ -27,21 +25,17 @@ struct InspectStory : test::MonitorStory {
         [[nodiscard]] const platform::Platform &services() const override { return story.desktop.services(); }
         InspectStory &story;
     };
-    std::ostringstream output;
+    test::Terminal terminal{desktop};
     std::chrono::milliseconds passedTime{0};
     std::function<void()> meanwhile = [] {};
 
-    int inspect(const QStringList &arguments) {
-        std::istringstream input;
-        std::ostringstream errors;
-        CommandServices services;
-        services.openDesktop = [this] { return std::make_unique<Desktop>(*this); };
-        output.str({});
-        return runInspectCommand(arguments, services, {input, output, errors});
+    std::optional<int> inspect(const QStringList &arguments) {
+        terminal.services.openDesktop = [this] { return std::make_unique<Desktop>(*this); };
+        return terminal.run(QStringList{u"inspect"_s} + arguments);
     }
     QJsonObject inspected() {
         inspect({u"--json"_s});
-        return QJsonDocument::fromJson(QByteArray::fromStdString(output.str())).object();
+        return QJsonDocument::fromJson(QByteArray::fromStdString(terminal.output)).object();
     }
     QJsonValue sent(int request) { return desktop.urlSession.exchange(request)->json()[u"messages"_s]; }
 };
@@ -56,8 +50,9 @@ TEST_F(InspectStory, ShowsTheVeryMessagesThatAreSent) {
     type(u"helo can u send it"_s, 1000);
     EXPECT_EQ(inspected()[u"request"_s][u"messages"_s], sent(1));
     EXPECT_EQ(inspect({}), exitStatus::success);
-    EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("«customer» is it in stock?"), HasSubstr("set, not shown"),
-                                             HasSubstr("the host \"web.whatsapp.com\""), Not(HasSubstr("sk-secret"))));
+    EXPECT_THAT(terminal.output,
+                testing::AllOf(HasSubstr("«customer» is it in stock?"), HasSubstr("set, not shown"),
+                               HasSubstr("the host \"web.whatsapp.com\""), Not(HasSubstr("sk-secret"))));
 }
 
 TEST_F(InspectStory, WaitsForAMessageBoxAndSaysWhyNothingWouldBeSent) {
@@ -67,19 +62,18 @@ TEST_F(InspectStory, WaitsForAMessageBoxAndSaysWhyNothingWouldBeSent) {
     EXPECT_EQ(inspect({u"--wait"_s, u"2"_s}), exitStatus::failure);
     EXPECT_GE(10 * passedTime, std::chrono::seconds(2));
     EXPECT_LE(10 * passedTime, std::chrono::seconds(6));
-    EXPECT_THAT(output.str(), testing::AllOf(HasSubstr("belongs to the browser itself"), Not(HasSubstr("a secret"))));
+    EXPECT_THAT(terminal.output,
+                testing::AllOf(HasSubstr("belongs to the browser itself"), Not(HasSubstr("a secret"))));
     meanwhile = [this] { focus(box); };
     EXPECT_EQ(inspect({u"--wait"_s, u"600"_s}), exitStatus::success);
-    EXPECT_THAT(output.str(), HasSubstr("no conversation"));
+    EXPECT_THAT(terminal.output, HasSubstr("no conversation"));
     page->addText(text("\x1B[2J\x07gone?"), {300, 100, 100, 20});
     EXPECT_EQ(inspect({}), exitStatus::success);
-    EXPECT_THAT(output.str(), HasSubstr("«customer» ?[2J?gone?"));
+    EXPECT_THAT(terminal.output, HasSubstr("«customer» ?[2J?gone?"));
     page->set(platform::AXAttribute::url, QUrl(u"https://example.com/"_s));
     inspect({});
-    EXPECT_THAT(output.str(), HasSubstr("not a WhatsApp message box"));
-    for (const QStringList &wrong : {QStringList{u"--wait"_s}, {u"--wait"_s, u"-1"_s}, {u"now"_s}}) {
-        EXPECT_EQ(inspect(wrong), exitStatus::misuse);
-    }
+    EXPECT_THAT(terminal.output, HasSubstr("not a WhatsApp message box"));
+    EXPECT_EQ(inspect({u"--wait"_s, u"-1"_s}), exitStatus::misuse);
 }
 
 } // namespace

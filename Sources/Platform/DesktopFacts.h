@@ -79,26 +79,21 @@ struct DesktopFacts {
     QStringList versions;
 };
 
-/// Examines the desktop. Any thread. Each operation may take some seconds; once asked to stop, it returns what it has.
-class DesktopExamination {
+/// Examines the desktop, and changes it as the user asked. Any thread. An operation that takes a token may take some
+/// seconds; once asked to stop, it returns what it has.
+class DesktopDoctor {
   public:
-    virtual ~DesktopExamination() = default;
+    virtual ~DesktopDoctor() = default;
     /// Finds out everything anew. Takes the keys for an instant to see whether it can.
     [[nodiscard]] virtual DesktopFacts examine(const std::stop_token &stop) = 0;
     /// The running browsers and chat programs alone, without a trace for the user.
     [[nodiscard]] virtual std::vector<ApplicationFacts> examineApplications(const std::stop_token &stop) = 0;
-};
-
-/// Changes the desktop as the user asked. Any thread. Each operation returns whether it worked. One that takes a token
-/// may take some seconds; once asked to stop, it returns without waiting for the outcome.
-class DesktopRepair {
-  public:
-    virtual ~DesktopRepair() = default;
-    /// Switches accessibility on for this session and, where the desktop has a setting for it, for later ones.
+    /// Switches accessibility on for this session and, where the desktop has a setting for it, for later ones. Returns
+    /// whether it worked.
     virtual bool enableAccessibility(const std::stop_token &stop) = 0;
-    /// Makes Quillory start at every login, or no longer.
+    /// Makes Quillory start at every login, or no longer. Returns whether it worked.
     virtual bool setStartsAtLogin(bool starts) = 0;
-    /// Starts Quillory on this display and waits until it runs.
+    /// Starts Quillory on this display and waits until it runs. Returns whether it does.
     virtual bool start(const std::stop_token &stop) = 0;
 };
 

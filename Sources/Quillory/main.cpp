@@ -1,15 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Applications/LinuxWorkspace.h"
-#include "Platform/Linux/Doctor/LinuxExamination.h"
-#include "Platform/Linux/Doctor/LinuxRepair.h"
+#include "Platform/Linux/Doctor/LinuxDoctor.h"
 #include "Platform/Linux/Folders.h"
 #include "Platform/Linux/LinuxPlatform.h"
 #include "Platform/Linux/Network/CurlURLSession.h"
 #include "Platform/Linux/Process/HiddenInput.h"
 #include "Platform/Linux/Process/LinuxProcess.h"
+#include "Platform/Linux/Process/SignalPipe.h"
 #include "Platform/Linux/Process/SingleInstance.h"
-#include "Platform/Linux/Process/TerminationSignals.h"
 #include "Platform/Linux/Qt/QtMainQueue.h"
 #include "Platform/Linux/Storage/SecretUserDefaults.h"
 #include "Platform/Linux/Updates/UserApplications.h"
@@ -36,7 +35,7 @@ namespace {
 
 namespace desktop = platform::desktop;
 
-/// What commands ask the model service through.
+/// What commands reach the settings and the model service through.
 struct CommandPlatform {
     desktop::LinuxProcess process;
     desktop::CurlURLSession urlSession;
@@ -56,6 +55,11 @@ void preferX11() {
     if (chosen.isEmpty() || chosen.startsWith("wayland")) {
         qputenv("QT_QPA_PLATFORM", "xcb");
     }
+}
+
+void nameApplication() {
+    QApplication::setApplicationName(QStringLiteral("Quillory"));
+    QApplication::setDesktopFileName(QStringLiteral("quillory"));
 }
 
 /// What commands look at the desktop through: the same as the program's.
@@ -87,18 +91,11 @@ std::unique_ptr<quillory::CommandDesktop> openDesktop(int &argc, char **argv) {
     return std::make_unique<RealDesktop>(argc, argv, std::move(connection));
 }
 
-/// What the set-up works with.
-struct SetupServices {
-    platform::DesktopExamination &examination;
-    platform::DesktopRepair &repair;
-};
-
 int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> opened,
-             std::unique_ptr<desktop::SingleInstance> claim, const SetupServices &services) {
+             std::unique_ptr<desktop::SingleInstance> claim, desktop::LinuxDoctor &doctor) {
     preferX11();
     const QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Quillory"));
-    QApplication::setDesktopFileName(QStringLiteral("quillory"));
+    nameApplication();
     const auto connection = std::move(opened); // ends before the application does
     const auto instance = std::move(claim);
     connection->watch();
@@ -106,7 +103,7 @@ int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> ope
     desktop::LinuxWorkspace workspace(&windows);
     desktop::QtMainQueue mainQueue;
     const auto access = accessModel();
-    quillory::ui::SetupWindow window({services.examination, services.repair, *access}, mainQueue);
+    quillory::ui::SetupWindow window({doctor, *access}, mainQueue);
     if (instance) { // else the display has another, which does not answer
         instance->onSummons([&] { quillory::ui::bringToFront(window, workspace); });
     }
@@ -117,7 +114,7 @@ int runSetup(int &argc, char **argv, std::unique_ptr<desktop::X11Connection> ope
 
 /// The exit status of the set-up window, once it is closed; absent when there is no display for it. A display has one:
 /// a second one brings it to the front and ends.
-std::optional<int> setUpInWindow(int &argc, char **argv, const SetupServices &services) {
+std::optional<int> setUpInWindow(int &argc, char **argv, desktop::LinuxDoctor &doctor) {
     using desktop::SingleInstance;
     auto connection = desktop::X11Connection::open();
     if (!connection) {
@@ -127,7 +124,7 @@ std::optional<int> setUpInWindow(int &argc, char **argv, const SetupServices &se
     if (!instance && SingleInstance::summon(std::chrono::seconds(5), SingleInstance::Kind::setup)) {
         return quillory::exitStatus::success;
     }
-    return runSetup(argc, argv, std::move(connection), std::move(instance), services);
+    return runSetup(argc, argv, std::move(connection), std::move(instance), doctor);
 }
 
 /// The exit status of a command, or absent when the program itself is to run.
@@ -136,21 +133,12 @@ std::optional<int> runCommand(int &argc, char **argv) {
     for (int i = 1; i < argc; ++i) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
     }
-    desktop::LinuxExamination examination;
-    desktop::LinuxRepair repair;
-    desktop::SecretService secrets;
-    std::unique_ptr<desktop::SecretUserDefaults> store;
+    desktop::LinuxDoctor doctor;
     quillory::CommandServices services;
-    services.openSettings = [&]() -> quillory::CommandSettings {
-        store = std::make_unique<desktop::SecretUserDefaults>(secrets);
-        return {*store, *store};
-    };
-    services.homeDirectory = desktop::folders::data();
     services.accessModel = accessModel;
     services.openDesktop = [&] { return openDesktop(argc, argv); };
-    services.examination = &examination;
-    services.repair = &repair;
-    services.setUpInWindow = [&] { return setUpInWindow(argc, argv, {examination, repair}); };
+    services.doctor = &doctor;
+    services.setUpInWindow = [&] { return setUpInWindow(argc, argv, doctor); };
     if (isatty(STDIN_FILENO) == 1) {
         services.readHidden = desktop::readHidden;
     }
@@ -176,8 +164,7 @@ class LaunchedSetup {
 int runProgram(int argc, char **argv, std::unique_ptr<desktop::X11Connection> connection,
                std::unique_ptr<desktop::SingleInstance> claim) {
     QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Quillory"));
-    QApplication::setDesktopFileName(QStringLiteral("quillory"));
+    nameApplication();
     QApplication::setQuitOnLastWindowClosed(false);
     LaunchedSetup setup;
     const desktop::LinuxPlatform linuxPlatform(std::move(connection), [&] { return setup.isThere(); });

@@ -21,7 +21,7 @@ namespace {
 using namespace Qt::StringLiterals;
 
 /// A desktop on which accessibility is off, and a key storage.
-struct SetupWindowTest : testing::Test, platform::DesktopExamination, platform::DesktopRepair, platform::KeyStorage {
+struct SetupWindowTest : testing::Test, platform::DesktopDoctor, platform::KeyStorage {
     SimulatedDesktop desktop;
     ModelAccess access{desktop.userDefaults, desktop.process, desktop.urlSession, *this};
     platform::DesktopFacts facts;
@@ -84,7 +84,7 @@ bool says(const QWidget &window, const QString &text) {
 }
 
 TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
-    ui::SetupWindow window({*this, *this, access}, desktop.mainQueue);
+    ui::SetupWindow window({*this, access}, desktop.mainQueue);
     window.QWidget::show();
     ASSERT_TRUE(runUntil([&] { return button(window, u"Switch On"_s) != nullptr && window.isActiveWindow(); }));
     QPushButton *const again = button(window, u"Check Again"_s);
@@ -111,7 +111,7 @@ TEST_F(SetupWindowTest, MendsWhatCanBeMendedAndTakesTheKeyWithoutShowingIt) {
 
 TEST_F(SetupWindowTest, SavesWhatWasEnteredWhileItLooked) {
     desktop.urlSession.onRequest([](SimulatedExchange & /*exchange*/) {}); // looking takes its time
-    const ui::SetupWindow window({*this, *this, access}, desktop.mainQueue);
+    const ui::SetupWindow window({*this, access}, desktop.mainQueue);
     ASSERT_TRUE(runUntil([&] { return desktop.urlSession.requestCount() == 1; }));
     auto *const field = window.findChild<QLineEdit *>();
     for (const QString &typed : {u"sk-or"_s, u"sk-or-v1"_s}) {
@@ -128,7 +128,7 @@ TEST_F(SetupWindowTest, SavesWhatWasEnteredWhileItLooked) {
 TEST_F(SetupWindowTest, WaitsForNoWorkWhenItIsClosed) {
     isLookEndless = true;
     desktop.urlSession.onRequest([](SimulatedExchange & /*exchange*/) {}); // the service is just as slow
-    { const ui::SetupWindow window({*this, *this, access}, desktop.mainQueue); }
+    { const ui::SetupWindow window({*this, access}, desktop.mainQueue); }
     EXPECT_TRUE(wasStopped);
 }
 

@@ -8,16 +8,18 @@
 #include <ostream>
 #include <string>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 
-QStringList usageOf(const CommandSyntax &syntax) {
-    QString start = QStringLiteral("quillory ") + syntax.name;
-    for (const QCommandLineOption &option : syntax.options) {
+QStringList usageOf(const Command &command) {
+    QString start = u"quillory "_s + command.name;
+    for (const QCommandLineOption &option : command.options) {
         const QString value = option.valueName().isEmpty() ? QString() : u' ' + option.valueName();
-        start += QStringLiteral(" [--") + option.names().constFirst() + value + u']';
+        start += u" [--"_s + option.names().constFirst() + value + u']';
     }
     QStringList usage;
-    for (const CommandForm &form : syntax.forms) {
+    for (const CommandForm &form : command.forms) {
         usage.append(form.words.isEmpty() ? start : start + u' ' + form.words);
     }
     return usage;
@@ -29,42 +31,45 @@ QString mistakeIn(const QCommandLineParser &parser) {
     return text.left(1).toLower() + text.mid(1);
 }
 
-CommandArguments::CommandArguments(const CommandSyntax &syntax, const QStringList &given, const CommandStreams &streams)
-    : m_syntax(syntax), m_streams(streams) {
-    m_parser.addOptions(syntax.options);
-    m_parser.addOption(
-        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show the arguments of the command.")});
-    if (syntax.isPlainAfterFirstWord) {
+CommandArguments::CommandArguments(const Command &command, const QStringList &given, const CommandStreams &streams)
+    : m_command(command), m_streams(streams) {
+    m_parser.addOptions(command.options);
+    m_parser.addOption({{u"h"_s, u"help"_s}, u"Show the arguments of the command."_s});
+    if (command.isPlainAfterFirstWord) {
         m_parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
     }
-    if (!m_parser.parse(QStringList{syntax.name} + given)) {
+    if (!m_parser.parse(QStringList{command.name} + given)) {
         m_status = refuse(mistakeIn(m_parser));
-    } else if (m_parser.isSet(QStringLiteral("help"))) {
+    } else if (m_parser.isSet(u"help"_s)) {
         m_status = showHelp();
-    } else if (words().size() > syntax.mostWords) {
+    } else if (words().size() > command.mostWords) {
         m_status = refuse();
     }
 }
 
 int CommandArguments::refuse(const QString &mistake) const {
-    const QStringList usage = usageOf(m_syntax);
-    QString all = usage.mid(0, usage.size() - 1).join(QStringLiteral(", "));
-    all += (all.isEmpty() ? QString() : QStringLiteral(" or ")) + usage.constLast();
-    m_streams.errors << "quillory: " << mistake.toStdString() << (mistake.isEmpty() ? "" : "; ") << "use "
-                     << all.toStdString() << ".\n";
-    return exitStatus::misuse;
+    const QStringList usage = usageOf(m_command);
+    QString all = usage.mid(0, usage.size() - 1).join(u", "_s);
+    all += (all.isEmpty() ? QString() : u" or "_s) + usage.constLast();
+    const QString start = mistake.isEmpty() ? QString() : mistake + u"; "_s;
+    return complain(m_streams, start + u"use "_s + all, exitStatus::misuse);
 }
 
 int CommandArguments::showHelp() const {
     QString help;
-    const QStringList usage = usageOf(m_syntax);
+    const QStringList usage = usageOf(m_command);
     for (qsizetype i = 0; i < usage.size(); ++i) {
-        help += QStringLiteral("%1\n    %2\n").arg(usage[i], m_syntax.forms[i].meaning);
+        help += u"%1\n    %2\n"_s.arg(usage[i], m_command.forms[i].meaning);
     }
     // Qt's own usage line knows neither the program's name nor the forms.
     const QString generated = m_parser.helpText();
     m_streams.output << (help + generated.sliced(generated.indexOf(u'\n') + 1)).toStdString();
     return exitStatus::success;
+}
+
+int complain(const CommandStreams &streams, const QString &sentence, int status) {
+    streams.errors << "quillory: " << sentence.toStdString() << ".\n";
+    return status;
 }
 
 std::optional<QString> readText(std::istream &input) {

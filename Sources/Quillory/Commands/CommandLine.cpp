@@ -8,11 +8,12 @@
 #include "Quillory/Commands/RewriteCommand.h"
 #include "Quillory/Commands/SetupCommand.h"
 #include "Quillory/Commands/StatsCommand.h"
-#include "Quillory/Records/ChoiceStats.h"
 
 #include <algorithm>
+#include <array>
 #include <ostream>
-#include <vector>
+
+using namespace Qt::StringLiterals;
 
 namespace quillory {
 
@@ -35,68 +36,42 @@ Environment:
 Exit status: 0 success, 1 failure or nothing to show, 2 wrong arguments.
 )";
 
-struct NamedCommand {
-    const CommandSyntax &syntax;
-    std::function<int(const QStringList &, const CommandServices &, const CommandStreams &)> run;
-};
-
-const std::vector<NamedCommand> &allCommands() {
-    static const std::vector<NamedCommand> commands{
-        {defaultsSyntax(),
-         [](const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-             return runDefaultsCommand(arguments, services.openSettings(), streams);
-         }},
-        {setupSyntax(), runSetupCommand},
-        {doctorSyntax(), runDoctorCommand},
-        {autostartSyntax(), runAutostartCommand},
-        {inspectSyntax(), runInspectCommand},
-        {rewriteSyntax(),
-         [](const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-             return runRewriteCommand(arguments, *services.accessModel(), streams);
-         }},
-        {statsSyntax(),
-         [](const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-             return runStatsCommand(arguments, ChoiceStats::fileURL(services.homeDirectory), streams);
-         }},
-    };
-    return commands;
+std::array<const Command *, 7> allCommands() {
+    return {&defaultsCommand(), &setupCommand(),   &doctorCommand(), &autostartCommand(),
+            &inspectCommand(),  &rewriteCommand(), &statsCommand()};
 }
 
 /// A usage line with its meaning beside it, or below where the line is too long.
 QString helpLine(const QString &usage, const QString &meaning = {}) {
     constexpr int width = 36;
     if (meaning.isEmpty()) {
-        return QStringLiteral("  %1\n").arg(usage);
+        return u"  %1\n"_s.arg(usage);
     }
     const QString gap = usage.size() < width ? QString() : u'\n' + QString(width + 2, u' ');
-    return QStringLiteral("  %1%2%3\n").arg(usage.leftJustified(gap.isEmpty() ? width : 0), gap, meaning);
+    return u"  %1%2%3\n"_s.arg(usage.leftJustified(gap.isEmpty() ? width : 0), gap, meaning);
 }
 
 QString help() {
-    QString text = QStringLiteral("Quillory suggests a better wording while you write to customers in WhatsApp.\n\n"
-                                  "Usage:\n") +
-                   helpLine(QStringLiteral("quillory"), QStringLiteral("start Quillory"));
-    for (const auto &[syntax, run] : allCommands()) {
-        const QStringList usage = usageOf(syntax);
+    QString text = u"Quillory suggests a better wording while you write to customers in WhatsApp.\n\nUsage:\n"_s +
+                   helpLine(u"quillory"_s, u"start Quillory"_s);
+    for (const Command *command : allCommands()) {
+        const QStringList usage = usageOf(*command);
         for (qsizetype i = 0; i < usage.size(); ++i) {
-            text += helpLine(usage[i], syntax.forms[i].meaning);
+            text += helpLine(usage[i], command->forms[i].meaning);
         }
     }
-    return text +
-           helpLine(QStringLiteral("quillory COMMAND --help"), QStringLiteral("show the arguments of a command")) +
-           helpLine(QStringLiteral("quillory --version")) + helpLine(QStringLiteral("quillory --help")) +
-           QString::fromLatin1(helpOnValues) + describeSettings() + QString::fromLatin1(helpEnding);
+    return text + helpLine(u"quillory COMMAND --help"_s, u"show the arguments of a command"_s) +
+           helpLine(u"quillory --version"_s) + helpLine(u"quillory --help"_s) + QString::fromLatin1(helpOnValues) +
+           describeSettings() + QString::fromLatin1(helpEnding);
 }
 
 /// Qt's own options and those of session managers have one dash; ours have two, except for -h and -v.
 bool isForQt(const QString &argument) {
-    return argument.startsWith(u'-') && !argument.startsWith(QStringLiteral("--")) &&
-           argument != QStringLiteral("-h") && argument != QStringLiteral("-v");
+    return argument.startsWith(u'-') && !argument.startsWith(u"--") && argument != u"-h"_s && argument != u"-v"_s;
 }
 
 int refuse(const CommandStreams &streams, const QString &mistake) {
-    streams.errors << "quillory: " << mistake.toStdString() << "; see quillory --help.\n";
-    return exitStatus::misuse;
+    return complain(streams, mistake + u"; see quillory --help"_s, exitStatus::misuse);
 }
 } // namespace
 
@@ -107,10 +82,10 @@ std::optional<int> runCommandLine(const QStringList &arguments, const CommandSer
     }
     QCommandLineParser parser; // what follows the command is for the command itself
     parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
-    const QCommandLineOption askForHelp(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption version(QStringList{u"v"_s, u"version"_s});
+    const QCommandLineOption askForHelp(QStringList{u"h"_s, u"help"_s});
     parser.addOptions({version, askForHelp});
-    if (!parser.parse(QStringList{QStringLiteral("quillory")} + arguments)) {
+    if (!parser.parse(QStringList{u"quillory"_s} + arguments)) {
         return refuse(streams, mistakeIn(parser));
     }
     if (parser.isSet(version)) {
@@ -122,12 +97,13 @@ std::optional<int> runCommandLine(const QStringList &arguments, const CommandSer
         return exitStatus::success;
     }
     const QStringList words = parser.positionalArguments();
-    const auto command =
-        std::ranges::find(allCommands(), words.value(0), [](const NamedCommand &c) { return c.syntax.name; });
-    if (command == allCommands().end()) {
-        return refuse(streams, QStringLiteral("unknown command \"%1\"").arg(words.value(0)));
+    const auto commands = allCommands();
+    const auto *const found = std::ranges::find(commands, words.value(0), &Command::name);
+    if (found == commands.end()) {
+        return refuse(streams, u"unknown command \"%1\""_s.arg(words.value(0)));
     }
-    return command->run(words.mid(1), services, streams);
+    const CommandArguments given(**found, words.mid(1), streams);
+    return given.status() ? *given.status() : (*found)->run(given, services, streams);
 }
 
 } // namespace quillory

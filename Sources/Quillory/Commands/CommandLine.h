@@ -3,9 +3,7 @@
 #pragma once
 
 #include "Platform/DesktopFacts.h"
-#include "Platform/KeyStorage.h"
 #include "Platform/Platform.h"
-#include "Platform/UserDefaults.h"
 #include "Quillory/Model/ModelAccess.h"
 
 #include <QStringList>
@@ -50,25 +48,14 @@ class CommandDesktop {
     [[nodiscard]] virtual std::chrono::steady_clock::time_point now() const = 0;
 };
 
-/// The settings store, and the one that keeps the key for it. Both outlive the command.
-struct CommandSettings {
-    platform::UserDefaults &values;
-    platform::KeyStorage &keys;
-};
-
 /// What commands need of the platform, since most run without the rest of it.
 struct CommandServices {
-    /// For the commands that read or change settings and do nothing else.
-    std::function<CommandSettings()> openSettings;
-    /// The folder under which the program keeps its own files.
-    QString homeDirectory;
-    /// For the commands that ask the model service.
+    /// Opens the settings, the storage of the key and what the model service is asked through.
     std::function<std::shared_ptr<ModelAccess>()> accessModel;
     /// Opens the desktop, for the commands that look at it; null when no display can be reached.
     std::function<std::unique_ptr<CommandDesktop>()> openDesktop;
     /// For the commands that look after the desktop; never null for those.
-    platform::DesktopExamination *examination = nullptr;
-    platform::DesktopRepair *repair = nullptr;
+    platform::DesktopDoctor *doctor = nullptr;
     /// Sets things up in a window and gives the exit status; absent when there is no display to show it on.
     std::function<std::optional<int>()> setUpInWindow;
     /// Reads a line that is not shown while it is typed, with what is pasted after its line breaks; none where the

@@ -11,34 +11,88 @@
 #include <ostream>
 #include <span>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 
 namespace {
-enum class Type { string, boolean, integer, faqList, secret };
+using Value = std::optional<platform::DefaultsValue>;
+
+/// How the values of a setting are shown and written.
+struct Type {
+    QString taken;
+    /// A value as text; absent when there is none.
+    std::optional<QString> (*shown)(const platform::UserDefaults &store, const QString &key);
+    /// The value that a text stands for; absent when it does not fit the type.
+    Value (*parsed)(const QString &text);
+};
+
+const Type string{u"text"_s, [](const auto &store, const auto &key) { return store.string(key); },
+                  [](const QString &text) { return Value(text); }};
+
+const Type boolean{
+    u"true or false"_s,
+    [](const auto &store, const auto &key) { return std::optional(text::trueOrFalse(store.boolean(key))); },
+    [](const QString &text) {
+        const bool isTrue = QStringList{u"true"_s, u"yes"_s, u"1"_s}.contains(text, Qt::CaseInsensitive);
+        const bool isFalse = QStringList{u"false"_s, u"no"_s, u"0"_s}.contains(text, Qt::CaseInsensitive);
+        return isTrue || isFalse ? Value(isTrue) : Value();
+    }};
+
+const Type integer{
+    u"a whole number"_s,
+    [](const auto &store, const auto &key) { return std::optional(QString::number(store.integer(key))); },
+    [](const QString &text) {
+        bool isNumber = false;
+        const qint64 number = text.toLongLong(&isNumber);
+        return isNumber ? Value(number) : Value();
+    }};
+
+const Type faqList{u"a JSON list"_s,
+                   [](const auto &store, const auto &key) {
+                       const std::optional<QByteArray> json = store.data(key);
+                       return json ? std::optional(QString::fromUtf8(*json)) : std::nullopt;
+                   },
+                   [](const QString &text) {
+                       const auto entries = faqEntriesFromJSON(text.toUtf8());
+                       return entries ? Value(faqEntriesToJSON(*entries)) : Value();
+                   }};
+
+const Type secret{u"- only"_s,
+                  [](const auto &store, const auto &key) {
+                      if (!store.string(key).value_or(QString()).isEmpty()) {
+                          return std::optional(u"(set)"_s);
+                      }
+                      return store.isKept(key)
+                                 ? std::optional(u"(set; its password store is locked or does not answer)"_s)
+                                 : std::nullopt;
+                  },
+                  [](const QString & /*text*/) { return Value(); }};
 
 struct Setting {
     QString key;
-    Type type;
+    const Type &type;
     QString meaning;
+    [[nodiscard]] bool isSecret() const { return &type == &secret; }
 };
 
 std::span<const Setting> allSettings() {
     using namespace settingsKey;
     static const std::array settings{
-        Setting{model, Type::string, QStringLiteral("the model to use")},
-        Setting{secondModel, Type::string, QStringLiteral("the second model, when two are compared")},
-        Setting{compareMode, Type::boolean, QStringLiteral("ask two models side by side")},
-        Setting{tone, Type::string, QStringLiteral("Professional, Friendly, Concise or Grammar only")},
-        Setting{debounceMs, Type::integer, QStringLiteral("pause in milliseconds before a suggestion")},
-        Setting{minChars, Type::integer, QStringLiteral("drafts shorter than this are left alone")},
-        Setting{maxChars, Type::integer, QStringLiteral("drafts longer than this are left alone")},
-        Setting{enabled, Type::boolean, QStringLiteral("whether to make suggestions")},
-        Setting{assistantMode, Type::boolean, QStringLiteral("suggest replies in WhatsApp")},
-        Setting{businessProfile, Type::string, QStringLiteral("a description of your business")},
-        Setting{faqEntries, Type::faqList, QStringLiteral("questions with \"id\", \"question\" and \"answer\"")},
-        Setting{faqKnowledge, Type::string, QStringLiteral("facts as free text, used when faqEntries is empty")},
-        Setting{openRouterAPIKey, Type::secret, QStringLiteral("your OpenRouter API key; never shown")},
-        Setting{debugAcceptOnce, Type::boolean, QStringLiteral("accept the next suggestion automatically, once")},
+        Setting{model, string, u"the model to use"_s},
+        Setting{secondModel, string, u"the second model, when two are compared"_s},
+        Setting{compareMode, boolean, u"ask two models side by side"_s},
+        Setting{tone, string, u"Professional, Friendly, Concise or Grammar only"_s},
+        Setting{debounceMs, integer, u"pause in milliseconds before a suggestion"_s},
+        Setting{minChars, integer, u"drafts shorter than this are left alone"_s},
+        Setting{maxChars, integer, u"drafts longer than this are left alone"_s},
+        Setting{enabled, boolean, u"whether to make suggestions"_s},
+        Setting{assistantMode, boolean, u"suggest replies in WhatsApp"_s},
+        Setting{businessProfile, string, u"a description of your business"_s},
+        Setting{faqEntries, faqList, u"questions with \"id\", \"question\" and \"answer\""_s},
+        Setting{faqKnowledge, string, u"facts as free text, used when faqEntries is empty"_s},
+        Setting{openRouterAPIKey, secret, u"your OpenRouter API key; never shown"_s},
+        Setting{debugAcceptOnce, boolean, u"accept the next suggestion automatically, once"_s},
     };
     return settings;
 }
@@ -46,79 +100,6 @@ std::span<const Setting> allSettings() {
 const Setting *settingOf(const QString &key) {
     const auto found = std::ranges::find(allSettings(), key, &Setting::key);
     return found == allSettings().end() ? nullptr : &*found;
-}
-
-QString takenBy(Type type) {
-    switch (type) {
-    case Type::boolean:
-        return QStringLiteral("true or false");
-    case Type::integer:
-        return QStringLiteral("a whole number");
-    case Type::faqList:
-        return QStringLiteral("a JSON list");
-    case Type::secret:
-        return QStringLiteral("- only");
-    case Type::string:
-        break;
-    }
-    return QStringLiteral("text");
-}
-
-/// A setting as text, absent when it has no value.
-std::optional<QString> shownValue(const Setting &setting, const platform::UserDefaults &store) {
-    switch (setting.type) {
-    case Type::boolean:
-        return text::trueOrFalse(store.boolean(setting.key));
-    case Type::integer:
-        return QString::number(store.integer(setting.key));
-    case Type::faqList: {
-        const std::optional<QByteArray> json = store.data(setting.key);
-        return json ? std::optional(QString::fromUtf8(*json)) : std::nullopt;
-    }
-    case Type::secret:
-        if (!store.string(setting.key).value_or(QString()).isEmpty()) {
-            return QStringLiteral("(set)");
-        }
-        return store.isKept(setting.key)
-                   ? std::optional(QStringLiteral("(set; its password store is locked or does not answer)"))
-                   : std::nullopt;
-    case Type::string:
-        break;
-    }
-    return store.string(setting.key);
-}
-
-std::optional<platform::DefaultsValue> booleanFrom(const QString &text) {
-    const auto isOneOf = [&text](std::initializer_list<const char16_t *> words) {
-        return std::ranges::any_of(
-            words, [&text](const char16_t *word) { return text.compare(QStringView(word), Qt::CaseInsensitive) == 0; });
-    };
-    if (isOneOf({u"true", u"yes", u"1"})) {
-        return true;
-    }
-    return isOneOf({u"false", u"no", u"0"}) ? std::optional<platform::DefaultsValue>(false) : std::nullopt;
-}
-
-/// The value that a text stands for; absent when it does not fit the type.
-std::optional<platform::DefaultsValue> valueFrom(Type type, const QString &text) {
-    switch (type) {
-    case Type::boolean:
-        return booleanFrom(text);
-    case Type::integer: {
-        bool isNumber = false;
-        const qint64 number = text.toLongLong(&isNumber);
-        return isNumber ? std::optional<platform::DefaultsValue>(number) : std::nullopt;
-    }
-    case Type::faqList: {
-        const auto entries = faqEntriesFromJSON(text.toUtf8());
-        return entries ? std::optional<platform::DefaultsValue>(faqEntriesToJSON(*entries)) : std::nullopt;
-    }
-    case Type::secret:
-        return std::nullopt;
-    case Type::string:
-        break;
-    }
-    return text;
 }
 
 /// Standard input without the line break at its end.
@@ -133,18 +114,17 @@ std::optional<QString> readValue(std::istream &input) {
     return text;
 }
 
-class Command {
+class Defaults {
   public:
-    Command(const CommandSettings &settings, const CommandStreams &streams)
-        : m_store(settings.values), m_keys(settings.keys), m_streams(streams) {}
+    Defaults(const ModelAccess &access, const CommandStreams &streams)
+        : m_store(access.settings.store()), m_keys(access.keys), m_streams(streams) {}
 
     int run(const CommandArguments &given) {
         const QStringList words = given.words();
         const QString verb = words.value(0);
         const qsizetype count = words.size();
-        const bool isKnown = (verb == QStringLiteral("read") && (count == 1 || count == 2)) ||
-                             (verb == QStringLiteral("write") && count == 3) ||
-                             (verb == QStringLiteral("delete") && count == 2);
+        const bool isKnown = (verb == u"read"_s && (count == 1 || count == 2)) || (verb == u"write"_s && count == 3) ||
+                             (verb == u"delete"_s && count == 2);
         if (!isKnown) {
             return given.refuse();
         }
@@ -153,9 +133,9 @@ class Command {
         }
         const Setting *const setting = settingOf(words[1]);
         if (setting == nullptr) {
-            return refuse(QStringLiteral("\"%1\" is not a setting; quillory --help lists them").arg(words[1]));
+            return refuse(u"\"%1\" is not a setting; quillory --help lists them"_s.arg(words[1]));
         }
-        if (verb == QStringLiteral("read")) {
+        if (verb == u"read"_s) {
             return read(*setting);
         }
         return count == 3 ? write(*setting, words[2]) : remove(*setting);
@@ -164,46 +144,46 @@ class Command {
   private:
     int remove(const Setting &setting) {
         const bool isRemoved = m_store.remove(setting.key);
-        if (isRemoved || setting.type != Type::secret) {
+        if (isRemoved || !setting.isSecret()) {
             return saved(isRemoved);
         }
-        note(QStringLiteral("the key could not be deleted everywhere, so it may still be in the desktop's password "
-                            "store or in the settings file; unlock the password store and try again"));
-        return exitStatus::failure;
+        return complain(m_streams,
+                        u"the key could not be deleted everywhere, so it may still be in the desktop's password "
+                        "store or in the settings file; unlock the password store and try again"_s,
+                        exitStatus::failure);
     }
 
     int readAll() {
         for (const Setting &setting : allSettings()) {
-            QString value = shownValue(setting, m_store).value_or(QStringLiteral("(not set)"));
+            QString value = setting.type.shown(m_store, setting.key).value_or(u"(not set)"_s);
             // One line for each setting, even if its value has several.
-            value.replace(u'\\', QStringLiteral("\\\\")).replace(u'\n', QStringLiteral("\\n"));
-            say(setting.key + QStringLiteral(": ") + value);
+            value.replace(u'\\', u"\\\\"_s).replace(u'\n', u"\\n"_s);
+            say(setting.key + u": "_s + value);
         }
         return exitStatus::success;
     }
 
     int read(const Setting &setting) {
-        const std::optional<QString> value = shownValue(setting, m_store);
-        say(value.value_or(QStringLiteral("(not set)")));
+        const std::optional<QString> value = setting.type.shown(m_store, setting.key);
+        say(value.value_or(u"(not set)"_s));
         return value ? exitStatus::success : exitStatus::failure;
     }
 
     int write(const Setting &setting, const QString &argument) {
-        const bool isFromInput = argument == QStringLiteral("-");
-        if (setting.type == Type::secret) {
+        const bool isFromInput = argument == u"-"_s;
+        if (setting.isSecret()) {
             return isFromInput ? writeKey()
-                               : refuse(QStringLiteral("a key in an argument can be seen by other "
-                                                       "programs; give it on standard input: quillory "
-                                                       "defaults write %1 - < FILE")
-                                            .arg(setting.key));
+                               : refuse(u"a key in an argument can be seen by other "
+                                        "programs; give it on standard input: quillory "
+                                        "defaults write %1 - < FILE"_s.arg(setting.key));
         }
         const std::optional<QString> text = isFromInput ? readValue(m_streams.input) : argument;
-        const auto value = text ? valueFrom(setting.type, *text) : std::nullopt;
+        const auto value = text ? setting.type.parsed(*text) : std::nullopt;
         if (!value) {
-            return refuse(QStringLiteral("%1 takes %2").arg(setting.key, takenBy(setting.type)));
+            return refuse(u"%1 takes %2"_s.arg(setting.key, setting.type.taken));
         }
         if (setting.key == settingsKey::tone && !toneFromRawValue(*text)) {
-            note(QStringLiteral("unknown tone; Professional will be used"));
+            complain(m_streams, u"unknown tone; Professional will be used"_s, exitStatus::success);
         }
         return saved(m_store.set(setting.key, *value));
     }
@@ -213,8 +193,7 @@ class Command {
         const QString line = readText(m_streams.input).value_or(QString()).section(u'\n', 0, 0);
         const auto [key, refusal] = enteredKey(line);
         if (!refusal.isEmpty()) {
-            m_streams.errors << "quillory: " << refusal.toStdString() << '\n';
-            return exitStatus::misuse;
+            return refuse(refusal.chopped(1));
         }
         const SavedKey result = saveKey(m_keys, key, {});
         (result.isSaved ? m_streams.output : m_streams.errors) << result.sentence.toStdString() << '\n';
@@ -222,19 +201,12 @@ class Command {
     }
 
     int saved(bool isSaved) {
-        if (!isSaved) {
-            note(QStringLiteral("the settings could not be saved"));
-        }
-        return isSaved ? exitStatus::success : exitStatus::failure;
+        return isSaved ? exitStatus::success
+                       : complain(m_streams, u"the settings could not be saved"_s, exitStatus::failure);
     }
 
-    int refuse(const QString &sentence) {
-        note(sentence);
-        return exitStatus::misuse;
-    }
-
+    int refuse(const QString &sentence) { return complain(m_streams, sentence, exitStatus::misuse); }
     void say(const QString &line) { m_streams.output << line.toStdString() << '\n'; }
-    void note(const QString &sentence) { m_streams.errors << "quillory: " << sentence.toStdString() << ".\n"; }
 
     platform::UserDefaults &m_store;
     platform::KeyStorage &m_keys;
@@ -242,33 +214,26 @@ class Command {
 };
 } // namespace
 
-const CommandSyntax &defaultsSyntax() {
-    static const CommandSyntax syntax{
-        .name = QStringLiteral("defaults"),
-        .forms = {{QStringLiteral("read [KEY]"), QStringLiteral("show all settings, or one of them")},
-                  {QStringLiteral("write KEY VALUE"),
-                   QStringLiteral("change a setting; a running Quillory uses it at once")},
-                  {QStringLiteral("delete KEY"), QStringLiteral("restore the default of a setting")}},
+const Command &defaultsCommand() {
+    static const Command command{
+        .name = u"defaults"_s,
+        .forms = {{u"read [KEY]"_s, u"show all settings, or one of them"_s},
+                  {u"write KEY VALUE"_s, u"change a setting; a running Quillory uses it at once"_s},
+                  {u"delete KEY"_s, u"restore the default of a setting"_s}},
         .options = {},
         .mostWords = 3,
-        .isPlainAfterFirstWord = true}; // the text of a profile may begin with a dash
-    return syntax;
-}
-
-int runDefaultsCommand(const QStringList &arguments, const CommandSettings &settings, const CommandStreams &streams) {
-    const CommandArguments given(defaultsSyntax(), arguments, streams);
-    if (given.status()) {
-        return *given.status();
-    }
-    registerSettingsDefaults(settings.values);
-    return Command(settings, streams).run(given);
+        .isPlainAfterFirstWord = true, // the text of a profile may begin with a dash
+        .run = [](const CommandArguments &given, const CommandServices &services, const CommandStreams &streams) {
+            return Defaults(*services.accessModel(), streams).run(given);
+        }};
+    return command;
 }
 
 QString describeSettings() {
     QString lines;
     for (const Setting &setting : allSettings()) {
-        lines += QStringLiteral("  %1 %2 %3\n")
-                     .arg(setting.key.leftJustified(17), takenBy(setting.type).leftJustified(14), setting.meaning);
+        lines +=
+            u"  %1 %2 %3\n"_s.arg(setting.key.leftJustified(17), setting.type.taken.leftJustified(14), setting.meaning);
     }
     return lines;
 }

@@ -6,15 +6,11 @@
 
 namespace quillory {
 
-[[nodiscard]] const CommandSyntax &defaultsSyntax();
+/// "quillory defaults read [KEY]", "write KEY VALUE" and "delete KEY". Takes only known settings and values of their
+/// types. The API key comes from standard input alone, is stored where the set-up would store it, and is never shown.
+[[nodiscard]] const Command &defaultsCommand();
 
-/// Shows or changes settings: "read [KEY]", "write KEY VALUE" or "delete KEY". Takes only known settings and values of
-/// their types. The API key comes from standard input alone, is stored where the set-up would store it, and is never
-/// shown. Returns the exit status.
-[[nodiscard]] int runDefaultsCommand(const QStringList &arguments, const CommandSettings &settings,
-                                     const CommandStreams &streams);
-
-/// One line for each setting: its key, the values it takes, its meaning.
+/// A line for each setting: its key, the values that it takes and what it means.
 [[nodiscard]] QString describeSettings();
 
 } // namespace quillory

@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Commands/DoctorCommand.h"
 
-#include "Quillory/Setup/ProgramExamination.h"
+#include "Quillory/Setup/SetupWork.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <ostream>
+
+using namespace Qt::StringLiterals;
 
 namespace quillory {
 
@@ -19,16 +21,12 @@ bool isSafe(Remedy remedy) {
     return remedy == Remedy::enableAccessibility;
 }
 
-std::vector<Finding> findingsNow(const CommandServices &services, const ModelAccess &access) {
-    return diagnose(services.examination->examine({}), examineProgram(access, {}));
-}
-
 bool isToBeKept(const Finding &finding) {
     return isSafe(finding.remedy) && isOnlyForLater(finding);
 }
 
 /// Does what is safe, then examines everything again.
-void fix(std::vector<Finding> &findings, const CommandServices &services, const ModelAccess &access,
+void fix(std::vector<Finding> &findings, const CommandServices &services, const SetupWork &work,
          const CommandStreams &streams) {
     const auto safe = std::ranges::count_if(findings, [](const Finding &f) { return isSafe(f.remedy); });
     if (safe == 0) {
@@ -36,8 +34,8 @@ void fix(std::vector<Finding> &findings, const CommandServices &services, const 
         return;
     }
     const bool isOnNow = safe == std::ranges::count_if(findings, isToBeKept);
-    const bool isDone = services.repair->enableAccessibility({});
-    findings = findingsNow(services, access);
+    const bool isDone = services.doctor->enableAccessibility({});
+    findings = work.look({});
     if (!isDone) {
         streams.errors << "quillory: accessibility could not be switched on.\n";
     } else if (!isOnNow) {
@@ -74,6 +72,31 @@ void writeJSON(std::ostream &output, const std::vector<Finding> &findings) {
     output << nlohmann::json{{"canWork", canWork(findings)}, {"checks", std::move(checks)}}.dump(2) << '\n';
 }
 
+int runDoctor(const CommandArguments &given, const CommandServices &services, const CommandStreams &streams) {
+    const auto access = services.accessModel();
+    const SetupWork work(*services.doctor, *access);
+    std::vector<Finding> findings = work.look({});
+    if (given.has(u"fix"_s)) {
+        fix(findings, services, work, streams);
+    }
+    given.has(u"json"_s) ? writeJSON(streams.output, findings) : writeFindings(streams.output, findings);
+    return canWork(findings) ? exitStatus::success : exitStatus::failure;
+}
+
+int runAutostart(const CommandArguments &given, const CommandServices &services, const CommandStreams &streams) {
+    const bool on = given.words() == QStringList{u"on"_s};
+    if (!on && given.words() != QStringList{u"off"_s}) {
+        return given.refuse();
+    }
+    if (!services.doctor->setStartsAtLogin(on)) {
+        return complain(streams,
+                        u"the entry for the desktop's autostart could not be "_s + (on ? u"written"_s : u"removed"_s),
+                        exitStatus::failure);
+    }
+    streams.output << (on ? "Quillory starts at your next login.\n" : "Quillory no longer starts at login.\n");
+    return exitStatus::success;
+}
+
 } // namespace
 
 void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
@@ -97,57 +120,23 @@ void writeFindings(std::ostream &output, const std::vector<Finding> &findings) {
     }
 }
 
-const CommandSyntax &doctorSyntax() {
-    static const CommandSyntax syntax{
-        .name = QStringLiteral("doctor"),
-        .forms = {{{}, QStringLiteral("check what Quillory needs and say what to do; --fix does what is safe")}},
-        .options = {
-            {QStringLiteral("fix"), QStringLiteral("First do what is safe, which is to switch accessibility on.")},
-            {QStringLiteral("json"), QStringLiteral("Show the checks as JSON.")}}};
-    return syntax;
+const Command &doctorCommand() {
+    static const Command command{
+        .name = u"doctor"_s,
+        .forms = {{{}, u"check what Quillory needs and say what to do; --fix does what is safe"_s}},
+        .options = {{u"fix"_s, u"First do what is safe, which is to switch accessibility on."_s},
+                    {u"json"_s, u"Show the checks as JSON."_s}},
+        .run = runDoctor};
+    return command;
 }
 
-int runDoctorCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-    const CommandArguments given(doctorSyntax(), arguments, streams);
-    if (given.status()) {
-        return *given.status();
-    }
-    const bool asJSON = given.has(QStringLiteral("json"));
-    const bool mayFix = given.has(QStringLiteral("fix"));
-    const auto access = services.accessModel();
-    std::vector<Finding> findings = findingsNow(services, *access);
-    if (mayFix) {
-        fix(findings, services, *access, streams);
-    }
-    asJSON ? writeJSON(streams.output, findings) : writeFindings(streams.output, findings);
-    return canWork(findings) ? exitStatus::success : exitStatus::failure;
-}
-
-const CommandSyntax &autostartSyntax() {
-    static const CommandSyntax syntax{
-        .name = QStringLiteral("autostart"),
-        .forms = {{QStringLiteral("on|off"), QStringLiteral("start Quillory at every login, or no longer")}},
-        .options = {},
-        .mostWords = 1};
-    return syntax;
-}
-
-int runAutostartCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-    const CommandArguments given(autostartSyntax(), arguments, streams);
-    if (given.status()) {
-        return *given.status();
-    }
-    const bool on = given.words() == QStringList{QStringLiteral("on")};
-    if (!on && given.words() != QStringList{QStringLiteral("off")}) {
-        return given.refuse();
-    }
-    if (!services.repair->setStartsAtLogin(on)) {
-        streams.errors << "quillory: the entry for the desktop's autostart could not be "
-                       << (on ? "written.\n" : "removed.\n");
-        return exitStatus::failure;
-    }
-    streams.output << (on ? "Quillory starts at your next login.\n" : "Quillory no longer starts at login.\n");
-    return exitStatus::success;
+const Command &autostartCommand() {
+    static const Command command{.name = u"autostart"_s,
+                                 .forms = {{u"on|off"_s, u"start Quillory at every login, or no longer"_s}},
+                                 .options = {},
+                                 .mostWords = 1,
+                                 .run = runAutostart};
+    return command;
 }
 
 } // namespace quillory

@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <ostream>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 
 namespace {
@@ -31,10 +33,10 @@ struct InspectOrder {
 
 /// Absent when the time to wait is not a valid number of seconds.
 std::optional<InspectOrder> inspectOrder(const CommandArguments &given) {
-    InspectOrder order{.asJSON = given.has(QStringLiteral("json")), .wait = {}};
-    if (given.has(QStringLiteral("wait"))) {
+    InspectOrder order{.asJSON = given.has(u"json"_s), .wait = {}};
+    if (given.has(u"wait"_s)) {
         bool isNumber = false;
-        const int seconds = given.value(QStringLiteral("wait")).toInt(&isNumber);
+        const int seconds = given.value(u"wait"_s).toInt(&isNumber);
         if (!isNumber || seconds < 0 || seconds > longestWait) {
             return std::nullopt;
         }
@@ -80,7 +82,7 @@ std::string printable(const QString &text) {
 }
 
 std::string indented(const QString &text) {
-    return "    " + printable(QString(text).replace(u'\n', QStringLiteral("\n    "))) + '\n';
+    return "    " + printable(QString(text).replace(u'\n', u"\n    "_s)) + '\n';
 }
 
 std::string yesNo(bool value) {
@@ -91,27 +93,25 @@ QString because(const ChatContext::Recognition &recognition) {
     const QString judgedBy = u'"' + recognition.judgedBy + u'"';
     switch (recognition.evidence) {
     case Evidence::chatProgram:
-        return QStringLiteral("the program is known as %1").arg(judgedBy);
+        return u"the program is known as %1"_s.arg(judgedBy);
     case Evidence::otherProgram:
         return recognition.judgedBy.isEmpty()
-                   ? QStringLiteral("the program is not known as a browser or a chat program")
-                   : QStringLiteral("the program is known as %1, which is neither a browser nor a chat program")
-                         .arg(judgedBy);
+                   ? u"the program is not known as a browser or a chat program"_s
+                   : u"the program is known as %1, which is neither a browser nor a chat program"_s.arg(judgedBy);
     case Evidence::pageAddress:
-        return QStringLiteral("the page comes from the host %1").arg(judgedBy);
+        return u"the page comes from the host %1"_s.arg(judgedBy);
     case Evidence::windowTitle:
         break;
     }
-    return QStringLiteral("the page gives no address, and the window's title is %1").arg(judgedBy);
+    return u"the page gives no address, and the window's title is %1"_s.arg(judgedBy);
 }
 
 QString placeOf(const std::optional<platform::Rect> &frame) {
-    return frame ? QStringLiteral("%1 by %2 points at %3, %4 from the top left of the screen")
-                       .arg(frame->width)
+    return frame ? u"%1 by %2 points at %3, %4 from the top left of the screen"_s.arg(frame->width)
                        .arg(frame->height)
                        .arg(frame->x)
                        .arg(frame->y)
-                 : QStringLiteral("unknown");
+                 : u"unknown"_s;
 }
 
 bool isPastedInto(const InspectedElement &focus) {
@@ -234,31 +234,14 @@ void writeJSON(std::ostream &output, const Inspection &seen) {
     output << document.dump(2) << '\n';
 }
 
-} // namespace
-
-const CommandSyntax &inspectSyntax() {
-    static const CommandSyntax syntax{
-        .name = QStringLiteral("inspect"),
-        .forms = {{{}, QStringLiteral("show what Quillory sees of the focused message box, and what it would send")}},
-        .options = {{QStringLiteral("json"), QStringLiteral("Show the result as JSON.")},
-                    {QStringLiteral("wait"), QStringLiteral("Wait up to this long for a message box to get the focus."),
-                     QStringLiteral("SECONDS")}}};
-    return syntax;
-}
-
-int runInspectCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-    const CommandArguments given(inspectSyntax(), arguments, streams);
-    if (given.status()) {
-        return *given.status();
-    }
+int runInspect(const CommandArguments &given, const CommandServices &services, const CommandStreams &streams) {
     const auto order = inspectOrder(given);
     if (!order) {
-        return given.refuse(QStringLiteral("the time to wait must be a number of seconds, at most 3600"));
+        return given.refuse(u"the time to wait must be a number of seconds, at most 3600"_s);
     }
     const auto desktop = services.openDesktop();
     if (!desktop) {
-        streams.errors << "quillory: no X display can be reached, so there is nothing to look at.\n";
-        return exitStatus::failure;
+        return complain(streams, u"no X display can be reached, so there is nothing to look at"_s, exitStatus::failure);
     }
     if (order->wait) {
         streams.errors << "Click into the message box now." << std::endl;
@@ -275,6 +258,18 @@ int runInspectCommand(const QStringList &arguments, const CommandServices &servi
         streams.errors << "quillory: " << error.what() << '\n';
         return exitStatus::failure;
     }
+}
+
+} // namespace
+
+const Command &inspectCommand() {
+    static const Command command{
+        .name = u"inspect"_s,
+        .forms = {{{}, u"show what Quillory sees of the focused message box, and what it would send"_s}},
+        .options = {{u"json"_s, u"Show the result as JSON."_s},
+                    {u"wait"_s, u"Wait up to this long for a message box to get the focus."_s, u"SECONDS"_s}},
+        .run = runInspect};
+    return command;
 }
 
 } // namespace quillory

@@ -6,6 +6,8 @@
 #include "Quillory/Field/AXText.h"
 #include "Quillory/Settings/AppSettings.h"
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 
 using platform::AXAttribute;
@@ -53,6 +55,54 @@ InspectedElement inspected(const AXText &ax, const platform::UserDefaults &store
     seen.recognition = ChatContext::recognise(ax, element);
     seen.field = situation(ax, store, element, seen.recognition.isChat);
     return seen;
+}
+
+RequestPlan nothing(const QString &reason) {
+    return {.kind = std::nullopt, .whyNot = reason, .source = {}, .context = {}};
+}
+
+/// Why nothing is asked about a field; empty when something is.
+QString obstacle(Gate gate, const FieldSituation &field) {
+    switch (gate) {
+    case Gate::switchedOff:
+        return u"suggestions are switched off (setting \"enabled\")"_s;
+    case Gate::noTextField:
+        return u"what has the focus is not a text field"_s;
+    case Gate::browserUI:
+        return u"this field belongs to the browser itself, not to a page"_s;
+    case Gate::noChat:
+        return u"this is not a WhatsApp message box"_s;
+    case Gate::tooLong:
+        return u"the field holds more than %1 characters (setting \"maxChars\")"_s.arg(field.maxChars);
+    case Gate::unreadable:
+        return u"the content of the field cannot be read"_s;
+    case Gate::repliesAreOff:
+        return u"the box is empty, and replies are switched off (setting \"assistantMode\")"_s;
+    case Gate::draftTooShort:
+        return u"the draft has fewer than %1 characters (setting \"minChars\")"_s.arg(field.minChars);
+    case Gate::draftTooLong:
+        return u"the draft has more than %1 characters (setting \"maxChars\")"_s.arg(field.maxChars);
+    case Gate::justInserted:
+        return u"the draft is the text that was just inserted"_s;
+    case Gate::reply:
+    case Gate::rewrite:
+        break;
+    }
+    return {};
+}
+
+RequestPlan planRequest(const FieldSituation &field) {
+    const Gate gate = gateOf(field);
+    if (gate == Gate::rewrite) {
+        return {.kind = SuggestionKind::rewrite, .whyNot = {}, .source = *field.value, .context = field.conversation};
+    }
+    if (gate != Gate::reply) {
+        return nothing(obstacle(gate, field));
+    }
+    if (!field.conversation) {
+        return nothing(u"the box is empty, and no conversation was found around it"_s);
+    }
+    return {.kind = SuggestionKind::reply, .whyNot = {}, .source = *field.conversation, .context = {}};
 }
 
 } // namespace

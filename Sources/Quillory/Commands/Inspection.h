@@ -3,9 +3,9 @@
 #pragma once
 
 #include "Platform/Platform.h"
-#include "Quillory/Commands/RequestPlan.h"
 #include "Quillory/Field/ChatContext.h"
 #include "Quillory/Model/OpenRouterClient.h"
+#include "Quillory/Monitor/DraftRules.h"
 #include "Quillory/Monitor/ModelStream.h"
 
 namespace quillory {
@@ -23,6 +23,19 @@ struct InspectedElement {
     ChatContext::Recognition recognition;
     /// What it holds is taken along for a message box alone.
     FieldSituation field;
+};
+
+/// What Quillory would ask the models about a field, by the typing monitor's gate, as far as that depends on the field
+/// and the settings: what Quillory has sent or inserted before is not known here.
+struct RequestPlan {
+    /// Absent when nothing would be sent.
+    std::optional<SuggestionKind> kind;
+    /// Why nothing would be sent, as a sentence without its full stop.
+    QString whyNot;
+    /// The draft, or the conversation to reply to.
+    QString source;
+    /// The conversation behind a draft.
+    std::optional<QString> context;
 };
 
 /// What the program sees of the desktop at one moment.

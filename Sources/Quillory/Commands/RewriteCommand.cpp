@@ -17,6 +17,8 @@
 #include <limits>
 #include <ostream>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 
 namespace {
@@ -45,8 +47,7 @@ Tone toneNamed(const QString &name) {
     const auto found = std::ranges::find_if(
         allTones, [&](Tone tone) { return rawValue(tone).compare(name, Qt::CaseInsensitive) == 0; });
     if (found == std::end(allTones)) {
-        throw Refusal{QStringLiteral("the tone must be one of ") + toneNames().join(QStringLiteral(", ")),
-                      exitStatus::misuse};
+        throw Refusal{u"the tone must be one of "_s + toneNames().join(u", "_s), exitStatus::misuse};
     }
     return *found;
 }
@@ -54,22 +55,22 @@ Tone toneNamed(const QString &name) {
 QString readDraft(std::istream &input) {
     std::optional<QString> draft = readText(input);
     if (!draft) {
-        throw Refusal{QStringLiteral("the text must be UTF-8 and at most a megabyte long")};
+        throw Refusal{u"the text must be UTF-8 and at most a megabyte long"_s};
     }
     return *std::move(draft);
 }
 
 Order orderFrom(const CommandArguments &given, std::istream &input) {
     Order order;
-    order.asJSON = given.has(QStringLiteral("json"));
-    if (given.has(QStringLiteral("tone"))) {
-        order.tone = toneNamed(given.value(QStringLiteral("tone")));
+    order.asJSON = given.has(u"json"_s);
+    if (given.has(u"tone"_s)) {
+        order.tone = toneNamed(given.value(u"tone"_s));
     }
     const QStringList words = given.words();
-    const bool isFromInput = words.isEmpty() || words == QStringList{QStringLiteral("-")};
+    const bool isFromInput = words.isEmpty() || words == QStringList{u"-"_s};
     order.draft = isFromInput ? readDraft(input) : words.join(u' ');
     if (text::trimmed(order.draft).isEmpty()) {
-        throw Refusal{QStringLiteral("there is no text to rewrite")};
+        throw Refusal{u"there is no text to rewrite"_s};
     }
     return order;
 }
@@ -111,10 +112,10 @@ QString rewriteOf(const Order &order, const OpenRouterClient &client, const QStr
     QString answer = cleanedAnswer(raw);
     const Verdict verdict = screen(SuggestionKind::rewrite, order.draft, answer);
     if (verdict.outcome == Verdict::Outcome::rejected) {
-        throw RewriteError::badResponse(QStringLiteral("The model went off script: ") + verdict.reason);
+        throw RewriteError::badResponse(u"The model went off script: "_s + verdict.reason);
     }
     if (answer.isEmpty()) {
-        throw RewriteError::badResponse(QStringLiteral("The model gave no answer"));
+        throw RewriteError::badResponse(u"The model gave no answer"_s);
     }
     return answer;
 }
@@ -142,41 +143,34 @@ void carryOut(const Order &order, const ModelAccess &access, const CommandStream
     }
 }
 
-int fail(const CommandStreams &streams, const QString &sentence, int status) {
-    streams.errors << "quillory: " << text::printable(sentence).toStdString()
-                   << (sentence.endsWith(u'.') ? "\n" : ".\n");
-    return status;
+int fail(const CommandStreams &streams, QString sentence, int status) {
+    sentence.chop(sentence.endsWith(u'.') ? 1 : 0);
+    return complain(streams, text::printable(sentence), status);
 }
 
-} // namespace
-
-const CommandSyntax &rewriteSyntax() {
-    static const CommandSyntax syntax{
-        .name = QStringLiteral("rewrite"),
-        .forms = {{QStringLiteral("[TEXT]"), QStringLiteral("rewrite a text, or standard input")}},
-        .options = {{QStringLiteral("tone"),
-                     QStringLiteral("One of %1; by default, the one in the settings.")
-                         .arg(toneNames().join(QStringLiteral(", "))),
-                     QStringLiteral("TONE")},
-                    {QStringLiteral("json"),
-                     QStringLiteral("Show the rewrite, the model and the seconds taken as JSON.")}},
-        .mostWords = std::numeric_limits<qsizetype>::max()};
-    return syntax;
-}
-
-int runRewriteCommand(const QStringList &arguments, const ModelAccess &access, const CommandStreams &streams) {
-    const CommandArguments given(rewriteSyntax(), arguments, streams);
-    if (given.status()) {
-        return *given.status();
-    }
+int runRewrite(const CommandArguments &given, const CommandServices &services, const CommandStreams &streams) {
     try {
-        carryOut(orderFrom(given, streams.input), access, streams);
+        carryOut(orderFrom(given, streams.input), *services.accessModel(), streams);
         return exitStatus::success;
     } catch (const Refusal &refusal) {
         return fail(streams, refusal.sentence, refusal.status);
     } catch (const std::exception &error) {
         return fail(streams, QString::fromUtf8(error.what()), exitStatus::failure);
     }
+}
+
+} // namespace
+
+const Command &rewriteCommand() {
+    static const Command command{
+        .name = u"rewrite"_s,
+        .forms = {{u"[TEXT]"_s, u"rewrite a text, or standard input"_s}},
+        .options = {{u"tone"_s, u"One of %1; by default, the one in the settings."_s.arg(toneNames().join(u", ")),
+                     u"TONE"_s},
+                    {u"json"_s, u"Show the rewrite, the model and the seconds taken as JSON."_s}},
+        .mostWords = std::numeric_limits<qsizetype>::max(),
+        .run = runRewrite};
+    return command;
 }
 
 } // namespace quillory

@@ -6,12 +6,8 @@
 
 namespace quillory {
 
-[[nodiscard]] const CommandSyntax &rewriteSyntax();
-
-/// Rewrites a draft, given as arguments or on standard input: "[--tone TONE] [--json] [TEXT ...]". A terminal shows the
-/// answer as it grows. It is screened like Quillory's own suggestions. Blocks until the answer is complete. Returns the
-/// exit status.
-[[nodiscard]] int runRewriteCommand(const QStringList &arguments, const ModelAccess &access,
-                                    const CommandStreams &streams);
+/// "quillory rewrite [--tone TONE] [--json] [TEXT]": rewrites a draft, given as arguments or on standard input. A
+/// terminal shows the answer as it grows. It is screened like Quillory's own suggestions.
+[[nodiscard]] const Command &rewriteCommand();
 
 } // namespace quillory

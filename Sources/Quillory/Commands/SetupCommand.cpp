@@ -12,6 +12,8 @@
 #include <set>
 #include <string>
 
+using namespace Qt::StringLiterals;
+
 namespace quillory {
 
 namespace {
@@ -31,7 +33,7 @@ class Dialogue {
         const bool hasKey = hasNewKey || std::ranges::none_of(findings, [](const Finding &finding) {
                                 return finding.remedy == Remedy::enterKey;
                             });
-        if (hasKey && agrees(QStringLiteral("Try the key now?"), true)) {
+        if (hasKey && agrees(u"Try the key now?"_s, true)) {
             say(triedConnection(m_work.access().settings, m_work.access().client, {}));
         }
         do {
@@ -39,7 +41,7 @@ class Dialogue {
             m_streams.output << '\n';
             writeFindings(m_streams.output, findings);
         } while (std::ranges::any_of(findings, &Finding::needsReopening) &&
-                 agrees(QStringLiteral("Check again, once you have closed and reopened what is named above?"), true));
+                 agrees(u"Check again, once you have closed and reopened what is named above?"_s, true));
         return canWork(findings) ? exitStatus::success : exitStatus::failure;
     }
 
@@ -96,29 +98,25 @@ class Dialogue {
     bool m_hasEnded = false;
 };
 
-} // namespace
-
-const CommandSyntax &setupSyntax() {
-    static const CommandSyntax syntax{
-        .name = QStringLiteral("setup"),
-        .forms = {{{}, QStringLiteral("set up what Quillory needs, and the API key")}},
-        .options = {{QStringLiteral("terminal"), QStringLiteral("Ask in the terminal, even if there is a display.")}}};
-    return syntax;
-}
-
-int runSetupCommand(const QStringList &arguments, const CommandServices &services, const CommandStreams &streams) {
-    const CommandArguments given(setupSyntax(), arguments, streams);
-    if (given.status()) {
-        return *given.status();
-    }
-    if (!given.has(QStringLiteral("terminal"))) {
+int runSetup(const CommandArguments &given, const CommandServices &services, const CommandStreams &streams) {
+    if (!given.has(u"terminal"_s)) {
         if (const auto status = services.setUpInWindow()) {
             return *status;
         }
     }
     const auto access = services.accessModel();
-    const SetupWork work(*services.examination, *services.repair, *access);
+    const SetupWork work(*services.doctor, *access);
     return Dialogue(work, services, streams).run();
+}
+
+} // namespace
+
+const Command &setupCommand() {
+    static const Command command{.name = u"setup"_s,
+                                 .forms = {{{}, u"set up what Quillory needs, and the API key"_s}},
+                                 .options = {{u"terminal"_s, u"Ask in the terminal, even if there is a display."_s}},
+                                 .run = runSetup};
+    return command;
 }
 
 } // namespace quillory

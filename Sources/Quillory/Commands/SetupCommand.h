@@ -6,11 +6,8 @@
 
 namespace quillory {
 
-[[nodiscard]] const CommandSyntax &setupSyntax();
-
-/// Sets Quillory up: in a window, or with questions in the terminal where there is no display or "--terminal" is given.
-/// Returns the exit status: success when nothing keeps Quillory from working afterwards.
-[[nodiscard]] int runSetupCommand(const QStringList &arguments, const CommandServices &services,
-                                  const CommandStreams &streams);
+/// "quillory setup [--terminal]": sets up what Quillory needs, in a window or, without a display, by questions in the
+/// terminal. Succeeds when nothing keeps Quillory from working afterwards.
+[[nodiscard]] const Command &setupCommand();
 
 } // namespace quillory

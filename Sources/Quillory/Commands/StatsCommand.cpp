@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/Commands/StatsCommand.h"
 
-#include "Quillory/Records/ChoiceRecords.h"
+#include "Quillory/Records/ChoiceStats.h"
 #include "Quillory/Text.h"
 
 #include <QFile>
@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <ostream>
+
+using namespace Qt::StringLiterals;
 
 namespace quillory {
 
@@ -68,7 +70,7 @@ std::string numberCell(const QString &text, qsizetype width) {
 }
 
 QString secondsText(std::optional<double> seconds) {
-    return seconds ? text::fixed(*seconds, 2) + u's' : QStringLiteral("-");
+    return seconds ? text::fixed(*seconds, 2) + u's' : u"-"_s;
 }
 
 void writeRow(std::ostream &output, const QString &model, qsizetype width, const ModelChoices &choices) {
@@ -86,9 +88,8 @@ void writeTable(std::ostream &output, const ChoiceSummary &models) {
     for (const auto &[model, choices] : models) {
         width = std::max(width, model.size());
     }
-    output << cell(QStringLiteral("Model"), width) << numberCell(QStringLiteral("Chosen"), 8)
-           << numberCell(QStringLiteral("Shown"), 8) << numberCell(QStringLiteral("Median"), 9)
-           << numberCell(QStringLiteral("90 %"), 9) << '\n';
+    output << cell(u"Model"_s, width) << numberCell(u"Chosen"_s, 8) << numberCell(u"Shown"_s, 8)
+           << numberCell(u"Median"_s, 9) << numberCell(u"90 %"_s, 9) << '\n';
     for (const auto &[model, choices] : models) {
         writeRow(output, model, width, choices);
     }
@@ -121,37 +122,33 @@ void writeJSON(std::ostream &output, const Choices &choices, const ChoiceSummary
     output << document.dump(2) << '\n';
 }
 
-} // namespace
-
-const CommandSyntax &statsSyntax() {
-    static const CommandSyntax syntax{
-        .name = QStringLiteral("stats"),
-        .forms = {{{}, QStringLiteral("show how often each model's suggestions were chosen, and how long they took")}},
-        .options = {{QStringLiteral("json"), QStringLiteral("Show the statistics as JSON.")}}};
-    return syntax;
-}
-
-int runStatsCommand(const QStringList &arguments, const QString &path, const CommandStreams &streams) {
-    const CommandArguments given(statsSyntax(), arguments, streams);
-    if (given.status()) {
-        return *given.status();
-    }
+int runStats(const CommandArguments &given, const CommandServices &services, const CommandStreams &streams) {
+    const QString path = ChoiceStats::fileURL(services.accessModel()->process.homeDirectory());
     QFile file(path);
     if (file.exists() && !file.open(QIODevice::ReadOnly)) {
-        streams.errors << "quillory: " << path.toStdString() << " cannot be read.\n";
-        return exitStatus::failure;
+        return complain(streams, path + u" cannot be read"_s, exitStatus::failure);
     }
     const Choices choices = file.isOpen() ? choicesIn(file, streams.errors) : Choices{};
-    if (given.has(QStringLiteral("json"))) {
+    if (given.has(u"json"_s)) {
         writeJSON(streams.output, choices, summary(choices.records));
         return exitStatus::success;
     }
     if (choices.records.empty()) {
-        streams.errors << "quillory: no choices have been recorded yet.\n";
-        return exitStatus::failure;
+        return complain(streams, u"no choices have been recorded yet"_s, exitStatus::failure);
     }
     writeTable(streams.output, summary(choices.records));
     return exitStatus::success;
+}
+
+} // namespace
+
+const Command &statsCommand() {
+    static const Command command{
+        .name = u"stats"_s,
+        .forms = {{{}, u"show how often each model's suggestions were chosen, and how long they took"_s}},
+        .options = {{u"json"_s, u"Show the statistics as JSON."_s}},
+        .run = runStats};
+    return command;
 }
 
 } // namespace quillory

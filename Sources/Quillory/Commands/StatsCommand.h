@@ -6,10 +6,8 @@
 
 namespace quillory {
 
-[[nodiscard]] const CommandSyntax &statsSyntax();
-
-/// Shows the choices recorded in a file, summed up for each model, as a table or, with "--json", as JSON. Damaged lines
-/// are reported on the error stream and left out. Returns the exit status.
-[[nodiscard]] int runStatsCommand(const QStringList &arguments, const QString &path, const CommandStreams &streams);
+/// "quillory stats [--json]": what the file of choices says about the models. Damaged lines are named on standard error
+/// and not counted. Fails when nothing has been recorded yet.
+[[nodiscard]] const Command &statsCommand();
 
 } // namespace quillory

@@ -11,17 +11,17 @@
 
 namespace quillory {
 
-/// What setting up does, whether a window or a terminal asks for it. What it works with outlives it. Every operation
-/// may take some seconds or wait for the user, and returns what it has once asked to stop; never call one on the main
-/// thread of a program with windows. Copies share what the last look found.
+/// What the doctor and the set-up do, whether a window or a terminal asks for it. What it works with outlives it. Every
+/// operation may take some seconds or wait for the user, and returns what it has once asked to stop; never call one on
+/// the main thread of a program with windows. Copies share what the last look found.
 class SetupWork {
   public:
-    SetupWork(platform::DesktopExamination &examination, platform::DesktopRepair &repair, const ModelAccess &access)
-        : m_examination(examination), m_repair(repair), m_access(access) {}
+    SetupWork(platform::DesktopDoctor &doctor, const ModelAccess &access) : m_doctor(doctor), m_access(access) {}
 
     [[nodiscard]] const ModelAccess &access() const { return m_access; }
 
-    /// Examines everything.
+    /// Examines everything: the desktop, the key, and whether the model service can be reached, to which it sends one
+    /// request without the key.
     [[nodiscard]] std::vector<Finding> look(const std::stop_token &stop) const;
     /// Examines the running programs alone, as long as no message box was seen: notices when one has been closed and
     /// opened again. Absent when nothing has changed since the last look.
@@ -42,8 +42,7 @@ class SetupWork {
         std::vector<Finding> findings;
     };
 
-    platform::DesktopExamination &m_examination;
-    platform::DesktopRepair &m_repair;
+    platform::DesktopDoctor &m_doctor;
     const ModelAccess &m_access;
     std::shared_ptr<LastLook> m_last = std::make_shared<LastLook>();
 };

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Linux/Doctor/Autostart.h"
 
-#include "Platform/Linux/Doctor/OwnProgram.h"
+#include "Platform/Linux/Applications/ProcessInspection.h"
 #include "Platform/Linux/Folders.h"
 
 #include <QFile>
@@ -12,7 +12,6 @@
 namespace platform::desktop::autostart {
 
 namespace {
-
 QString entryPath() {
     return QFileInfo(folders::configuration()).path() + QStringLiteral("/autostart/quillory.desktop");
 }
@@ -21,9 +20,8 @@ QString entryPath() {
 /// the quotes, and take "%" for the beginning of a field code.
 QByteArray quoted(const QString &path) {
     QString text = path;
-    for (const QString &special :
-         {QStringLiteral("\\"), QStringLiteral("\""), QStringLiteral("`"), QStringLiteral("$")}) {
-        text.replace(special, u'\\' + special);
+    for (const QChar special : {u'\\', u'"', u'`', u'$'}) {
+        text.replace(special, QString(u'\\') + special);
     }
     text.replace(u'\\', QStringLiteral("\\\\")).replace(u'%', QStringLiteral("%%"));
     return '"' + text.toUtf8() + '"';
@@ -35,13 +33,23 @@ QByteArray entry() {
            "Name=Quillory\n"
            "Comment=Better wording while you write to customers\n"
            "Exec=" +
-           quoted(ownProgram::atLogin(ownProgram::path())) +
+           quoted(programAtLogin()) +
            "\n"
            "Icon=quillory\n"
            "Terminal=false\n"
            "X-GNOME-Autostart-enabled=true\n";
 }
 
+/// The folder of the user's own copy, without symbolic links, as in /proc. Empty when there is none.
+QString ownFolder() {
+    const QString folder = QFileInfo(applications::folder()).canonicalFilePath();
+    return folder.isEmpty() ? folder : folder + u'/';
+}
+
+bool isUsersOwn(const QString &path) {
+    const QString folder = ownFolder();
+    return !folder.isEmpty() && path.startsWith(folder);
+}
 } // namespace
 
 bool isOn() {
@@ -63,6 +71,20 @@ bool set(bool on) {
     QSaveFile file(path);
     return folders::make(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) && file.write(entry()) > 0 &&
            file.commit();
+}
+
+QString program(const QString &running) {
+    const QString named = processes::withoutDeletedMark(running);
+    if (named == running || QFileInfo::exists(running)) {
+        return running;
+    }
+    const QString updated = ownFolder() + QStringLiteral("Quillory.app/quillory");
+    return !QFileInfo::exists(named) && isUsersOwn(named) && QFileInfo::exists(updated) ? updated : named;
+}
+
+QString programAtLogin(const QString &own, const QString &packaged) {
+    const QFileInfo found(packaged);
+    return isUsersOwn(own) && found.isFile() && found.isExecutable() ? packaged : own;
 }
 
 } // namespace platform::desktop::autostart

@@ -57,4 +57,11 @@ void SignalPipe::letThrough() {
     }
 }
 
+TerminationSignals::TerminationSignals(std::function<void()> terminate) {
+    QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier, [this, terminate = std::move(terminate)] {
+        m_notifier.setEnabled(false);
+        terminate();
+    });
+}
+
 } // namespace platform::desktop

@@ -4,7 +4,10 @@
 
 #include "Platform/Linux/FileDescriptor.h"
 
+#include <QSocketNotifier>
+
 #include <csignal>
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -30,6 +33,17 @@ class SignalPipe {
     FileDescriptor m_arrived;
     FileDescriptor m_note;
     std::map<int, struct sigaction> m_before;
+};
+
+/// Turns a request to end (SIGINT, SIGTERM, SIGHUP) into one call on the main thread, so that the program ends in good
+/// order: the clipboard is handed over, settings are on disk. One at a time, made on the main thread.
+class TerminationSignals {
+  public:
+    explicit TerminationSignals(std::function<void()> terminate);
+
+  private:
+    SignalPipe m_signals{{SIGINT, SIGTERM, SIGHUP}};
+    QSocketNotifier m_notifier{m_signals.descriptor(), QSocketNotifier::Read};
 };
 
 } // namespace platform::desktop

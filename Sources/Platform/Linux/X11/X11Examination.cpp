@@ -1,8 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Platform/Linux/Doctor/X11Examination.h"
+#include "Platform/Linux/X11/X11Examination.h"
 
-#include "Platform/Linux/Process/SingleInstance.h"
 #include "Platform/Linux/X11/Keys/X11Keyboard.h"
 
 namespace platform::desktop {
@@ -55,7 +54,6 @@ void examineX11(DesktopFacts &facts) {
     facts.hasTray = isOwned(connection->ofScreen("_NET_SYSTEM_TRAY_S"));
     facts.hasCompositor = isOwned(connection->ofScreen("_NET_WM_CM_S"));
     facts.hasClipboardManager = isOwned("CLIPBOARD_MANAGER");
-    facts.isRunning = SingleInstance::isThere();
     facts.canGrabTab = canGrab(*connection, keyboard, keyCode::tab);
     facts.canGrabEscape = canGrab(*connection, keyboard, keyCode::escape);
 }
@@ -73,10 +71,6 @@ std::set<qint32> processesWithWindows() {
         }
     }
     return processes;
-}
-
-bool isProgramRunning() {
-    return SingleInstance::isThere();
 }
 
 } // namespace platform::desktop

@@ -8,14 +8,10 @@
 
 namespace platform::desktop {
 
-/// Fills in what the X server knows: display, window manager, tray, compositor, clipboard manager, key grabs, and
-/// whether Quillory runs.
+/// Fills in what the X server knows: display, window manager, tray, compositor, clipboard manager and key grabs.
 void examineX11(DesktopFacts &facts);
 
 /// The processes that have windows on the X display.
 [[nodiscard]] std::set<qint32> processesWithWindows();
-
-/// Whether Quillory runs on the display; false also without a display.
-[[nodiscard]] bool isProgramRunning();
 
 } // namespace platform::desktop

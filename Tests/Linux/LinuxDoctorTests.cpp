@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Platform/Accessibility.h"
-#include "Platform/Linux/Doctor/LinuxExamination.h"
-#include "Platform/Linux/Doctor/LinuxRepair.h"
-#include "Platform/Linux/Doctor/OwnProgram.h"
+#include "Platform/Linux/Doctor/Autostart.h"
+#include "Platform/Linux/Doctor/LinuxDoctor.h"
 #include "Platform/Linux/X11/Keys/X11Keyboard.h"
 #include "Platform/Linux/X11/X11Connection.h"
 #include "RealDesktop/ChildProcess.h"
@@ -19,24 +18,23 @@ namespace {
 using namespace quillory::test;
 using namespace platform;
 
-struct DesktopExaminationTest : testing::Test {
-    desktop::LinuxExamination examination;
-    desktop::LinuxRepair repair;
+struct LinuxDoctorTest : testing::Test {
+    desktop::LinuxDoctor doctor;
 };
 
-TEST_F(DesktopExaminationTest, WritesAnEntryThatStartsTheProgramAtLogin) {
-    const DesktopFacts facts = examination.examine({});
+TEST_F(LinuxDoctorTest, WritesAnEntryThatStartsTheProgramAtLogin) {
+    const DesktopFacts facts = doctor.examine({});
     EXPECT_EQ(facts.windowManager, QStringLiteral("Openbox"));
     EXPECT_FALSE(facts.hasTray || facts.hasStatusNotifier || facts.startsAtLogin);
-    EXPECT_TRUE(repair.setStartsAtLogin(true));
-    EXPECT_TRUE(examination.examine({}).startsAtLogin);
+    EXPECT_TRUE(doctor.setStartsAtLogin(true));
+    EXPECT_TRUE(doctor.examine({}).startsAtLogin);
     const std::string entry = qEnvironmentVariable("XDG_CONFIG_HOME").toStdString() + "/autostart/quillory.desktop";
     EXPECT_EQ(run({"desktop-file-validate", entry}), 0);
-    EXPECT_TRUE(repair.setStartsAtLogin(false));
-    EXPECT_FALSE(examination.examine({}).startsAtLogin);
+    EXPECT_TRUE(doctor.setStartsAtLogin(false));
+    EXPECT_FALSE(doctor.examine({}).startsAtLogin);
 }
 
-TEST_F(DesktopExaminationTest, StartsAtLoginWhatIsStillThereAfterAnUpdate) {
+TEST_F(LinuxDoctorTest, StartsAtLoginWhatIsStillThereAfterAnUpdate) {
     const QTemporaryDir folder;
     const QByteArray before = qgetenv("XDG_DATA_HOME");
     const QString link = folder.filePath(QStringLiteral("link"));
@@ -58,22 +56,22 @@ TEST_F(DesktopExaminationTest, StartsAtLoginWhatIsStillThereAfterAnUpdate) {
         {elsewhere + QStringLiteral(" (deleted)"), elsewhere},
     };
     for (const auto &[running, path] : cases) {
-        EXPECT_EQ(desktop::ownProgram::path(running), path) << running.toStdString();
+        EXPECT_EQ(desktop::autostart::program(running), path) << running.toStdString();
     }
-    EXPECT_EQ(desktop::ownProgram::atLogin(own, QStringLiteral("/bin/true")), QStringLiteral("/bin/true"));
-    EXPECT_EQ(desktop::ownProgram::atLogin(own, QStringLiteral("/etc/passwd")), own) << "it is no program";
-    EXPECT_EQ(desktop::ownProgram::atLogin(elsewhere, QStringLiteral("/bin/true")), elsewhere);
+    EXPECT_EQ(desktop::autostart::programAtLogin(own, QStringLiteral("/bin/true")), QStringLiteral("/bin/true"));
+    EXPECT_EQ(desktop::autostart::programAtLogin(own, QStringLiteral("/etc/passwd")), own) << "it is no program";
+    EXPECT_EQ(desktop::autostart::programAtLogin(elsewhere, QStringLiteral("/bin/true")), elsewhere);
     qputenv("XDG_DATA_HOME", before);
 }
 
-TEST_F(DesktopExaminationTest, NoticesAKeyThatAnotherProgramHasAndTakesNone) {
-    EXPECT_EQ(examination.examine({}).canGrabTab, true);
+TEST_F(LinuxDoctorTest, NoticesAKeyThatAnotherProgramHasAndTakesNone) {
+    EXPECT_EQ(doctor.examine({}).canGrabTab, true);
     const auto other = desktop::X11Connection::open();
     const desktop::X11Keyboard keyboard(*other);
     xcb_grab_key(other->get(), 0, other->root(), XCB_MOD_MASK_2, keyboard.keyCodes(keyCode::tab).front(),
                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     other->sync();
-    const DesktopFacts facts = examination.examine({});
+    const DesktopFacts facts = doctor.examine({});
     EXPECT_EQ(facts.canGrabTab, false);
     EXPECT_EQ(facts.canGrabEscape, true);
     for (const xcb_keycode_t code : keyboard.keyCodes(keyCode::escape)) {
