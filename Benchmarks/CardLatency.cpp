@@ -4,7 +4,7 @@
 // views and the window are the real ones; the field that is typed into is simulated.
 #include "HalfRealDesktop.h"
 #include "Quillory/Monitor/MonitorAssembly.h"
-#include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "Quillory/UI/Card/SuggestionStackView.h"
 #include "StreamingService.h"
 
 #include <QApplication>
@@ -69,7 +69,7 @@ class WatchingHost final : public quillory::SuggestionHost, public QObject {
   private:
     std::vector<double> &m_latencies;
     const Service &m_service;
-    quillory::ui::SuggestionViewHost m_host;
+    quillory::ui::SuggestionStackView m_host;
     bool m_due = false;
     bool m_hadText = false;
 };

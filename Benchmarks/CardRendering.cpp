@@ -3,7 +3,7 @@
 // What it costs to show an answer of 2,000 characters as it streams in, with cards that change in place and with cards
 // that are made anew for each update: CPU time of the main thread, painting included.
 #include "ClockTime.h"
-#include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "Quillory/UI/Card/SuggestionStackView.h"
 
 #include <QApplication>
 
@@ -11,11 +11,11 @@
 
 namespace {
 
-using quillory::ui::SuggestionViewHost;
+using quillory::ui::SuggestionStackView;
 
 constexpr int updates = 80;
 
-void render(SuggestionViewHost &host, const QString &text) {
+void render(SuggestionStackView &host, const QString &text) {
     host.setRootView(
         {{QStringLiteral("Suggested rewrite"), text, false, std::nullopt, false}}, 420, [](int) {}, [] {});
     static_cast<QWidget *>(host.view())->show();
@@ -36,13 +36,13 @@ int main(int argc, char **argv) {
     const QApplication application(argc, argv);
     const QString sentence = QStringLiteral("Thank you for reaching out. The blue dress in size M is in stock.\n");
     const QString answer = sentence.repeated(2000 / sentence.size() + 1).left(2000);
-    SuggestionViewHost host;
+    SuggestionStackView host;
     render(host, answer);
     const double inPlace = perUpdate(answer, [&](const QString &text) { render(host, text); });
     const double onePiece =
         perUpdate(QString(answer).replace(u'\n', u' '), [&](const QString &text) { render(host, text); });
     const double afresh = perUpdate(answer, [](const QString &text) {
-        SuggestionViewHost other;
+        SuggestionStackView other;
         render(other, text);
     });
     std::printf("in place            %6.2f ms\nin place, no breaks %6.2f ms\nafresh              %6.2f ms\n", inPlace,

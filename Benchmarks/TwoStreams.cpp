@@ -4,7 +4,7 @@
 #include "ClockTime.h"
 #include "HalfRealDesktop.h"
 #include "Quillory/Monitor/MonitorAssembly.h"
-#include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "Quillory/UI/Card/SuggestionStackView.h"
 #include "StreamingService.h"
 
 #include <QApplication>
@@ -55,7 +55,7 @@ class CountingHost final : public quillory::SuggestionHost {
 
   private:
     int &m_updates;
-    quillory::ui::SuggestionViewHost m_host;
+    quillory::ui::SuggestionStackView m_host;
 };
 
 } // namespace

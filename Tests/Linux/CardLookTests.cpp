@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Quillory/UI/Card/AcceptButton.h"
+#include "Quillory/UI/Card/CardButtons.h"
 #include "Quillory/UI/Card/CardText.h"
 #include "Quillory/UI/Card/CopyMenu.h"
-#include "Quillory/UI/Card/HoverIconButton.h"
-#include "Quillory/UI/Card/KeyCap.h"
+#include "Quillory/UI/Card/KeyHints.h"
 #include "Quillory/UI/Card/RefiningIndicator.h"
-#include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "Quillory/UI/Card/SuggestionStackView.h"
 #include "Quillory/UI/Look.h"
 
 #include <QAccessible>
@@ -67,7 +66,7 @@ class CardLook : public testing::Test {
         }
     }
 
-    SuggestionViewHost host;
+    SuggestionStackView host;
     QList<int> accepted;
     int dismissed = 0;
 };
@@ -174,30 +173,27 @@ TEST_F(CardLook, KeepsToTheScreenWhateverTheTextIs) {
 }
 
 TEST_F(CardLook, KeepsControlCharactersWithinTheirParagraph) {
-    const auto positionInSecondLine = [](const QString &first) {
-        TextLines lines;
-        lines.setFont(systemFont(13.5), 3.5);
-        lines.setText(first + u"\nplain text"_s);
-        lines.layOut(300);
-        return lines.positionAt({40, lines.height() - 4}) - first.size();
-    };
-    EXPECT_EQ(positionInSecondLine(u"\u202E\u2066abc"_s), positionInSecondLine(u"abc"_s));
+    for (const QString &first : {u"abc"_s, u"\u202E\u2066abc"_s}) {
+        show({finished(first + u"\nplain text"_s)});
+        CardText *text = visible<CardText>().constFirst();
+        QTest::mouseDClick(text, Qt::LeftButton, {}, {8, text->height() - 6});
+        EXPECT_EQ(text->selectedText(), u"plain"_s);
+    }
 }
 
 TEST_F(CardLook, GrowsLikeATextSetAtOnce) {
-    const QString text = longText + u'\n' + arabicText + u"\r\n\n12\n"_s;
-    TextLines growing;
-    growing.setFont(systemFont(13.5), 3.5);
-    for (qsizetype length = 0; length <= text.size(); ++length) {
-        TextLines whole;
-        whole.setFont(systemFont(13.5), 3.5);
-        whole.setText(text.left(length));
-        whole.layOut(300);
-        growing.setText(text.left(length));
-        growing.layOut(300);
-        ASSERT_EQ(growing.height(), whole.height()) << length;
-        const QPointF place(290, whole.height() - 4);
-        ASSERT_EQ(growing.positionAt(place), whole.positionAt(place)) << length;
+    const QString full = longText + u'\n' + arabicText + u"\r\n12 \U0001F44B\U0001F3FD\n\nend"_s;
+    const auto look = [](CardText &text, const QString &shown) {
+        text.setText(shown);
+        text.resize(300, text.heightForTextWidth(300));
+        return text.grab().toImage();
+    };
+    CardText growing(nullptr);
+    growing.setStyle(systemFont(13.5), 3.5, true);
+    for (qsizetype length = 0; length <= full.size(); ++length) {
+        CardText whole(nullptr);
+        whole.setStyle(systemFont(13.5), 3.5, true);
+        ASSERT_EQ(look(growing, full.left(length)), look(whole, full.left(length))) << length;
     }
 }
 

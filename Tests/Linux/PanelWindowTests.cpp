@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Linux/XClient.h"
 #include "Platform/Linux/X11/Panel/QtPanelWindow.h"
-#include "Quillory/UI/Card/AcceptButton.h"
-#include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "Quillory/UI/Card/CardButtons.h"
+#include "Quillory/UI/Card/SuggestionStackView.h"
 
 #include <QApplication>
 #include <QPlainTextEdit>
@@ -61,7 +61,7 @@ class PanelWindow : public testing::Test {
     std::unique_ptr<platform::desktop::X11Connection> connection = platform::desktop::X11Connection::open();
     platform::desktop::X11Screens screens{*connection};
     QPlainTextEdit other;
-    ui::SuggestionViewHost host;
+    ui::SuggestionStackView host;
     platform::Size size;
     QList<int> accepted;
     platform::desktop::QtPanelWindow panel{screens};

@@ -3,7 +3,7 @@
 #include "Quillory/UI/AccessibleViews.h"
 
 #include "Quillory/UI/Card/CardText.h"
-#include "Quillory/UI/Card/KeyCap.h"
+#include "Quillory/UI/Card/KeyHints.h"
 #include "Quillory/UI/Card/RefiningIndicator.h"
 #include "Quillory/UI/Card/SuggestionCard.h"
 #include "Quillory/UI/Form/Form.h"

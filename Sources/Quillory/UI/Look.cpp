@@ -3,6 +3,7 @@
 #include "Quillory/UI/Look.h"
 
 #include <QGuiApplication>
+#include <QPainter>
 #include <QPalette>
 #include <QScreen>
 #include <QWidget>
@@ -93,6 +94,14 @@ QPainterPath continuousRoundedRect(const QRectF &rect, double radius) {
     path.cubicTo(rect.left(), rect.top() + near, rect.left() + near, rect.top(), rect.left() + far, rect.top());
     path.closeSubpath();
     return path;
+}
+
+void drawRoundedBox(QPainter &painter, const QRectF &rect, double radius, const QColor &fill, const QColor &line,
+                    double lineWidth) {
+    const double inset = lineWidth / 2;
+    painter.fillPath(continuousRoundedRect(rect, radius), fill);
+    painter.strokePath(continuousRoundedRect(rect.adjusted(inset, inset, -inset, -inset), radius - inset),
+                       QPen(line, lineWidth));
 }
 
 QEasingCurve easeOut() {

@@ -8,6 +8,7 @@
 #include <QLinearGradient>
 #include <QPainterPath>
 
+class QPainter;
 class QPalette;
 class QWidget;
 
@@ -45,6 +46,10 @@ enum class FontDesign { standard, rounded };
 
 /// A rounded rectangle whose curvature grows gently out of its edges instead of jumping where a circle would begin.
 [[nodiscard]] QPainterPath continuousRoundedRect(const QRectF &rect, double radius);
+
+/// Fills such a shape and draws a line along the inside of its edge. The painter has to antialias.
+void drawRoundedBox(QPainter &painter, const QRectF &rect, double radius, const QColor &fill, const QColor &line,
+                    double lineWidth = 1);
 
 [[nodiscard]] QEasingCurve easeOut();
 

@@ -6,7 +6,7 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QMouseEvent>
+#include <QEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -26,28 +26,29 @@ constexpr int menuMargin = 4;
 constexpr double menuRadius = 8;
 constexpr double entryRadius = 5;
 
-QString label() {
-    return QStringLiteral("Copy");
-}
-
 QFont entryFont() {
     return systemFont(12.5);
 }
 
 } // namespace
 
-CopyMenu::CopyMenu(QWidget *parent) : QWidget(parent), m_hover(*this) {
-    setFocusPolicy(Qt::NoFocus);
-    setAccessibleName(label());
+CopyMenu::CopyMenu(QWidget *parent) : HoverButton(parent) {
+    setText(QStringLiteral("Copy"));
+    setCursor(Qt::ArrowCursor);
     resize(sizeHint());
     m_hideTimer.setSingleShot(true);
-    m_hideTimer.callOnTimeout([this] { hide(); });
+    m_hideTimer.setInterval(hideDelay);
+    m_hideTimer.callOnTimeout(this, &QWidget::hide);
+    connect(this, &QAbstractButton::clicked, this, [this] {
+        QGuiApplication::clipboard()->setText(m_text);
+        hide();
+    });
     hide();
 }
 
 QSize CopyMenu::sizeHint() const {
     const QFontMetricsF metrics(entryFont());
-    return {static_cast<int>(std::ceil(metrics.horizontalAdvance(label()) + 2 * entryHorizontalPadding)),
+    return {static_cast<int>(std::ceil(metrics.horizontalAdvance(text()) + 2 * entryHorizontalPadding)),
             static_cast<int>(std::ceil(metrics.height() + 2 * entryVerticalPadding))};
 }
 
@@ -63,50 +64,38 @@ void CopyMenu::popUp(QPoint place, const QString &text) {
 void CopyMenu::paintEvent(QPaintEvent * /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    QColor ground = lookOf(*this).material;
+    const Look &look = lookOf(*this);
+    QColor ground = look.material;
     ground.setAlpha(255);
-    painter.fillPath(continuousRoundedRect(rect(), menuRadius), ground);
-    painter.setPen(QPen(faded(lookOf(*this).primary, 0.18), 1));
-    painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), menuRadius - 0.5));
+    drawRoundedBox(painter, rect(), menuRadius, ground, faded(look.primary, 0.18));
     const QRectF entry = QRectF(rect()).adjusted(menuMargin, menuMargin, -menuMargin, -menuMargin);
-    painter.fillPath(continuousRoundedRect(entry, entryRadius), faded(lookOf(*this).primary, 0.1 * m_hover.progress()));
+    painter.fillPath(continuousRoundedRect(entry, entryRadius), faded(look.primary, 0.1 * hover()));
     painter.setFont(entryFont());
-    painter.setPen(lookOf(*this).primary);
-    painter.drawText(rect(), Qt::AlignCenter, label());
+    painter.setPen(look.primary);
+    painter.drawText(rect(), Qt::AlignCenter, text());
 }
 
-void CopyMenu::enterEvent(QEnterEvent *event) {
-    m_hideTimer.stop();
-    QWidget::enterEvent(event);
-}
-
-void CopyMenu::leaveEvent(QEvent *event) {
-    m_hideTimer.start(hideDelay);
-    QWidget::leaveEvent(event);
-}
-
-void CopyMenu::mousePressEvent(QMouseEvent *event) {
-    event->accept();
-}
-
-void CopyMenu::mouseReleaseEvent(QMouseEvent *event) {
-    if (rect().contains(event->position().toPoint())) {
-        QGuiApplication::clipboard()->setText(m_text);
-        hide();
+bool CopyMenu::event(QEvent *event) {
+    switch (event->type()) {
+    case QEvent::Show:
+        qApp->installEventFilter(this);
+        m_hideTimer.start();
+        break;
+    case QEvent::Enter:
+        m_hideTimer.stop();
+        break;
+    case QEvent::Leave:
+        m_hideTimer.start();
+        break;
+    case QEvent::Hide:
+        qApp->removeEventFilter(this);
+        m_hideTimer.stop();
+        m_text.clear();
+        break;
+    default:
+        break;
     }
-}
-
-void CopyMenu::showEvent(QShowEvent *event) {
-    qApp->installEventFilter(this);
-    m_hideTimer.start(hideDelay);
-    QWidget::showEvent(event);
-}
-
-void CopyMenu::hideEvent(QHideEvent *event) {
-    qApp->removeEventFilter(this);
-    m_hideTimer.stop();
-    m_text.clear();
-    QWidget::hideEvent(event);
+    return HoverButton::event(event);
 }
 
 bool CopyMenu::eventFilter(QObject *watched, QEvent *event) {

@@ -2,16 +2,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/UI/Card/Hover.h"
+#include "Quillory/UI/Card/CardButtons.h"
 
 #include <QTimer>
-#include <QWidget>
 
 namespace quillory::ui {
 
 /// A menu with one entry, "Copy", inside the panel itself. A QMenu would grab the keyboard while the user goes on
 /// typing into the other application.
-class CopyMenu final : public QWidget {
+class CopyMenu final : public HoverButton {
   public:
     explicit CopyMenu(QWidget *parent);
     /// Offers to copy the text. place: where the menu appears, in the parent's coordinates.
@@ -20,16 +19,10 @@ class CopyMenu final : public QWidget {
 
   protected:
     void paintEvent(QPaintEvent *event) override;
-    void enterEvent(QEnterEvent *event) override;
-    void leaveEvent(QEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
+    bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
   private:
-    Hover m_hover;
     QTimer m_hideTimer;
     QString m_text;
 };

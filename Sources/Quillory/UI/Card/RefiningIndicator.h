@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QBasicTimer>
 #include <QElapsedTimer>
+#include <QTimer>
 #include <QWidget>
 
 namespace quillory::ui {
@@ -13,19 +13,14 @@ class RefiningIndicator final : public QWidget {
   public:
     explicit RefiningIndicator(QWidget *parent);
     [[nodiscard]] QSize sizeHint() const override;
-    /// The opacity of "Refining…" this long after the indicator was shown.
-    [[nodiscard]] static double opacityAt(qint64 milliseconds);
 
   protected:
     void paintEvent(QPaintEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
-    void timerEvent(QTimerEvent *event) override;
 
   private:
-    void paintSpinner(QPainter &painter) const;
-
-    QBasicTimer m_timer;
+    QTimer m_frames;
     QElapsedTimer m_sinceShown;
 };
 

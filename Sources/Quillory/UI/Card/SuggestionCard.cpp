@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Quillory/UI/Card/SuggestionCard.h"
 
-#include "Quillory/UI/Card/AcceptButton.h"
+#include "Quillory/UI/Card/CardButtons.h"
 #include "Quillory/UI/Card/CardText.h"
-#include "Quillory/UI/Card/HoverIconButton.h"
-#include "Quillory/UI/Card/KeyCap.h"
+#include "Quillory/UI/Card/KeyHints.h"
 #include "Quillory/UI/Card/RefiningIndicator.h"
 #include "Quillory/UI/Look.h"
 #include "Quillory/UI/Symbols.h"
@@ -156,9 +155,7 @@ void SuggestionCard::paintEvent(QPaintEvent * /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const Look &look = lookOf(*this);
-    painter.fillPath(continuousRoundedRect(rect(), cornerRadius), look.material);
-    painter.setPen(QPen(faded(look.primary, 0.1), 1));
-    painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius - 0.5));
+    drawRoundedBox(painter, rect(), cornerRadius, look.material, faded(look.primary, 0.1));
     paintHeader(painter);
 }
 

@@ -3,12 +3,16 @@
 #include "Quillory/UI/Card/SuggestionStackView.h"
 
 #include "Platform/PanelWindow.h"
+#include "Quillory/Panel/SuggestionPanelController.h"
+#include "Quillory/UI/AccessibleViews.h"
 #include "Quillory/UI/Card/CopyMenu.h"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QVariant>
 
 #include <algorithm>
-#include <numeric>
+#include <limits>
 
 namespace quillory::ui {
 
@@ -32,9 +36,19 @@ int fairLimit(std::vector<int> heights, int available) {
     return heights.empty() ? 0 : heights.back();
 }
 
+// It is not known here which screen the panel will be on, so it has to fit on any of them.
+int tallestPanel() {
+    int height = std::numeric_limits<int>::max();
+    for (const QScreen *screen : QGuiApplication::screens()) {
+        height = std::min(height, screen->availableGeometry().height() - 2 * static_cast<int>(panelScreenMargin));
+    }
+    return height;
+}
+
 } // namespace
 
 SuggestionStackView::SuggestionStackView() : m_copyMenu(new CopyMenu(this)) {
+    installAccessibleViews();
     setFocusPolicy(Qt::NoFocus);
     setProperty(platform::panelCornerRadiusProperty, SuggestionCard::cornerRadius);
 }
@@ -58,28 +72,34 @@ void SuggestionStackView::addCard() {
     card->show();
 }
 
-void SuggestionStackView::setContent(const SuggestionCards &cards, std::function<void(int)> onAccept,
-                                     std::function<void()> onDismiss) {
+platform::Size SuggestionStackView::setRootView(const SuggestionCards &cards, double width,
+                                                std::function<void(int)> onAccept, std::function<void()> onDismiss) {
     m_onAccept = std::move(onAccept);
     m_onDismiss = std::move(onDismiss);
-    while (m_cards.size() > static_cast<std::size_t>(cards.size())) {
+    setCount(static_cast<std::size_t>(cards.size()));
+    for (std::size_t i = 0; i < m_cards.size(); ++i) {
+        m_cards[i]->setData(cards.at(static_cast<qsizetype>(i)), i == 0);
+    }
+    layOut(qRound(width));
+    return {static_cast<double>(this->width()), static_cast<double>(height())};
+}
+
+void SuggestionStackView::setCount(std::size_t count) {
+    while (m_cards.size() > count) {
         // Not deleted at once: the click that removes a card may come from its own button.
         m_cards.back()->hide();
         m_cards.back()->deleteLater();
         m_cards.pop_back();
     }
-    while (m_cards.size() < static_cast<std::size_t>(cards.size())) {
+    while (m_cards.size() < count) {
         addCard();
-    }
-    for (qsizetype i = 0; i < cards.size(); ++i) {
-        m_cards[static_cast<std::size_t>(i)]->setData(cards.at(i), i == 0);
     }
 }
 
-std::vector<SuggestionCard::Heights> SuggestionStackView::cardHeights(int width, int maxHeight) {
+std::vector<SuggestionCard::Heights> SuggestionStackView::cardHeights(int width) {
     std::vector<SuggestionCard::Heights> heights;
     std::vector<int> texts;
-    int available = maxHeight - cardGap * (static_cast<int>(m_cards.size()) - 1);
+    int available = tallestPanel() - cardGap * (static_cast<int>(m_cards.size()) - 1);
     for (SuggestionCard *card : m_cards) {
         heights.push_back(card->heightsFor(width));
         texts.push_back(heights.back().text);
@@ -92,8 +112,8 @@ std::vector<SuggestionCard::Heights> SuggestionStackView::cardHeights(int width,
     return heights;
 }
 
-void SuggestionStackView::layOut(int width, int maxHeight) {
-    const auto heights = cardHeights(width, maxHeight);
+void SuggestionStackView::layOut(int width) {
+    const auto heights = cardHeights(width);
     int y = 0;
     for (std::size_t i = 0; i < m_cards.size(); ++i) {
         m_cards[i]->layOut(width, heights[i]);

@@ -2,32 +2,33 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/Panel/SuggestionCardData.h"
+#include "Quillory/Panel/SuggestionHost.h"
 #include "Quillory/UI/Card/SuggestionCard.h"
 
 #include <QWidget>
 
-#include <functional>
 #include <vector>
 
 namespace quillory::ui {
 
 class CopyMenu;
 
-/// The cards of one set of suggestions, one below the other.
-class SuggestionStackView final : public QWidget {
+/// The cards of one set of suggestions, one below the other, drawn with Qt Widgets. Cards that look the same as before
+/// are left alone; the ones that changed change in place. Where a screen is too low for all, the longest texts get less
+/// and scroll.
+class SuggestionStackView final : public QWidget, public SuggestionHost {
   public:
     SuggestionStackView();
 
-    /// Shows these cards. onAccept is called with the index of the card whose button was clicked.
-    void setContent(const SuggestionCards &cards, std::function<void(int)> onAccept, std::function<void()> onDismiss);
-    /// Resizes the stack to this width and to the height that its cards need. Where that exceeds maxHeight, the longest
-    /// texts get less and scroll.
-    void layOut(int width, int maxHeight);
+    platform::Size setRootView(const SuggestionCards &cards, double width, std::function<void(int)> onAccept,
+                               std::function<void()> onDismiss) override;
+    [[nodiscard]] QObject *view() override { return this; }
 
   private:
+    void setCount(std::size_t count);
     void addCard();
-    [[nodiscard]] std::vector<SuggestionCard::Heights> cardHeights(int width, int maxHeight);
+    void layOut(int width);
+    [[nodiscard]] std::vector<SuggestionCard::Heights> cardHeights(int width);
     void publishShape();
 
     std::vector<SuggestionCard *> m_cards;

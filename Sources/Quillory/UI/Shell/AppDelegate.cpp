@@ -6,7 +6,7 @@
 #include "Platform/StatusBar.h"
 #include "Quillory/Records/FileLog.h"
 #include "Quillory/Text.h"
-#include "Quillory/UI/Card/SuggestionViewHost.h"
+#include "Quillory/UI/Card/SuggestionStackView.h"
 #include "Quillory/UI/Form/FormStyle.h"
 #include "Quillory/UI/Settings/SettingsWindow.h"
 #include "Quillory/UI/Shell/MenuWindow.h"
@@ -30,7 +30,7 @@ constexpr std::chrono::seconds untilSettled{2};
 
 AppDelegate::AppDelegate(const platform::Platform &desktop, AppActions actions)
     : m_desktop(desktop), m_actions(std::move(actions)),
-      m_assembly(desktop, [] { return std::make_unique<SuggestionViewHost>(); }) {}
+      m_assembly(desktop, [] { return std::make_unique<SuggestionStackView>(); }) {}
 
 AppDelegate::~AppDelegate() = default;
 

@@ -2,23 +2,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "Quillory/UI/Card/Hover.h"
-
-#include <QAbstractButton>
+#include <QWidget>
 
 namespace quillory::ui {
 
-/// The capsule-shaped button that accepts a suggestion. While disabled it is dimmed and ignores clicks.
-class AcceptButton final : public QAbstractButton {
+/// "Tab accept, Esc dismiss", with the keys as they look on a keyboard.
+class KeyHints final : public QWidget {
   public:
-    explicit AcceptButton(QWidget *parent);
+    explicit KeyHints(QWidget *parent);
     [[nodiscard]] QSize sizeHint() const override;
 
   protected:
     void paintEvent(QPaintEvent *event) override;
-
-  private:
-    Hover m_hover;
 };
 
 } // namespace quillory::ui
