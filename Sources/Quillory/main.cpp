@@ -18,7 +18,7 @@
 #include "Quillory/Records/FileLog.h"
 #include "Quillory/UI/Setup/SetupWindow.h"
 #include "Quillory/UI/Shell/AppDelegate.h"
-#include "Quillory/UI/Shell/BringToFront.h"
+#include "Quillory/UI/Shell/Windows.h"
 #include "Quillory/Updates/UpdateChecker.h"
 #include "Quillory/Updates/VersionHistory.h"
 

@@ -90,9 +90,8 @@ class FormBox final : public QWidget {
         painter.setRenderHint(QPainter::Antialiasing);
         const bool dark = isDark(palette());
         const QColor line = faded(lookOf(*this).primary, dark ? 0.10 : 0.08);
-        painter.setPen(QPen(line, 1));
-        painter.setBrush(mixed(palette().color(QPalette::Window), Qt::white, dark ? 0.05 : 0.6));
-        painter.drawPath(continuousRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), boxRadius));
+        drawRoundedBox(painter, rect(), boxRadius,
+                       mixed(palette().color(QPalette::Window), Qt::white, dark ? 0.05 : 0.6), line);
         bool isFirst = true;
         for (int i = 0; i < m_rows->count(); ++i) {
             const QLayoutItem &row = *m_rows->itemAt(i);
@@ -281,6 +280,18 @@ QBoxLayout *FormSection::addRow(QBoxLayout::Direction direction) {
     row->setMinimumHeight(scaled(rowHeight));
     addRow(row);
     return content;
+}
+
+QWidget *newFormPage(std::initializer_list<FormSection *> sections) {
+    auto *const page = new QWidget;
+    auto *const column = new QVBoxLayout(page);
+    column->setContentsMargins(pageMargins());
+    column->setSpacing(sectionGap);
+    for (FormSection *section : sections) {
+        column->addWidget(section);
+    }
+    column->addStretch();
+    return page;
 }
 
 QMargins rowMargins() {

@@ -5,6 +5,8 @@
 #include <QBoxLayout>
 #include <QLabel>
 
+#include <initializer_list>
+
 class QScrollArea;
 
 /// What grouped forms are put together from: sections of rows in boxes with round corners, a heading above and a footer
@@ -71,6 +73,9 @@ class FormSection : public QWidget {
   private:
     QBoxLayout *m_rows;
 };
+
+/// A page of sections, one below the other.
+[[nodiscard]] QWidget *newFormPage(std::initializer_list<FormSection *> sections);
 
 /// The space around the content of a row, and around and between the sections of a page.
 [[nodiscard]] QMargins rowMargins();

@@ -242,50 +242,16 @@ void paintSlider(const Drawing &drawing, const QStyleOptionSlider &option, const
     }
 }
 
-/// The handle takes the whole length of the bar, which has no buttons.
-QRect scrollHandle(const QStyleOptionSlider &option) {
-    const bool isUpright = option.orientation == Qt::Vertical;
-    const int length = isUpright ? option.rect.height() : option.rect.width();
-    const double range = double(option.maximum) - option.minimum + option.pageStep;
-    const int handle =
-        std::min(length, std::max(leastScrollHandle, int(length * option.pageStep / std::max(range, 1.0))));
-    const int start = QStyle::sliderPositionFromValue(option.minimum, option.maximum, option.sliderPosition,
-                                                      length - handle, option.upsideDown);
-    const QRect &bar = option.rect;
-    return isUpright ? QRect(bar.left(), bar.top() + start, bar.width(), handle)
-                     : QRect(bar.left() + start, bar.top(), handle, bar.height());
-}
-
 /// Only a handle, and nothing at all while there is nothing to scroll.
-void paintScrollBar(const Drawing &drawing, const QStyleOptionSlider &option) {
+void paintScrollBar(const Drawing &drawing, const QStyleOptionSlider &option, const QRectF &slider) {
     if (option.maximum <= option.minimum) {
         return;
     }
-    const QRectF slider(scrollHandle(option));
     const bool isUpright = option.orientation == Qt::Vertical;
     const double side = ((isUpright ? slider.width() : slider.height()) - scrollHandleExtent) / 2;
     const QRectF handle = isUpright ? slider.adjusted(side, 2, -side, -2) : slider.adjusted(2, side, -2, -side);
     const bool isPressed = option.state & QStyle::State_Sunken;
     drawing.fill(handle, scrollHandleExtent / 2, ink(option, isPressed ? 0.55 : isHovered(option) ? 0.45 : 0.35));
-}
-
-QRect scrollBarPart(const QStyleOptionSlider &option, QStyle::SubControl part) {
-    const QRect handle = scrollHandle(option);
-    QRect rest = option.rect;
-    switch (part) {
-    case QStyle::SC_ScrollBarSlider:
-        return handle;
-    case QStyle::SC_ScrollBarGroove:
-        return rest;
-    case QStyle::SC_ScrollBarSubPage:
-        option.orientation == Qt::Vertical ? rest.setBottom(handle.top() - 1) : rest.setRight(handle.left() - 1);
-        return rest;
-    case QStyle::SC_ScrollBarAddPage:
-        option.orientation == Qt::Vertical ? rest.setTop(handle.bottom() + 1) : rest.setLeft(handle.right() + 1);
-        return rest;
-    default:
-        return {};
-    }
 }
 
 QRect stepperPart(QRect rect, QStyle::SubControl part) {
@@ -367,7 +333,7 @@ void FormStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
     } else if (control == CC_Slider && slider != nullptr) {
         paintSlider(Drawing(painter), *slider, subControlRect(CC_Slider, option, SC_SliderHandle, widget));
     } else if (control == CC_ScrollBar && slider != nullptr) {
-        paintScrollBar(Drawing(painter), *slider);
+        paintScrollBar(Drawing(painter), *slider, subControlRect(CC_ScrollBar, option, SC_ScrollBarSlider, widget));
     } else {
         QProxyStyle::drawComplexControl(control, option, painter, widget);
     }
@@ -383,10 +349,6 @@ QRect FormStyle::subElementRect(SubElement element, const QStyleOption *option, 
 
 QRect FormStyle::subControlRect(ComplexControl control, const QStyleOptionComplex *option, SubControl part,
                                 const QWidget *widget) const {
-    const auto *slider = qstyleoption_cast<const QStyleOptionSlider *>(option);
-    if (control == CC_ScrollBar && slider != nullptr) {
-        return scrollBarPart(*slider, part);
-    }
     if (control == CC_SpinBox) {
         return stepperPart(option->rect, part);
     }
@@ -431,6 +393,8 @@ int FormStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const
         return scaled(sliderExtent);
     case PM_ScrollBarExtent:
         return scrollBarExtent;
+    case PM_ScrollBarSliderMin:
+        return leastScrollHandle;
     case PM_ButtonIconSize:
     case PM_TabBarIconSize:
         return qRound(symbolSide(bodyPoints * textScale()));

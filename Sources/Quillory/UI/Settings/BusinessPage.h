@@ -2,27 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QWidget>
-
 class QScrollArea;
+class QWidget;
 
 namespace quillory::ui {
 
 class SettingsBinding;
-class TextField;
 
-/// The sections of the tab "Business".
-class BusinessPage final : public QWidget {
-  public:
-    /// area: the scroll area that the page is put into.
-    BusinessPage(SettingsBinding &binding, QScrollArea &area);
-
-  private:
-    [[nodiscard]] QWidget *profileSection(SettingsBinding &binding);
-
-    TextField *m_profile;
-    /// The profile as it was last shown or stored.
-    QString m_shownProfile;
-};
+/// The sections of the tab "Business". The binding outlives them. area: the scroll area that the page is put into.
+[[nodiscard]] QWidget *newBusinessPage(SettingsBinding &binding, QScrollArea &area);
 
 } // namespace quillory::ui

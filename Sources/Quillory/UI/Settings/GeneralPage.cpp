@@ -78,18 +78,7 @@ QSlider *delaySlider(SettingsBinding &binding) {
     return slider;
 }
 
-} // namespace
-
-GeneralPage::GeneralPage(SettingsBinding &binding) {
-    auto *const column = new QVBoxLayout(this);
-    column->setContentsMargins(pageMargins());
-    column->setSpacing(sectionGap);
-    column->addWidget(behaviorSection(binding));
-    column->addWidget(new StatusSection(binding));
-    column->addStretch();
-}
-
-QWidget *GeneralPage::behaviorSection(SettingsBinding &binding) {
+FormSection *newBehaviorSection(SettingsBinding &binding) {
     auto *const section = new FormSection(QStringLiteral("Behavior"));
     section->addRow(switchFor(QStringLiteral("&Enable suggestions"), settingsKey::enabled, binding));
     section->addRow(switchFor(QStringLiteral("&Suggest replies in WhatsApp"), settingsKey::assistantMode, binding));
@@ -121,9 +110,15 @@ QWidget *GeneralPage::behaviorSection(SettingsBinding &binding) {
         const QSignalBlocker quiet(characters);
         characters->setValue(within(stored, fewestCharacters, mostCharacters));
     });
-    connect(characters, &QSpinBox::valueChanged, this,
-            [&binding](int value) { binding.set(settingsKey::minChars, qint64{value}); });
+    QObject::connect(characters, &QSpinBox::valueChanged, characters,
+                     [&binding](int value) { binding.set(settingsKey::minChars, qint64{value}); });
     return section;
+}
+
+} // namespace
+
+QWidget *newGeneralPage(SettingsBinding &binding) {
+    return newFormPage({newBehaviorSection(binding), new StatusSection(binding)});
 }
 
 } // namespace quillory::ui

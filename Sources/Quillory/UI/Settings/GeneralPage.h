@@ -2,19 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QWidget>
+class QWidget;
 
 namespace quillory::ui {
 
 class SettingsBinding;
 
-/// The sections of the tab "General".
-class GeneralPage final : public QWidget {
-  public:
-    explicit GeneralPage(SettingsBinding &binding);
-
-  private:
-    [[nodiscard]] QWidget *behaviorSection(SettingsBinding &binding);
-};
+/// The sections of the tab "General". The binding outlives them.
+[[nodiscard]] QWidget *newGeneralPage(SettingsBinding &binding);
 
 } // namespace quillory::ui

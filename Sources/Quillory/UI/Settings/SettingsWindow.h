@@ -2,13 +2,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "Platform/MainQueue.h"
 #include "Quillory/UI/Settings/SettingsBinding.h"
 
 #include <QWidget>
 
+class QStackedWidget;
+class QTabBar;
+
 namespace quillory::ui {
 
-/// The settings window. Closing it only hides it, with all its state.
+class FormText;
+
+/// The settings window: two tabs, each a grouped form that scrolls when it does not fit. While it is visible it follows
+/// what is stored. Closing it only hides it, with all its state.
 class SettingsWindow final : public QWidget {
   public:
     /// In the middle of the screen that the pointer is on.
@@ -17,10 +24,20 @@ class SettingsWindow final : public QWidget {
     void makeKeyAndOrderFront();
 
   protected:
-    void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
   private:
-    platform::Workspace &m_workspace;
+    void addTab(const QString &symbol, const QString &label);
+    void showTab(int index);
+    void chooseTabsByKeys();
+    void refresh();
+
+    SettingsBinding m_binding;
+    QTabBar *m_tabs;
+    QStackedWidget *m_pages;
+    FormText *m_warning;
+    platform::RegistrationHandle m_beat;
 };
 
 } // namespace quillory::ui

@@ -4,20 +4,16 @@
 
 #include "Quillory/UI/Form/Form.h"
 #include "Quillory/UI/Form/FormStyle.h"
-#include "Quillory/UI/Setup/FindingRow.h"
 #include "Quillory/UI/Setup/KeySection.h"
 #include "Quillory/UI/Shell/StatusItem.h"
+#include "Quillory/UI/Shell/Windows.h"
+#include "Quillory/UI/Symbols.h"
 
-#include <QCursor>
-#include <QGuiApplication>
+#include <QGridLayout>
 #include <QIcon>
-#include <QKeyEvent>
-#include <QMessageBox>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QVBoxLayout>
 
 #include <algorithm>
 #include <chrono>
@@ -29,10 +25,38 @@ namespace {
 constexpr QSize initialSize(600, 640);
 constexpr std::chrono::seconds watchInterval(2);
 
-/// Asks the user before anything that may lose some of their work.
-bool isAgreed(QWidget *parent, const Offer &offer) {
-    return offer.isHarmless ||
-           QMessageBox::question(parent, QStringLiteral("Quillory"), offer.question) == QMessageBox::Yes;
+/// Host names stay as they are.
+QString withCapital(const QString &text) {
+    return text.section(u' ', 0, 0).contains(u'.') ? text : text.left(1).toUpper() + text.mid(1);
+}
+
+/// One finding: how it stands, what was found, what to do, and a button for what can be done about it here.
+QWidget *newFindingRow(const Finding &finding, std::function<void()> repair) {
+    auto *const row = new QWidget;
+    auto *const grid = new QGridLayout(row);
+    grid->setContentsMargins(rowMargins());
+    grid->setHorizontalSpacing(8);
+    grid->setVerticalSpacing(2);
+    grid->setColumnStretch(0, 1);
+    auto *const title = new FormText(finding.title, bodyPoints);
+    const bool isGood = finding.state == Finding::State::good;
+    const Tint unwell = finding.state == Finding::State::note ? Tint::secondary : Tint::warning;
+    title->setSymbol(isGood ? symbolName::done : symbolName::warning, isGood ? Tint::good : unwell);
+    grid->addWidget(title, 0, 0);
+    // A button says what to do better than a command to type.
+    const auto offer = offerFor(finding);
+    const QString advice = offer || finding.advice.isEmpty() ? QString() : u'\n' + finding.advice;
+    auto *const found = new FormText(withCapital(finding.found) + advice, captionPoints, Tint::secondary);
+    found->setIndent(title->indent());
+    grid->addWidget(found, 1, 0);
+    if (offer) {
+        auto *const button = new QPushButton(offer->label);
+        button->setAutoDefault(false);
+        button->setAccessibleName(finding.title + QStringLiteral(": ") + offer->label);
+        QObject::connect(button, &QPushButton::clicked, row, std::move(repair));
+        grid->addWidget(button, 0, 1, 2, 1, Qt::AlignVCenter);
+    }
+    return row;
 }
 } // namespace
 
@@ -56,10 +80,8 @@ SetupWindow::SetupWindow(SetupWork work, platform::MainQueue &mainQueue)
     column->addWidget(m_list, 1);
     column->addWidget(bottom);
     resize(initialSize);
-    const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
-    const QRect room = (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
-    resize(size().boundedTo(room.size() * 0.9));
-    move(room.center() - rect().center());
+    placeAtPointer(*this);
+    closeByKeys(*this);
     m_key->focusField();
     connect(&m_watchTimer, &QTimer::timeout, this, &SetupWindow::watch);
     m_watchTimer.start(watchInterval);
@@ -134,7 +156,7 @@ void SetupWindow::show(std::vector<Finding> findings) {
     column->setContentsMargins(0, 0, 0, 0);
     auto *const section = new FormSection(QStringLiteral("What Quillory needs"));
     for (const Finding &finding : findings) {
-        section->addRow(new FindingRow(finding, [this](const Finding &chosen) { mend(chosen); }));
+        section->addRow(newFindingRow(finding, [this, finding] { repair(finding); }));
     }
     column->addWidget(section);
     column->addStretch(1);
@@ -160,19 +182,15 @@ void SetupWindow::orderFocus(const QWidget &page) {
         setTabOrder(m_again, m_close);
     }
     const QWidget *const focused = focusWidget();
-    const bool hasMended = std::exchange(m_hasMended, false);
-    if (focused == nullptr || (hasMended && !m_key->isAncestorOf(focused))) {
+    const bool hasRepaired = std::exchange(m_hasRepaired, false);
+    if (focused == nullptr || (hasRepaired && !m_key->isAncestorOf(focused))) {
         (buttons.isEmpty() ? m_close : buttons.first())->setFocus(Qt::TabFocusReason);
     }
 }
 
-void SetupWindow::mend(const Finding &finding) {
-    const auto offer = offerFor(finding);
+void SetupWindow::repair(const Finding &finding) {
     if (finding.remedy == Remedy::enterKey) {
         m_key->focusField();
-        return;
-    }
-    if (!offer || !isAgreed(this, *offer)) {
         return;
     }
     start(
@@ -180,7 +198,7 @@ void SetupWindow::mend(const Finding &finding) {
         [work = m_work, finding](const std::stop_token &stop) { return work.repair(finding, stop); },
         [this](const QString &outcome) {
             m_outcome = outcome;
-            m_hasMended = true;
+            m_hasRepaired = true;
             look();
         });
 }
@@ -219,14 +237,6 @@ void SetupWindow::holdFocus() {
     m_pressed = qobject_cast<QPushButton *>(focusWidget());
     if (m_pressed != nullptr) {
         m_pressed->clearFocus();
-    }
-}
-
-void SetupWindow::keyPressEvent(QKeyEvent *event) {
-    if (event->key() == Qt::Key_Escape || event->keyCombination() == QKeyCombination(Qt::CTRL, Qt::Key_W)) {
-        close();
-    } else {
-        QWidget::keyPressEvent(event);
     }
 }
 

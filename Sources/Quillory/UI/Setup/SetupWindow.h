@@ -19,8 +19,8 @@ namespace quillory::ui {
 class FormText;
 class KeySection;
 
-/// Shows what the program needs, with a button at each line that can be mended, and takes the API key. The work runs on
-/// threads of its own, one piece at a time.
+/// Shows what the program needs, with a button at each line that can be put right here, and takes the API key. The work
+/// runs on threads of its own, one piece at a time.
 class SetupWindow final : public QWidget {
   public:
     /// What the work uses outlives the window, and so does the queue.
@@ -30,9 +30,6 @@ class SetupWindow final : public QWidget {
     /// Whether everything was in order when it was last looked at.
     [[nodiscard]] bool canWork() const { return m_canWork; }
 
-  protected:
-    void keyPressEvent(QKeyEvent *event) override;
-
   private:
     /// Runs work off the main thread, then done() on it with what came of it.
     template <typename Work, typename Done> void start(const QString &said, Work work, Done done);
@@ -40,7 +37,7 @@ class SetupWindow final : public QWidget {
     void watch();
     void show(std::vector<Finding> findings);
     void orderFocus(const QWidget &page);
-    void mend(const Finding &finding);
+    void repair(const Finding &finding);
     void saveKey(const QString &typed);
     void setBusy(bool isBusy, const QString &said);
     void holdFocus();
@@ -59,7 +56,7 @@ class SetupWindow final : public QWidget {
     bool m_isWatching = false;
     QTimer m_watchTimer;
     bool m_canWork = false;
-    bool m_hasMended = false;
+    bool m_hasRepaired = false;
     /// What the last change said, shown until the next one.
     QString m_outcome;
     platform::LifeToken m_life;

@@ -70,14 +70,14 @@ void AppDelegate::launchSetup() {
 
 void AppDelegate::setUpStatusItem() {
     m_menu = std::make_unique<StatusMenu>();
-    m_enabledItem = m_menu->addToggle(QStringLiteral("Suggestions Enabled"), [this] { toggleEnabled(); });
-    m_compareItem = m_menu->addToggle(QStringLiteral("Compare Two Models"), [this] { toggleCompare(); });
+    m_enabledItem = m_menu->addToggle(QStringLiteral("Suggestions Enabled"), [this] { flip(settingsKey::enabled); });
+    m_compareItem = m_menu->addToggle(QStringLiteral("Compare Two Models"), [this] { flip(settingsKey::compareMode); });
     m_accessItem =
         m_menu->addItem(QStringLiteral("Grant Accessibility Access…"), [this] { openAccessibilitySettings(); });
     m_menu->addSeparator();
     m_menu->addItem(
         QStringLiteral("Settings…"), [this] { openSettings(); }, Qt::Key_Comma);
-    m_menu->addItem(QStringLiteral("Check for Updates…"), [this] { checkForUpdates(); })
+    m_menu->addItem(QStringLiteral("Check for Updates…"), [this] { m_actions.check(true); })
         ->setEnabled(m_actions.check != nullptr);
     m_menu->addSeparator();
     m_menu->addItem(
@@ -114,16 +114,7 @@ void AppDelegate::menuNeedsUpdate() {
 void AppDelegate::flip(const QString &key) {
     platform::UserDefaults &store = m_assembly.settings.store();
     store.set(key, !store.boolean(key));
-}
-
-void AppDelegate::toggleEnabled() {
-    flip(settingsKey::enabled);
     menuNeedsUpdate(); // Qt has toggled the item's own mark, which may differ from what is stored
-}
-
-void AppDelegate::toggleCompare() {
-    flip(settingsKey::compareMode);
-    menuNeedsUpdate();
 }
 
 void AppDelegate::openAccessibilitySettings() {
@@ -137,10 +128,6 @@ void AppDelegate::openSettings() {
             m_assembly.settings, m_assembly.client, m_desktop.accessibility, m_desktop.mainQueue, m_desktop.workspace});
     }
     m_settingsWindow->makeKeyAndOrderFront();
-}
-
-void AppDelegate::checkForUpdates() {
-    m_actions.check(true);
 }
 
 void AppDelegate::applicationDidReopen() {

@@ -43,14 +43,12 @@ class AppDelegate {
   private:
     void setUpStatusItem();
     void menuNeedsUpdate();
-    void toggleEnabled();
-    void toggleCompare();
     void openAccessibilitySettings();
     void openSettings();
-    void checkForUpdates();
     void openMenu();
     void tellOfMissingTray();
     [[nodiscard]] bool lacksSetup() const;
+    /// Changes a setting that is on or off to the opposite.
     void flip(const QString &key);
     void launchSetup();
 

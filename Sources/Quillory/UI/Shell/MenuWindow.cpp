@@ -3,31 +3,32 @@
 #include "Quillory/UI/Shell/MenuWindow.h"
 
 #include "Quillory/UI/AccessibleViews.h"
-#include "Quillory/UI/Form/Form.h"
-#include "Quillory/UI/Look.h"
-#include "Quillory/UI/Symbols.h"
+#include "Quillory/UI/Shell/Windows.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
+#include <QStyleOptionMenuItem>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace quillory::ui {
 
 namespace {
 
-constexpr int menuWindowMargin = 5;
-constexpr int menuRowPadding = 5;
-constexpr double checkColumn = 26;
-constexpr int keyGap = 30;
+QString keyOf(const QAction &item) {
+    return item.shortcut().toString(QKeySequence::NativeText);
+}
 
+/// An item, drawn by the style as in a menu.
 class MenuRow final : public QAbstractButton {
   public:
-    MenuRow(QAction &item, QWidget *parent) : QAbstractButton(parent), m_item(item) {
+    /// keyWidth: the room for keys, which is the same in all rows.
+    MenuRow(QAction &item, int keyWidth) : m_item(item), m_keyWidth(keyWidth) {
         setFocusPolicy(Qt::StrongFocus);
-        setFont(formFont(bodyPoints));
         setText(item.text());
         setCheckable(item.isCheckable());
         setEnabled(item.isEnabled());
@@ -37,10 +38,9 @@ class MenuRow final : public QAbstractButton {
     }
 
     [[nodiscard]] QSize sizeHint() const override {
-        const QFontMetrics metrics(font());
-        return {scaled(checkColumn) + metrics.horizontalAdvance(text()) + keyGap + metrics.horizontalAdvance(key()) +
-                    menuWindowMargin * 2,
-                metrics.height() + 2 * scaled(menuRowPadding)};
+        const QStyleOptionMenuItem item = option();
+        const QSize contents(fontMetrics().horizontalAdvance(text()) + m_keyWidth, fontMetrics().height());
+        return style()->sizeFromContents(QStyle::CT_MenuItem, &item, contents, this);
     }
 
   protected:
@@ -48,45 +48,37 @@ class MenuRow final : public QAbstractButton {
     void enterEvent(QEnterEvent * /*event*/) override { setFocus(Qt::MouseFocusReason); }
     void paintEvent(QPaintEvent * /*event*/) override {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const bool isChosen = isEnabled() && hasFocus();
-        if (isChosen) {
-            painter.fillPath(continuousRoundedRect(rect(), 6), palette().color(QPalette::Highlight));
-        }
-        const QColor plain = isEnabled() ? lookOf(*this).primary : lookOf(*this).tertiary;
-        const QColor color = isChosen ? palette().color(QPalette::HighlightedText) : plain;
-        if (isChecked()) {
-            const double side = symbolSide(10 * textScale());
-            drawSymbol(painter, {(scaled(checkColumn) - side) / 2, (height() - side) / 2, side, side},
-                       symbolName::checkmark, color);
-        }
-        const QRect texts = rect().adjusted(scaled(checkColumn), 0, -menuWindowMargin * 2, 0);
-        painter.setPen(color);
-        painter.drawText(texts, Qt::AlignLeft | Qt::AlignVCenter, text());
-        painter.setPen(isChosen ? color : lookOf(*this).tertiary);
-        painter.drawText(texts, Qt::AlignRight | Qt::AlignVCenter, key());
+        const QStyleOptionMenuItem item = option();
+        style()->drawControl(QStyle::CE_MenuItem, &item, &painter, this);
     }
 
   private:
+    [[nodiscard]] QStyleOptionMenuItem option() const {
+        QStyleOptionMenuItem option;
+        option.initFrom(this);
+        option.state.setFlag(QStyle::State_Selected, isEnabled() && hasFocus());
+        option.text = text() + u'\t' + keyOf(m_item);
+        option.font = font();
+        option.menuHasCheckableItems = true;
+        option.checkType = isCheckable() ? QStyleOptionMenuItem::NonExclusive : QStyleOptionMenuItem::NotCheckable;
+        option.checked = isChecked();
+        option.reservedShortcutWidth = m_keyWidth;
+        return option;
+    }
     void follow() {
         setChecked(m_item.isChecked());
         setVisible(m_item.isVisible());
     }
-    [[nodiscard]] QString key() const { return m_item.shortcut().toString(QKeySequence::NativeText); }
 
     QAction &m_item;
+    int m_keyWidth;
 };
 
-class MenuLine final : public QWidget {
-  public:
-    explicit MenuLine(QWidget *parent) : QWidget(parent) { setFixedHeight(2 * menuWindowMargin + 1); }
-
-  protected:
-    void paintEvent(QPaintEvent * /*event*/) override {
-        QPainter(this).fillRect(2 * menuWindowMargin, menuWindowMargin, width() - 4 * menuWindowMargin, 1,
-                                faded(lookOf(*this).primary, 0.12));
-    }
-};
+QWidget *newLine() {
+    auto *const line = new QFrame;
+    line->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
+    return line;
+}
 
 } // namespace
 
@@ -95,10 +87,11 @@ MenuWindow::MenuWindow(QMenu &menu)
       m_menu(menu) {
     installAccessibleViews();
     setWindowTitle(QStringLiteral("Quillory"));
+    closeByKeys(*this);
     addActions(menu.actions()); // for their keys
     connect(&m_looks, &QTimer::timeout, &menu, &QMenu::aboutToShow);
     auto *const rows = new QVBoxLayout(this);
-    rows->setContentsMargins(menuWindowMargin, menuWindowMargin, menuWindowMargin, menuWindowMargin);
+    rows->setContentsMargins(5, 5, 5, 5);
     rows->setSpacing(0);
     rows->setSizeConstraint(QLayout::SetFixedSize);
 }
@@ -113,9 +106,12 @@ void MenuWindow::open() {
 }
 
 void MenuWindow::addRows() {
+    int keyWidth = 0;
+    for (const QAction *item : m_menu.actions()) {
+        keyWidth = std::max(keyWidth, fontMetrics().horizontalAdvance(keyOf(*item)));
+    }
     for (QAction *item : m_menu.actions()) {
-        layout()->addWidget(item->isSeparator() ? static_cast<QWidget *>(new MenuLine(this))
-                                                : new MenuRow(*item, this));
+        layout()->addWidget(item->isSeparator() ? newLine() : new MenuRow(*item, keyWidth));
     }
 }
 
@@ -133,9 +129,6 @@ void MenuWindow::hideEvent(QHideEvent *event) {
 
 void MenuWindow::keyPressEvent(QKeyEvent *event) {
     switch (event->key()) {
-    case Qt::Key_Escape:
-        close();
-        break;
     case Qt::Key_Down:
         focusNextChild();
         break;

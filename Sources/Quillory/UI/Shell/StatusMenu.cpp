@@ -9,7 +9,7 @@ namespace quillory::ui {
 
 QAction *StatusMenu::addItem(const QString &title, std::function<void()> action, Qt::Key key) {
     QAction *item = addAction(title);
-    // On some desktops the toolkit would move an item by what its title sounds like.
+    // On some desktops Qt would move an item by what its title sounds like.
     item->setMenuRole(QAction::NoRole);
     if (key != Qt::Key(0)) {
         item->setShortcut(QKeyCombination(Qt::CTRL, key));
@@ -27,7 +27,7 @@ QAction *StatusMenu::addToggle(const QString &title, std::function<void()> actio
 
 void StatusMenu::actionEvent(QActionEvent *event) {
     QMenu::actionEvent(event);
-    // With a large font the toolkit's style reserves a little less than it draws, and would shorten a title.
+    // With a large font Qt's style reserves a little less than it draws, and would shorten a title.
     setMinimumWidth(0);
     setMinimumWidth(sizeHint().width() + 2 * fontMetrics().averageCharWidth());
 }

@@ -1,10 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Quillory developers
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Quillory/UI/Shell/BringToFront.h"
+#include "Quillory/UI/Shell/Windows.h"
 
 #include "Platform/Workspace.h"
 
-#include <QCoreApplication>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QShortcut>
 #include <QTimer>
 #include <QWidget>
 
@@ -29,6 +32,20 @@ void bringToFront(QWidget &window, platform::Workspace &workspace) {
             activateOwnWindows(workspace);
         }
     });
+}
+
+void placeAtPointer(QWidget &window) {
+    constexpr double mostOfScreen = 0.9;
+    const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
+    const QRect room = (screen != nullptr ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+    window.resize(window.size().boundedTo(room.size() * mostOfScreen));
+    window.move(room.center() - window.rect().center());
+}
+
+void closeByKeys(QWidget &window) {
+    for (const QKeySequence &keys : {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::CTRL | Qt::Key_W)}) {
+        QObject::connect(new QShortcut(keys, &window), &QShortcut::activated, &window, &QWidget::close);
+    }
 }
 
 } // namespace quillory::ui
