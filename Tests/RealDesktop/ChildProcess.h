@@ -2,9 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QProcess>
+#include <QByteArray>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,13 +20,13 @@ class ChildProcess {
     /// started.
     explicit ChildProcess(const std::vector<std::string> &arguments, Output output = Output::shown);
     ~ChildProcess() { end(); }
-    ChildProcess(ChildProcess &&other) noexcept = default;
+    ChildProcess(ChildProcess &&other) noexcept;
     ChildProcess &operator=(ChildProcess &&other) noexcept;
     ChildProcess(const ChildProcess &) = delete;
     ChildProcess &operator=(const ChildProcess &) = delete;
 
-    /// 0 once it has been seen to have ended.
-    [[nodiscard]] pid_t pid() const;
+    /// -1 once it has been seen to have ended.
+    [[nodiscard]] pid_t pid() const { return m_pid; }
     [[nodiscard]] bool isRunning();
     /// The next line that it prints; empty when there is no further one.
     [[nodiscard]] std::string line();
@@ -37,7 +36,12 @@ class ChildProcess {
     int end();
 
   private:
-    std::unique_ptr<QProcess> m_process;
+    void take(ChildProcess &other);
+
+    pid_t m_pid = -1;
+    /// Where its output is read from, or -1.
+    int m_output = -1;
+    int m_status = 0;
 };
 
 /// Runs a program to its end and returns its exit status.

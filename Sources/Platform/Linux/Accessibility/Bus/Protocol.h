@@ -12,6 +12,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 
 namespace platform::desktop::atspi {
 
@@ -21,7 +22,10 @@ struct ElementRef {
     std::string path;
 
     [[nodiscard]] bool isNull() const { return bus.empty() || path.empty(); }
-    friend auto operator<=>(const ElementRef &, const ElementRef &) = default;
+    friend bool operator==(const ElementRef &, const ElementRef &) = default;
+    friend bool operator<(const ElementRef &a, const ElementRef &b) {
+        return std::tie(a.bus, a.path) < std::tie(b.bus, b.path);
+    }
 };
 
 struct ElementRefHash {
